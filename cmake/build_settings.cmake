@@ -1,0 +1,71 @@
+# SPDX-License-Identifier: MIT
+# Settings of every target: language level, output folders, reproducible file names, warnings,
+# sanitizers.
+
+# RGEN_<NAME> for each line of versions.env.
+file(STRINGS ${PROJECT_SOURCE_DIR}/cmake/versions.env version_settings REGEX "^[A-Z]")
+foreach(line IN LISTS version_settings)
+    string(REGEX MATCH "^([A-Z0-9_]+)=\"?([^\"]*)" matched "${line}")
+    set(RGEN_${CMAKE_MATCH_1} "${CMAKE_MATCH_2}")
+endforeach()
+
+set(CMAKE_C_STANDARD 99)
+set(CMAKE_C_STANDARD_REQUIRED ON)
+set(CMAKE_C_EXTENSIONS OFF)
+set(CMAKE_CXX_STANDARD 17)
+set(CMAKE_CXX_STANDARD_REQUIRED ON)
+set(CMAKE_CXX_EXTENSIONS OFF)
+set(CMAKE_EXPORT_COMPILE_COMMANDS ON)
+
+# Programs and libraries share one folder, where Windows looks for a program's DLLs.
+set(CMAKE_RUNTIME_OUTPUT_DIRECTORY ${PROJECT_BINARY_DIR}/bin)
+set(CMAKE_LIBRARY_OUTPUT_DIRECTORY ${PROJECT_BINARY_DIR}/bin)
+set(CMAKE_ARCHIVE_OUTPUT_DIRECTORY ${PROJECT_BINARY_DIR}/lib)
+set(CMAKE_BUILD_RPATH_USE_ORIGIN ON)
+
+# No folder of the building machine stays in a binary.
+add_compile_options(-ffile-prefix-map=${PROJECT_BINARY_DIR}=build
+                    -ffile-prefix-map=${PROJECT_SOURCE_DIR}=.)
+
+if(WIN32)
+    add_compile_definitions(NOMINMAX WIN32_LEAN_AND_MEAN)
+    add_link_options(LINKER:--no-insert-timestamp LINKER:--nxcompat LINKER:--dynamicbase
+                     LINKER:--high-entropy-va)
+else()
+    add_link_options(LINKER:-z,relro LINKER:-z,now)
+endif()
+
+if(RGEN_SANITIZER)
+    add_compile_options(-fsanitize=${RGEN_SANITIZER} -fno-sanitize-recover=all
+                        -fno-omit-frame-pointer)
+    add_link_options(-fsanitize=${RGEN_SANITIZER})
+endif()
+
+# Linked by every target of our own; third-party headers are system headers and stay quiet.
+add_library(rgen_warnings INTERFACE)
+target_compile_options(
+    rgen_warnings
+    INTERFACE
+        -Wall
+        -Wextra
+        -Wpedantic
+        -Wcast-align
+        -Wcast-qual
+        -Wconversion
+        -Wdouble-promotion
+        -Wduplicated-branches
+        -Wduplicated-cond
+        -Wformat=2
+        -Wlogical-op
+        -Wshadow
+        -Wsign-conversion
+        -Wundef
+        -Wvla
+        $<$<COMPILE_LANGUAGE:CXX>:-Wextra-semi>
+        $<$<COMPILE_LANGUAGE:CXX>:-Wnon-virtual-dtor>
+        $<$<COMPILE_LANGUAGE:CXX>:-Wold-style-cast>
+        $<$<COMPILE_LANGUAGE:CXX>:-Woverloaded-virtual>
+        $<$<COMPILE_LANGUAGE:CXX>:-Wredundant-decls>
+        $<$<COMPILE_LANGUAGE:CXX>:-Wzero-as-null-pointer-constant>
+        $<$<COMPILE_LANGUAGE:C>:-Wmissing-prototypes>
+        $<$<COMPILE_LANGUAGE:C>:-Wstrict-prototypes>)

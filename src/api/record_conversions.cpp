@@ -1,0 +1,127 @@
+// Record conversions. Texts are read up to their terminating zero byte; the length fields of
+// records are not consulted on the way in.
+//
+// SPDX-License-Identifier: MIT
+#include "api/record_conversions.h"
+
+#include <algorithm>
+#include <cstddef>
+#include <string>
+#include <utility>
+
+namespace rgen {
+namespace {
+
+std::string toText(const RgenAnsiString& record) {
+    return record.data == nullptr ? std::string() : std::string(record.data);
+}
+
+ByteVector toBytes(const RgenByteArray& record) {
+    return record.data == nullptr ? ByteVector()
+                                  : ByteVector(record.data, record.data + record.size);
+}
+
+/// Empty for the types that do not enter the library.
+Variant toVariant(const RgenCVariant& record) {
+    const VariantHint hint = boundaryHint(record.hint);
+    switch (record.type) {
+        case RGEN_TYPE_INT64:
+            return {record.value.int64Value, hint};
+        case RGEN_TYPE_STRING:
+            return {toText(record.value.stringValue), hint};
+        case RGEN_TYPE_BYTE_ARRAY:
+            return {toBytes(record.value.byteArrayValue), hint};
+        default:
+            return {};
+    }
+}
+
+/// The hint of an integer or handle on its way out.
+std::uint64_t outgoingHint(const Variant& variant) {
+    return static_cast<std::uint64_t>(boundaryHint(static_cast<std::uint64_t>(variant.hint)));
+}
+
+/// Fills a record from a value of any kind but Handle. An empty byte vector, and a Variant without
+/// a value, leave the record untouched.
+void fillVariant(const char* name, const Variant& variant, RgenCVariant& record) {
+    if (!variant.value.hasValue) return;
+    if (variant.value.kind == VariantKind::Int64) {
+        rgen_createRgenCVariantInt64(name, variant.value.as<std::int64_t>(), outgoingHint(variant),
+                                     &record);
+    } else if (variant.value.kind == VariantKind::String) {
+        rgen_createRgenCVariantString(name, variant.value.as<std::string>().c_str(),
+                                      RGEN_HINT_GENERIC, &record);
+    } else if (variant.value.kind == VariantKind::ByteArray) {
+        const auto& bytes = variant.value.as<ByteVector>();
+        if (bytes.empty()) return;
+        rgen_createRgenCVariantByteArray(name, bytes.data(), bytes.size(), RGEN_HINT_DUMP, &record);
+    }
+}
+
+}  // namespace
+
+Guid toGuid(const RgenGuid& guid) {
+    Guid converted = {guid.data1, guid.data2, guid.data3, {}};
+    std::copy(std::begin(guid.data4), std::end(guid.data4), converted.data4.begin());
+    return converted;
+}
+
+VariantMap toVariantMap(const RgenCVariantSet& set) {
+    VariantMap values;
+    if (set.items == nullptr) return values;
+    for (std::uint64_t i = 0; i < set.count; ++i) {
+        Variant value = toVariant(set.items[i]);
+        if (value.value.hasValue) values[toText(set.items[i].name)] = std::move(value);
+    }
+    return values;
+}
+
+PropertyMap toPropertyMap(const RgenCAnsiStringPairSet& set) {
+    PropertyMap properties;
+    if (set.keys == nullptr || set.values == nullptr) return properties;
+    for (std::uint64_t i = 0; i < set.count; ++i) {
+        properties[toText(set.keys[i])] = toText(set.values[i]);
+    }
+    return properties;
+}
+
+InputParams toInputParams(const RgenCInputParams& input) {
+    return {toVariantMap(input.variants), toPropertyMap(input.pairs),
+            toGuid(input.templateGuid),   input.outputMode,
+            input.skipExternalConversion, toText(input.outputFormat),
+            toText(input.outputPath),     toText(input.converterBaseArg)};
+}
+
+void fillResult(const Variant& result, RgenCVariant* record) {
+    // On purpose: every result carries this name.
+    constexpr const char* resultName = "Return stub name";
+    if (record == nullptr || !result.value.hasValue) return;
+    if (result.value.kind == VariantKind::Handle) {
+        rgen_createRgenCVariantHandle(resultName, result.value.as<void*>(), outgoingHint(result),
+                                      record);
+    } else {
+        fillVariant(resultName, result, *record);
+    }
+}
+
+bool fillVariantSet(const VariantMap& values, RgenCVariantSet& set) {
+    if (rgen_createRgenCVariantSet(&set, values.size()) == 0) return false;
+    RgenCVariant* record = set.items;
+    // On purpose: an entry that cannot be shown to the host keeps its zero-filled record.
+    for (const auto& [name, value] : values)
+        fillVariant(name.c_str(), value, *record++);
+    return true;
+}
+
+bool fillPairSet(const PropertyMap& properties, RgenCAnsiStringPairSet& set) {
+    if (rgen_createRgenCAnsiStringpairSet(&set, properties.size()) == 0) return false;
+    std::size_t i = 0;
+    for (const auto& [name, text] : properties) {
+        rgen_createRgenAnsiString(name.c_str(), &set.keys[i]);
+        rgen_createRgenAnsiString(text.c_str(), &set.values[i]);
+        ++i;
+    }
+    return true;
+}
+
+}  // namespace rgen

@@ -1,0 +1,14 @@
+// English descriptions of status values.
+//
+// SPDX-License-Identifier: MIT
+#pragma once
+
+#include "status.h"
+
+namespace rgen {
+
+/// The description of `status`, or one of the fixed texts for numbers that have none. Static; the
+/// same pointer for the same number each time.
+const char* statusText(Status status);
+
+}  // namespace rgen

@@ -1,0 +1,84 @@
+// The generation driver: registration, configuration, merge, template, transformation, delivery,
+// with the points at which a cancellation is honoured.
+//
+// SPDX-License-Identifier: MIT
+#include "generate/generation_driver.h"
+
+#include <boost/filesystem/exception.hpp>
+#include <string>
+#include <utility>
+
+#include "generate/delivery.h"
+#include "generate/transformation.h"
+#include "platform/platform.h"
+#include "store/data_directory.h"
+#include "store/file_system.h"
+#include "store/persistent_data.h"
+#include "sync/cancellation_registry.h"
+#include "variant/hinted_convertors.h"
+
+namespace rgen {
+namespace {
+
+/// Typed values win over string pairs, string pairs over persistent data.
+Status mergeInput(ReportGenerator& generator, const InputParams& request,
+                  const std::string& persistDataFile, const sync::CancellationToken& token,
+                  PropertyMap& properties) {
+    if (token.isCancellationRequested()) return RGEN_CANCELED;
+    properties.clear();
+    // On purpose: persistent data that is missing or cannot be read contributes nothing.
+    static_cast<void>(readPersistentData(generator, persistDataFile, properties));
+    for (const auto& [name, text] : request.pairs)
+        properties[name] = text;
+    for (const auto& [name, value] : request.variants)
+        properties[name] = variantText(value);
+    return properties.empty() ? RGEN_E_EMPTY_INPUT : RGEN_OK;
+}
+
+void createFolderIfMissing(const std::string& path) {
+    try {
+        if (!pathExists(path)) createDirectory(path);
+    } catch (const boost::filesystem::filesystem_error&) {
+        // On purpose: the missing template is reported afterwards, not the missing folder.
+    }
+}
+
+/// Creates the folders of the template on the way. Empty when either name is empty.
+std::string templatePathOf(ReportGenerator& generator, const std::string& reportTypeFile,
+                           const std::string& outputFormat) {
+    if (reportTypeFile.empty() || outputFormat.empty()) return {};
+    std::string path = dataDirPathOf(generator) + "templates";
+    createFolderIfMissing(path);
+    path += platform::pathSeparator + outputFormat;
+    createFolderIfMissing(path);
+    return path + platform::pathSeparator + reportTypeFile;
+}
+
+}  // namespace
+
+Status generate(ReportGenerator& generator, const InputParams& request, Variant& result) {
+    const sync::GenerationRegistration registration(generator, request.templateGuid);
+    const sync::CancellationToken& token = registration.token();
+
+    ReportTypeEntry entry;
+    const Status loaded = loadReportType(generator, request.templateGuid, entry);
+    if (failed(loaded)) return loaded;
+    if (token.isCancellationRequested()) return RGEN_CANCELED;
+
+    PropertyMap properties;
+    const Status merged = mergeInput(generator, request, entry.persistDataFile, token, properties);
+    if (failed(merged)) return merged;
+
+    const std::string templatePath =
+        templatePathOf(generator, entry.reportTypeFile, request.outputFormat);
+    if (!pathExists(templatePath)) return RGEN_E_TEMPLATE_NOT_FOUND;
+    if (token.isCancellationRequested()) return RGEN_CANCELED;
+
+    ByteVector report;
+    const Status transformed =
+        transform(generator, request.outputFormat, properties, templatePath, token, report);
+    if (failed(transformed)) return transformed;
+    return deliver(generator, request, std::move(report), token, result);
+}
+
+}  // namespace rgen

@@ -1,0 +1,90 @@
+// The transformation. A template is read, translated and compiled anew for every report; nothing is
+// kept. All three formats go the same way: a format only names the template's folder and, later,
+// the delivery.
+//
+// SPDX-License-Identifier: MIT
+#include "generate/transformation.h"
+
+#include <libxml/parser.h>
+#include <libxslt/transform.h>
+#include <libxslt/xsltutils.h>
+
+#include <mutex>
+
+#include "generate/translation.h"
+#include "store/file_system.h"
+#include "store/xml_parser_context.h"
+#include "store/xslt_stack_guard.h"
+
+namespace rgen {
+namespace {
+
+bool isKnownFormat(const std::string& format) {
+    return format == "pdf" || format == "html" || format == "txt";
+}
+
+/// Entity substitution and loading of external DTDs, as defaults of the calling thread.
+void setParserDefaults() {
+#pragma GCC diagnostic push
+#pragma GCC diagnostic ignored "-Wdeprecated-declarations"
+    xmlSubstituteEntitiesDefault(1);
+    xmlLoadExtDtdDefaultValue = 1;
+#pragma GCC diagnostic pop
+}
+
+XmlPtr<xmlDoc> applyStylesheet(xsltStylesheet* stylesheet, xmlDoc* data) {
+    const XmlPtr<xsltTransformContext> context(xsltNewTransformContext(stylesheet, data));
+    if (!context) return nullptr;
+    guardStack(*context);
+    constexpr const char** noParameters = nullptr;
+    return XmlPtr<xmlDoc>(xsltApplyStylesheetUser(stylesheet, data, noParameters,
+                                                  /*output=*/nullptr, /*profile=*/nullptr,
+                                                  context.get()));
+}
+
+Status serialise(xmlDoc* output, xsltStylesheet* stylesheet, ByteVector& result) {
+    xmlChar* text = nullptr;
+    int length = 0;
+    const int outcome = xsltSaveResultToString(&text, &length, output, stylesheet);
+    const XmlPtr<xmlChar> buffer(text);
+    if (outcome < 0 || !buffer) return RGEN_E_XSLT_RESULT;
+    result.assign(buffer.get(), buffer.get() + length);
+    return RGEN_OK;
+}
+
+}  // namespace
+
+Status transform(ReportGenerator& generator, const std::string& outputFormat,
+                 const PropertyMap& properties, const std::string& templatePath,
+                 const sync::CancellationToken& token, ByteVector& result) {
+    const XmlSilence silence;
+    const std::lock_guard lock(generator.mutex);
+    if (!isKnownFormat(outputFormat)) return RGEN_E_UNKNOWN_FORMAT;
+    const XmlPtr<xmlDoc> data = buildPropertyDocument(properties);
+    if (token.isCancellationRequested()) return RGEN_CANCELED;
+    const XmlPtr<xsltStylesheet> stylesheet = loadStylesheet(generator, templatePath);
+    if (!stylesheet) return RGEN_E_XSLT_PARSE;
+    if (token.isCancellationRequested()) return RGEN_CANCELED;
+    const XmlPtr<xmlDoc> output = applyStylesheet(stylesheet.get(), data.get());
+    if (!output) return RGEN_E_XSLT_APPLY;
+    return serialise(output.get(), stylesheet.get(), result);
+}
+
+XmlPtr<xsltStylesheet> loadStylesheet(const ReportGenerator& generator,
+                                      const std::string& templatePath) {
+    std::string text;
+    if (!readFile(templatePath, text)) return nullptr;
+    translateTemplateText(generator, text);
+    constexpr int options = XML_PARSE_RECOVER | XML_PARSE_NONET;
+    constexpr const char* noBaseUrl = nullptr;
+    XmlPtr<xmlDoc> document(xmlReadDoc(xmlText(text.c_str()), noBaseUrl, "UTF-8", options));
+    if (!document) return nullptr;
+    // On purpose: behind the parse and in front of the compilation, at every load.
+    setParserDefaults();
+    XmlPtr<xsltStylesheet> stylesheet(xsltParseStylesheetDoc(document.get()));
+    // libxslt owns the document only if it has compiled it.
+    if (stylesheet) static_cast<void>(document.release());
+    return stylesheet;
+}
+
+}  // namespace rgen

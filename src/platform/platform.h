@@ -1,0 +1,82 @@
+// All that the library asks of the operating system. platform_windows.cpp and platform_posix.cpp
+// implement this page, and a build compiles exactly one of them.
+//
+// SPDX-License-Identifier: MIT
+#pragma once
+
+#include <boost/filesystem/path.hpp>
+#include <cstddef>
+#include <cstdint>
+#include <ctime>
+#include <string>
+
+namespace rgen::platform {
+
+/// Path text as the file system takes it: UTF-16 on Windows, UTF-8 bytes elsewhere.
+using NativePathText = boost::filesystem::path::string_type;
+
+/// What hosts receive in delete-on-close mode: a Windows HANDLE, elsewhere a descriptor number.
+using FileHandle = void*;
+
+/// Separator of the paths that the library builds: "\" on Windows, "/" elsewhere.
+extern const char pathSeparator;
+
+/// Converts UTF-8 path text for the file system. Raises std::range_error ("bad conversion") for
+/// text that is not strict UTF-8, on every system alike.
+NativePathText toWidePath(const std::string& utf8Text);
+
+/// Breaks `secondsSince1970` (UTC) down into local time, by the time zone in force at the call.
+/// False for negative numbers and for those past the year 3000; `brokenDown` is then untouched.
+bool localTime(std::int64_t secondsSince1970, std::tm& brokenDown);
+
+/// Creates `path` as a file that vanishes with its last handle; an existing file is overwritten.
+/// Windows takes the bytes of `path` in the ANSI code page. False when it cannot be created.
+bool createDeleteOnCloseFile(const std::string& path, FileHandle& file);
+
+/// Writes `size` bytes. False when nothing could be written because of an error; otherwise
+/// `written` tells how many bytes arrived.
+bool writeToFile(FileHandle file, const void* bytes, std::size_t size, std::size_t& written);
+
+void closeFile(FileHandle file);
+
+/// A program that was started from one command line. It has no console window and no open files of
+/// this process, and it is not ended when this object goes.
+class ChildProcess {
+public:
+    /// Starts the program that the first word of `commandLine` (UTF-8) names; the system searches
+    /// for it. Raises std::range_error as toWidePath does. started() tells the outcome.
+    explicit ChildProcess(const std::string& commandLine);
+    ~ChildProcess();
+
+    ChildProcess(const ChildProcess&) = delete;
+    ChildProcess& operator=(const ChildProcess&) = delete;
+
+    bool started() const;
+
+    /// Waits for the end of the program. True when the time has passed and the program still runs;
+    /// false when it has ended or cannot be waited for.
+    bool waitTimedOut(std::uint32_t milliseconds);
+
+    /// Fetches the exit code of an ended program, once. False when the system does not tell it.
+    bool queryExitCode(std::uint32_t& exitCode);
+
+private:
+    std::intptr_t process_;
+    std::intptr_t waitHandle_;
+};
+
+/// Collects the remains of programs that were still running when their ChildProcess went. Cheap
+/// when there are none; does nothing on Windows, where nothing remains.
+void reapAbandonedProcesses();
+
+/// Lowest address of the calling thread's stack, or null when the system does not tell it.
+const char* stackLimit();
+
+/// Bytes of stack that a template must leave to the code below it.
+extern const std::size_t stackReserve;
+
+/// Levels of XPath nesting that a template does without on a small stack, so that one expression
+/// fits into stackReserve. libxml2 itself allows 5,000 levels, on Windows 1,000.
+extern const int withheldXPathLevels;
+
+}  // namespace rgen::platform

@@ -1,0 +1,14 @@
+// The UTF-8 check in front of every path.
+//
+// SPDX-License-Identifier: MIT
+#pragma once
+
+#include <string>
+
+namespace rgen::platform {
+
+/// Raises std::range_error ("bad conversion") unless `text` is strict UTF-8: no invalid, overlong
+/// or incomplete sequences, no surrogates, nothing above U+10FFFF.
+void requireUtf8(const std::string& text);
+
+}  // namespace rgen::platform

@@ -1,0 +1,46 @@
+// The file system as the library sees it: UTF-8 path texts in, Boost.Filesystem underneath in its
+// throwing forms. Failures other than those named raise boost::filesystem::filesystem_error, and
+// text that is not valid UTF-8 raises std::range_error ("bad conversion").
+//
+// SPDX-License-Identifier: MIT
+#pragma once
+
+#include <boost/filesystem/path.hpp>
+#include <cstdint>
+#include <string>
+#include <vector>
+
+namespace rgen {
+
+boost::filesystem::path toNativePath(const std::string& path);
+
+/// True for any file system object, not only for a folder.
+bool pathExists(const std::string& path);
+
+/// Creates one level. False only when the folder has come into being meanwhile.
+bool createDirectory(const std::string& path);
+
+/// Removes a file or an empty folder. False when nothing was there.
+bool removeFile(const std::string& path);
+
+bool isDirectory(const std::string& path);
+
+/// Size in bytes.
+std::uint64_t fileSize(const std::string& path);
+
+/// Removes what stands at `path` to make room for a new file. False when it cannot be removed, in
+/// whichever way that failed, and for devices, pipes and sockets, which are left alone. True when
+/// nothing stood there.
+bool makeRoomForFile(const std::string& path);
+
+/// Clean-up: removes a file if it is there and can be removed. Never raises anything.
+void removeQuietly(const std::string& path) noexcept;
+
+/// Creates or overwrites a file. False when it cannot be opened; what happens to the bytes after
+/// that is not examined.
+bool writeFile(const std::string& path, const std::vector<std::uint8_t>& bytes);
+
+/// Reads a regular file. False when there is none that can be opened.
+bool readFile(const std::string& path, std::string& bytes);
+
+}  // namespace rgen

@@ -1,0 +1,33 @@
+// Owners for every libxml2 and libxslt pointer: it lives in an XmlPtr from the line that makes it.
+//
+// SPDX-License-Identifier: MIT
+#pragma once
+
+#include <libxml/tree.h>
+#include <libxml/xpath.h>
+#include <libxslt/transform.h>
+#include <libxslt/xsltInternals.h>
+
+#include <memory>
+
+namespace rgen {
+
+struct XmlDeleter {
+    void operator()(xmlChar* text) const { xmlFree(text); }
+    void operator()(xmlDoc* document) const { xmlFreeDoc(document); }
+    void operator()(xmlNode* node) const { xmlFreeNode(node); }
+    void operator()(xmlXPathContext* context) const { xmlXPathFreeContext(context); }
+    void operator()(xmlXPathObject* object) const { xmlXPathFreeObject(object); }
+    void operator()(xsltStylesheet* stylesheet) const { xsltFreeStylesheet(stylesheet); }
+    void operator()(xsltTransformContext* context) const { xsltFreeTransformContext(context); }
+};
+
+template <typename T>
+using XmlPtr = std::unique_ptr<T, XmlDeleter>;
+
+/// Literal text as libxml2 takes it.
+inline const xmlChar* xmlText(const char* text) {
+    return reinterpret_cast<const xmlChar*>(text);
+}
+
+}  // namespace rgen

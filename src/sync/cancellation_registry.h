@@ -1,0 +1,47 @@
+// The registry of running generations: registration, removal and cancellation.
+//
+// SPDX-License-Identifier: MIT
+#pragma once
+
+#include <memory>
+#include <string>
+
+#include "report_generator.h"
+#include "store/guid.h"
+#include "sync/cancellation.h"
+
+namespace rgen::sync {
+
+/// Keeps one generation registered under its report type while it lives, so that rgen_cancel
+/// reaches it. Every registration starts with a fresh token.
+class GenerationRegistration {
+public:
+    /// Takes the generator's mutex for the insertion.
+    GenerationRegistration(ReportGenerator& generator, const Guid& guid);
+    /// Runs unregisterGeneration.
+    ~GenerationRegistration();
+    GenerationRegistration(const GenerationRegistration&) = delete;
+    GenerationRegistration& operator=(const GenerationRegistration&) = delete;
+
+    const CancellationToken& token() const { return *token_; }
+
+private:
+    ReportGenerator& generator_;
+    std::shared_ptr<CancellationTokenSource> source_;
+    std::shared_ptr<CancellationToken> token_;
+    std::string key_;
+};
+
+/// Erases the entry under `key` whose source is `source`, if it is still there; entries of other
+/// generations under the same key stay. Takes the generator's mutex.
+void unregisterGeneration(ReportGenerator& generator, const std::string& key,
+                          const std::shared_ptr<CancellationTokenSource>& source);
+
+/// Raises the flags of all registered generations of a report type and removes their entries. Takes
+/// the generator's mutex.
+void cancelGenerations(ReportGenerator& generator, const Guid& guid);
+
+/// The same for every registered generation.
+void cancelAllGenerations(ReportGenerator& generator);
+
+}  // namespace rgen::sync

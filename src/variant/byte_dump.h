@@ -1,0 +1,20 @@
+// The text form of byte arrays in simulated input: "0x01, 0xAB".
+//
+// SPDX-License-Identifier: MIT
+#pragma once
+
+#include <string>
+
+#include "variant/variant.h"
+
+namespace rgen {
+
+/// True for one or more tokens of "0x" and two hexadecimal digits, separated by commas, with white
+/// space anywhere around tokens and commas.
+bool isValidByteDump(const std::string& text);
+
+/// Appends the bytes of a valid dump to `bytes`. An invalid one writes one line to standard output,
+/// the only thing that this library prints, and gives false.
+bool parseByteDump(const std::string& text, ByteVector& bytes);
+
+}  // namespace rgen

@@ -1,0 +1,51 @@
+// One stateless convertor object for each kind of value: it shows the value as text by its hint.
+// variantText is the door for everybody who needs the text of a value.
+//
+// SPDX-License-Identifier: MIT
+#pragma once
+
+#include <cstdint>
+#include <string>
+#include <vector>
+
+#include "variant/variant.h"
+
+namespace hvariant_private {
+
+class IHintedVariantValueConvertor {
+public:
+    /// Sets `result` to the text of `variant`. Never fails: an abnormal value (null, no value, hint
+    /// Uninitialized, another kind than the convertor's) gives "UNINITIALIZED_VARIANT_VALUE".
+    virtual void convert(std::string& result, const rgen::Variant* variant,
+                         rgen::VariantHint hint) const = 0;
+
+protected:
+    constexpr IHintedVariantValueConvertor() = default;
+    ~IHintedVariantValueConvertor() = default;
+};
+
+template <typename T>
+class HintedVariantValueConvertor final : public IHintedVariantValueConvertor {
+public:
+    constexpr HintedVariantValueConvertor() = default;
+    void convert(std::string& result, const rgen::Variant* variant,
+                 rgen::VariantHint hint) const override;
+};
+
+/// The single instance of each convertor class.
+template <typename T>
+inline constexpr HintedVariantValueConvertor<T> convertorFor;
+
+extern template class HintedVariantValueConvertor<std::string>;
+extern template class HintedVariantValueConvertor<std::int64_t>;
+extern template class HintedVariantValueConvertor<std::vector<std::uint8_t>>;
+extern template class HintedVariantValueConvertor<void*>;
+
+}  // namespace hvariant_private
+
+namespace rgen {
+
+/// The display text of a value under its own hint; "UNINITIALIZED_VARIANT_VALUE" for an empty one.
+std::string variantText(const Variant& variant);
+
+}  // namespace rgen

@@ -1,0 +1,27 @@
+// The raw input dump. It carries neither types nor hints, so reading it back gives no values; the
+// file for simulated input is another one of the same outer shape.
+//
+// SPDX-License-Identifier: MIT
+#include "variant/raw_dump.h"
+
+#include "store/file_system.h"
+#include "store/property_document.h"
+#include "store/xml_file.h"
+#include "store/xml_parser_context.h"
+#include "variant/hinted_convertors.h"
+
+namespace rgen {
+
+Status writeRawInputDump(ReportGenerator& /*generator*/, const VariantMap& values,
+                         const std::string& path) {
+    PropertyMap texts;
+    for (const auto& [name, value] : values)
+        texts[name] = variantText(value);
+    if (!makeRoomForFile(path)) return RGEN_E_DELETE_DUMP;
+    const XmlSilence silence;
+    const XmlPtr<xmlDoc> document = buildPropertyDocument(texts);
+    // On purpose: the dump shares its failure status with the persistent data store.
+    return saveXmlFile(path, document.get()) ? RGEN_OK : RGEN_E_CREATE_PERSIST;
+}
+
+}  // namespace rgen

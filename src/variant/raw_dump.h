@@ -1,0 +1,19 @@
+// The raw input dump: the names and display texts of typed values as an XML file.
+//
+// SPDX-License-Identifier: MIT
+#pragma once
+
+#include <string>
+
+#include "report_generator.h"
+#include "status.h"
+#include "variant/variant.h"
+
+namespace rgen {
+
+/// Replaces the file at `path`. Failures: RGEN_E_DELETE_DUMP (the old file stays),
+/// RGEN_E_CREATE_PERSIST (the old file is gone). The generator is not consulted, no lock is taken.
+Status writeRawInputDump(ReportGenerator& generator, const VariantMap& values,
+                         const std::string& path);
+
+}  // namespace rgen

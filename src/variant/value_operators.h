@@ -1,0 +1,48 @@
+// One stateless operator object for each kind of value: it ends, copies and moves a value in place
+// for code that does not know the kind at compile time.
+//
+// SPDX-License-Identifier: MIT
+#pragma once
+
+#include <cstdint>
+#include <string>
+#include <vector>
+
+namespace rgen::variant_private {
+
+/// Works on raw storage that is large enough for any kind. No virtual destructor: the instances are
+/// never deleted.
+class IVariantValueOperator {
+public:
+    /// Ends the life of the value in `storage`.
+    virtual void destroy(void* storage) const noexcept = 0;
+    /// Constructs a copy of the value in `source` in the empty `destination`.
+    virtual void copy(void* destination, const void* source) const = 0;
+    /// Constructs the value of `source` in the empty `destination`; the source stays alive,
+    /// emptied.
+    virtual void move(void* destination, void* source) const noexcept = 0;
+
+protected:
+    constexpr IVariantValueOperator() = default;
+    ~IVariantValueOperator() = default;
+};
+
+template <typename T>
+class VariantValueOperator final : public IVariantValueOperator {
+public:
+    constexpr VariantValueOperator() = default;
+    void destroy(void* storage) const noexcept override;
+    void copy(void* destination, const void* source) const override;
+    void move(void* destination, void* source) const noexcept override;
+};
+
+/// The single instance of each operator class.
+template <typename T>
+inline constexpr VariantValueOperator<T> valueOperatorFor;
+
+extern template class VariantValueOperator<std::string>;
+extern template class VariantValueOperator<std::int64_t>;
+extern template class VariantValueOperator<std::vector<std::uint8_t>>;
+extern template class VariantValueOperator<void*>;
+
+}  // namespace rgen::variant_private
