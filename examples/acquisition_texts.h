@@ -1,0 +1,38 @@
+/*
+ * German and Russian translations of the texts that are marked in the acquisition templates.
+ *
+ * SPDX-License-Identifier: MIT
+ */
+#ifndef ACQUISITION_TEXTS_H
+#define ACQUISITION_TEXTS_H
+
+/* One language; the tables are in acquisition_texts.c. */
+typedef struct AcquisitionLanguage {
+    /* Two letters, "en", "de" or "ru". */
+    const char* code;
+    /* Column of the table; 0 is the English text itself. */
+    int column;
+} AcquisitionLanguage;
+
+enum { AcquisitionLanguageCount = 3 };
+
+extern const AcquisitionLanguage acquisitionLanguages[AcquisitionLanguageCount];
+
+/* What the translate callback is given as its context. */
+typedef struct AcquisitionTranslator {
+    const AcquisitionLanguage* language;
+    /* Texts that were asked for and are in no table. */
+    unsigned missing;
+} AcquisitionTranslator;
+
+/**
+ * Translates one text; made for rgen_setTranslateFunction.
+ *
+ * @param text     The marked text of the template.
+ * @param context  An AcquisitionTranslator.
+ * @return         The translation, a static text; text itself when there is none, which is counted
+ *                 and told on the standard error stream.
+ */
+const char* translateAcquisitionText(const char* text, void* context);
+
+#endif
