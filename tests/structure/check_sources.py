@@ -1,0 +1,83 @@
+"""Budgets and habits that can be read off the sources: file sizes, one OS conditional, no left-over
+marks, licence lines, unique file names, ASCII in the library.
+
+SPDX-License-Identifier: MIT
+"""
+
+import re
+from collections import defaultdict
+
+from project_files import (CODE_ENDINGS, ROOT, code_files, finish, own_files, problem, relative,
+                           without_comments)
+
+LONGEST_FILE = 400
+WITHOUT_LIMIT = {"include/strata_repgenlib/rgen.h"}
+CONDITIONAL = re.compile(r"^\s*#\s*(if|ifdef|ifndef|elif)\b(.*)$", re.M)
+OS_NAME = re.compile(r"\b(_WIN32|_WIN64|WIN32|__MINGW\w+|__linux__|__unix__|__GNUC__|_MSC_VER"
+                     r"|__APPLE__|__CYGWIN__)\b")
+OS_CONDITIONAL_FILE = "include/strata_repgenlib/rgen.h"
+MARKS = re.compile(r"\b(TO" r"DO|FIX" r"ME|XX" r"X|HA" r"CK)\b")
+SCRIPT_NAMES = {"CMakeLists.txt", "setup", "dependencies", "demo", "test", "lint", "run",
+                "run-under-wine", "run_test_program"}
+LICENSED_ENDINGS = CODE_ENDINGS | {".cmake", ".py", ".sh", ".map", ".def"}
+
+
+def check_os_conditionals():
+    found = []
+    for path in code_files("include", "src"):
+        for match in CONDITIONAL.finditer(without_comments(path.read_text())):
+            if OS_NAME.search(match.group(2)):
+                found.append(relative(path))
+    if found != [OS_CONDITIONAL_FILE]:
+        problem("the library has exactly one OS conditional, in the public header; found: "
+                + (", ".join(found) or "none"))
+
+
+def check_code_file(path):
+    name = relative(path)
+    text = path.read_text(encoding="utf-8")
+    lines = text.splitlines()
+    if len(lines) > LONGEST_FILE and name not in WITHOUT_LIMIT:
+        problem(f"{name}: {len(lines)} lines, at most {LONGEST_FILE} are allowed")
+    for number, line in enumerate(lines, 1):
+        if name.startswith(("include/", "src/")) and not line.isascii():
+            problem(f"{name}:{number}: not ASCII")
+    if re.search(r"\bgoto\b", without_comments(text)):
+        problem(f"{name}: uses goto")
+
+
+def check_text_file(path):
+    name = relative(path)
+    try:
+        text = path.read_text(encoding="utf-8")
+    except UnicodeDecodeError:
+        return
+    for number, line in enumerate(text.splitlines(), 1):
+        mark = MARKS.search(line)
+        if mark:
+            problem(f"{name}:{number}: left-over mark {mark.group(0)}")
+    licensed = path.suffix in LICENSED_ENDINGS or path.name in SCRIPT_NAMES
+    if licensed and "SPDX-License-Identifier: MIT" not in text:
+        problem(f"{name}: no licence line")
+    if name.startswith("scripts/") and len(text.splitlines()) > LONGEST_FILE:
+        problem(f"{name}: more than {LONGEST_FILE} lines")
+
+
+def check_unique_names():
+    places = defaultdict(list)
+    for path in code_files():
+        places[path.name].append(relative(path))
+    for name, where in places.items():
+        if len(where) > 1:
+            problem(f"file name used twice: {', '.join(where)}")
+        if not re.fullmatch(r"[a-z][a-z0-9_]*\.(c|cpp|h)", name):
+            problem(f"{where[0]}: file names are snake_case")
+
+
+check_os_conditionals()
+for code_file in code_files():
+    check_code_file(code_file)
+for file in own_files():
+    check_text_file(file)
+check_unique_names()
+finish("sources")

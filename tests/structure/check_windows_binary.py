@@ -1,0 +1,83 @@
+"""The DLL: it imports nothing but the functions of windows_imports.txt, all of which the oldest
+supported Windows has; it has a version resource and the usual protections, and no folder of the
+building machine inside.
+
+Usage: check_windows_binary.py BINARY VERSION WINDRES FOLDER...
+
+SPDX-License-Identifier: MIT
+"""
+
+import re
+import subprocess
+import sys
+from pathlib import Path
+
+from project_files import ROOT, finish, problem
+
+OLDEST_WINDOWS = (6, 1)
+PROTECTIONS = {"HIGH_ENTROPY_VA", "DYNAMIC_BASE", "NX_COMPAT"}
+
+
+def allowed_imports():
+    """(DLL, function) -> the Windows version that brought the function."""
+    allowed = {}
+    for line in (ROOT / "tests/structure/windows_imports.txt").read_text().splitlines():
+        if line and not line.startswith("#"):
+            library, function, version = line.split()
+            allowed[library.lower(), function] = tuple(int(part) for part in version.split("."))
+    return allowed
+
+
+def imports_of(dump):
+    """The (DLL, function) pairs of the import table."""
+    imports = set()
+    library = None
+    for line in dump.splitlines():
+        name = re.match(r"\s*DLL Name: (\S+)", line)
+        if name:
+            library = name.group(1).lower()
+        member = re.match(r"\s+[0-9a-f]+\s+\d+\s+(\w+)\s*$", line)
+        if member and library:
+            imports.add((library, member.group(1)))
+        if not line.strip():
+            library = None
+    return imports
+
+
+def check_imports(dump):
+    allowed = allowed_imports()
+    imports = imports_of(dump)
+    if not imports:
+        problem("the import table could not be read")
+    for library, function in sorted(imports - allowed.keys()):
+        problem(f"imports {function} of {library}, which windows_imports.txt does not list")
+    for library, function in sorted(allowed.keys() - imports):
+        problem(f"windows_imports.txt lists {function} of {library}, which is not imported")
+    for (library, function), version in allowed.items():
+        if version > OLDEST_WINDOWS:
+            problem(f"{function} of {library} is newer than the oldest supported Windows")
+
+
+def check_version_resource(binary, version, windres):
+    text = subprocess.check_output([windres, "--input", binary, "--output-format", "rc"], text=True)
+    numbers = re.search(r"FILEVERSION\s+(\d+),\s*(\d+),\s*(\d+)", text)
+    if not numbers:
+        problem("has no version resource")
+    elif ".".join(numbers.groups()) != version:
+        problem(f"the version resource says {'.'.join(numbers.groups())} instead of {version}")
+
+
+def check_folders(binary, folders):
+    content = Path(binary).read_bytes()
+    for folder in folders:
+        if folder and folder.encode() in content:
+            problem(f"contains the folder {folder}")
+
+
+table = subprocess.check_output(["objdump", "-p", sys.argv[1]], text=True)
+check_imports(table)
+for protection in sorted(PROTECTIONS - set(re.findall(r"^\s+([A-Z_]+)$", table, flags=re.M))):
+    problem(f"lacks {protection}")
+check_version_resource(*sys.argv[1:4])
+check_folders(sys.argv[1], sys.argv[4:])
+finish("Windows binary")

@@ -1,0 +1,189 @@
+// Replacements of the wrapped calls that are the same on both systems. Each one is given the name by
+// which the linker looks for it.
+//
+// SPDX-License-Identifier: MIT
+#include "support/fault_injection.h"
+
+#include <libxml/parser.h>
+#include <libxml/tree.h>
+#include <libxml/xmlIO.h>
+#include <libxml/xmlsave.h>
+#include <libxml/xpath.h>
+#include <libxslt/transform.h>
+#include <libxslt/xsltutils.h>
+
+#include <atomic>
+#include <boost/filesystem/operations.hpp>
+#include <cstddef>
+#include <new>
+#include <utility>
+
+namespace rgen_test {
+namespace {
+
+std::atomic<FailingCall*> newestCall = nullptr;
+
+}  // namespace
+
+FailingCall::FailingCall(Call call, int number) : FailingCall(call, number, nullptr) {}
+
+FailingCall::FailingCall(Call call, int number, std::function<void()> action)
+    : call_(call),
+      remaining_(number),
+      action_(std::move(action)),
+      thread_(currentThreadNumber()),
+      next_(newestCall) {
+    newestCall = this;
+}
+
+FailingCall::~FailingCall() {
+    newestCall = next_;
+}
+
+bool failsNow(Call call) {
+    for (FailingCall* armed = newestCall; armed != nullptr; armed = armed->next_) {
+        if (armed->call_ != call || armed->remaining_ == 0) continue;
+        if (armed->thread_ != currentThreadNumber() || --armed->remaining_ > 0) continue;
+        if (!armed->action_) return true;
+        armed->action_();
+    }
+    return false;
+}
+
+namespace {
+
+// What libxml2 gives for a full disk: another negative number than -1.
+constexpr int fullDisk = -1528;
+
+extern "C" {
+
+void* realMalloc(std::size_t size) __asm__("__real_malloc");
+void* wrappedMalloc(std::size_t size) __asm__("__wrap_malloc");
+void* realCalloc(std::size_t count, std::size_t size) __asm__("__real_calloc");
+void* wrappedCalloc(std::size_t count, std::size_t size) __asm__("__wrap_calloc");
+void* realNothrowNew(std::size_t size, const std::nothrow_t&) noexcept
+    __asm__("__real_" RGEN_NOTHROW_NEW);
+void* wrappedNothrowNew(std::size_t size, const std::nothrow_t&) noexcept
+    __asm__("__wrap_" RGEN_NOTHROW_NEW);
+
+bool realCreateDirectory(const boost::filesystem::path& path,
+                         const boost::filesystem::path* existing,
+                         boost::system::error_code* error) __asm__("__real_" RGEN_CREATE_DIRECTORY);
+bool wrappedCreateDirectory(
+    const boost::filesystem::path& path, const boost::filesystem::path* existing,
+    boost::system::error_code* error) __asm__("__wrap_" RGEN_CREATE_DIRECTORY);
+
+xmlDoc* realReadFile(const char* path, const char* encoding,
+                     int options) __asm__("__real_xmlReadFile");
+xmlDoc* wrappedReadFile(const char* path, const char* encoding,
+                        int options) __asm__("__wrap_xmlReadFile");
+xmlDoc* realNewDoc(const xmlChar* version) __asm__("__real_xmlNewDoc");
+xmlDoc* wrappedNewDoc(const xmlChar* version) __asm__("__wrap_xmlNewDoc");
+xmlNode* realNewNode(xmlNs* space, const xmlChar* name) __asm__("__real_xmlNewNode");
+xmlNode* wrappedNewNode(xmlNs* space, const xmlChar* name) __asm__("__wrap_xmlNewNode");
+xmlNode* realNewChild(xmlNode* parent, xmlNs* space, const xmlChar* name,
+                      const xmlChar* content) __asm__("__real_xmlNewChild");
+xmlNode* wrappedNewChild(xmlNode* parent, xmlNs* space, const xmlChar* name,
+                         const xmlChar* content) __asm__("__wrap_xmlNewChild");
+
+xmlXPathContext* realNewXPathContext(xmlDoc* document) __asm__("__real_xmlXPathNewContext");
+xmlXPathContext* wrappedNewXPathContext(xmlDoc* document) __asm__("__wrap_xmlXPathNewContext");
+xmlXPathObject* realEvaluate(const xmlChar* expression,
+                             xmlXPathContext* context) __asm__("__real_xmlXPathEvalExpression");
+xmlXPathObject* wrappedEvaluate(const xmlChar* expression,
+                                xmlXPathContext* context) __asm__("__wrap_xmlXPathEvalExpression");
+
+xmlOutputBuffer* realNewOutputBuffer(
+    xmlOutputWriteCallback write, xmlOutputCloseCallback close, void* stream,
+    xmlCharEncodingHandler* encoder) __asm__("__real_xmlOutputBufferCreateIO");
+xmlOutputBuffer* wrappedNewOutputBuffer(
+    xmlOutputWriteCallback write, xmlOutputCloseCallback close, void* stream,
+    xmlCharEncodingHandler* encoder) __asm__("__wrap_xmlOutputBufferCreateIO");
+int realSaveDocument(xmlOutputBuffer* buffer, xmlDoc* document, const char* encoding,
+                     int format) __asm__("__real_xmlSaveFormatFileTo");
+int wrappedSaveDocument(xmlOutputBuffer* buffer, xmlDoc* document, const char* encoding,
+                        int format) __asm__("__wrap_xmlSaveFormatFileTo");
+
+xsltTransformContext* realNewTransformContext(xsltStylesheet* stylesheet, xmlDoc* document) __asm__(
+    "__real_xsltNewTransformContext");
+xsltTransformContext* wrappedNewTransformContext(
+    xsltStylesheet* stylesheet, xmlDoc* document) __asm__("__wrap_xsltNewTransformContext");
+int realSaveResult(xmlChar** text, int* length, xmlDoc* result,
+                   xsltStylesheet* stylesheet) __asm__("__real_xsltSaveResultToString");
+int wrappedSaveResult(xmlChar** text, int* length, xmlDoc* result,
+                      xsltStylesheet* stylesheet) __asm__("__wrap_xsltSaveResultToString");
+
+void* wrappedMalloc(std::size_t size) {
+    return failsNow(Call::Malloc) ? nullptr : realMalloc(size);
+}
+
+void* wrappedCalloc(std::size_t count, std::size_t size) {
+    return failsNow(Call::Calloc) ? nullptr : realCalloc(count, size);
+}
+
+void* wrappedNothrowNew(std::size_t size, const std::nothrow_t& tag) noexcept {
+    return failsNow(Call::NothrowNew) ? nullptr : realNothrowNew(size, tag);
+}
+
+bool wrappedCreateDirectory(const boost::filesystem::path& path,
+                            const boost::filesystem::path* existing,
+                            boost::system::error_code* error) {
+    return !failsNow(Call::CreateDirectory) && realCreateDirectory(path, existing, error);
+}
+
+xmlDoc* wrappedReadFile(const char* path, const char* encoding, int options) {
+    return failsNow(Call::ReadXmlFile) ? nullptr : realReadFile(path, encoding, options);
+}
+
+xmlDoc* wrappedNewDoc(const xmlChar* version) {
+    return failsNow(Call::NewXmlDocument) ? nullptr : realNewDoc(version);
+}
+
+xmlNode* wrappedNewNode(xmlNs* space, const xmlChar* name) {
+    return failsNow(Call::NewXmlNode) ? nullptr : realNewNode(space, name);
+}
+
+xmlNode* wrappedNewChild(xmlNode* parent, xmlNs* space, const xmlChar* name,
+                         const xmlChar* content) {
+    return failsNow(Call::NewXmlChild) ? nullptr : realNewChild(parent, space, name, content);
+}
+
+xmlXPathContext* wrappedNewXPathContext(xmlDoc* document) {
+    return failsNow(Call::NewXPathContext) ? nullptr : realNewXPathContext(document);
+}
+
+xmlXPathObject* wrappedEvaluate(const xmlChar* expression, xmlXPathContext* context) {
+    return failsNow(Call::EvaluateXPath) ? nullptr : realEvaluate(expression, context);
+}
+
+xmlOutputBuffer* wrappedNewOutputBuffer(xmlOutputWriteCallback write, xmlOutputCloseCallback close,
+                                        void* stream, xmlCharEncodingHandler* encoder) {
+    return failsNow(Call::NewOutputBuffer) ? nullptr
+                                           : realNewOutputBuffer(write, close, stream, encoder);
+}
+
+int wrappedSaveDocument(xmlOutputBuffer* buffer, xmlDoc* document, const char* encoding,
+                        int format) {
+    const bool fails = failsNow(Call::SaveXmlDocument);
+    const int count = realSaveDocument(buffer, document, encoding, format);
+    return fails ? fullDisk : count;
+}
+
+xsltTransformContext* wrappedNewTransformContext(xsltStylesheet* stylesheet, xmlDoc* document) {
+    return failsNow(Call::NewTransformContext) ? nullptr
+                                               : realNewTransformContext(stylesheet, document);
+}
+
+int wrappedSaveResult(xmlChar** text, int* length, xmlDoc* result, xsltStylesheet* stylesheet) {
+    if (!failsNow(Call::SaveTransformResult)) {
+        return realSaveResult(text, length, result, stylesheet);
+    }
+    *text = nullptr;
+    *length = 0;
+    return -1;
+}
+
+}  // extern "C"
+
+}  // namespace
+}  // namespace rgen_test

@@ -1,0 +1,23 @@
+// Runs code on a thread whose stack size the caller chooses.
+//
+// SPDX-License-Identifier: MIT
+#ifndef RGEN_TESTS_SUPPORT_SIZED_THREAD_H
+#define RGEN_TESTS_SUPPORT_SIZED_THREAD_H
+
+#include <cstddef>
+#include <functional>
+
+namespace rgen_test {
+
+constexpr std::size_t kibibyte = 1024;
+constexpr std::size_t mebibyte = 1024 * kibibyte;
+
+// The stack that the library asks of a calling thread on this system.
+extern const std::size_t smallestStack;
+
+// Runs the function on a new thread with a stack of that many bytes and waits for its end.
+void runOnStack(std::size_t stackSize, const std::function<void()>& function);
+
+}  // namespace rgen_test
+
+#endif

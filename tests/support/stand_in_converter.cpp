@@ -1,0 +1,142 @@
+// A program that stands in for the external converter "vellum" in tests. It does what a control
+// file says, whose path it finds in the environment variable STAND_IN_CONTROL. Without a control
+// file it does nothing and succeeds.
+//
+// The control file holds one command a line, a word and its arguments separated by tabs. In every
+// argument "%pid%" stands for the number of the process.
+//
+//   log FILE           writes how the process was started; the file appears when it is complete
+//   mark FILE          makes an empty file, so that a test sees how far the program has come
+//   await FILE         waits until the file exists, at most as long as longestWait
+//   write FILE TEXT    writes the text
+//   hold FILE TEXT     writes the text and keeps the file open until the program ends
+//   read FILE          opens the file and keeps it open until the program ends
+//   copy FROM TO       copies the bytes of a file
+//   background FILE    obeys another control file in a process that outlives this one
+//   crash              ends by a memory fault
+//   exit CODE          ends with that exit code
+//
+// SPDX-License-Identifier: MIT
+#include "support/stand_in_converter.h"
+
+#include <chrono>
+#include <cstdlib>
+#include <filesystem>
+#include <fstream>
+#include <list>
+#include <sstream>
+#include <thread>
+#include <vector>
+
+namespace {
+
+using Command = std::vector<std::string>;
+
+// Bounds every wait, so that no process stays behind when a test gives up.
+constexpr std::chrono::seconds longestWait{60};
+
+constexpr int exitOfUnknownCommand = 96;
+constexpr int exitOfEndlessWait = 97;
+
+std::filesystem::path nativePath(const std::string& text) {
+    return std::filesystem::u8path(text);
+}
+
+std::string withProcessNumber(std::string text) {
+    const std::string variable = "%pid%";
+    for (std::size_t at = text.find(variable); at != std::string::npos; at = text.find(variable)) {
+        text.replace(at, variable.size(), std::to_string(stand_in::processNumber()));
+    }
+    return text;
+}
+
+std::vector<Command> readCommands(const std::string& controlPath) {
+    std::ifstream file(nativePath(controlPath), std::ios::binary);
+    std::vector<Command> commands;
+    for (std::string line; std::getline(file, line);) {
+        std::istringstream fields(line);
+        Command command;
+        for (std::string field; std::getline(fields, field, '\t');) {
+            command.push_back(withProcessNumber(field));
+        }
+        command.resize(3);
+        commands.push_back(command);
+    }
+    return commands;
+}
+
+void writeLog(const std::string& path) {
+    const std::string unfinished = path + ".unfinished";
+    {
+        std::ofstream file(nativePath(unfinished), std::ios::binary);
+        stand_in::describeProcess(file);
+    }
+    std::filesystem::rename(nativePath(unfinished), nativePath(path));
+}
+
+void writeText(const std::string& path, const std::string& text) {
+    std::ofstream(nativePath(path), std::ios::binary) << text;
+}
+
+void copyFile(const std::string& from, const std::string& to) {
+    std::filesystem::copy_file(nativePath(from), nativePath(to),
+                               std::filesystem::copy_options::overwrite_existing);
+}
+
+bool waitUntilExists(const std::string& path) {
+    const auto limit = std::chrono::steady_clock::now() + longestWait;
+    while (!std::filesystem::exists(nativePath(path))) {
+        if (std::chrono::steady_clock::now() > limit) return false;
+        std::this_thread::sleep_for(std::chrono::milliseconds(5));
+    }
+    return true;
+}
+
+// Obeys one command that may end the program; returns whether the next one is to be obeyed.
+bool obeyCommand(const Command& command, std::list<std::fstream>& openFiles, int& exitCode) {
+    const std::string& word = command[0];
+    if (word == "log") {
+        writeLog(command[1]);
+    } else if (word == "mark") {
+        writeText(command[1], "");
+    } else if (word == "write") {
+        writeText(command[1], command[2]);
+    } else if (word == "hold") {
+        openFiles.emplace_back(nativePath(command[1]), std::ios::binary | std::ios::out);
+        openFiles.back() << command[2] << std::flush;
+    } else if (word == "read") {
+        openFiles.emplace_back(nativePath(command[1]), std::ios::binary | std::ios::in);
+    } else if (word == "copy") {
+        copyFile(command[1], command[2]);
+    } else if (word == "background") {
+        stand_in::obeyInBackground(command[1]);
+    } else if (word == "await") {
+        exitCode = waitUntilExists(command[1]) ? EXIT_SUCCESS : exitOfEndlessWait;
+    } else if (word == "crash") {
+        stand_in::crash();
+    } else {
+        exitCode = word == "exit" ? std::atoi(command[1].c_str()) : exitOfUnknownCommand;
+        return false;
+    }
+    return exitCode == EXIT_SUCCESS;
+}
+
+}  // namespace
+
+namespace stand_in {
+
+int obey(const std::string& controlPath) {
+    std::list<std::fstream> openFiles;
+    int exitCode = EXIT_SUCCESS;
+    for (const Command& command : readCommands(controlPath)) {
+        if (!obeyCommand(command, openFiles, exitCode)) break;
+    }
+    return exitCode;
+}
+
+}  // namespace stand_in
+
+int main() {
+    const std::string controlPath = stand_in::controlFilePath();
+    return controlPath.empty() ? EXIT_SUCCESS : stand_in::obey(controlPath);
+}

@@ -1,0 +1,215 @@
+// Boundary records into the library's own values and back.
+//
+// SPDX-License-Identifier: MIT
+#include "api/record_conversions.h"
+
+#include <gtest/gtest.h>
+
+#include <cstdint>
+#include <cstring>
+#include <limits>
+#include <string>
+#include <vector>
+
+#include "support/fault_injection.h"
+#include "variant/hinted_convertors.h"
+
+namespace rgen_test {
+namespace {
+
+using rgen::ByteVector;
+using rgen::Variant;
+using rgen::VariantHint;
+using rgen::VariantKind;
+
+constexpr std::uint64_t greatestHint = std::numeric_limits<std::uint64_t>::max();
+
+// Records whose buffers go back at the end of the scope.
+class Records {
+public:
+    ~Records() {
+        for (RgenCVariant& item : items_)
+            rgen_freeRgenCVariant(&item);
+    }
+
+    RgenCVariant& add() {
+        items_.emplace_back();
+        return items_.back();
+    }
+    RgenCVariant& addInt64(const char* name, std::int64_t value, std::uint64_t hint = 1) {
+        rgen_createRgenCVariantInt64(name, value, 0, &add());
+        items_.back().hint = hint;
+        return items_.back();
+    }
+    RgenCVariant& addString(const char* name, const char* text) {
+        rgen_createRgenCVariantString(name, text, 0, &add());
+        return items_.back();
+    }
+    RgenCVariant& addBytes(const char* name, const ByteVector& bytes) {
+        rgen_createRgenCVariantByteArray(name, bytes.data(), bytes.size(), 0, &add());
+        return items_.back();
+    }
+    rgen::VariantMap toMap() { return rgen::toVariantMap({items_.data(), items_.size()}); }
+
+private:
+    std::vector<RgenCVariant> items_;
+};
+
+// A text record that points at a literal and owns nothing.
+RgenAnsiString textRecord(const char* text) {
+    return {static_cast<std::uint32_t>(std::strlen(text)), const_cast<char*>(text)};
+}
+
+TEST(ToGuid, KeepsEveryField) {
+    const rgen::Guid guid = rgen::toGuid({0x01020304, 0x0506, 0x0708, {1, 2, 3, 4, 5, 6, 7, 8}});
+    EXPECT_EQ("01020304-0506-0708-0102-030405060708", rgen::formatGuid(guid));
+}
+
+TEST(ToVariantMap, EachTypeBecomesItsKind) {
+    Records records;
+    records.addInt64("number", -5);
+    records.addString("text", "abc");
+    records.addBytes("bytes", {0, 255, 0});
+    rgen::VariantMap map = records.toMap();
+    ASSERT_EQ(3U, map.size());
+    EXPECT_EQ(VariantKind::Int64, map["number"].value.kind);
+    EXPECT_EQ(-5, map["number"].value.as<std::int64_t>());
+    EXPECT_EQ(VariantKind::String, map["text"].value.kind);
+    EXPECT_EQ("abc", map["text"].value.as<std::string>());
+    EXPECT_EQ(VariantKind::ByteArray, map["bytes"].value.kind);
+    EXPECT_EQ((ByteVector{0, 255, 0}), map["bytes"].value.as<ByteVector>());
+}
+
+TEST(ToVariantMap, HintsTwoToSevenAreKept) {
+    for (const std::uint64_t hint :
+         {std::uint64_t{0}, std::uint64_t{1}, std::uint64_t{2}, std::uint64_t{3}, std::uint64_t{4},
+          std::uint64_t{5}, std::uint64_t{6}, std::uint64_t{7}, std::uint64_t{8}, std::uint64_t{9},
+          std::uint64_t{10}, greatestHint}) {
+        Records records;
+        records.addInt64("n", 1, hint);
+        records.addString("s", "x").hint = hint;
+        records.addBytes("b", {1}).hint = hint;
+        rgen::VariantMap map = records.toMap();
+        const std::uint64_t expected = hint >= 2 && hint <= 7 ? hint : 1;
+        for (const char* name : {"n", "s", "b"}) {
+            EXPECT_EQ(expected, static_cast<std::uint64_t>(map[name].hint)) << name << hint;
+        }
+    }
+}
+
+TEST(ToVariantMap, HandlesAndUnknownTypesDoNotEnter) {
+    for (const std::uint64_t type : {std::uint64_t{0}, std::uint64_t{4}, std::uint64_t{5},
+                                     std::uint64_t{1} << 32U, greatestHint}) {
+        Records records;
+        records.addInt64("skipped", 1).type = type;
+        records.addInt64("kept", 2);
+        const rgen::VariantMap map = records.toMap();
+        EXPECT_EQ(1U, map.size()) << type;
+        EXPECT_EQ(1U, map.count("kept")) << type;
+    }
+}
+
+TEST(ToVariantMap, SkippedTypeDoesNotReplaceAnEarlierValue) {
+    Records records;
+    records.addInt64("name", 1);
+    records.addInt64("name", 2).type = RGEN_TYPE_HANDLE;
+    EXPECT_EQ(1, records.toMap()["name"].value.as<std::int64_t>());
+}
+
+TEST(ToVariantMap, LaterEntryOfTheSameNameWins) {
+    Records records;
+    records.addInt64("name", 1);
+    records.addString("name", "later");
+    records.addString("Name", "another");
+    rgen::VariantMap map = records.toMap();
+    EXPECT_EQ(2U, map.size());
+    EXPECT_EQ("later", rgen::variantText(map["name"]));
+}
+
+TEST(ToVariantMap, TextsEndAtTheirZeroByteAndLengthsAreNotLookedAt) {
+    Records records;
+    RgenCVariant& record = records.addString("name\0rest", "value");
+    record.name.length = 2;
+    record.value.stringValue.data[3] = '\0';
+    record.value.stringValue.length = 1000;
+    EXPECT_EQ("val", rgen::variantText(records.toMap()["name"]));
+}
+
+TEST(ToVariantMap, SizeOfBytesIsTakenFromTheRecord) {
+    Records records;
+    records.addBytes("bytes", {1, 2, 3, 4}).value.byteArrayValue.size = 2;
+    EXPECT_EQ("01 02 ", rgen::variantText(records.toMap()["bytes"]));
+}
+
+TEST(ToVariantMap, NullBuffersAreEmpty) {
+    Records records;
+    RgenCVariant& text = records.add();
+    text.type = RGEN_TYPE_STRING;
+    text.value.stringValue.length = 9;
+    RgenCVariant& bytes = records.add();
+    bytes.type = RGEN_TYPE_BYTE_ARRAY;
+    bytes.value.byteArrayValue.size = 9;
+    bytes.name = {1, static_cast<char*>(std::calloc(2, 1))};
+    bytes.name.data[0] = 'b';
+    rgen::VariantMap map = records.toMap();
+    ASSERT_EQ(2U, map.size());
+    EXPECT_TRUE(map[""].value.hasValue);
+    EXPECT_EQ("", rgen::variantText(map[""]));
+    EXPECT_EQ(VariantKind::ByteArray, map["b"].value.kind);
+    EXPECT_TRUE(map["b"].value.as<ByteVector>().empty());
+}
+
+TEST(ToVariantMap, NullItemsAreAnEmptySet) {
+    EXPECT_TRUE(rgen::toVariantMap({nullptr, 5}).empty());
+    EXPECT_TRUE(rgen::toVariantMap({nullptr, 0}).empty());
+}
+
+TEST(ToPropertyMap, LaterKeyWinsAndNullTextsAreEmpty) {
+    RgenAnsiString keys[] = {textRecord("a"), textRecord("b"), textRecord("a"), {}};
+    RgenAnsiString values[] = {textRecord("1"), {}, textRecord("2"), textRecord("no name")};
+    const rgen::PropertyMap expected = {{"a", "2"}, {"b", ""}, {"", "no name"}};
+    EXPECT_EQ(expected, rgen::toPropertyMap({keys, values, 4}));
+}
+
+TEST(ToPropertyMap, NullArraysAreAnEmptySet) {
+    RgenAnsiString texts[] = {textRecord("a")};
+    EXPECT_TRUE(rgen::toPropertyMap({nullptr, texts, 1}).empty());
+    EXPECT_TRUE(rgen::toPropertyMap({texts, nullptr, 1}).empty());
+    EXPECT_TRUE(rgen::toPropertyMap({nullptr, nullptr, 1}).empty());
+    EXPECT_TRUE(rgen::toPropertyMap({texts, texts, 0}).empty());
+}
+
+TEST(ToInputParams, CarriesEveryField) {
+    Records records;
+    RgenAnsiString key = textRecord("key");
+    RgenAnsiString value = textRecord("value");
+    RgenCInputParams input = {};
+    RgenCVariant& number = records.addInt64("number", 3);
+    input.variants = {&number, 1};
+    input.pairs = {&key, &value, 1};
+    input.templateGuid = {0xDEADBABE, 0, 0, {}};
+    input.outputMode = greatestHint;
+    input.skipExternalConversion = 1ULL << 40U;
+    input.outputFormat = textRecord("pdf");
+    input.outputPath = textRecord("out");
+    input.converterBaseArg = textRecord("base");
+    const rgen::InputParams params = rgen::toInputParams(input);
+    EXPECT_EQ(1U, params.variants.count("number"));
+    EXPECT_EQ((rgen::PropertyMap{{"key", "value"}}), params.pairs);
+    EXPECT_EQ(rgen::formatGuid(rgen::defaultReportTypeGuid), rgen::formatGuid(params.templateGuid));
+    EXPECT_EQ(greatestHint, params.outputMode);
+    EXPECT_EQ(1ULL << 40U, params.skipExternalConversion);
+    EXPECT_EQ("pdf", params.outputFormat);
+    EXPECT_EQ("out", params.outputPath);
+    EXPECT_EQ("base", params.converterBaseArg);
+}
+
+TEST(ToInputParams, ZeroFilledRecordIsAnEmptyRequest) {
+    const rgen::InputParams params = rgen::toInputParams({});
+    EXPECT_TRUE(params.variants.empty());
+    EXPECT_TRUE(params.pairs.empty());
+    EXPECT_EQ("", params.outputFormat + params.outputPath + params.converterBaseArg);
+}
+
+}  // namespace
+}  // namespace rgen_test
