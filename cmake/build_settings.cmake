@@ -35,7 +35,10 @@ else()
     add_link_options(LINKER:-z,relro LINKER:-z,now)
 endif()
 
+# Instrumented code needs several times the stack.
+set(RGEN_SANITIZER_STACK_KIB 0)
 if(RGEN_SANITIZER)
+    set(RGEN_SANITIZER_STACK_KIB 1536)
     add_compile_options(-fsanitize=${RGEN_SANITIZER} -fno-sanitize-recover=all
                         -fno-omit-frame-pointer)
     add_link_options(-fsanitize=${RGEN_SANITIZER})

@@ -65,7 +65,11 @@ const char* statusText(Status status) {
     if (found != statusTexts().end()) return found->second;
     constexpr std::uint32_t failureBits = 0xC0000000;
     if ((static_cast<std::uint32_t>(status) & failureBits) != 0) return "Undescribed error";
-    // On purpose: no negative number comes this far, so the first text is never returned.
+    return unknownCodeText(status);
+}
+
+const char* unknownCodeText(Status status) {
+    // On purpose: no negative number comes this far, so no host ever sees the first text.
     return failed(status) ? "Unknown message code" : "Unknown code.";
 }
 

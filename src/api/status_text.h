@@ -11,4 +11,7 @@ namespace rgen {
 /// same pointer for the same number each time.
 const char* statusText(Status status);
 
+/// The last step of statusText, for numbers without a description and without a failure bit.
+const char* unknownCodeText(Status status);
+
 }  // namespace rgen

@@ -174,7 +174,7 @@ StackBounds readStackBounds() {
 
 const char pathSeparator = '/';
 
-const std::size_t stackReserve = std::size_t{200} * 1024;
+const std::size_t stackReserve = std::size_t{RGEN_STACK_RESERVE_KIB} * 1024;
 
 const int withheldXPathLevels = 3000;
 
@@ -227,6 +227,7 @@ void closeFile(FileHandle file) {
 ChildProcess::ChildProcess(const std::string& commandLine)
     : process_(0), waitHandle_(noDescriptor) {
     std::vector<std::string> words = splitCommandLine(toWidePath(commandLine));
+    if (words.empty()) return;
     std::vector<char*> arguments;
     arguments.reserve(words.size() + 1);
     for (std::string& word : words)

@@ -26,7 +26,7 @@ HANDLE asHandle(std::intptr_t handle) {
 
 const char pathSeparator = '\\';
 
-const std::size_t stackReserve = std::size_t{256} * 1024;
+const std::size_t stackReserve = std::size_t{RGEN_STACK_RESERVE_KIB} * 1024;
 
 const int withheldXPathLevels = 0;
 

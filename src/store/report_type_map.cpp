@@ -4,7 +4,6 @@
 // SPDX-License-Identifier: MIT
 #include "store/report_type_map.h"
 
-#include <unordered_map>
 #include <utility>
 
 #include "store/xml_text.h"
@@ -12,9 +11,6 @@
 
 namespace rgen {
 namespace {
-
-/// File names by GUID text.
-using FileNameTable = std::unordered_map<std::string, std::string>;
 
 /// The two file names of one `type` element; null where an element is missing or has no text.
 struct FileNameTexts {
@@ -55,6 +51,8 @@ struct ReportTypeTables {
     }
 };
 
+}  // namespace
+
 Status findFileName(const FileNameTable& table, const std::string& guid, std::string& fileName) {
     const auto found = table.find(guid);
     if (found == table.end()) return RGEN_E_GUID_NOT_IN_CONFIG;
@@ -62,8 +60,6 @@ Status findFileName(const FileNameTable& table, const std::string& guid, std::st
     // On purpose: a safeguard that no configuration triggers, since empty names enter no table.
     return fileName.empty() ? RGEN_E_XPATH_NODE_EMPTY : RGEN_OK;
 }
-
-}  // namespace
 
 Status lookupReportType(ReportGenerator& /*generator*/, xmlDoc* configuration, const Guid& guid,
                         ReportTypeEntry& entry) {

@@ -6,6 +6,7 @@
 #include <libxml/tree.h>
 
 #include <string>
+#include <unordered_map>
 
 #include "report_generator.h"
 #include "status.h"
@@ -18,6 +19,13 @@ struct ReportTypeEntry {
     std::string persistDataFile;
     std::string reportTypeFile;
 };
+
+/// File names by GUID text.
+using FileNameTable = std::unordered_map<std::string, std::string>;
+
+/// Looks a GUID text up in one table. RGEN_E_GUID_NOT_IN_CONFIG when it is absent,
+/// RGEN_E_XPATH_NODE_EMPTY when its name is empty.
+Status findFileName(const FileNameTable& table, const std::string& guid, std::string& fileName);
 
 /// Finds the files of a report type; letter case of the GUID in the configuration does not matter.
 /// On RGEN_OK both names are filled and not empty. Failures: RGEN_E_XPATH_CONTEXT,

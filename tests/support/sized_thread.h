@@ -15,6 +15,9 @@ constexpr std::size_t mebibyte = 1024 * kibibyte;
 // The stack that the library asks of a calling thread on this system.
 extern const std::size_t smallestStack;
 
+// What runOnStack adds to every stack, since instrumented code takes more of it.
+extern const std::size_t instrumentationStack;
+
 // Runs the function on a new thread with a stack of that many bytes and waits for its end.
 void runOnStack(std::size_t stackSize, const std::function<void()>& function);
 

@@ -3,6 +3,9 @@
 // SPDX-License-Identifier: MIT
 #include <gtest/gtest.h>
 #include <pthread.h>
+#include <sys/mman.h>
+
+#include <cstdlib>
 
 #include "support/sized_thread.h"
 
@@ -14,10 +17,33 @@ void* runFunction(void* function) {
     return nullptr;
 }
 
+// Memory for one stack, with a page below it that nobody may touch. Merely asking for a size would
+// not do: a thread may get the larger stack of an ended one.
+class StackMemory {
+public:
+    explicit StackMemory(std::size_t size)
+        : size_(size),
+          memory_(mmap(nullptr, guardSize + size, PROT_READ | PROT_WRITE,
+                       MAP_PRIVATE | MAP_ANONYMOUS | MAP_STACK, -1, 0)) {
+        if (memory_ == MAP_FAILED || mprotect(memory_, guardSize, PROT_NONE) != 0) std::abort();
+    }
+    ~StackMemory() { munmap(memory_, guardSize + size_); }
+    StackMemory(const StackMemory&) = delete;
+    StackMemory& operator=(const StackMemory&) = delete;
+
+    void* lowest() const { return static_cast<char*>(memory_) + guardSize; }
+
+private:
+    static constexpr std::size_t guardSize = 16 * kibibyte;
+    std::size_t size_;
+    void* memory_;
+};
+
 void start(std::size_t stackSize, std::function<void()> function) {
+    const StackMemory stack(stackSize);
     pthread_attr_t attributes;
     ASSERT_EQ(0, pthread_attr_init(&attributes));
-    ASSERT_EQ(0, pthread_attr_setstacksize(&attributes, stackSize));
+    ASSERT_EQ(0, pthread_attr_setstack(&attributes, stack.lowest(), stackSize));
     pthread_t thread;
     const int started = pthread_create(&thread, &attributes, runFunction, &function);
     pthread_attr_destroy(&attributes);
@@ -42,16 +68,19 @@ std::size_t takenAtStart() {
     return taken;
 }
 
-// The thread-local data of a sanitizer lies on the stack and is large; a caller does not mean it.
+// The thread-local data of a sanitizer lies on the stack and is large, and instrumented code takes
+// more of it; a caller means neither.
 std::size_t sanitizerShare() {
     constexpr std::size_t ordinary = 64 * kibibyte;
-    static const std::size_t share = takenAtStart() / ordinary * ordinary;
+    static const std::size_t share = takenAtStart() / ordinary * ordinary + instrumentationStack;
     return share;
 }
 
 }  // namespace
 
 const std::size_t smallestStack = 256 * kibibyte;
+
+const std::size_t instrumentationStack = RGEN_SANITIZER_STACK_KIB * kibibyte;
 
 void runOnStack(std::size_t stackSize, const std::function<void()>& function) {
     start(stackSize + sanitizerShare(), function);

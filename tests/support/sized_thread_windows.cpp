@@ -18,6 +18,8 @@ DWORD WINAPI runFunction(void* function) {
 
 const std::size_t smallestStack = 512 * kibibyte;
 
+const std::size_t instrumentationStack = 0;
+
 void runOnStack(std::size_t stackSize, const std::function<void()>& function) {
     std::function<void()> copy = function;
     const HANDLE thread = CreateThread(nullptr, stackSize, runFunction, &copy,

@@ -114,5 +114,10 @@ TEST(StatusText, OtherNumbersGetOneOfTwoTexts) {
     }
 }
 
+TEST(UnknownCodeText, TellsNegativeNumbersApart) {
+    EXPECT_STREQ("Unknown message code", rgen::unknownCodeText(-1));
+    EXPECT_STREQ("Unknown code.", rgen::unknownCodeText(1));
+}
+
 }  // namespace
 }  // namespace rgen_test

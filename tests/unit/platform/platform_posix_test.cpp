@@ -76,6 +76,12 @@ protected:
     const ConverterControl control{folder};
 };
 
+TEST(EmptyCommandLine, StartsNothing) {
+    for (const std::string commandLine : {"", "   "}) {
+        EXPECT_FALSE(platform::ChildProcess(commandLine).started());
+    }
+}
+
 TEST_F(ChildProcessTest, CommandLineIsSplitAtBlanksOutsideQuotes) {
     const struct {
         const char* commandLine;
@@ -300,8 +306,10 @@ TEST(DeleteOnCloseDescriptor, DevicesKeepTheirNames) {
 }
 
 TEST(DeleteOnCloseDescriptor, InvalidUtf8Raises) {
+    const TempFolder folder;
     platform::FileHandle file = nullptr;
-    EXPECT_THROW(platform::createDeleteOnCloseFile("/tmp/a\xC3", file), std::range_error);
+    EXPECT_THROW(platform::createDeleteOnCloseFile(folder.file("a\xC3"), file), std::range_error);
+    EXPECT_TRUE(namesIn(folder.path()).empty());
 }
 
 TEST(StackLimit, IsUnknownOnAStackThatIsNotTheThreads) {

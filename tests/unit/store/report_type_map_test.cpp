@@ -166,6 +166,15 @@ TEST_F(LookupReportType, NamesAreTakenUnchanged) {
     EXPECT_EQ("../a b/%20.xml|sub\\r.xsl", lookup(type(guid, "../a b/%20.xml", "sub\\r.xsl")));
 }
 
+TEST(FindFileName, EmptyNameIsNeverTakenForAFile) {
+    const rgen::FileNameTable table = {{"empty", ""}, {"full", "name.xml"}};
+    std::string fileName;
+    EXPECT_EQ(RGEN_E_XPATH_NODE_EMPTY, rgen::findFileName(table, "empty", fileName));
+    EXPECT_EQ(RGEN_E_GUID_NOT_IN_CONFIG, rgen::findFileName(table, "none", fileName));
+    EXPECT_EQ(RGEN_OK, rgen::findFileName(table, "full", fileName));
+    EXPECT_EQ("name.xml", fileName);
+}
+
 TEST_F(LookupReportType, XPathFailuresHaveTheirStatus) {
     {
         const FailingCall failure(Call::NewXPathContext);

@@ -52,8 +52,7 @@ TEST_F(XmlFileTest, EveryNameIsTakenLiterally) {
 }
 
 TEST_F(XmlFileTest, AbsolutePathsAreTakenLiterallyToo) {
-    for (const std::string name : {"-", "a%20b.xml", "a#b?c=d.xml"}) {
-        if (name.find('?') != std::string::npos && nativePath("/") == "\\") continue;
+    for (const std::string name : {"-", "a%20b.xml", "a#b&c=d.xml"}) {
         const std::string path = folder.file(name);
         EXPECT_TRUE(rgen::saveXmlFile(path, document.get())) << name;
         EXPECT_EQ(std::vector<std::string>{name}, namesIn(folder.path()));
