@@ -42,12 +42,12 @@
  *   Every function may be called from any thread. Functions that take a generator share its one
  *   lock, which is held while the configuration is read, while a report is transformed (the
  *   translate callback included), and for moments to read or store settings, to register and to
- *   cancel. So every function of a generator but the dump and the simulated input may wait for a
- *   transformation that runs on it, and a transformation takes as long as its template does; it
- *   cannot be cancelled. The lock is not held while a report is delivered: several reports can be
- *   generated on one generator at once, and a waiting converter blocks nobody. Transformations on
- *   one generator run one after the other; use one generator for each thread to run them side by
- *   side. Record functions touch their arguments only.
+ *   cancel. So every function of a generator but the dump, the simulated input, the status
+ *   description and the free may wait for a transformation that runs on it. A transformation takes
+ *   as long as its template does and cannot be cancelled. The lock is not held while a report is
+ *   delivered: several reports can be generated on one generator at once, and a waiting converter
+ *   blocks nobody. Transformations on one generator run one after the other; use one generator for
+ *   each thread to run them side by side. Record functions touch their arguments only.
  *   A calling thread needs 256 KiB of stack (Windows: 512 KiB). A template that recurses into the
  *   last 200 KiB (Windows: 256 KiB) ends with RGEN_E_XSLT_APPLY.
  *
@@ -346,7 +346,9 @@ RGEN_API void RGEN_CALL rgen_cancel(RgenReportGenerator* generator, const RgenGu
  *                   or of an unknown type are left out; of two entries of one name the later wins.
  * @param result     Receives the result of modes 1 and 2 on success, under the name
  *                   "Return stub name": mode 1 a handle (hint 1), mode 2 a byte array (hint 8).
- *                   Untouched in mode 0 and on failure. Null gives RGEN_E_BAD_PARAMETER.
+ *                   Untouched in mode 0, on failure, and in mode 2 for a report without bytes, so
+ *                   zero it before the call; when memory for it is exhausted it comes back empty.
+ *                   Null gives RGEN_E_BAD_PARAMETER.
  * @return           RGEN_OK; RGEN_E_BAD_PARAMETER; one of the CONFIGURATION STATUSES;
  *                   RGEN_E_EMPTY_INPUT; RGEN_E_TEMPLATE_NOT_FOUND (also for an unknown or empty
  *                   format); RGEN_E_UNKNOWN_FORMAT (a template was found for it);
@@ -375,7 +377,7 @@ RGEN_API RgenStatus RGEN_CALL rgen_generateReport(RgenReportGenerator* generator
  * @param generator  The handle; null gives RGEN_E_BAD_PARAMETER.
  * @param guid       The report type; must not be null (not checked).
  * @param pairs      Receives the pairs when there is at least one, otherwise untouched; may
- *                   be null.
+ *                   be null. Null, null and 0 when memory for them is exhausted.
  * @return           RGEN_OK; RGEN_E_BAD_PARAMETER; one of the CONFIGURATION STATUSES;
  *                   RGEN_E_OPEN_PERSIST (missing or unreadable file), RGEN_E_NO_PERSIST_VALUES,
  *                   RGEN_E_NO_VALID_PERSIST_VALUES.
@@ -459,8 +461,9 @@ RGEN_API RgenStatus RGEN_CALL rgen_dumpRawInputDataToFile(RgenReportGenerator* g
  *
  * @param generator  The handle; null gives 0.
  * @param path       UTF-8 path of the file; null gives 0.
- * @param variants   Receives the values on success, otherwise untouched; null gives 0. The order of
- *                   the entries is not defined.
+ * @param variants   Receives the values on success, otherwise untouched (null and 0 when memory for
+ *                   them is exhausted); null gives 0. The order of the entries is not defined.
+ *                   Texts come with hint 1 and bytes with hint 8, whatever the file says.
  * @return           1 when the set was filled, 0 when it was not (a missing or unreadable file, or
  *                   no valid property). Not a status.
  *
@@ -483,7 +486,7 @@ RGEN_API int32_t RGEN_CALL rgen_getSimulatedRawDataFromFile(RgenReportGenerator*
  *
  * Ownership: the library's; the text lives as long as the library is loaded.
  * Threads: any, at any time; touches no generator.
- * Exceptions: std::bad_alloc, in the first call of the process only.
+ * Exceptions: std::bad_alloc, until the first call that succeeds.
  */
 RGEN_API const char* RGEN_CALL rgen_getStatusCodeDescription(const RgenReportGenerator* generator,
                                                              RgenStatus status);

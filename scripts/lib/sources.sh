@@ -152,7 +152,7 @@ unpack_sources() {
     mkdir -p "$dir"
     for library in libxml2 libxslt; do
         dsc=$archives/$(dsc_name "$library" "${source_version[$library]}")
-        quietly "$dir/$library.log" dpkg-source --no-check -x "$dsc" "$dir/$library"
+        quietly "$dir/$library.log" dpkg-source -x "$dsc" "$dir/$library"
     done
     unpack_boost "$archives" "$dir"
 }

@@ -88,7 +88,10 @@ RgenStatus rgen_getPersistentData(RgenReportGenerator* generator, const RgenGuid
     rgen::PropertyMap properties;
     const rgen::Status status =
         rgen::getPersistentData(enter(generator), rgen::toGuid(*guid), properties);
-    if (pairs != nullptr && !properties.empty()) rgen::fillPairSet(properties, *pairs);
+    // On purpose: the status is that of the read, also when memory for the pairs is exhausted.
+    if (pairs != nullptr && !properties.empty()) {
+        static_cast<void>(rgen::fillPairSet(properties, *pairs));
+    }
     return status;
 }
 

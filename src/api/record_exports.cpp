@@ -54,6 +54,7 @@ int32_t rgen_createRgenAnsiString(const char* text, RgenAnsiString* target) {
     target->data = static_cast<char*>(allocateBytes(length + 1));
     if (target->data == nullptr) return 0;
     std::memcpy(target->data, text, length + 1);
+    // On purpose: only the low 32 bits of the length are stored, the whole text is copied.
     target->length = static_cast<std::uint32_t>(length);
     return 1;
 }

@@ -30,9 +30,9 @@ private:
 
 Status convertExternally(ReportGenerator& generator, const InputParams& request,
                          const ByteVector& bytes, const sync::CancellationToken& token) {
-    const std::string htmlPath = request.outputPath + ".html";
+    std::string htmlPath = request.outputPath + ".html";
     if (!writeFile(htmlPath, bytes)) return RGEN_E_CREATE_OUTPUT;
-    const TemporaryFile html(htmlPath);
+    const TemporaryFile html(std::move(htmlPath));
     const std::string commandLine =
         converterCommandLine(html.path(), request.converterBaseArg, request.outputPath);
     const Status status = runExternalProgram(generator, commandLine, token);

@@ -13,6 +13,7 @@ namespace {
 
 constexpr std::uint32_t waitSliceMilliseconds = 1000;
 
+/// On purpose: quotes inside the text stay as they are.
 std::string quoted(const std::string& text) {
     return '"' + text + '"';
 }

@@ -43,6 +43,7 @@ XmlPtr<xmlDoc> applyStylesheet(xsltStylesheet* stylesheet, xmlDoc* data) {
 }
 
 Status serialise(xmlDoc* output, xsltStylesheet* stylesheet, ByteVector& result) {
+    // libxslt does not tell when memory is exhausted on the way; the report is then cut.
     xmlChar* text = nullptr;
     int length = 0;
     const int outcome = xsltSaveResultToString(&text, &length, output, stylesheet);

@@ -7,6 +7,7 @@
 
 #include <cstddef>
 #include <string_view>
+#include <utility>
 
 #include "ascii.h"
 
@@ -63,7 +64,7 @@ void appendTranslation(const ReportGenerator& generator, std::string_view messag
     const std::string original(message);
     const char* translated =
         generator.translateFunction(original.c_str(), generator.translateContext);
-    // A callback must not return null; one that does gets its message back.
+    // On purpose: a callback must not return null; one that does gets its message back.
     text += translated != nullptr ? translated : original.c_str();
 }
 

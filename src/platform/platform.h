@@ -26,7 +26,7 @@ extern const char pathSeparator;
 NativePathText toWidePath(const std::string& utf8Text);
 
 /// Breaks `secondsSince1970` (UTC) down into local time, by the time zone in force at the call.
-/// False for negative numbers and for those past the year 3000; `brokenDown` is then untouched.
+/// False for negative numbers and for those past the year 3000; `brokenDown` is then unspecified.
 bool localTime(std::int64_t secondsSince1970, std::tm& brokenDown);
 
 /// Creates `path` as a file that vanishes with its last handle; an existing file is overwritten.

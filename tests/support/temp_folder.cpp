@@ -1,4 +1,4 @@
-// Temporary folders and file helpers on std::filesystem, which takes UTF-8 through u8path.
+// Temporary folders and file operations on std::filesystem, which takes UTF-8 through u8path.
 //
 // SPDX-License-Identifier: MIT
 #include "support/temp_folder.h"
