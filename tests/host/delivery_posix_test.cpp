@@ -55,24 +55,11 @@ int descriptorOf(const Result& result) {
     return static_cast<int>(reinterpret_cast<std::intptr_t>(result.record().value.handleValue));
 }
 
-class DeleteOnCloseMode : public ReportTest {
+class DeleteOnCloseMode : public DeleteOnCloseTest {
 protected:
-    DeleteOnCloseMode() {
-        for (const char* format : {"html", "txt", "pdf"}) {
-            putTemplate(textStylesheet(valueOf("v")), format);
-        }
-        input.variants().addString("v", "value");
-    }
-
     // The descriptor of a successful generation; the caller closes it.
     int generateDescriptor() {
-        Result result;
-        EXPECT_EQ(statusHex(RGEN_OK),
-                  statusHex(rgen_generateReport(generator.get(), input.get(), result.get())));
-        EXPECT_EQ("Return stub name", toText(result.record().name));
-        EXPECT_EQ(std::uint64_t{RGEN_TYPE_HANDLE}, result.record().type);
-        EXPECT_EQ(std::uint64_t{RGEN_HINT_GENERIC}, result.record().hint);
-        return descriptorOf(result);
+        return static_cast<int>(reinterpret_cast<std::intptr_t>(generateHandle()));
     }
 
     static std::string contentOf(int descriptor) {
@@ -83,7 +70,11 @@ protected:
         return content;
     }
 
-    InputParams input;
+    static unsigned rightsOf(int descriptor) {
+        struct stat status = {};
+        EXPECT_EQ(0, fstat(descriptor, &status));
+        return status.st_mode & 0777U;
+    }
 };
 
 class FullDisk : public ReportTest {
@@ -146,6 +137,30 @@ TEST_F(DeleteOnCloseMode, StaysUsableWhenTheRecordIsFreed) {
     const int descriptor = generateDescriptor();
     EXPECT_EQ(1, pwrite(descriptor, "V", 1, 0));
     EXPECT_EQ("Value", contentOf(descriptor));
+    EXPECT_EQ(0, close(descriptor));
+}
+
+TEST_F(DeleteOnCloseMode, KeepsAnOverwrittenFileToTheUserToo) {
+    const std::string path = folder.file("report.html");
+    writeFile(path, "old");
+    ASSERT_EQ(0, chmod(path.c_str(), 0644));
+    input.output(RGEN_OUTPUT_DELETE_ON_CLOSE, path);
+    const int descriptor = generateDescriptor();
+    EXPECT_EQ(0600U, rightsOf(descriptor));
+    EXPECT_EQ(0, close(descriptor));
+}
+
+TEST_F(DeleteOnCloseMode, LeavesTheOtherNameOfAFileItsRights) {
+    const std::string path = folder.file("report.html");
+    const std::string other = folder.file("other.html");
+    writeFile(other, "old");
+    ASSERT_EQ(0, chmod(other.c_str(), 0644));
+    ASSERT_EQ(0, link(other.c_str(), path.c_str()));
+    input.output(RGEN_OUTPUT_DELETE_ON_CLOSE, path);
+    const int descriptor = generateDescriptor();
+    EXPECT_FALSE(exists(path));
+    EXPECT_EQ("value", readFile(other));
+    EXPECT_EQ(0644U, rightsOf(descriptor));
     EXPECT_EQ(0, close(descriptor));
 }
 

@@ -224,5 +224,18 @@ TEST_F(UnknownMode, IsRefusedAfterTheTransformationAndTouchesNothing) {
     }
 }
 
+TEST_F(Delivery, OfNoBytesLeavesTheResultRecordOfMode2Alone) {
+    putTemplate(textStylesheet("<xsl:comment>no text</xsl:comment>"));
+    InputParams request;
+    request.variants().addString("v", "value");
+    request.output(RGEN_OUTPUT_BYTES, "");
+    RgenCVariant record = {};
+    record.type = 77;
+    const RgenStatus status = rgen_generateReport(generator.get(), request.get(), &record);
+    EXPECT_EQ(statusHex(RGEN_OK), statusHex(status));
+    EXPECT_EQ(77U, record.type);
+    EXPECT_EQ(nullptr, record.name.data);
+}
+
 }  // namespace
 }  // namespace rgen_test

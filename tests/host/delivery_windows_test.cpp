@@ -24,33 +24,13 @@ HANDLE openFile(const std::string& path, DWORD access, DWORD sharing) {
 
 const DWORD shareAll = FILE_SHARE_READ | FILE_SHARE_WRITE | FILE_SHARE_DELETE;
 
-class DeleteOnCloseMode : public ReportTest {
+class DeleteOnCloseMode : public DeleteOnCloseTest {
 protected:
-    DeleteOnCloseMode() {
-        for (const char* format : {"html", "txt", "pdf"}) {
-            putTemplate(textStylesheet(valueOf("v")), format);
-        }
-        input.variants().addString("v", "value");
-    }
-
-    // The handle of a successful generation; the caller closes it.
-    HANDLE generateHandle() {
-        Result result;
-        EXPECT_EQ(statusHex(RGEN_OK),
-                  statusHex(rgen_generateReport(generator.get(), input.get(), result.get())));
-        EXPECT_EQ("Return stub name", toText(result.record().name));
-        EXPECT_EQ(std::uint64_t{RGEN_TYPE_HANDLE}, result.record().type);
-        EXPECT_EQ(std::uint64_t{RGEN_HINT_GENERIC}, result.record().hint);
-        return result.record().value.handleValue;
-    }
-
     static std::int64_t sizeOf(HANDLE handle) {
         LARGE_INTEGER size = {};
         EXPECT_NE(0, GetFileSizeEx(handle, &size));
         return size.QuadPart;
     }
-
-    InputParams input;
 };
 
 class HeldFile : public ReportTest {

@@ -104,6 +104,23 @@ Report ReportTest::reportOfTemplate(const std::string& text) {
     return reportOfValue("value");
 }
 
+DeleteOnCloseTest::DeleteOnCloseTest() {
+    for (const char* format : {"html", "txt", "pdf"}) {
+        putTemplate(textStylesheet(valueOf("v")), format);
+    }
+    input.variants().addString("v", "value");
+}
+
+void* DeleteOnCloseTest::generateHandle() {
+    Result result;
+    EXPECT_EQ(statusHex(RGEN_OK),
+              statusHex(rgen_generateReport(generator.get(), input.get(), result.get())));
+    EXPECT_EQ("Return stub name", toText(result.record().name));
+    EXPECT_EQ(std::uint64_t{RGEN_TYPE_HANDLE}, result.record().type);
+    EXPECT_EQ(std::uint64_t{RGEN_HINT_GENERIC}, result.record().hint);
+    return result.record().value.handleValue;
+}
+
 RunningGeneration::RunningGeneration(const Generator& generator, InputParams& input)
     : thread_([this, &generator, record = input.get()] {
           status_ = rgen_generateReport(generator.get(), record, result_.get());

@@ -76,6 +76,17 @@ protected:
     Generator generator;
 };
 
+// Mode 1 generations: templates for all formats that give the value "v", and an input with one.
+class DeleteOnCloseTest : public ReportTest {
+protected:
+    DeleteOnCloseTest();
+
+    // The handle of a successful generation; the caller closes it.
+    void* generateHandle();
+
+    InputParams input;
+};
+
 // A generation on a thread of its own; the input must outlive it.
 class RunningGeneration {
 public:
