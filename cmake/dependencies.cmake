@@ -1,8 +1,10 @@
 # SPDX-License-Identifier: MIT
-# The only place that finds third-party code. All of it is static and comes from the folder that
-# scripts/dependencies made for this flavour; cmake/versions.env states the releases.
+# The only place that finds third-party code. The libraries are static and come from the folder that
+# scripts/dependencies made for this flavour; the header-only ones of the command-line host are the
+# system's packages. cmake/versions.env states the releases.
 #
-# Gives the targets third_party::xslt (with libxml2), third_party::filesystem and third_party::gtest.
+# Gives the targets third_party::xslt (with libxml2), third_party::filesystem and third_party::gtest,
+# and for the command-line host third_party::cli11 and third_party::json.
 
 set(RGEN_FLAVOUR "" CACHE STRING "Flavour of the third-party libraries (see scripts/dependencies)")
 set(RGEN_DEPENDENCIES "" CACHE PATH "Their folder; asked of scripts/dependencies when empty")
@@ -63,4 +65,40 @@ if(WIN32)
     target_compile_definitions(third_party::xslt INTERFACE LIBXSLT_STATIC)
 else()
     target_link_libraries(third_party::xml INTERFACE m)
+endif()
+
+# rgen_header_library(NAME FOLDER VERSION_HEADER PREFIX MINIMUM): target third_party::NAME for headers
+# that the system has. They are reached through a folder that holds nothing else, so that a cross
+# compiler sees them without the system's other headers. VERSION_HEADER defines PREFIX_VERSION_MAJOR,
+# _MINOR and _PATCH.
+function(rgen_header_library name folder version_header prefix minimum)
+    find_path(RGEN_${name}_INCLUDE ${version_header} NO_CMAKE_FIND_ROOT_PATH
+              DOC "Folder of the headers of ${name}")
+    if(NOT RGEN_${name}_INCLUDE)
+        message(FATAL_ERROR "The headers of ${name} are missing; scripts/setup installs them.")
+    endif()
+    set(version "")
+    foreach(part MAJOR MINOR PATCH)
+        file(STRINGS ${RGEN_${name}_INCLUDE}/${version_header} line
+             REGEX "^#define ${prefix}_VERSION_${part} +[0-9]+")
+        string(REGEX MATCH "[0-9]+ *(//.*)?$" number "${line}")
+        string(REGEX MATCH "^[0-9]+" number "${number}")
+        list(APPEND version ${number})
+    endforeach()
+    list(JOIN version "." version)
+    if(version VERSION_LESS minimum)
+        message(FATAL_ERROR "${name} ${version} is too old, ${minimum} is needed.")
+    endif()
+    message(STATUS "  ${name} ${version}")
+    set(headers ${PROJECT_BINARY_DIR}/third_party_headers/${name})
+    file(MAKE_DIRECTORY ${headers})
+    file(CREATE_LINK ${RGEN_${name}_INCLUDE}/${folder} ${headers}/${folder} SYMBOLIC)
+    add_library(third_party::${name} INTERFACE IMPORTED GLOBAL)
+    set_target_properties(third_party::${name} PROPERTIES INTERFACE_INCLUDE_DIRECTORIES ${headers})
+endfunction()
+
+if(RGEN_BUILD_TOOLS)
+    rgen_header_library(cli11 CLI CLI/Version.hpp CLI11 ${RGEN_CLI11_MINIMUM})
+    rgen_header_library(json nlohmann nlohmann/detail/abi_macros.hpp NLOHMANN_JSON
+                        ${RGEN_NLOHMANN_JSON_MINIMUM})
 endif()

@@ -1,0 +1,94 @@
+"""Ctrl-C: during a conversion and in a batch.
+
+The stand-in converter says that it runs, then the case interrupts rgen; under Wine the signal
+becomes a Ctrl-C of the console.
+
+SPDX-License-Identifier: MIT
+"""
+
+import json
+
+from cli_case import wait_for
+from cli_converter import WHOLE_PDF, ConversionCase
+from cli_templates import stylesheet
+
+
+# Marks a file, then counts for longer than anybody waits.
+ENDLESS = stylesheet(
+    '<xsl:document href="running" method="text">x</xsl:document>'
+    + '<xsl:for-each select="//property">' * 6 + '<xsl:if test="position() = 0">x</xsl:if>'
+    + "</xsl:for-each>" * 6)
+
+
+class Interruption(ConversionCase):
+
+    def interrupt(self, conversion):
+        """Interrupts, waits for the end of rgen, then lets the converter go."""
+        page = conversion.page
+        self.assertTrue(page.exists())
+        conversion.running.interrupt()
+        result = conversion.running.finish()
+        self.assertFalse(page.exists())
+        conversion.release()
+        self.remove_traces(conversion.number)
+        return result
+
+    def test_a_conversion(self):
+        self.write("report.pdf", "older")
+        before = self.contents()
+        result = self.interrupt(self.convert("--set", "A=1"))
+        self.expect_error(result, 130, "rgen: interrupted")
+        self.assertEqual(before, self.contents())
+
+    def test_a_conversion_without_an_older_report(self):
+        before = self.contents()
+        result = self.interrupt(self.convert("--set", "A=1", "--quiet"))
+        self.assertEqual(130, result.code, result)
+        self.assertEqual(before, self.contents())
+
+    def test_a_converter_that_had_begun_its_file(self):
+        self.write("report.pdf", "older")
+        before = self.contents()
+        conversion = self.convert("--set", "A=1")
+        conversion.output.write_bytes(WHOLE_PDF[:-10])
+        result = self.interrupt(conversion)
+        self.assertEqual(130, result.code, result)
+        self.assertEqual(before, self.contents())
+
+    def test_the_document_says_it(self):
+        result = self.interrupt(self.convert("--set", "A=1", "--json"))
+        self.assertEqual(130, result.code, result)
+        self.assertEqual((False, 130), (result.document["ok"],
+                                        result.document["error"]["exitCode"]))
+
+    def test_a_batch(self):
+        self.write("second.pdf", "older")
+        lines = [{"output": "first.txt"}, {"output": "second.pdf"}, {"output": "third.txt"}]
+        self.write("batch.ndjson", "".join(json.dumps(line) + "\n" for line in lines))
+        before = self.contents()
+        given = ("--set", "A=1", "--batch", "batch.ndjson")
+        result = self.interrupt(self.convert(*given, output=None))
+        self.assertEqual((130, b""), (result.code, result.out), result)
+        self.assertIn("interrupted", result.err)
+        after = self.contents()
+        self.assertEqual(b"[A=1]\n", after.pop("first.txt"))
+        self.assertEqual(before, after)
+
+    def test_a_template_ends_by_the_second_interrupt(self):
+        self.put_template(ENDLESS)
+        self.write("report.txt", "older")
+        self.write_json("data.json", {f"Name {number}": "x" for number in range(1000)})
+        before = self.contents()
+        running = self.start("report", "-d", "case", "-o", "report.txt", "--data", "data.json")
+        wait_for(self.folder / "running", running)
+        result = running.interrupt_until_it_ends()
+        self.assertEqual((130, b""), (result.code, result.out), result)
+        (self.folder / "running").unlink()
+        self.assertEqual(before, self.contents())
+
+    def test_other_runs_are_not_concerned(self):
+        waiting = self.convert("--set", "A=1")
+        result = self.interrupt(self.convert("--set", "A=1", output="other.pdf"))
+        self.assertEqual(130, result.code, result)
+        self.expect_done(waiting.finish(WHOLE_PDF))
+        self.assertEqual(WHOLE_PDF, self.read("report.pdf"))

@@ -1,0 +1,198 @@
+"""Translated reports: which catalogue is taken, what is read of it, what it may hold.
+
+SPDX-License-Identifier: MIT
+"""
+
+from cli_case import IS_A_FOLDER, NO_ACCESS, NO_SUCH_FILE, CliCase, linux_only, unprivileged
+from cli_templates import catalogue, marked
+
+
+class TranslationCase(CliCase):
+
+    def setUp(self):
+        super().setUp()
+        self.put_template(marked("Name", "Size", "Speed"))
+
+    def lines_of(self, *args):
+        """The lines of a report and the notes."""
+        result = self.report("--set", "A=1", *args)
+        self.expect_done(result)
+        return self.text_of("report.txt").splitlines(), result.notes
+
+
+class Choice(TranslationCase):
+
+    def test_without_a_language_texts_stay(self):
+        self.assertEqual((["Name", "Size", "Speed"], []), self.lines_of())
+
+    def test_the_catalogue_of_the_template_comes_first(self):
+        folder = "case/.rgen/translations/"
+        self.write(folder + "de.po", catalogue({"Name": "allgemein"}))
+        lines, _ = self.lines_of("--lang", "de")
+        self.assertEqual("allgemein", lines[0])
+        self.write(folder + "acquisition-de.po", catalogue({"Name": "eigen"}))
+        lines, _ = self.lines_of("--lang", "de")
+        self.assertEqual("eigen", lines[0])
+
+    def test_a_catalogue_anywhere(self):
+        name = "Übersetzungen и прочее/тест de.po"
+        self.write(name, catalogue({"Name": "Имя", "Size": "Größe", "Speed": "速度"}))
+        self.assertEqual((["Имя", "Größe", "速度"], []), self.lines_of("--lang", name))
+
+    def test_a_language_without_a_catalogue(self):
+        for name in ("acquisition-de.po", "ru.po"):
+            self.write("case/.rgen/translations/" + name, catalogue({"Name": "x"}))
+        self.expect_error(self.report("--set", "A=1", "--lang", "fr"), 2,
+                          'rgen: there is no catalogue for "fr" in "case/.rgen/translations"; '
+                          "there is: de, ru")
+
+    def test_a_data_directory_without_catalogues(self):
+        self.expect_error_like(
+            self.report("--set", "A=1", "--lang", "fr"), 2,
+            '^rgen: there is no catalogue for "fr" in "case/.rgen/translations"')
+
+    def test_files_that_cannot_be_read(self):
+        self.write("folder.po/file", "")
+        for name, reason in (("missing.po", NO_SUCH_FILE), ("folder.po", IS_A_FOLDER)):
+            self.expect_error_like(
+                self.report("--set", "A=1", "--lang", name), 2,
+                f'^rgen: cannot read "{name}": {reason}; check the path given to --lang$')
+
+    @linux_only
+    def test_a_file_without_rights(self):
+        self.write("de.po", catalogue({}))
+        self.forbid("de.po")
+        result = self.report("--set", "A=1", "--lang", "de.po", prefix=unprivileged())
+        self.expect_error_like(
+            result, 2,
+            f'^rgen: cannot read "de.po": {NO_ACCESS}; check the path given to --lang$')
+
+
+class Notes(TranslationCase):
+
+    def test_texts_without_a_translation_are_counted_and_named(self):
+        self.write("de.po", catalogue({}))
+        lines, notes = self.lines_of("--lang", "de.po")
+        self.assertEqual(["Name", "Size", "Speed"], lines)
+        self.assertEqual(
+            ['3 texts have no translation in de.po: "Name", "Size", "Speed"'], notes)
+
+    def test_three_are_named_at_most(self):
+        self.put_template(marked("Alpha", "Beta", "Delta", "Gamma"))
+        self.write("de.po", catalogue({}))
+        _, notes = self.lines_of("--lang", "de.po")
+        self.assertEqual(
+            ['4 texts have no translation in de.po: "Alpha", "Beta", "Delta", ...'], notes)
+
+    def test_an_empty_translation_is_none(self):
+        self.write("de.po", catalogue({"Name": "", "Size": "Größe", "Speed": "Tempo"}))
+        lines, notes = self.lines_of("--lang", "de.po")
+        self.assertEqual(["Name", "Größe", "Tempo"], lines)
+        self.assertEqual(1, len(notes))
+        self.assertIn('in de.po: "Name"', notes[0])
+
+    def test_they_are_in_the_document(self):
+        self.write("de.po", catalogue({"Size": "Größe"}))
+        document = self.report("--set", "A=1", "--lang", "de.po", "--json", "-q").document
+        self.assertEqual(["Name", "Speed"], sorted(document["untranslated"]))
+        self.assertEqual(1, len(document["notes"]))
+
+    def test_a_text_that_is_marked_twice_counts_once(self):
+        self.put_template(marked("Name", "Size", "Name", "Speed", "Name"))
+        self.write("de.po", catalogue({}))
+        _, notes = self.lines_of("--lang", "de.po")
+        self.assertEqual(
+            ['3 texts have no translation in de.po: "Name", "Size", "Speed"'], notes)
+
+
+class Reading(TranslationCase):
+
+    def expect_lines(self, lines, content, *args):
+        self.write("de.po", content)
+        self.assertEqual((lines, []), self.lines_of("--lang", "de.po", *args))
+
+    def test_everything_that_a_catalogue_may_hold(self):
+        self.expect_lines(["der Name", "zwei Zeilen", "Geschwindigkeit"], """# Free text, "quoted".
+msgid ""
+msgstr ""
+"Content-Type: text/plain; charset=UTF-8\\n"
+"Plural-Forms: nplurals=2; plural=n != 1;\\n"
+
+#. from the author
+#: html/acquisition.xsl:12
+#, fuzzy, c-format
+#| msgid "Nmae"
+msgctxt "QObject"
+msgid "Name"
+msgstr "der Name"
+
+msgid ""
+"Si"
+"ze"
+msgstr "zwei "
+"Zeilen"
+
+msgid "Speed"
+msgid_plural "Speeds"
+msgstr[0] "Geschwindigkeit"
+msgstr[1] "Geschwindigkeiten"
+
+#~ msgid "Name"
+#~ msgstr "gone"
+""")
+
+    def test_a_byte_order_mark_and_windows_line_ends(self):
+        text = "\ufeff" + catalogue({"Name": "Имя", "Size": "Größe", "Speed": "Tempo"})
+        self.expect_lines(["Имя", "Größe", "Tempo"], text.replace("\n", "\r\n"))
+
+    def test_no_header(self):
+        self.expect_lines(["a", "b", "c"], 'msgid "Name"\nmsgstr "a"\n\nmsgid "Size"\nmsgstr "b"\n'
+                                           'msgid "Speed"\nmsgstr "c"')
+
+    def test_escapes(self):
+        self.expect_lines(['"Name"', "a\\b", "tab\there"], catalogue(
+            {"Name": '\\"Name\\"', "Size": "a\\\\b", "Speed": "tab\\there"}))
+
+
+class MarkupInTranslations(TranslationCase):
+
+    def text_with(self, original, translation, *args):
+        self.put_template(marked(original))
+        self.write("de.po", catalogue({original: translation}))
+        lines, notes = self.lines_of("--lang", "de.po", *args)
+        self.assertEqual([], notes)
+        return lines[0]
+
+    def test_plain_signs_are_escaped(self):
+        self.assertEqual("A & B < C &amp; D", self.text_with("Name", "A & B < C &amp; D"))
+
+    def test_an_original_with_references_has_translations_with_references(self):
+        self.assertEqual("Forschung & Lehre", self.text_with("R&amp;D", "Forschung &amp; Lehre"))
+
+    def test_raw_translations_are_xml_content(self):
+        self.assertEqual("A & B €", self.text_with("Name", "A &amp; B &#8364;", "--raw"))
+
+
+class BrokenCatalogues(TranslationCase):
+
+    def test_the_place_of_the_error(self):
+        rows = [('msgid "Name"\nmsgstr "x\n', 2), ('msgid "Name"\n\nnonsense\n', 3),
+                ('# Größe\n\nmsgstr "x"\nmsgid "Name"\n', 3),
+                ('msgid "Name"\nmsgstr "a\\qb"\n', 2), ('msgid "Name"\r\nmsgstr x\r\n', 2)]
+        for content, line in rows:
+            with self.subTest(content=content):
+                self.write("de.po", content)
+                before = self.contents()
+                self.expect_error_like(self.report("--set", "A=1", "--lang", "de.po"), 2,
+                                       rf"^rgen: de\.po:{line}:\d+: .+")
+                self.assertEqual(before, self.contents())
+
+    def test_the_column_of_the_error_counts_characters(self):
+        self.write("de.po", 'msgid "Größe" x\nmsgstr "x"\n')
+        self.expect_error_like(self.report("--set", "A=1", "--lang", "de.po"), 2,
+                               r"^rgen: de\.po:1:15: .+")
+
+    def test_bytes_that_are_not_utf8(self):
+        self.write("de.po", b'msgid "Name"\nmsgstr "Gr\xf6\xdfe"\n')
+        self.expect_error_like(self.report("--set", "A=1", "--lang", "de.po"), 2,
+                               r"^rgen: de\.po:.*UTF-8")

@@ -1,0 +1,51 @@
+// The command line after it was understood. command_line.cpp fills it, the commands read it.
+//
+// SPDX-License-Identifier: MIT
+#pragma once
+
+#include <optional>
+#include <string>
+#include <vector>
+
+namespace cli {
+
+/// Where values come from.
+struct ValueArguments {
+    /// "NAME[:HINT]=VALUE", as given.
+    std::vector<std::string> set;
+    /// "NAME=TEXT", as given.
+    std::vector<std::string> pair;
+    std::vector<std::string> data;
+    bool raw = false;
+
+    bool empty() const { return set.empty() && pair.empty() && data.empty(); }
+};
+
+/// One report.
+struct ReportArguments {
+    std::string output;
+    std::string format;
+    std::string lang;
+    std::string mode = "file";
+    std::string base;
+    bool noConvert = false;
+};
+
+struct Arguments {
+    /// The words of the command: "report", "persist get".
+    std::string command;
+    bool json = false;
+    bool quiet = false;
+    std::optional<std::string> dataDir;
+    std::optional<std::string> type;
+    ValueArguments values;
+    ReportArguments report;
+    bool showData = false;
+    bool timing = false;
+    std::string batch;
+    std::string sample = "acquisition";
+    /// Everything that stands without an option.
+    std::vector<std::string> operands;
+};
+
+}  // namespace cli

@@ -1,0 +1,162 @@
+// rgen report --batch: one report for each line. A line that fails does not stop the others.
+//
+// SPDX-License-Identifier: MIT
+#include <chrono>
+#include <set>
+#include <sstream>
+
+#include "batch_file.h"
+#include "commands.h"
+#include "error_document.h"
+#include "input_file.h"
+#include "interruption.h"
+#include "report_run.h"
+
+namespace cli {
+namespace {
+
+/// The whole run: what all lines share, and what has become of them.
+class Batch {
+public:
+    Batch(const Arguments& arguments, Console& console)
+        : arguments_(arguments),
+          console_(console),
+          surroundings_{generator_, openDataDirectory(arguments.dataDir), console,
+                        arguments.values.raw} {
+        generator_.setDataDir(surroundings_.directory.folder);
+    }
+
+    void run();
+    ExitCode finish(JsonDocument& document) const;
+
+private:
+    void runLine(const std::string& text, std::size_t line, std::size_t number, std::size_t all);
+    void makeOne(const BatchLine& line, JsonDocument& report);
+    void fail(std::size_t line, const std::string& output, const CommandError& error,
+              JsonDocument& report);
+
+    const Arguments& arguments_;
+    Console& console_;
+    Generator generator_;
+    ReportSurroundings surroundings_;
+    std::set<std::string> outputs_;
+    std::vector<JsonDocument> reports_;
+    /// "batch.ndjson:17: item-17.html: ..."
+    std::vector<std::string> failures_;
+    bool interrupted_ = false;
+};
+
+void Batch::makeOne(const BatchLine& line, JsonDocument& report) {
+    if (!outputs_.insert(line.report.output).second) {
+        throw usageError(line.report.output + ": an earlier line writes the same file",
+                         "name another output");
+    }
+    ReportOrder order;
+    order.type = findReportType(surroundings_.directory, line.type);
+    order.arguments = line.report;
+    order.input = collectInput(line.values, generator_, console_);
+    for (const Value& value : line.set)
+        order.input.values.add(value);
+    for (const Value& pair : line.pairs)
+        order.input.pairs.add(pair);
+    noteLosses(order.input, arguments_.values.raw, console_);
+    const ReportOutcome outcome = makeReport(surroundings_, order);
+    report.set("ok", true);
+    describeReport(order, outcome, console_, report);
+}
+
+void Batch::fail(std::size_t line, const std::string& output, const CommandError& error,
+                 JsonDocument& report) {
+    describeFailure(error, report);
+    report.set("output", output);
+    const std::string place = arguments_.batch + ":" + std::to_string(line) + ":";
+    const std::string text = errorText(error);
+    failures_.push_back(text.rfind(place, 0) == 0 ? text : place + " " + text);
+}
+
+void Batch::runLine(const std::string& text, std::size_t line, std::size_t number,
+                    std::size_t all) {
+    JsonDocument report;
+    report.set("line", static_cast<std::int64_t>(line));
+    std::string output;
+    console_.beginNotes(arguments_.batch + ":" + std::to_string(line) + ": ");
+    try {
+        const BatchLine order = readBatchLine(text, line, arguments_);
+        output = order.report.output;
+        console_.progress(std::to_string(number) + "/" + std::to_string(all) + " " + output);
+        makeOne(order, report);
+    } catch (const CommandError& error) {
+        if (error.exitCode == ExitCode::Interrupted) throw;
+        fail(line, output, error, report);
+    } catch (const std::bad_alloc&) {
+        throw;
+    } catch (const std::exception& exception) {
+        fail(line, output,
+             {ExitCode::Environment, outputName(output) + ": " + exception.what(),
+              "check paths and access rights"},
+             report);
+    }
+    reports_.push_back(std::move(report));
+}
+
+void Batch::run() {
+    const std::string content = readInputFile(arguments_.batch, "check the path given to --batch");
+    std::vector<std::pair<std::size_t, std::string>> lines;
+    std::istringstream stream(content);
+    std::size_t number = 0;
+    for (std::string line; std::getline(stream, line);) {
+        ++number;
+        if (line.find_first_not_of(" \t\r\xEF\xBB\xBF") != std::string::npos) {
+            lines.emplace_back(number, line);
+        }
+    }
+    try {
+        for (std::size_t i = 0; i < lines.size(); ++i)
+            runLine(lines[i].second, lines[i].first, i + 1, lines.size());
+    } catch (const CommandError& error) {
+        if (error.exitCode != ExitCode::Interrupted) throw;
+        interrupted_ = true;
+    }
+}
+
+ExitCode Batch::finish(JsonDocument& document) const {
+    console_.progress({});
+    for (const std::string& failure : failures_)
+        console_.errorLine(failure);
+    const std::size_t done = reports_.size() - failures_.size();
+    console_.say(countText(reports_.size(), "report") + ": " + std::to_string(done) + " done, " +
+                 std::to_string(failures_.size()) + " failed");
+    if (interrupted_) throwIfInterrupted();
+    if (!failures_.empty()) {
+        describeFailure({ExitCode::Refused, countText(failures_.size(), "report") + " failed"},
+                        document);
+    }
+    document.set("done", static_cast<std::int64_t>(done));
+    document.set("failed", static_cast<std::int64_t>(failures_.size()));
+    document.set("reports", reports_);
+    return failures_.empty() ? ExitCode::Done : ExitCode::Refused;
+}
+
+}  // namespace
+
+ExitCode runBatch(const Arguments& arguments, Console& console, JsonDocument& document) {
+    if (arguments.showData || !arguments.report.output.empty()) {
+        const std::string option = arguments.showData ? "--show-data" : "--output";
+        throw usageErrorOf("report", option + " and --batch exclude each other",
+                           "the lines of the batch name the outputs");
+    }
+    const auto start = std::chrono::steady_clock::now();
+    Batch batch(arguments, console);
+    batch.run();
+    const std::chrono::duration<double, std::milli> took = std::chrono::steady_clock::now() - start;
+    if (arguments.timing && !arguments.json) {
+        console.plain("rgen: timing: total " + millisecondsText(took.count()));
+    } else if (arguments.timing) {
+        JsonDocument timing;
+        timing.set("total", took.count());
+        document.set("timing", timing);
+    }
+    return batch.finish(document);
+}
+
+}  // namespace cli

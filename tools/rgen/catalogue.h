@@ -1,0 +1,47 @@
+// Translations from gettext PO files.
+//
+// SPDX-License-Identifier: MIT
+#pragma once
+
+#include <set>
+#include <string>
+#include <unordered_map>
+#include <vector>
+
+#include "strata_repgenlib/rgen.h"
+
+namespace cli {
+
+class Catalogue {
+public:
+    /// Reads a PO file. Raises a CommandError with line and column. Unless `raw` is set, "&" and
+    /// "<" in a translation are escaped when the original has none of them.
+    Catalogue(const std::string& path, bool raw);
+
+    const std::string& path() const { return path_; }
+
+    /// The translation, or null.
+    const std::string* find(const std::string& text) const;
+
+private:
+    std::string path_;
+    std::unordered_map<std::string, std::string> texts_;
+};
+
+/// What the library calls for each marked text; also notes which had no translation.
+class Translator {
+public:
+    explicit Translator(const Catalogue& catalogue) : catalogue_(catalogue) {}
+
+    /// The callback; its context is a Translator.
+    static const char* RGEN_CALL translate(const char* text, void* context);
+
+    const std::vector<std::string>& untranslated() const { return untranslated_; }
+
+private:
+    const Catalogue& catalogue_;
+    std::vector<std::string> untranslated_;
+    std::set<std::string> seen_;
+};
+
+}  // namespace cli

@@ -1,0 +1,53 @@
+// How a command fails: the exit code, one line for people, and the library's status where there is
+// one.
+//
+// SPDX-License-Identifier: MIT
+#pragma once
+
+#include <optional>
+#include <stdexcept>
+#include <string>
+
+#include "strata_repgenlib/rgen.h"
+
+namespace cli {
+
+/// The documented exit codes. 3 is kept for the checks of templates.
+enum class ExitCode {
+    Done = 0,
+    Refused = 1,
+    Usage = 2,
+    Unverified = 4,
+    Environment = 5,
+    Interrupted = 130
+};
+
+/// The end of a command. what() says what, where and why; the hint says what to do.
+class CommandError : public std::runtime_error {
+public:
+    CommandError(ExitCode code, const std::string& message, std::string advice = {})
+        : std::runtime_error(message), exitCode(code), hint(std::move(advice)) {}
+
+    ExitCode exitCode;
+    /// May be empty.
+    std::string hint;
+    /// The words of the command whose arguments are wrong; may be empty.
+    std::string command;
+    /// Set when the library reported the failure.
+    std::optional<RgenStatus> status;
+};
+
+/// Arguments, or files given with them, that cannot be used.
+inline CommandError usageError(const std::string& message, std::string advice = {}) {
+    return {ExitCode::Usage, message, std::move(advice)};
+}
+
+/// The same, about the arguments of one command.
+inline CommandError usageErrorOf(const std::string& command, const std::string& message,
+                                 const std::string& advice) {
+    CommandError error = usageError(message, advice);
+    error.command = command;
+    return error;
+}
+
+}  // namespace cli

@@ -1,0 +1,64 @@
+// All that rgen asks of the operating system. host_system_posix.cpp and host_system_windows.cpp are
+// the two sources behind it; CMake compiles exactly one.
+//
+// SPDX-License-Identifier: MIT
+#pragma once
+
+#include <cstdint>
+#include <filesystem>
+#include <optional>
+#include <string>
+
+namespace cli {
+
+/// Makes standard output and error binary and UTF-8.
+void prepareStreams();
+
+bool standardErrorIsTerminal();
+
+/// Tells whether standard error is a terminal that takes colour sequences.
+bool standardErrorHasColour();
+
+unsigned long processNumber();
+
+/// Calls `handler` on a thread of its own, once for each Ctrl-C or request to end. Requests that
+/// the process was started to ignore stay ignored.
+void watchInterrupts(void (*handler)());
+
+/// While it lives, what the process prints to standard output goes to standard error.
+class StdoutToStderr {
+public:
+    StdoutToStderr();
+    ~StdoutToStderr();
+    StdoutToStderr(const StdoutToStderr&) = delete;
+    StdoutToStderr& operator=(const StdoutToStderr&) = delete;
+
+private:
+    int saved_;
+};
+
+/// Closes the handle of a delete-on-close file, which removes the file; returns the size it had.
+std::uint64_t closeDeleteOnCloseFile(void* handle);
+
+struct LoadedLibrary {
+    /// UTF-8 path of the file.
+    std::string path;
+    /// "0.1.0", or "unknown" when the file does not tell.
+    std::string version;
+};
+
+/// Makes a new folder in the system's folder for temporary files that nobody else may enter. Raises
+/// a CommandError.
+std::filesystem::path makePrivateFolder();
+
+/// The report library that this process has loaded.
+LoadedLibrary loadedLibrary();
+
+/// Lets the system find programs in rgen's own folder, after those on PATH. Windows looks there
+/// anyway.
+void searchOwnFolder();
+
+/// The file that the system would start under this program name, if any.
+std::optional<std::filesystem::path> findProgram(const std::string& name);
+
+}  // namespace cli

@@ -1,0 +1,131 @@
+// The operating system for rgen on Linux.
+//
+// SPDX-License-Identifier: MIT
+#include <dlfcn.h>
+#include <pthread.h>
+#include <signal.h>
+#include <sys/stat.h>
+#include <unistd.h>
+
+#include <cerrno>
+#include <cstdio>
+#include <cstdlib>
+#include <sstream>
+#include <thread>
+
+#include "command_error.h"
+#include "host_system.h"
+#include "strata_repgenlib/rgen.h"
+
+namespace cli {
+namespace {
+
+bool isIgnored(int signalNumber) {
+    struct sigaction action = {};
+    return sigaction(signalNumber, nullptr, &action) == 0 && action.sa_handler == SIG_IGN;
+}
+
+bool isRunnable(const std::filesystem::path& path) {
+    std::error_code ignored;
+    return std::filesystem::is_regular_file(path, ignored) && access(path.c_str(), X_OK) == 0;
+}
+
+/// "libname.so.1.2.3" gives "1.2.3".
+std::string versionInFileName(const std::filesystem::path& path) {
+    constexpr const char* mark = ".so.";
+    const std::string name = path.filename().string();
+    const std::size_t at = name.find(mark);
+    return at == std::string::npos ? "unknown" : name.substr(at + 4);
+}
+
+}  // namespace
+
+void prepareStreams() {}
+
+bool standardErrorIsTerminal() {
+    return isatty(STDERR_FILENO) == 1;
+}
+
+bool standardErrorHasColour() {
+    return standardErrorIsTerminal();
+}
+
+unsigned long processNumber() {
+    return static_cast<unsigned long>(getpid());
+}
+
+void watchInterrupts(void (*handler)()) {
+    sigset_t watched;
+    sigemptyset(&watched);
+    for (const int signalNumber : {SIGINT, SIGTERM}) {
+        if (!isIgnored(signalNumber)) sigaddset(&watched, signalNumber);
+    }
+    // Blocked here, before any other thread exists, so that only the watching thread sees them.
+    pthread_sigmask(SIG_BLOCK, &watched, nullptr);
+    std::thread([watched, handler] {
+        int signalNumber = 0;
+        while (sigwait(&watched, &signalNumber) == 0)
+            handler();
+    }).detach();
+}
+
+StdoutToStderr::StdoutToStderr() {
+    std::fflush(stdout);
+    saved_ = dup(STDOUT_FILENO);
+    dup2(STDERR_FILENO, STDOUT_FILENO);
+}
+
+StdoutToStderr::~StdoutToStderr() {
+    std::fflush(stdout);
+    if (saved_ < 0) return;
+    dup2(saved_, STDOUT_FILENO);
+    close(saved_);
+}
+
+std::uint64_t closeDeleteOnCloseFile(void* handle) {
+    const int descriptor = static_cast<int>(reinterpret_cast<std::intptr_t>(handle));
+    struct stat facts = {};
+    const bool known = fstat(descriptor, &facts) == 0;
+    close(descriptor);
+    return known ? static_cast<std::uint64_t>(facts.st_size) : 0;
+}
+
+std::filesystem::path makePrivateFolder() {
+    std::string path = (std::filesystem::temp_directory_path() / "rgen-XXXXXX").string();
+    if (mkdtemp(path.data()) != nullptr) return path;
+    throw CommandError(ExitCode::Environment,
+                       "cannot make a temporary folder: " + std::generic_category().message(errno),
+                       "check the folder that TMPDIR names");
+}
+
+LoadedLibrary loadedLibrary() {
+    Dl_info info = {};
+    const auto address = reinterpret_cast<const void*>(&rgen_newReportGenerator);
+    if (dladdr(address, &info) == 0 || info.dli_fname == nullptr) return {"", "unknown"};
+    std::error_code failure;
+    const std::filesystem::path path = std::filesystem::canonical(info.dli_fname, failure);
+    if (failure) return {info.dli_fname, "unknown"};
+    return {path.string(), versionInFileName(path)};
+}
+
+void searchOwnFolder() {
+    std::error_code failure;
+    const std::filesystem::path program = std::filesystem::read_symlink("/proc/self/exe", failure);
+    if (failure) return;
+    const char* const searchPath = std::getenv("PATH");
+    std::string folders = searchPath == nullptr ? "/bin:/usr/bin" : searchPath;
+    if (!folders.empty()) folders += ':';
+    setenv("PATH", (folders + program.parent_path().string()).c_str(), 1);
+}
+
+std::optional<std::filesystem::path> findProgram(const std::string& name) {
+    const char* const searchPath = std::getenv("PATH");
+    std::istringstream folders(searchPath == nullptr ? "/bin:/usr/bin" : searchPath);
+    for (std::string folder; std::getline(folders, folder, ':');) {
+        const std::filesystem::path path = std::filesystem::path(folder) / name;
+        if (isRunnable(path)) return path;
+    }
+    return std::nullopt;
+}
+
+}  // namespace cli

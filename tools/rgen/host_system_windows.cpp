@@ -1,0 +1,147 @@
+// The operating system for rgen on Windows.
+//
+// SPDX-License-Identifier: MIT
+#include <windows.h>
+
+#include <fcntl.h>
+#include <io.h>
+
+#include <cstdio>
+#include <string>
+#include <vector>
+
+#include "command_error.h"
+#include "host_system.h"
+#include "strata_repgenlib/rgen.h"
+
+namespace cli {
+namespace {
+
+void (*interruptHandler)() = nullptr;
+
+BOOL WINAPI handleConsoleEvent(DWORD) {
+    interruptHandler();
+    return TRUE;
+}
+
+std::wstring moduleFileName(HMODULE module) {
+    std::wstring name(MAX_PATH, L'\0');
+    for (;;) {
+        const DWORD length =
+            GetModuleFileNameW(module, name.data(), static_cast<DWORD>(name.size()));
+        if (length < name.size()) {
+            name.resize(length);
+            return name;
+        }
+        name.resize(name.size() * 2);
+    }
+}
+
+std::string versionOfFile(const std::wstring& fileName) {
+    DWORD unused = 0;
+    const DWORD size = GetFileVersionInfoSizeW(fileName.c_str(), &unused);
+    std::vector<char> resource(size);
+    void* block = nullptr;
+    UINT blockSize = 0;
+    if (size == 0 || GetFileVersionInfoW(fileName.c_str(), 0, size, resource.data()) == 0 ||
+        VerQueryValueW(resource.data(), L"\\", &block, &blockSize) == 0 ||
+        blockSize < sizeof(VS_FIXEDFILEINFO)) {
+        return "unknown";
+    }
+    const auto* info = static_cast<const VS_FIXEDFILEINFO*>(block);
+    return std::to_string(HIWORD(info->dwFileVersionMS)) + "." +
+           std::to_string(LOWORD(info->dwFileVersionMS)) + "." +
+           std::to_string(HIWORD(info->dwFileVersionLS));
+}
+
+}  // namespace
+
+void prepareStreams() {
+    _setmode(_fileno(stdin), _O_BINARY);
+    _setmode(_fileno(stdout), _O_BINARY);
+    _setmode(_fileno(stderr), _O_BINARY);
+    SetConsoleOutputCP(CP_UTF8);
+}
+
+bool standardErrorIsTerminal() {
+    DWORD mode = 0;
+    return GetConsoleMode(GetStdHandle(STD_ERROR_HANDLE), &mode) != 0;
+}
+
+bool standardErrorHasColour() {
+    // Consoles older than Windows 10 refuse the mode.
+    constexpr DWORD processSequences = 0x0004;
+    HANDLE console = GetStdHandle(STD_ERROR_HANDLE);
+    DWORD mode = 0;
+    return GetConsoleMode(console, &mode) != 0 &&
+           SetConsoleMode(console, mode | processSequences) != 0;
+}
+
+unsigned long processNumber() {
+    return GetCurrentProcessId();
+}
+
+void watchInterrupts(void (*handler)()) {
+    interruptHandler = handler;
+    SetConsoleCtrlHandler(handleConsoleEvent, TRUE);
+}
+
+StdoutToStderr::StdoutToStderr() {
+    std::fflush(stdout);
+    saved_ = _dup(_fileno(stdout));
+    _dup2(_fileno(stderr), _fileno(stdout));
+}
+
+StdoutToStderr::~StdoutToStderr() {
+    std::fflush(stdout);
+    if (saved_ < 0) return;
+    _dup2(saved_, _fileno(stdout));
+    _close(saved_);
+}
+
+std::uint64_t closeDeleteOnCloseFile(void* handle) {
+    LARGE_INTEGER size = {};
+    const bool known = GetFileSizeEx(handle, &size) != 0;
+    CloseHandle(handle);
+    return known ? static_cast<std::uint64_t>(size.QuadPart) : 0;
+}
+
+std::filesystem::path makePrivateFolder() {
+    // The folder for temporary files belongs to the user; a name that exists is somebody else's.
+    const std::filesystem::path parent = std::filesystem::temp_directory_path();
+    for (unsigned number = 0; number < 1000; ++number) {
+        const std::string name =
+            "rgen-" + std::to_string(processNumber()) + "-" + std::to_string(number);
+        std::error_code ignored;
+        if (std::filesystem::create_directory(parent / name, ignored)) return parent / name;
+    }
+    throw CommandError(ExitCode::Environment,
+                       "cannot make a folder in \"" + parent.u8string() + "\"",
+                       "check the folder that TMP names");
+}
+
+LoadedLibrary loadedLibrary() {
+    HMODULE module = GetModuleHandleW(L"strata_repgenlib.dll");
+    if (module == nullptr) return {"", "unknown"};
+    const std::wstring fileName = moduleFileName(module);
+    return {std::filesystem::path(fileName).u8string(), versionOfFile(fileName)};
+}
+
+void searchOwnFolder() {}
+
+std::optional<std::filesystem::path> findProgram(const std::string& name) {
+    const std::wstring wideName = std::filesystem::u8path(name).wstring();
+    std::wstring found(MAX_PATH, L'\0');
+    for (;;) {
+        const DWORD length = SearchPathW(nullptr, wideName.c_str(), L".exe",
+                                         static_cast<DWORD>(found.size()), found.data(), nullptr);
+        if (length == 0) return std::nullopt;
+        if (length < found.size()) {
+            found.resize(length);
+            return std::filesystem::path(found);
+        }
+        found.resize(length + 1);
+    }
+}
+
+}  // namespace cli

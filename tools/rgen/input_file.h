@@ -1,0 +1,35 @@
+// Files that arguments name.
+//
+// SPDX-License-Identifier: MIT
+#pragma once
+
+#include <string>
+
+namespace cli {
+
+/// A place in a text, both parts counted from 1, columns in characters.
+struct TextPosition {
+    std::size_t line = 1;
+    std::size_t column = 1;
+};
+
+/// The whole file; "-" is standard input. Raises a CommandError, whose hint says where the path
+/// came from: "check the path given to --data".
+std::string readInputFile(const std::string& path, const std::string& hint);
+
+/// The place of a byte in a text. A byte order mark is no character.
+TextPosition positionOf(const std::string& text, std::size_t offset);
+
+/// "file:3:12".
+std::string placeText(const std::string& file, const TextPosition& position);
+
+/// Tells whether the text is valid UTF-8 without a zero character.
+bool isPlainUtf8(const std::string& text);
+
+/// `folder` and `name` with a separator between; "." is left out.
+std::string joinedPath(const std::string& folder, const std::string& name);
+
+/// The part of the path before the last separator, "." when there is none.
+std::string folderOf(const std::string& path);
+
+}  // namespace cli

@@ -1,0 +1,151 @@
+// The listener runs on a thread of the system layer. It never calls the library itself: rgen_cancel
+// waits for a template that runs, and the next Ctrl-C must be heard meanwhile.
+//
+// SPDX-License-Identifier: MIT
+#include "interruption.h"
+
+#include <chrono>
+#include <cstdio>
+#include <cstdlib>
+#include <filesystem>
+#include <set>
+
+#include "command_error.h"
+#include "host_system.h"
+
+namespace cli {
+namespace {
+
+// What the listener shares with the commands. Never destroyed: the listener outlives main.
+struct State {
+    std::mutex mutex;
+    std::condition_variable changed;
+    bool interrupted = false;
+    int guards = 0;
+    std::set<std::string> temporaryFiles;
+    std::set<std::string> temporaryFolders;
+};
+
+State& state() {
+    static State& shared = *new State;
+    return shared;
+}
+
+void removeQuietly(const std::string& path) {
+    std::error_code ignored;
+    std::filesystem::remove(std::filesystem::u8path(path), ignored);
+}
+
+void removeFolderQuietly(const std::string& path) {
+    std::error_code ignored;
+    std::filesystem::remove_all(std::filesystem::u8path(path), ignored);
+}
+
+void handleInterrupt() {
+    State& shared = state();
+    const std::lock_guard lock(shared.mutex);
+    const bool first = !shared.interrupted;
+    shared.interrupted = true;
+    shared.changed.notify_all();
+    if (first && shared.guards > 0) return;
+    for (const std::string& path : shared.temporaryFiles)
+        removeQuietly(path);
+    for (const std::string& path : shared.temporaryFolders)
+        removeFolderQuietly(path);
+    std::fputs("rgen: interrupted\n", stderr);
+    std::_Exit(static_cast<int>(ExitCode::Interrupted));
+}
+
+}  // namespace
+
+void listenForInterrupts() {
+    state();
+    watchInterrupts(handleInterrupt);
+}
+
+void throwIfInterrupted() {
+    const std::lock_guard lock(state().mutex);
+    if (state().interrupted) throw CommandError(ExitCode::Interrupted, "interrupted");
+}
+
+InterruptGuard::InterruptGuard(RgenReportGenerator* generator) : generator_(generator) {
+    const std::lock_guard lock(state().mutex);
+    ++state().guards;
+    if (generator_ != nullptr) canceller_ = std::thread([this] { cancelWhenInterrupted(); });
+}
+
+InterruptGuard::~InterruptGuard() {
+    {
+        const std::lock_guard lock(state().mutex);
+        --state().guards;
+        over_ = true;
+        state().changed.notify_all();
+    }
+    if (canceller_.joinable()) canceller_.join();
+}
+
+/// The request is repeated: a generation that has not registered yet would not see the first one.
+void InterruptGuard::cancelWhenInterrupted() {
+    constexpr auto pause = std::chrono::milliseconds(50);
+    State& shared = state();
+    std::unique_lock lock(shared.mutex);
+    shared.changed.wait(lock, [&] { return over_ || shared.interrupted; });
+    while (!over_) {
+        lock.unlock();
+        rgen_cancel(generator_, nullptr);
+        lock.lock();
+        shared.changed.wait_for(lock, pause, [&] { return over_; });
+    }
+}
+
+TemporaryFile::TemporaryFile(std::string path) : path_(std::move(path)) {
+    const std::lock_guard lock(state().mutex);
+    state().temporaryFiles.insert(path_);
+}
+
+TemporaryFile::~TemporaryFile() {
+    const std::lock_guard lock(state().mutex);
+    if (state().temporaryFiles.erase(path_) > 0) removeQuietly(path_);
+}
+
+void TemporaryFile::keep() {
+    const std::lock_guard lock(state().mutex);
+    state().temporaryFiles.erase(path_);
+}
+
+void TemporaryFile::renameTo(const std::string& finalPath) {
+    const std::lock_guard lock(state().mutex);
+    std::error_code failure;
+    std::filesystem::rename(std::filesystem::u8path(path_), std::filesystem::u8path(finalPath),
+                            failure);
+    if (failure) {
+        throw CommandError(ExitCode::Unverified,
+                           "cannot write \"" + finalPath + "\": " + failure.message(),
+                           "check whether the file may be replaced");
+    }
+    state().temporaryFiles.erase(path_);
+}
+
+TemporaryFolder::TemporaryFolder() : path_(makePrivateFolder().u8string()) {
+    const std::lock_guard lock(state().mutex);
+    state().temporaryFolders.insert(path_);
+}
+
+TemporaryFolder::~TemporaryFolder() {
+    const std::lock_guard lock(state().mutex);
+    state().temporaryFolders.erase(path_);
+    removeFolderQuietly(path_);
+}
+
+std::string TemporaryFolder::file(const std::string& name) const {
+    return (std::filesystem::u8path(path_) / std::filesystem::u8path(name)).u8string();
+}
+
+std::string temporaryPathBeside(const std::string& path) {
+    const std::filesystem::path name = std::filesystem::u8path(path).filename();
+    const std::string folder = path.substr(0, path.size() - name.u8string().size());
+    return folder + name.stem().u8string() + ".part-" + std::to_string(processNumber()) +
+           name.extension().u8string();
+}
+
+}  // namespace cli

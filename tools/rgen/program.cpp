@@ -1,0 +1,103 @@
+// From the command line to the exit code: the one place where failures become messages.
+//
+// SPDX-License-Identifier: MIT
+#include "program.h"
+
+#include <algorithm>
+#include <exception>
+#include <map>
+
+#include "command_line.h"
+#include "commands.h"
+#include "error_document.h"
+#include "host_system.h"
+#include "interruption.h"
+
+namespace cli {
+namespace {
+
+using Command = ExitCode (*)(const Arguments&, Console&, JsonDocument&);
+
+const std::map<std::string, Command>& commands() {
+    static const std::map<std::string, Command> all = {
+        {"completion", runCompletion},
+        {"doctor", runDoctor},
+        {"dump", runDump},
+        {"explain", runExplain},
+        {"init", runInit},
+        {"persist get", runPersistGet},
+        {"persist replace", runPersistReplace},
+        {"persist set", runPersistSet},
+        {"persist unset", runPersistUnset},
+        {"report", runReport},
+        {"simulate", runSimulate},
+        {"types", runTypes},
+    };
+    return all;
+}
+
+ExitCode fail(const CommandError& error, bool json, Console& console) {
+    console.error(error);
+    if (json) {
+        JsonDocument document;
+        describeFailure(error, document);
+        printData(document.text());
+    }
+    return error.exitCode;
+}
+
+ExitCode runCommand(const Arguments& arguments, Console& console) {
+    JsonDocument document;
+    document.set("ok", true);
+    const ExitCode code = commands().at(arguments.command)(arguments, console, document);
+    if (arguments.json) printData(document.text());
+    return code;
+}
+
+ExitCode runCommandLine(const CommandLine& commandLine, Console& console) {
+    if (!commandLine.help.empty()) {
+        printData(commandLine.help);
+        return ExitCode::Done;
+    }
+    if (!commandLine.wantsVersion) return runCommand(commandLine.arguments, console);
+    JsonDocument document;
+    document.set("ok", true);
+    const ExitCode code = runVersion(commandLine.arguments, document);
+    if (commandLine.arguments.json) printData(document.text());
+    return code;
+}
+
+/// Failures of the library that have no status come as exceptions.
+CommandError libraryException(const std::exception& exception) {
+    return {ExitCode::Environment, exception.what(), "check paths and access rights"};
+}
+
+}  // namespace
+
+int runProgram(const std::vector<std::string>& arguments) {
+    prepareStreams();
+    searchOwnFolder();
+    listenForInterrupts();
+    bool json = std::find(arguments.begin(), arguments.end(), "--json") != arguments.end();
+    Console console;
+    ExitCode code = ExitCode::Done;
+    try {
+        const CommandLine commandLine = parseCommandLine(arguments);
+        if (arguments.empty()) {
+            console.plain(commandLine.help);
+            return static_cast<int>(ExitCode::Usage);
+        }
+        json = commandLine.arguments.json;
+        console = Console(commandLine.arguments.quiet);
+        code = runCommandLine(commandLine, console);
+    } catch (const CommandError& error) {
+        code = fail(error, json, console);
+    } catch (const std::bad_alloc&) {
+        code = fail({ExitCode::Environment, "memory is exhausted", "use less data"}, json, console);
+    } catch (const std::exception& exception) {
+        code = fail(libraryException(exception), json, console);
+    }
+    return static_cast<int>(code);
+}
+
+}  // namespace cli

@@ -1,0 +1,65 @@
+// Data files first, options after them.
+//
+// SPDX-License-Identifier: MIT
+#include "report_input.h"
+
+#include <set>
+
+#include "console.h"
+#include "data_file.h"
+#include "generator.h"
+#include "xml_content.h"
+
+namespace cli {
+namespace {
+
+ValueReading readingFor(const std::string& source, bool raw) {
+    ValueReading reading;
+    reading.raw = raw;
+    reading.source = source;
+    return reading;
+}
+
+void notePlainAmpersands(const ValueSet& values, Console& console) {
+    for (const auto& [name, value] : values.values()) {
+        if (value.type != RGEN_TYPE_STRING || !hasPlainAmpersand(value.content)) continue;
+        console.note("\"" + shortened(name) +
+                     "\": with --raw a plain \"&\" is lost; write \"&amp;\"");
+    }
+}
+
+}  // namespace
+
+void addAssignments(const std::vector<std::string>& assignments, const std::string& option,
+                    bool raw, ValueSet& values) {
+    for (const std::string& assignment : assignments)
+        values.add(readAssignment(assignment, option, readingFor(option, raw)));
+}
+
+ReportInput collectInput(const ValueArguments& arguments, Generator& generator, Console& console) {
+    ReportInput input;
+    for (const std::string& path : arguments.data) {
+        for (Value& value : readDataFile(path, arguments.raw, generator, console))
+            input.values.add(std::move(value));
+    }
+    addAssignments(arguments.set, "--set", arguments.raw, input.values);
+    for (const std::string& pair : arguments.pair)
+        input.pairs.add(readPair(pair, "--pair", readingFor("--pair", arguments.raw)));
+    return input;
+}
+
+void noteLosses(const ReportInput& input, bool raw, Console& console) {
+    for (const ValueSet* set : {&input.values, &input.pairs}) {
+        set->noteRepeated(console);
+        if (raw) notePlainAmpersands(*set, console);
+    }
+}
+
+std::vector<Value> inOrder(const ValueSet& set) {
+    std::vector<Value> values;
+    for (const auto& [name, value] : set.values())
+        values.push_back(value);
+    return values;
+}
+
+}  // namespace cli

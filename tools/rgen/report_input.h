@@ -1,0 +1,33 @@
+// All values of a request, from every place that the arguments name.
+//
+// SPDX-License-Identifier: MIT
+#pragma once
+
+#include <vector>
+
+#include "arguments.h"
+#include "value.h"
+
+namespace cli {
+
+class Generator;
+
+struct ReportInput {
+    ValueSet values;
+    ValueSet pairs;
+};
+
+/// Reads the data files, then the options, so that options win.
+ReportInput collectInput(const ValueArguments& arguments, Generator& generator, Console& console);
+
+/// Notes names that were given more than once and, with `raw`, texts in which a plain "&" is lost.
+void noteLosses(const ReportInput& input, bool raw, Console& console);
+
+/// Reads "NAME[:HINT]=VALUE" arguments into `values`. `option` names them in messages.
+void addAssignments(const std::vector<std::string>& assignments, const std::string& option,
+                    bool raw, ValueSet& values);
+
+/// The values in the order of their names.
+std::vector<Value> inOrder(const ValueSet& set);
+
+}  // namespace cli

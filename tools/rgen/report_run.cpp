@@ -1,0 +1,245 @@
+// The road of one report: format, catalogue, request, library, delivery.
+//
+// SPDX-License-Identifier: MIT
+#include "report_run.h"
+
+#include <algorithm>
+#include <chrono>
+#include <cstdio>
+#include <filesystem>
+#include <memory>
+
+#include "catalogue.h"
+#include "console.h"
+#include "input_file.h"
+#include "json_document.h"
+#include "report_output.h"
+
+namespace cli {
+namespace {
+
+namespace fs = std::filesystem;
+using Clock = std::chrono::steady_clock;
+
+double millisecondsSince(Clock::time_point start) {
+    return std::chrono::duration<double, std::milli>(Clock::now() - start).count();
+}
+
+const char* RGEN_CALL sameText(const char* text, void*) {
+    return text;
+}
+
+/// The translate callback of one report; afterwards the generator has none again.
+class TranslationScope {
+public:
+    TranslationScope(const Generator& generator, const std::string& cataloguePath, bool raw)
+        : generator_(generator) {
+        if (cataloguePath.empty()) return;
+        catalogue_ = std::make_unique<Catalogue>(cataloguePath, raw);
+        translator_ = std::make_unique<Translator>(*catalogue_);
+        rgen_setTranslateFunction(generator_.handle(), Translator::translate, translator_.get());
+    }
+    ~TranslationScope() {
+        if (translator_) rgen_setTranslateFunction(generator_.handle(), sameText, nullptr);
+    }
+    TranslationScope(const TranslationScope&) = delete;
+    TranslationScope& operator=(const TranslationScope&) = delete;
+
+    std::vector<std::string> untranslated() const {
+        return translator_ ? translator_->untranslated() : std::vector<std::string>();
+    }
+
+private:
+    const Generator& generator_;
+    std::unique_ptr<Catalogue> catalogue_;
+    std::unique_ptr<Translator> translator_;
+};
+
+std::string formatOf(const ReportArguments& arguments) {
+    if (!arguments.format.empty()) return arguments.format;
+    std::string ending = fs::u8path(arguments.output).extension().u8string();
+    std::transform(ending.begin(), ending.end(), ending.begin(), [](char letter) {
+        return letter >= 'A' && letter <= 'Z' ? static_cast<char>(letter - 'A' + 'a') : letter;
+    });
+    for (const std::string& format : outputFormats()) {
+        if (ending == "." + format) return format;
+    }
+    throw usageErrorOf("report",
+                       "the format of \"" + arguments.output + "\" is not known from its ending",
+                       "give --format html, pdf or txt");
+}
+
+OutputPlan planOf(const ReportArguments& arguments, const std::string& format) {
+    OutputPlan plan;
+    plan.target = arguments.output;
+    const bool isPdf = format == "pdf" && !arguments.noConvert;
+    if (arguments.mode == "bytes" || (arguments.output == "-" && !isPdf)) {
+        plan.mode = RGEN_OUTPUT_BYTES;
+    } else if (arguments.mode == "delete-on-close") {
+        plan.mode = RGEN_OUTPUT_DELETE_ON_CLOSE;
+    }
+    plan.converts = isPdf && plan.mode == RGEN_OUTPUT_FILE;
+    const bool hasQuote = (arguments.output + arguments.base).find('"') != std::string::npos;
+    if (plan.converts && hasQuote) {
+        throw usageErrorOf("report", "the path of a pdf and --base must not contain a double quote",
+                           "choose another name");
+    }
+    return plan;
+}
+
+std::string cataloguePath(const ReportSurroundings& surroundings, const ReportOrder& order) {
+    const std::string& lang = order.arguments.lang;
+    const bool isFile = fs::u8path(lang).extension() == ".po" || fs::u8path(lang).has_parent_path();
+    if (lang.empty() || isFile) return lang;
+    std::string languages;
+    for (const CatalogueFile& file : catalogueFiles(surroundings.directory, order.type)) {
+        if (file.language == lang) return file.path;
+        languages += (languages.empty() ? "" : ", ") + file.language;
+    }
+    throw usageError("there is no catalogue for \"" + lang + "\" in \"" +
+                         surroundings.directory.path("translations") + "\"",
+                     languages.empty() ? "give a .po file" : "there is: " + languages);
+}
+
+std::string adviceOnOutput(const std::string& output) {
+    std::error_code ignored;
+    const std::string folder = folderOf(output);
+    if (fs::is_directory(fs::u8path(output), ignored)) return "it is a folder";
+    if (!fs::exists(fs::u8path(folder), ignored)) {
+        return "the folder \"" + folder + "\" does not exist";
+    }
+    return "check the rights of the folder, and that no other program has the file open";
+}
+
+std::string adviceFor(RgenStatus status, const ReportSurroundings& surroundings,
+                      const ReportOrder& order, const std::string& format) {
+    const std::string path = templatePath(surroundings.directory, order.type, format);
+    switch (status) {
+        case RGEN_E_EMPTY_INPUT:
+            return "give values with --data, --set or --pair";
+        case RGEN_E_GUID_NOT_IN_CONFIG:
+            return "\"rgen types\" lists the report types of \"" + surroundings.directory.folder +
+                   "\"";
+        case RGEN_E_TEMPLATE_NOT_FOUND:
+            return "looked for \"" + path + "\"";
+        case RGEN_E_XSLT_PARSE:
+        case RGEN_E_XSLT_APPLY:
+        case RGEN_E_XSLT_RESULT:
+            return "the template is \"" + path + "\"";
+        case RGEN_E_OVERWRITE_OUTPUT:
+        case RGEN_E_CREATE_OUTPUT:
+            return adviceOnOutput(order.arguments.output);
+        case RGEN_E_RUN_EXTERNAL:
+            return "the program \"vellum\" was not found on the search path: install it beside "
+                   "rgen "
+                   "or on PATH, or give --no-convert";
+        case RGEN_E_OPEN_CONFIG:
+        case RGEN_E_NO_TYPE_MAP:
+        case RGEN_E_NO_VALID_TYPE_MAP:
+            return "look at \"" + surroundings.directory.configPath() + "\"";
+        default:
+            return "\"rgen explain " + Generator::statusHex(status) + "\" says more";
+    }
+}
+
+[[noreturn]] void fail(RgenStatus status, const ReportSurroundings& surroundings,
+                       const ReportOrder& order, const std::string& format) {
+    CommandError error = surroundings.generator.failure(
+        outputName(order.arguments.output), status, adviceFor(status, surroundings, order, format));
+    if (status == RGEN_E_RUN_EXTERNAL) error.exitCode = ExitCode::Environment;
+    throw error;
+}
+
+/// Failures of the library without a status are exceptions.
+RgenStatus callLibrary(const ReportSurroundings& surroundings, const ReportOrder& order,
+                       ReportOutput& output, const std::string& format) {
+    Request request;
+    request.setValues(inOrder(order.input.values));
+    request.setPairs(inOrder(order.input.pairs));
+    request.record.templateGuid = order.type.guid;
+    try {
+        return output.generate(surroundings.generator, request, format, order.arguments.base);
+    } catch (const std::bad_alloc&) {
+        throw;
+    } catch (const std::exception& exception) {
+        throw CommandError(ExitCode::Environment,
+                           outputName(order.arguments.output) + ": " + exception.what(),
+                           "check the access rights of the data directory");
+    }
+}
+
+void noteUntranslated(const std::vector<std::string>& texts, const std::string& path,
+                      Console& console) {
+    if (texts.empty()) return;
+    constexpr std::size_t shown = 3;
+    std::string list;
+    for (std::size_t i = 0; i < std::min(shown, texts.size()); ++i)
+        list += (i == 0 ? "" : ", ") + ("\"" + shortened(texts[i]) + "\"");
+    const char* const have = texts.size() == 1 ? " text has" : " texts have";
+    console.note(std::to_string(texts.size()) + have + " no translation in " + path + ": " + list +
+                 (texts.size() > shown ? ", ..." : ""));
+}
+
+std::size_t numberOfNames(const ReportInput& input) {
+    std::size_t number = input.values.size();
+    for (const auto& [name, pair] : input.pairs.values())
+        if (input.values.values().count(name) == 0) ++number;
+    return number;
+}
+
+}  // namespace
+
+std::string countText(std::uint64_t count, const std::string& word) {
+    return std::to_string(count) + " " + word + (count == 1 ? "" : "s");
+}
+
+std::string outputName(const std::string& output) {
+    return output == "-" ? "standard output" : output;
+}
+
+std::string millisecondsText(double milliseconds) {
+    char text[32] = {};
+    std::snprintf(text, sizeof text, "%.1f ms", milliseconds);
+    return text;
+}
+
+ReportOutcome makeReport(const ReportSurroundings& surroundings, const ReportOrder& order) {
+    ReportOutcome outcome;
+    outcome.format = formatOf(order.arguments);
+    outcome.values = numberOfNames(order.input);
+    const std::string catalogue = cataloguePath(surroundings, order);
+    const TranslationScope translation(surroundings.generator, catalogue, surroundings.raw);
+    const InterruptGuard guard(surroundings.generator.handle());
+    throwIfInterrupted();
+
+    const Clock::time_point start = Clock::now();
+    ReportOutput output(planOf(order.arguments, outcome.format));
+    const RgenStatus status = callLibrary(surroundings, order, output, outcome.format);
+    throwIfInterrupted();
+    if (status < 0) fail(status, surroundings, order, outcome.format);
+    outcome.generateMilliseconds = millisecondsSince(start);
+
+    const Clock::time_point delivery = Clock::now();
+    outcome.bytes = output.deliver();
+    outcome.deliverMilliseconds = millisecondsSince(delivery);
+    outcome.untranslated = translation.untranslated();
+    noteUntranslated(outcome.untranslated, catalogue, surroundings.console);
+    return outcome;
+}
+
+void describeReport(const ReportOrder& order, const ReportOutcome& outcome, const Console& console,
+                    JsonDocument& document) {
+    JsonDocument type;
+    type.set("guid", order.type.guidText);
+    type.set("name", order.type.name);
+    document.set("output", order.arguments.output);
+    document.set("format", outcome.format);
+    document.set("type", type);
+    document.set("mode", order.arguments.mode);
+    document.set("bytes", static_cast<std::int64_t>(outcome.bytes));
+    document.set("values", static_cast<std::int64_t>(outcome.values));
+    document.set("untranslated", outcome.untranslated);
+    document.set("notes", console.notes());
+}
+
+}  // namespace cli

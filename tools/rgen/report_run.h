@@ -1,0 +1,63 @@
+// One report from its input to the verified file: what "rgen report" does once, and for each line
+// of a batch.
+//
+// SPDX-License-Identifier: MIT
+#pragma once
+
+#include <optional>
+#include <string>
+#include <vector>
+
+#include "arguments.h"
+#include "generator.h"
+#include "report_input.h"
+#include "report_type.h"
+
+namespace cli {
+
+class Console;
+class JsonDocument;
+
+/// What does not change from report to report.
+struct ReportSurroundings {
+    const Generator& generator;
+    DataDirectory directory;
+    Console& console;
+    /// Translations are taken as they are.
+    bool raw = false;
+};
+
+/// What a report is made from.
+struct ReportOrder {
+    ReportType type;
+    ReportArguments arguments;
+    ReportInput input;
+};
+
+struct ReportOutcome {
+    std::string format;
+    std::uint64_t bytes = 0;
+    /// Number of names among the values and pairs.
+    std::size_t values = 0;
+    std::vector<std::string> untranslated;
+    double generateMilliseconds = 0;
+    double deliverMilliseconds = 0;
+};
+
+/// Makes a report. Raises a CommandError, after which neither a new nor a temporary file is left.
+ReportOutcome makeReport(const ReportSurroundings& surroundings, const ReportOrder& order);
+
+/// Adds what --json tells of a report.
+void describeReport(const ReportOrder& order, const ReportOutcome& outcome, const Console& console,
+                    JsonDocument& document);
+
+/// "12345 bytes", "1 byte".
+std::string countText(std::uint64_t count, const std::string& word);
+
+/// "12.3 ms".
+std::string millisecondsText(double milliseconds);
+
+/// "report.html", or "standard output" for "-".
+std::string outputName(const std::string& output);
+
+}  // namespace cli

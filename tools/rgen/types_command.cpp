@@ -1,0 +1,65 @@
+// rgen types: what a data directory offers.
+//
+// SPDX-License-Identifier: MIT
+#include <filesystem>
+
+#include "commands.h"
+#include "report_type.h"
+
+namespace cli {
+namespace {
+
+std::vector<std::string> formatsOf(const DataDirectory& directory, const ReportType& type) {
+    std::vector<std::string> formats;
+    for (const std::string& format : outputFormats()) {
+        std::error_code ignored;
+        const std::string path = templatePath(directory, type, format);
+        if (std::filesystem::is_regular_file(std::filesystem::u8path(path), ignored)) {
+            formats.push_back(format);
+        }
+    }
+    return formats;
+}
+
+std::vector<std::string> languagesOf(const DataDirectory& directory, const ReportType& type) {
+    std::vector<std::string> languages;
+    for (const CatalogueFile& file : catalogueFiles(directory, type))
+        languages.push_back(file.language);
+    return languages;
+}
+
+std::string inBlanks(const std::vector<std::string>& words) {
+    std::string text;
+    for (const std::string& word : words)
+        text += (text.empty() ? "" : " ") + word;
+    return text.empty() ? "-" : text;
+}
+
+}  // namespace
+
+ExitCode runTypes(const Arguments& arguments, Console& console, JsonDocument& document) {
+    const DataDirectory directory = openDataDirectory(arguments.dataDir);
+    std::vector<JsonDocument> rows;
+    std::string lines;
+    for (const ReportType& type : reportTypes(directory)) {
+        const std::vector<std::string> formats = formatsOf(directory, type);
+        const std::vector<std::string> languages = languagesOf(directory, type);
+        JsonDocument row;
+        row.set("name", type.name);
+        row.set("guid", type.guidText);
+        row.set("template", type.templateFile);
+        row.set("persistentData", type.persistDataFile);
+        row.set("formats", formats);
+        row.set("languages", languages);
+        rows.push_back(std::move(row));
+        lines += type.name + "\t" + type.guidText + "\t" + inBlanks(formats) + "\t" +
+                 inBlanks(languages) + "\n";
+    }
+    document.set("dataDir", directory.path(""));
+    document.set("types", rows);
+    if (lines.empty()) console.note("\"" + directory.configPath() + "\" has no usable report type");
+    if (!arguments.json) printData(lines);
+    return ExitCode::Done;
+}
+
+}  // namespace cli

@@ -1,0 +1,161 @@
+// Strict readers: a text is taken as a whole or not at all.
+//
+// SPDX-License-Identifier: MIT
+#include "value_text.h"
+
+#include <cerrno>
+#include <cstdlib>
+#include <ctime>
+#include <regex>
+#include <string_view>
+
+#include "command_error.h"
+#include "xml_content.h"
+
+namespace cli {
+namespace {
+
+constexpr std::int64_t secondsOfDay = 86400;
+
+/// Tells whether there is a digit and nothing but digits behind an optional sign and `prefix`.
+bool isNumber(const std::string& text, std::string_view prefix, const char* digits) {
+    const std::size_t sign = !text.empty() && (text[0] == '-' || text[0] == '+') ? 1 : 0;
+    const std::size_t start = sign + prefix.size();
+    return text.size() > start && text.compare(sign, prefix.size(), prefix) == 0 &&
+           text.find_first_not_of(digits, start) == std::string::npos;
+}
+
+bool isDecimal(const std::string& text) {
+    return isNumber(text, "", "0123456789");
+}
+
+bool isHexadecimal(const std::string& text) {
+    constexpr const char* digits = "0123456789abcdefABCDEF";
+    return isNumber(text, "0x", digits) || isNumber(text, "0X", digits);
+}
+
+CommandError notATime(const std::string& text) {
+    return usageError("\"" + text + "\" is not a time",
+                      "write seconds since 1970, 2026-03-09T08:14:07Z or now");
+}
+
+/// Days since 1970 of a date in the Gregorian calendar.
+std::int64_t daysFromDate(int year, int month, int day) {
+    const int shifted = month <= 2 ? year - 1 : year;
+    const std::int64_t era = shifted / 400;
+    const std::int64_t yearOfEra = shifted - era * 400;
+    const std::int64_t dayOfYear = (153 * (month + (month > 2 ? -3 : 9)) + 2) / 5 + day - 1;
+    return era * 146097 + yearOfEra * 365 + yearOfEra / 4 - yearOfEra / 100 + dayOfYear - 719468;
+}
+
+bool isDate(int year, int month, int day) {
+    if (month < 1 || month > 12 || day < 1) return false;
+    const int next = month == 12 ? 1 : month + 1;
+    const std::int64_t length =
+        daysFromDate(month == 12 ? year + 1 : year, next, 1) - daysFromDate(year, month, 1);
+    return day <= length;
+}
+
+struct DateTime {
+    int year, month, day, hour, minute, second;
+};
+
+std::int64_t localSeconds(const DateTime& time, const std::string& text) {
+    std::tm brokenDown = {};
+    brokenDown.tm_year = time.year - 1900;
+    brokenDown.tm_mon = time.month - 1;
+    brokenDown.tm_mday = time.day;
+    brokenDown.tm_hour = time.hour;
+    brokenDown.tm_min = time.minute;
+    brokenDown.tm_sec = time.second;
+    brokenDown.tm_isdst = -1;
+    const std::time_t seconds = std::mktime(&brokenDown);
+    if (seconds == static_cast<std::time_t>(-1)) throw notATime(text);
+    return seconds;
+}
+
+/// "Z", "+01:00" or "-0530" as seconds east of UTC.
+std::int64_t offsetSeconds(const std::string& zone) {
+    if (zone == "Z" || zone == "z") return 0;
+    const std::size_t minutes = zone.size() - 2;
+    const std::int64_t size =
+        std::stoll(zone.substr(1, 2)) * 3600 + std::stoll(zone.substr(minutes)) * 60;
+    return zone[0] == '-' ? -size : size;
+}
+
+std::int64_t readCalendarTime(const std::string& text) {
+    static const std::regex pattern(
+        R"((\d{4})-(\d{2})-(\d{2})(?:[T ](\d{2}):(\d{2})(?::(\d{2}))?)?(Z|z|[+-]\d{2}:?\d{2})?)");
+    std::smatch parts;
+    constexpr std::size_t longest = 32;
+    if (text.size() > longest || !std::regex_match(text, parts, pattern)) throw notATime(text);
+    const auto number = [&parts](std::size_t i) {
+        return parts[i].matched ? std::stoi(parts[i].str()) : 0;
+    };
+    const DateTime time{number(1), number(2), number(3), number(4), number(5), number(6)};
+    if (!isDate(time.year, time.month, time.day) || time.hour > 23 || time.minute > 59 ||
+        time.second > 59) {
+        throw notATime(text);
+    }
+    if (!parts[7].matched) return localSeconds(time, text);
+    const std::int64_t minutes = std::int64_t{time.hour} * 60 + time.minute;
+    return daysFromDate(time.year, time.month, time.day) * secondsOfDay + minutes * 60 +
+           time.second - offsetSeconds(parts[7].str());
+}
+
+/// The value of a hexadecimal digit, -1 for another character.
+int hexDigit(char letter) {
+    if (letter >= '0' && letter <= '9') return letter - '0';
+    if (letter >= 'a' && letter <= 'f') return letter - 'a' + 10;
+    if (letter >= 'A' && letter <= 'F') return letter - 'A' + 10;
+    return -1;
+}
+
+CommandError noByteDump(const std::string& text) {
+    const std::string shown = text.size() > 40 ? text.substr(0, 40) + "..." : text;
+    return usageError("\"" + shown + "\" is no byte dump", "write 01 AB FF or 01ABFF");
+}
+
+}  // namespace
+
+std::int64_t readInteger(const std::string& text, bool takesUnsigned) {
+    const std::string digits = trimmed(text);
+    const bool isHex = isHexadecimal(digits);
+    if (!isHex && !isDecimal(digits)) {
+        throw usageError("\"" + text + "\" is not a whole number");
+    }
+    errno = 0;
+    const std::int64_t number = std::strtoll(digits.c_str(), nullptr, isHex ? 16 : 10);
+    if (errno != ERANGE) return number;
+    errno = 0;
+    if (takesUnsigned && digits[0] != '-') {
+        const std::uint64_t bits = std::strtoull(digits.c_str(), nullptr, isHex ? 16 : 10);
+        if (errno != ERANGE) return static_cast<std::int64_t>(bits);
+    }
+    throw usageError("\"" + text + "\" does not fit into 64 bits");
+}
+
+std::int64_t readTime(const std::string& text) {
+    const std::string time = trimmed(text);
+    if (time == "now") return std::time(nullptr);
+    if (isDecimal(time)) return readInteger(time, false);
+    return readCalendarTime(time);
+}
+
+std::vector<std::uint8_t> readBytes(const std::string& text) {
+    std::vector<std::uint8_t> bytes;
+    const std::string separators = " \t\r\n,";
+    for (std::size_t i = text.find_first_not_of(separators); i < text.size();
+         i = text.find_first_not_of(separators, i)) {
+        const bool isPrefix = text[i] == '0' && i + 1 < text.size() && (text[i + 1] | 0x20) == 'x';
+        if (isPrefix) i += 2;
+        const int high = i < text.size() ? hexDigit(text[i]) : -1;
+        const int low = i + 1 < text.size() ? hexDigit(text[i + 1]) : -1;
+        if (high < 0 || low < 0) throw noByteDump(text);
+        bytes.push_back(static_cast<std::uint8_t>(high * 16 + low));
+        i += 2;
+    }
+    return bytes;
+}
+
+}  // namespace cli

@@ -1,0 +1,202 @@
+// libxml2 reads with recovery, like the library, so that both see the same of a damaged file.
+//
+// SPDX-License-Identifier: MIT
+#include "xml_documents.h"
+
+#include <libxml/parser.h>
+#include <libxml/tree.h>
+#include <libxml/xmlsave.h>
+
+#include <memory>
+#include <regex>
+
+#include "command_error.h"
+#include "input_file.h"
+#include "xml_content.h"
+
+namespace cli {
+namespace {
+
+struct XmlFree {
+    void operator()(xmlDoc* document) const { xmlFreeDoc(document); }
+    void operator()(xmlChar* text) const { xmlFree(text); }
+    void operator()(xmlBuffer* buffer) const { xmlBufferFree(buffer); }
+};
+template <typename T>
+using Owned = std::unique_ptr<T, XmlFree>;
+
+const xmlChar* xmlText(const char* text) {
+    return reinterpret_cast<const xmlChar*>(text);
+}
+
+std::string plainText(const Owned<xmlChar>& text) {
+    return text ? reinterpret_cast<const char*>(text.get()) : "";
+}
+
+std::string attribute(xmlNode* element, const char* name) {
+    return trimmed(plainText(Owned<xmlChar>(xmlGetProp(element, xmlText(name)))));
+}
+
+std::string textInside(xmlNode* element) {
+    return plainText(Owned<xmlChar>(xmlNodeListGetString(element->doc, element->children, 1)));
+}
+
+Owned<xmlDoc> readDocument(const std::string& path) {
+    // What libxml2 has to say goes nowhere: its result is looked at.
+    const std::string content = readInputFile(path, "check the path");
+    return Owned<xmlDoc>(
+        xmlReadMemory(content.data(), static_cast<int>(content.size()), nullptr, "UTF-8",
+                      XML_PARSE_RECOVER | XML_PARSE_NOERROR | XML_PARSE_NOWARNING));
+}
+
+/// Children of `parent` with this name, letter case as written.
+std::vector<xmlNode*> elements(xmlNode* parent, const char* name) {
+    std::vector<xmlNode*> found;
+    for (xmlNode* child = parent == nullptr ? nullptr : parent->children; child != nullptr;
+         child = child->next) {
+        if (child->type == XML_ELEMENT_NODE && child->ns == nullptr &&
+            xmlStrEqual(child->name, xmlText(name)) != 0) {
+            found.push_back(child);
+        }
+    }
+    return found;
+}
+
+/// The elements "root/list/entry".
+std::vector<xmlNode*> entries(xmlDoc* document, const char* root, const char* list,
+                              const char* entry) {
+    std::vector<xmlNode*> all;
+    xmlNode* top = document == nullptr ? nullptr : xmlDocGetRootElement(document);
+    if (top == nullptr || xmlStrEqual(top->name, xmlText(root)) == 0) return all;
+    for (xmlNode* folder : elements(top, list)) {
+        for (xmlNode* element : elements(folder, entry))
+            all.push_back(element);
+    }
+    return all;
+}
+
+/// The trimmed text of the last child with this name in whatever letter case.
+std::string childText(xmlNode* parent, const char* name) {
+    std::string text;
+    for (xmlNode* child = parent->children; child != nullptr; child = child->next) {
+        if (xmlStrcasecmp(child->name, xmlText(name)) == 0) text = trimmed(textInside(child));
+    }
+    return text;
+}
+
+std::string lowerCase(std::string text) {
+    for (char& letter : text) {
+        if (letter >= 'A' && letter <= 'Z') letter = static_cast<char>(letter - 'A' + 'a');
+    }
+    return text;
+}
+
+bool isGuid(const std::string& text) {
+    static const std::regex shape("[0-9a-f]{8}(-[0-9a-f]{4}){3}-[0-9a-f]{12}");
+    return text.size() == 36 && std::regex_match(text, shape);
+}
+
+std::string byteList(const std::vector<std::uint8_t>& bytes) {
+    constexpr char digits[] = "0123456789ABCDEF";
+    std::string text;
+    for (const std::uint8_t byte : bytes) {
+        if (!text.empty()) text += ", ";
+        text += {'0', 'x', digits[byte >> 4U], digits[byte & 0x0FU]};
+    }
+    return text;
+}
+
+const char* libraryHintName(ValueHint hint) {
+    static constexpr const char* names[] = {"",     "Generic", "Time",  "Date", "DateTime",
+                                            "Size", "Address", "Speed", "Dump"};
+    return names[hint];
+}
+
+void addProperty(xmlNode* list, const Value& value) {
+    const bool isText = value.type == RGEN_TYPE_STRING;
+    const bool isNumber = value.type == RGEN_TYPE_INT64;
+    const std::string text = isText     ? value.content
+                             : isNumber ? std::to_string(value.number)
+                                        : byteList(value.bytes);
+    // The text itself is XML content; as the text of a property it is escaped once more.
+    xmlNode* property = xmlNewTextChild(list, nullptr, xmlText("property"), xmlText(text.c_str()));
+    if (property == nullptr) throw std::bad_alloc();
+    const char* const type = isText ? "string" : isNumber ? "int64" : "byte_array";
+    xmlNewProp(property, xmlText("name"), xmlText(value.name.c_str()));
+    xmlNewProp(property, xmlText("type"), xmlText(type));
+    xmlNewProp(property, xmlText("hint"), xmlText(libraryHintName(value.hint)));
+}
+
+}  // namespace
+
+std::vector<ConfiguredType> readConfiguration(const std::string& path) {
+    const Owned<xmlDoc> document = readDocument(path);
+    if (!document) {
+        throw CommandError(ExitCode::Environment, "\"" + path + "\" cannot be read as XML",
+                           "correct it, or make another data directory with rgen init");
+    }
+    std::map<std::string, ConfiguredType> types;
+    for (xmlNode* element : entries(document.get(), "config", "reportTypes", "type")) {
+        const std::string guid = lowerCase(attribute(element, "guid"));
+        const std::string persistDataFile = childText(element, "persistDataFile");
+        const std::string reportTypeFile = childText(element, "reportTypeFile");
+        if (!isGuid(guid) || persistDataFile.empty() || reportTypeFile.empty()) continue;
+        types[guid] = {guid, persistDataFile, reportTypeFile};
+    }
+    std::vector<ConfiguredType> all;
+    all.reserve(types.size());
+    for (const auto& [guid, type] : types)
+        all.push_back(type);
+    return all;
+}
+
+std::vector<std::string> propertyNames(const std::string& path) {
+    const Owned<xmlDoc> document = readDocument(path);
+    std::vector<std::string> names;
+    for (xmlNode* element : entries(document.get(), "data", "properties", "property"))
+        names.push_back(attribute(element, "name"));
+    return names;
+}
+
+std::string damageOf(const std::string& path) {
+    const std::string content = readInputFile(path, "check the path");
+    const std::unique_ptr<xmlParserCtxt, void (*)(xmlParserCtxt*)> context(xmlNewParserCtxt(),
+                                                                           xmlFreeParserCtxt);
+    if (!context) throw std::bad_alloc();
+    const Owned<xmlDoc> document(
+        xmlCtxtReadMemory(context.get(), content.data(), static_cast<int>(content.size()), nullptr,
+                          "UTF-8", XML_PARSE_NOERROR | XML_PARSE_NOWARNING));
+    if (document) return {};
+    const xmlError* const error = xmlCtxtGetLastError(context.get());
+    if (error == nullptr || error->message == nullptr) return "it is no XML";
+    return "line " + std::to_string(error->line) + ": " + trimmed(error->message);
+}
+
+std::map<std::string, std::string> readDump(const std::string& path) {
+    const Owned<xmlDoc> document = readDocument(path);
+    std::map<std::string, std::string> texts;
+    for (xmlNode* element : entries(document.get(), "data", "properties", "property")) {
+        // Names are taken as they are: rgen wrote them.
+        const Owned<xmlChar> name(xmlGetProp(element, xmlText("name")));
+        texts[plainText(name)] = textInside(element);
+    }
+    return texts;
+}
+
+std::string simulatedInputDocument(const std::map<std::string, Value>& values) {
+    const Owned<xmlDoc> document(xmlNewDoc(xmlText("1.0")));
+    if (!document) throw std::bad_alloc();
+    xmlNode* root = xmlNewDocNode(document.get(), nullptr, xmlText("data"), nullptr);
+    xmlDocSetRootElement(document.get(), root);
+    xmlNode* list = xmlNewChild(root, nullptr, xmlText("properties"), nullptr);
+    for (const auto& [name, value] : values)
+        addProperty(list, value);
+    xmlChar* bytes = nullptr;
+    int size = 0;
+    xmlDocDumpFormatMemoryEnc(document.get(), &bytes, &size, "UTF-8", 1);
+    const Owned<xmlChar> owner(bytes);
+    if (!owner) throw std::bad_alloc();
+    return {reinterpret_cast<const char*>(bytes), static_cast<std::size_t>(size)};
+}
+
+}  // namespace cli
