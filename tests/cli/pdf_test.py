@@ -147,8 +147,17 @@ class WithoutConverter(CliCase):
         self.assertEqual(4, result.code, result)
         self.assertIn("converter was here", self.names())
 
+    def test_only_the_mode_file_converts(self):
+        before = self.contents()
+        for mode in ("bytes", "delete-on-close"):
+            self.expect_error(
+                self.report(*SET, "--mode", mode, output="report.pdf", program=self.program), 2,
+                f"rgen report: --mode {mode} does not convert to pdf; give --no-convert to get the "
+                "page itself")
+        self.assertEqual(before, self.contents())
+
     def test_the_bytes_of_a_pdf_are_the_page(self):
-        result = self.report(*SET, "-f", "pdf", "--mode", "bytes", output="page.html",
-                             program=self.program)
+        result = self.report(*SET, "-f", "pdf", "--mode", "bytes", "--no-convert",
+                             output="page.html", program=self.program)
         self.expect_done(result)
         self.assertIn("ä &amp; ж".encode(), self.read("page.html"))

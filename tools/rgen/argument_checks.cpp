@@ -1,5 +1,5 @@
-// Required arguments are checked here and not by the parser, so that a misspelt option is reported as
-// misspelt and not as missing.
+// Required arguments are checked here and not by the parser, so that a misspelt option is reported
+// as misspelt and not as missing.
 //
 // SPDX-License-Identifier: MIT
 #include "argument_checks.h"
@@ -9,6 +9,7 @@
 #include "command_error.h"
 #include "report_type.h"
 #include "suggestion.h"
+#include "words.h"
 
 namespace cli {
 namespace {
@@ -18,7 +19,8 @@ std::string missingArgument(const Arguments& arguments) {
     const bool needsOutput = command == "dump" || command == "simulate" ||
                              (command == "report" && arguments.batch.empty());
     if (needsOutput && arguments.report.output.empty()) return "--output";
-    if (!arguments.operands.empty()) return {};
+    const bool hasOperand = !arguments.operands.empty() && !arguments.operands.front().empty();
+    if (hasOperand) return {};
     if (command == "init") return "DIR";
     if (command == "completion") return "SHELL";
     if (command == "persist unset") return "NAME";
@@ -29,11 +31,8 @@ std::string missingArgument(const Arguments& arguments) {
 void checkWord(const Arguments& arguments, const std::string& what, const std::string& word,
                const std::vector<std::string>& known) {
     if (std::find(known.begin(), known.end(), word) != known.end()) return;
-    std::string all;
-    for (const std::string& each : known)
-        all += (all.empty() ? "" : ", ") + each;
     throw usageErrorOf(arguments.command, "there is no " + what + " \"" + word + "\"",
-                       didYouMean(word, known, "there is: " + all));
+                       didYouMean(word, known, "there is: " + joined(known)));
 }
 
 }  // namespace

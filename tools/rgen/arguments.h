@@ -17,8 +17,6 @@ struct ValueArguments {
     std::vector<std::string> pair;
     std::vector<std::string> data;
     bool raw = false;
-
-    bool empty() const { return set.empty() && pair.empty() && data.empty(); }
 };
 
 /// One report.

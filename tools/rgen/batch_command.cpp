@@ -1,7 +1,9 @@
 // rgen report --batch: one report for each line. A line that fails does not stop the others.
 //
 // SPDX-License-Identifier: MIT
+#include <algorithm>
 #include <chrono>
+#include <filesystem>
 #include <set>
 #include <sstream>
 
@@ -10,10 +12,13 @@
 #include "error_document.h"
 #include "input_file.h"
 #include "interruption.h"
+#include "report_output.h"
 #include "report_run.h"
 
 namespace cli {
 namespace {
+
+namespace fs = std::filesystem;
 
 /// The whole run: what all lines share, and what has become of them.
 class Batch {
@@ -47,7 +52,12 @@ private:
 };
 
 void Batch::makeOne(const BatchLine& line, JsonDocument& report) {
-    if (!outputs_.insert(line.report.output).second) {
+    std::error_code failure;
+    const fs::path place =
+        fs::weakly_canonical(fs::absolute(fs::u8path(line.report.output)), failure);
+    const bool isNew =
+        isSpecialFile(line.report.output) || outputs_.insert(place.u8string()).second;
+    if (!isNew) {
         throw usageError(line.report.output + ": an earlier line writes the same file",
                          "name another output");
     }
@@ -69,7 +79,7 @@ void Batch::fail(std::size_t line, const std::string& output, const CommandError
                  JsonDocument& report) {
     describeFailure(error, report);
     report.set("output", output);
-    const std::string place = arguments_.batch + ":" + std::to_string(line) + ":";
+    const std::string place = inputName(arguments_.batch) + ":" + std::to_string(line) + ":";
     const std::string text = errorText(error);
     failures_.push_back(text.rfind(place, 0) == 0 ? text : place + " " + text);
 }
@@ -79,7 +89,7 @@ void Batch::runLine(const std::string& text, std::size_t line, std::size_t numbe
     JsonDocument report;
     report.set("line", static_cast<std::int64_t>(line));
     std::string output;
-    console_.beginNotes(arguments_.batch + ":" + std::to_string(line) + ": ");
+    console_.beginNotes(inputName(arguments_.batch) + ":" + std::to_string(line) + ": ");
     try {
         const BatchLine order = readBatchLine(text, line, arguments_);
         output = order.report.output;
@@ -110,6 +120,7 @@ void Batch::run() {
             lines.emplace_back(number, line);
         }
     }
+    const InterruptGuard guard;
     try {
         for (std::size_t i = 0; i < lines.size(); ++i)
             runLine(lines[i].second, lines[i].first, i + 1, lines.size());
@@ -126,24 +137,32 @@ ExitCode Batch::finish(JsonDocument& document) const {
     const std::size_t done = reports_.size() - failures_.size();
     console_.say(countText(reports_.size(), "report") + ": " + std::to_string(done) + " done, " +
                  std::to_string(failures_.size()) + " failed");
-    if (interrupted_) throwIfInterrupted();
-    if (!failures_.empty()) {
+    const CommandError interruption(ExitCode::Interrupted, "interrupted");
+    if (interrupted_) console_.error(interruption);
+    if (interrupted_) {
+        describeFailure(interruption, document);
+    } else if (!failures_.empty()) {
         describeFailure({ExitCode::Refused, countText(failures_.size(), "report") + " failed"},
                         document);
     }
     document.set("done", static_cast<std::int64_t>(done));
     document.set("failed", static_cast<std::int64_t>(failures_.size()));
     document.set("reports", reports_);
+    if (interrupted_) return ExitCode::Interrupted;
     return failures_.empty() ? ExitCode::Done : ExitCode::Refused;
 }
 
 }  // namespace
 
 ExitCode runBatch(const Arguments& arguments, Console& console, JsonDocument& document) {
-    if (arguments.showData || !arguments.report.output.empty()) {
-        const std::string option = arguments.showData ? "--show-data" : "--output";
+    const std::vector<std::string>& data = arguments.values.data;
+    const bool readsInput = std::find(data.begin(), data.end(), "-") != data.end();
+    if (arguments.showData || readsInput || !arguments.report.output.empty()) {
+        const std::string option = arguments.showData ? "--show-data"
+                                   : readsInput       ? "--data -"
+                                                      : "--output";
         throw usageErrorOf("report", option + " and --batch exclude each other",
-                           "the lines of the batch name the outputs");
+                           "the lines of the batch say it");
     }
     const auto start = std::chrono::steady_clock::now();
     Batch batch(arguments, console);

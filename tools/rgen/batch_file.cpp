@@ -15,7 +15,8 @@
 namespace cli {
 namespace {
 
-using nlohmann::json;
+/// Members keep their order: of two values of one name the later counts.
+using json = nlohmann::ordered_json;
 
 const std::vector<std::string> members = {"output", "format", "type", "data", "set",
                                           "pair",   "lang",   "mode", "base"};
@@ -55,6 +56,9 @@ private:
             throw usageError(
                 place_ + std::to_string(column) + ": not JSON: " + parserWords(error.what()),
                 "correct the line");
+        } catch (const json::exception& error) {
+            throw usageError(place_ + " not JSON: " + parserWords(error.what()),
+                             "correct the line");
         }
     }
 
@@ -136,7 +140,7 @@ private:
 }  // namespace
 
 BatchLine readBatchLine(const std::string& text, std::size_t line, const Arguments& arguments) {
-    const std::string place = arguments.batch + ":" + std::to_string(line) + ":";
+    const std::string place = inputName(arguments.batch) + ":" + std::to_string(line) + ":";
     return LineReader(place, arguments).read(text);
 }
 

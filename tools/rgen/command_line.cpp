@@ -10,6 +10,7 @@
 #include "argument_checks.h"
 #include "command_error.h"
 #include "help_text.h"
+#include "input_file.h"
 #include "suggestion.h"
 
 namespace cli {
@@ -35,6 +36,8 @@ public:
         prepare(app);
         app.add_flag("--version", wantsVersion_, "Print the versions of rgen and of the library");
         app.add_flag("--json", line_.arguments.json, "Print one JSON document");
+        // One command and no more: a later word of such a name is an operand.
+        app.require_subcommand(0, 1);
         addReport();
         addPersist();
         addFiles();
@@ -169,8 +172,8 @@ void Syntax::addReport() {
 }
 
 void Syntax::addPersist() {
-    CLI::App& persist = *app.add_subcommand("persist", "Read and change persistent data");
-    prepare(persist);
+    CLI::App& persist = add(app, "persist", "Read and change persistent data");
+    persist.require_subcommand(0, 1);
     CLI::App& get = add(persist, "get", "Print persistent data");
     CLI::App& set = add(persist, "set", "Add or change persistent data");
     CLI::App& unset = add(persist, "unset", "Remove persistent data");
@@ -259,8 +262,9 @@ void Syntax::checkExtras(CLI::App& command) const {
         const std::string& first = extras.front();
         if (first.size() > 1 && first[0] == '-') {
             const std::string name = first.substr(0, first.find('='));
+            const bool isShort = name.size() == 2;
             failAt(command, "there is no option \"" + name + "\"",
-                   didYouMean(name, optionNames(command),
+                   didYouMean(name, isShort ? std::vector<std::string>() : optionNames(command),
                               helpCommand(commandWords(command)) + " lists the options"));
         }
         const std::vector<std::string> names = commandNames(command);
@@ -296,6 +300,10 @@ void Syntax::runParser(const std::vector<std::string>& arguments) {
 
 CommandLine Syntax::parse(const std::vector<std::string>& arguments) {
     if (arguments.empty()) line_.help = helpOf(app);
+    for (const std::string& argument : arguments) {
+        if (isPlainUtf8(argument)) continue;
+        throw usageError("an argument is not valid UTF-8", "write it in UTF-8");
+    }
     runParser(arguments);
     if (!line_.help.empty()) return line_;
     for (const auto& collect : collectors_)

@@ -5,23 +5,10 @@
 
 #include "command_line.h"
 #include "commands.h"
+#include "words.h"
 
 namespace cli {
 namespace {
-
-std::string inBlanks(const std::vector<std::string>& words) {
-    std::string text;
-    for (const std::string& word : words)
-        text += (text.empty() ? "" : " ") + word;
-    return text;
-}
-
-std::string joined(const std::vector<std::string>& words, const std::string& separator) {
-    std::string text;
-    for (const std::string& word : words)
-        text += (text.empty() ? "" : separator) + word;
-    return text;
-}
 
 /// Calls `visit` for each command with the words that lead to it, rgen itself first.
 template <typename Visit>
@@ -38,7 +25,7 @@ std::string nextWords(const CommandOutline& command) {
         words.push_back(inner.name);
     for (const OptionOutline& option : command.options)
         words.insert(words.end(), option.names.begin(), option.names.end());
-    return inBlanks(words);
+    return joined(words, " ");
 }
 
 /// The cases of one "case" statement for options with a fixed choice of values, each named once.
@@ -48,9 +35,11 @@ std::string bashChoices(const CommandOutline& outline) {
         for (const OptionOutline& option : command.options) {
             if (option.choices.empty()) continue;
             std::string line = "        " + joined(option.names, " | ") + ")\n" +
-                               "            COMPREPLY=($(compgen -W \"" + inBlanks(option.choices) +
+                               "            COMPREPLY=($(compgen -W \"" +
+                               joined(option.choices, " ") +
                                "\" -- \"$current\"))\n            return\n            ;;\n";
-            cases.push_back(std::move(line));
+            const bool isKnown = std::find(cases.begin(), cases.end(), line) != cases.end();
+            if (!isKnown) cases.push_back(std::move(line));
         }
     });
     return joined(cases, "");
@@ -95,15 +84,18 @@ std::string bashScript(const CommandOutline& outline) {
            "    case $previous in\n" +
            bashChoices(outline) +
            "        -t | --type)\n"
-           "            words=$(\"${COMP_WORDS[0]}\" types -d \"$folder\" 2>/dev/null | cut -f 1)\n"
-           "            COMPREPLY=($(compgen -W \"$words\" -- \"$current\"))\n"
+           "            while IFS= read -r next; do\n"
+           "                [[ $next != \"$current\"* ]] || COMPREPLY+=(\"$(printf %q "
+           "\"$next\")\")\n"
+           "            done < <(\"${COMP_WORDS[0]}\" types -d \"$folder\" 2>/dev/null | cut -f "
+           "1)\n"
            "            return\n"
            "            ;;\n"
            "        " +
            bashValueOptions(outline) +
            ")\n"
            "            compopt -o filenames 2>/dev/null\n"
-           "            COMPREPLY=($(compgen -f -- \"$current\"))\n"
+           "            mapfile -t COMPREPLY < <(compgen -f -- \"$current\")\n"
            "            return\n"
            "            ;;\n"
            "    esac\n"
@@ -113,7 +105,7 @@ std::string bashScript(const CommandOutline& outline) {
            "    COMPREPLY=($(compgen -W \"$words\" -- \"$current\"))\n"
            "    if ((${#COMPREPLY[@]} == 0)); then\n"
            "        compopt -o filenames 2>/dev/null\n"
-           "        COMPREPLY=($(compgen -f -- \"$current\"))\n"
+           "        mapfile -t COMPREPLY < <(compgen -f -- \"$current\")\n"
            "    fi\n"
            "}\n"
            "complete -F _rgen rgen rgen.exe\n";
@@ -141,14 +133,14 @@ std::string zshOption(const OptionOutline& option) {
     if (isRepeatable) {
         spec += "'*'" + option.names.back();
     } else if (option.names.size() > 1) {
-        spec += "'(" + inBlanks(option.names) + ")'{" + joined(option.names, ",") + "}";
+        spec += "'(" + joined(option.names, " ") + ")'{" + joined(option.names, ",") + "}";
     } else {
         spec += option.names.front();
     }
     spec += "'[" + zshText(option.summary) + "]";
     if (option.takesValue) {
         const std::string action =
-            option.choices.empty() ? "_files" : "(" + inBlanks(option.choices) + ")";
+            option.choices.empty() ? "_files" : "(" + joined(option.choices, " ") + ")";
         spec += ":value:" + action;
     }
     return spec + "' \\\n";
@@ -170,7 +162,7 @@ std::string zshFunction(const CommandOutline& command, const std::string& path) 
         text += zshOption(option);
     if (command.commands.empty()) {
         const std::string action =
-            command.operands.empty() ? "_files" : "(" + inBlanks(command.operands) + ")";
+            command.operands.empty() ? "_files" : "(" + joined(command.operands, " ") + ")";
         return text + "        '*:operand:" + action + "'\n}\n";
     }
     std::string names;

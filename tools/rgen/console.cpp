@@ -79,7 +79,9 @@ void Console::plain(const std::string& text) {
     write(text);
 }
 
-void Console::progress(const std::string& text) {
+void Console::progress(const std::string& wanted) {
+    constexpr std::size_t narrowTerminal = 72;
+    const std::string text = shortened(wanted, narrowTerminal);
     if (quiet_ || !terminal_ || (text.empty() && progressWidth_ == 0)) return;
     const std::size_t blanks = progressWidth_ > text.size() ? progressWidth_ - text.size() : 0;
     std::fputs(("\r" + text + std::string(blanks, ' ') + (text.empty() ? "\r" : "")).c_str(),

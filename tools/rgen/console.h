@@ -31,10 +31,7 @@ public:
     void plain(const std::string& text);
 
     /// Replaces the progress line; shown on a terminal only. The empty text removes it.
-    void progress(const std::string& text);
-
-    /// Tells whether words may be coloured.
-    bool hasColour() const { return colour_; }
+    void progress(const std::string& wanted);
 
 private:
     void write(const std::string& line);

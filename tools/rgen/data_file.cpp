@@ -157,36 +157,26 @@ private:
         requireObject();
         const std::size_t offset = start('n');
         if (digits.find_first_of(".eE") != std::string::npos) {
-            throw usageError(at(offset) + digits + " is not a whole number",
-                             "write it in quotes to hand it over as text");
-        }
-        const bool fits = digits.size() < 19 || isInRange(digits);
-        if (!fits) {
-            throw usageError(at(offset) + digits + " does not fit into 64 bits",
-                             "write it in quotes to hand it over as text");
+            throw usageError(at(offset) + digits + " is not a whole number", inQuotes);
         }
         add(digits, "int", offset);
         return true;
-    }
-
-    /// The hint address takes unsigned numbers as well.
-    bool isInRange(const std::string& digits) const {
-        errno = 0;
-        if (splitNameAndHint(name_).hint == "address" && digits[0] != '-') {
-            static_cast<void>(std::strtoull(digits.c_str(), nullptr, 10));
-        } else {
-            static_cast<void>(std::strtoll(digits.c_str(), nullptr, 10));
-        }
-        return errno != ERANGE;
     }
 
     void add(const std::string& text, const std::string& defaultHint, std::size_t offset) {
         try {
             values.push_back(readValue(name_, text, defaultHint, reading_));
         } catch (const CommandError& error) {
-            throw CommandError(error.exitCode, at(offset) + error.what(), error.hint);
+            const std::string what = error.what();
+            const bool isTooLarge = what.find("does not fit into 64 bits") != std::string::npos;
+            throw CommandError(
+                error.exitCode,
+                at(offset) + (isTooLarge ? text + " does not fit into 64 bits" : what),
+                isTooLarge ? inQuotes : error.hint);
         }
     }
+
+    static constexpr const char* inQuotes = "write it in quotes to hand it over as text";
 
     const std::string& text_;
     const std::string& place_;

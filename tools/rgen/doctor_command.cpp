@@ -13,6 +13,7 @@
 #include "report_output.h"
 #include "report_run.h"
 #include "report_type.h"
+#include "xml_documents.h"
 
 namespace cli {
 namespace {
@@ -109,7 +110,13 @@ bool makesReport(std::string& found) {
 
 void checkReport(Checks& checks) {
     std::string found;
-    if (makesReport(found)) {
+    bool isMade = false;
+    try {
+        isMade = makesReport(found);
+    } catch (const std::exception& exception) {
+        found = exception.what();
+    }
+    if (isMade) {
         checks.add("report", Result::Fine, "a report in the temporary folder was made");
     } else {
         checks.add("report", Result::Failed,
@@ -125,7 +132,11 @@ void checkPersistentData(const DataDirectory& directory, const ReportType& type,
     const std::string path = directory.path(type.persistDataFile);
     std::error_code ignored;
     const std::string name = type.name + ", persistent data";
-    if (status >= 0) {
+    const bool isFile = fs::is_regular_file(fs::u8path(path), ignored);
+    const std::string damage = isFile ? damageOf(path) : std::string();
+    if (!damage.empty()) {
+        checks.add(name, Result::Failed, "\"" + path + "\" is damaged: " + damage + "; correct it");
+    } else if (status >= 0) {
         checks.add(name, Result::Fine, std::to_string(values) + " values");
     } else if (!fs::exists(fs::u8path(path), ignored)) {
         checks.add(name, Result::Note, "none yet; rgen persist set stores some");

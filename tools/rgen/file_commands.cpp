@@ -1,6 +1,8 @@
 // rgen dump and rgen simulate: the two files that hold the values of a request.
 //
 // SPDX-License-Identifier: MIT
+#include <memory>
+
 #include "commands.h"
 #include "generator.h"
 #include "input_file.h"
@@ -48,8 +50,16 @@ void noteDifferences(const ValueSet& wanted, const Generator& generator, const s
     for (const auto& [name, value] : wanted.values()) {
         const std::string subject = "\"" + shortened(name) + "\": simulated input carries ";
         const auto found = read.find(name);
+        const bool isEmpty =
+            trimmed(name).empty() || (value.bytes.empty() && value.type != RGEN_TYPE_INT64 &&
+                                      trimmed(value.content).empty());
         if (found == read.end()) {
-            const bool isRenamed = name != trimmed(name) && !trimmed(name).empty();
+            const bool isRenamed = name != trimmed(name) && read.count(trimmed(name)) > 0;
+            if (!isEmpty && !isRenamed) {
+                throw CommandError(ExitCode::Unverified,
+                                   "simulated input cannot carry \"" + shortened(name) + "\"",
+                                   "texts hold at most 10,000,000 bytes there");
+            }
             console.note(subject + (isRenamed ? "it as \"" + shortened(trimmed(name)) + "\""
                                     : trimmed(name).empty() ? "no value without a name"
                                                             : "no value without a text"));
@@ -72,8 +82,9 @@ ExitCode runDump(const Arguments& arguments, Console& console, JsonDocument& doc
                            "cannot write \"" + output + "\": it is no ordinary file",
                            "write to - and lead standard output there");
     }
-    const TemporaryFolder folder;
-    TemporaryFile file(output == "-" ? folder.file("dump.xml") : temporaryPathBeside(output));
+    std::unique_ptr<TemporaryFolder> folder;
+    if (output == "-") folder = std::make_unique<TemporaryFolder>();
+    TemporaryFile file(folder ? folder->file("dump.xml") : temporaryPathBeside(output));
     const RgenStatus status = generator.dump(inOrder(values), file.path());
     if (status < 0) {
         throw generator.failure(outputName(output), status,

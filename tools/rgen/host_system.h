@@ -21,9 +21,10 @@ bool standardErrorHasColour();
 
 unsigned long processNumber();
 
-/// Calls `handler` on a thread of its own, once for each Ctrl-C or request to end. Requests that
-/// the process was started to ignore stay ignored.
-void watchInterrupts(void (*handler)());
+/// Calls `handler` on a thread of its own, once for each Ctrl-C or request to end; with true when
+/// the process is about to be ended anyway. Requests that the process was started to ignore stay
+/// ignored. Writing into a closed pipe becomes an ordinary failure.
+void watchInterrupts(void (*handler)(bool mustEnd));
 
 /// While it lives, what the process prints to standard output goes to standard error.
 class StdoutToStderr {

@@ -54,10 +54,11 @@ unsigned long processNumber() {
     return static_cast<unsigned long>(getpid());
 }
 
-void watchInterrupts(void (*handler)()) {
+void watchInterrupts(void (*handler)(bool)) {
+    signal(SIGPIPE, SIG_IGN);
     sigset_t watched;
     sigemptyset(&watched);
-    for (const int signalNumber : {SIGINT, SIGTERM}) {
+    for (const int signalNumber : {SIGINT, SIGTERM, SIGHUP}) {
         if (!isIgnored(signalNumber)) sigaddset(&watched, signalNumber);
     }
     // Blocked here, before any other thread exists, so that only the watching thread sees them.
@@ -65,7 +66,7 @@ void watchInterrupts(void (*handler)()) {
     std::thread([watched, handler] {
         int signalNumber = 0;
         while (sigwait(&watched, &signalNumber) == 0)
-            handler();
+            handler(false);
     }).detach();
 }
 
@@ -91,10 +92,12 @@ std::uint64_t closeDeleteOnCloseFile(void* handle) {
 }
 
 std::filesystem::path makePrivateFolder() {
-    std::string path = (std::filesystem::temp_directory_path() / "rgen-XXXXXX").string();
-    if (mkdtemp(path.data()) != nullptr) return path;
-    throw CommandError(ExitCode::Environment,
-                       "cannot make a temporary folder: " + std::generic_category().message(errno),
+    std::error_code failure;
+    const std::filesystem::path parent = std::filesystem::temp_directory_path(failure);
+    std::string path = (parent / "rgen-XXXXXX").string();
+    if (!failure && mkdtemp(path.data()) != nullptr) return path;
+    const std::string reason = failure ? failure.message() : std::generic_category().message(errno);
+    throw CommandError(ExitCode::Environment, "cannot make a temporary folder: " + reason,
                        "check the folder that TMPDIR names");
 }
 

@@ -7,6 +7,7 @@
 #include <io.h>
 
 #include <cstdio>
+#include <cstdlib>
 #include <string>
 #include <vector>
 
@@ -17,11 +18,18 @@
 namespace cli {
 namespace {
 
-void (*interruptHandler)() = nullptr;
+void (*interruptHandler)(bool) = nullptr;
 
-BOOL WINAPI handleConsoleEvent(DWORD) {
-    interruptHandler();
+/// Windows ends the process a moment after the events for closing, logging off and shutting down.
+BOOL WINAPI handleConsoleEvent(DWORD event) {
+    interruptHandler(event != CTRL_C_EVENT && event != CTRL_BREAK_EVENT);
     return TRUE;
+}
+
+UINT consoleCodePage = 0;
+
+void restoreCodePage() {
+    SetConsoleOutputCP(consoleCodePage);
 }
 
 std::wstring moduleFileName(HMODULE module) {
@@ -60,7 +68,10 @@ void prepareStreams() {
     _setmode(_fileno(stdin), _O_BINARY);
     _setmode(_fileno(stdout), _O_BINARY);
     _setmode(_fileno(stderr), _O_BINARY);
+    consoleCodePage = GetConsoleOutputCP();
+    if (consoleCodePage == 0) return;
     SetConsoleOutputCP(CP_UTF8);
+    std::atexit(restoreCodePage);
 }
 
 bool standardErrorIsTerminal() {
@@ -81,7 +92,7 @@ unsigned long processNumber() {
     return GetCurrentProcessId();
 }
 
-void watchInterrupts(void (*handler)()) {
+void watchInterrupts(void (*handler)(bool)) {
     interruptHandler = handler;
     SetConsoleCtrlHandler(handleConsoleEvent, TRUE);
 }
@@ -108,8 +119,9 @@ std::uint64_t closeDeleteOnCloseFile(void* handle) {
 
 std::filesystem::path makePrivateFolder() {
     // The folder for temporary files belongs to the user; a name that exists is somebody else's.
-    const std::filesystem::path parent = std::filesystem::temp_directory_path();
-    for (unsigned number = 0; number < 1000; ++number) {
+    std::error_code failure;
+    const std::filesystem::path parent = std::filesystem::temp_directory_path(failure);
+    for (unsigned number = 0; number < 1000 && !failure; ++number) {
         const std::string name =
             "rgen-" + std::to_string(processNumber()) + "-" + std::to_string(number);
         std::error_code ignored;

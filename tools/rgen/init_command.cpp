@@ -1,6 +1,8 @@
 // rgen init: a data directory that works, out of the files that rgen carries along.
 //
 // SPDX-License-Identifier: MIT
+#include <algorithm>
+#include <cctype>
 #include <filesystem>
 #include <fstream>
 #include <memory>
@@ -60,9 +62,17 @@ private:
     std::vector<std::unique_ptr<TemporaryFile>> files_;
 };
 
+/// A path as a word of a command line.
 std::string argument(const std::string& path) {
-    const bool isPlain = path.find_first_of(" \t'\"$&()") == std::string::npos;
-    return isPlain ? path : "\"" + path + "\"";
+    const bool isPlain = std::all_of(path.begin(), path.end(), [](char letter) {
+        constexpr std::string_view plain = "_./\\:-+@%";
+        const auto byte = static_cast<unsigned char>(letter);
+        return byte >= 0x80 || std::isalnum(byte) != 0 ||
+               plain.find(letter) != std::string_view::npos;
+    });
+    if (isPlain) return path;
+    const char quote = path.find_first_of("\"$`!\\") == std::string::npos ? '"' : '\'';
+    return quote + path + quote;
 }
 
 }  // namespace

@@ -77,8 +77,12 @@ TextPosition positionOf(const std::string& text, std::size_t offset) {
     return position;
 }
 
+std::string inputName(const std::string& path) {
+    return path == "-" ? "standard input" : path;
+}
+
 std::string placeText(const std::string& file, const TextPosition& position) {
-    return (file == "-" ? "standard input" : file) + ":" + std::to_string(position.line) + ":" +
+    return inputName(file) + ":" + std::to_string(position.line) + ":" +
            std::to_string(position.column);
 }
 
@@ -95,7 +99,8 @@ bool isPlainUtf8(const std::string& text) {
 std::string joinedPath(const std::string& folder, const std::string& name) {
     if (folder.empty() || folder == ".") return name;
     const char last = folder.back();
-    const bool hasSeparator = last == '/' || last == std::filesystem::path::preferred_separator;
+    const bool hasDrives = std::filesystem::path::preferred_separator == '\\';
+    const bool hasSeparator = last == '/' || (hasDrives && (last == '\\' || last == ':'));
     return folder + (hasSeparator ? "" : "/") + name;
 }
 

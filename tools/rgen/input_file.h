@@ -20,6 +20,9 @@ std::string readInputFile(const std::string& path, const std::string& hint);
 /// The place of a byte in a text. A byte order mark is no character.
 TextPosition positionOf(const std::string& text, std::size_t offset);
 
+/// The path, or "standard input" for "-".
+std::string inputName(const std::string& path);
+
 /// "file:3:12".
 std::string placeText(const std::string& file, const TextPosition& position);
 

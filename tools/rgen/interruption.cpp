@@ -41,13 +41,21 @@ void removeFolderQuietly(const std::string& path) {
     std::filesystem::remove_all(std::filesystem::u8path(path), ignored);
 }
 
-void handleInterrupt() {
+void cancelAll(RgenReportGenerator* generator) {
+    try {
+        rgen_cancel(generator, nullptr);
+    } catch (...) {
+        // Memory is exhausted; the next round tries again.
+    }
+}
+
+void handleInterrupt(bool mustEnd) {
     State& shared = state();
     const std::lock_guard lock(shared.mutex);
-    const bool first = !shared.interrupted;
+    const bool mayEndInOrder = !mustEnd && !shared.interrupted && shared.guards > 0;
     shared.interrupted = true;
     shared.changed.notify_all();
-    if (first && shared.guards > 0) return;
+    if (mayEndInOrder) return;
     for (const std::string& path : shared.temporaryFiles)
         removeQuietly(path);
     for (const std::string& path : shared.temporaryFolders)
@@ -69,9 +77,9 @@ void throwIfInterrupted() {
 }
 
 InterruptGuard::InterruptGuard(RgenReportGenerator* generator) : generator_(generator) {
+    if (generator_ != nullptr) canceller_ = std::thread([this] { cancelWhenInterrupted(); });
     const std::lock_guard lock(state().mutex);
     ++state().guards;
-    if (generator_ != nullptr) canceller_ = std::thread([this] { cancelWhenInterrupted(); });
 }
 
 InterruptGuard::~InterruptGuard() {
@@ -92,7 +100,7 @@ void InterruptGuard::cancelWhenInterrupted() {
     shared.changed.wait(lock, [&] { return over_ || shared.interrupted; });
     while (!over_) {
         lock.unlock();
-        rgen_cancel(generator_, nullptr);
+        cancelAll(generator_);
         lock.lock();
         shared.changed.wait_for(lock, pause, [&] { return over_; });
     }
@@ -115,9 +123,13 @@ void TemporaryFile::keep() {
 
 void TemporaryFile::renameTo(const std::string& finalPath) {
     const std::lock_guard lock(state().mutex);
+    const std::filesystem::path target = std::filesystem::u8path(finalPath);
     std::error_code failure;
-    std::filesystem::rename(std::filesystem::u8path(path_), std::filesystem::u8path(finalPath),
-                            failure);
+    const std::filesystem::file_status old = std::filesystem::status(target, failure);
+    if (std::filesystem::is_regular_file(old)) {
+        std::filesystem::permissions(std::filesystem::u8path(path_), old.permissions(), failure);
+    }
+    std::filesystem::rename(std::filesystem::u8path(path_), target, failure);
     if (failure) {
         throw CommandError(ExitCode::Unverified,
                            "cannot write \"" + finalPath + "\": " + failure.message(),
@@ -144,8 +156,10 @@ std::string TemporaryFolder::file(const std::string& name) const {
 std::string temporaryPathBeside(const std::string& path) {
     const std::filesystem::path name = std::filesystem::u8path(path).filename();
     const std::string folder = path.substr(0, path.size() - name.u8string().size());
-    return folder + name.stem().u8string() + ".part-" + std::to_string(processNumber()) +
-           name.extension().u8string();
+    // Names have at most 255 bytes, and the converter's are longer still.
+    constexpr std::size_t longest = 200;
+    const std::string stem = name.u8string().size() > longest ? "report" : name.stem().u8string();
+    return folder + stem + ".part-" + std::to_string(processNumber()) + name.extension().u8string();
 }
 
 }  // namespace cli

@@ -9,7 +9,10 @@ namespace cli {
 std::string parserWords(const std::string& text) {
     const std::size_t column = text.find("column ");
     const std::size_t colon = column == std::string::npos ? column : text.find(": ", column);
-    std::string words = colon == std::string::npos ? text : text.substr(colon + 2);
+    const std::size_t bracket = text.find("] ");
+    std::string words = colon != std::string::npos     ? text.substr(colon + 2)
+                        : bracket != std::string::npos ? text.substr(bracket + 2)
+                                                       : text;
     const std::size_t read = words.find("; last read: '");
     if (read == std::string::npos) return words;
     const std::size_t end = words.rfind('\'');

@@ -21,25 +21,33 @@ namespace {
 
 namespace fs = std::filesystem;
 
-/// The persistent data file, kept aside until the new one is written.
+/// The persistent data file, kept aside until the new one is written and read again. Put back
+/// unless it is dropped.
 class KeptFile {
 public:
     explicit KeptFile(const std::string& path) : path_(fs::u8path(path)), kept_(path_) {
         kept_ += ".kept";
         std::error_code failure;
+        if (!fs::exists(path_, failure)) return;
         isKept_ = fs::copy_file(path_, kept_, fs::copy_options::overwrite_existing, failure);
+        if (isKept_) return;
+        const std::string reason = failure.message();
+        fs::remove(kept_, failure);
+        throw CommandError(ExitCode::Environment,
+                           "cannot keep a copy of \"" + path + "\": " + reason,
+                           "check the rights of the folder and the room on the disk");
     }
     ~KeptFile() {
         std::error_code ignored;
-        if (isKept_) fs::remove(kept_, ignored);
+        if (isKept_) fs::rename(kept_, path_, ignored);
     }
     KeptFile(const KeptFile&) = delete;
     KeptFile& operator=(const KeptFile&) = delete;
 
-    void putBack() {
-        std::error_code failure;
-        if (isKept_) fs::rename(kept_, path_, failure);
-        isKept_ = isKept_ && failure;
+    void drop() {
+        std::error_code ignored;
+        if (isKept_) fs::remove(kept_, ignored);
+        isKept_ = false;
     }
 
 private:
@@ -63,36 +71,27 @@ public:
     std::vector<Value> read() const {
         RgenStatus status = RGEN_OK;
         std::vector<Value> values = generator_.persistentData(type_.guid, status);
-        if (hasFile()) requireUndamaged();
+        const bool hasStore = !type_.persistDataFile.empty() && hasFile();
+        if (hasStore) requireUndamaged();
         const bool isEmpty = status == RGEN_E_NO_PERSIST_VALUES ||
                              status == RGEN_E_NO_VALID_PERSIST_VALUES ||
-                             (status == RGEN_E_OPEN_PERSIST && !hasFile());
+                             (status == RGEN_E_OPEN_PERSIST && !hasStore);
         if (status >= 0 || isEmpty) return values;
         fail(status);
     }
 
-    void write(const ValueSet& values) {
+    /// Stores exactly these values and reads them again; whatever goes wrong, the old file comes
+    /// back. Says what of `wanted` the library did not keep as it was; returns the number of stored
+    /// values.
+    std::size_t write(const ValueSet& values, const ValueSet& wanted) {
         const InterruptGuard guard;
         KeptFile kept(path());
-        try {
-            const RgenStatus status = generator_.setPersistentData(type_.guid, inOrder(values));
-            if (status < 0) {
-                kept.putBack();
-                fail(status);
-            }
-        } catch (const CommandError&) {
-            throw;
-        } catch (...) {
-            kept.putBack();
-            throw;
-        }
-    }
-
-    /// Says what the library did not keep as it was; returns the number of stored values.
-    std::size_t verify(const ValueSet& wanted) const {
+        const RgenStatus status = generator_.setPersistentData(type_.guid, inOrder(values));
+        if (status < 0) fail(status);
         std::map<std::string, std::string> stored;
         for (const Value& value : read())
             stored[value.name] = value.content;
+        kept.drop();
         for (const auto& [name, value] : wanted.values())
             compare(value, stored);
         return stored.size();
@@ -144,8 +143,6 @@ private:
             if (wanted.type != RGEN_TYPE_STRING || found->second == text) return;
             console_.note(name + "ed \"" + shortened(withoutReferences(found->second)) +
                           "\" instead of \"" + shortened(withoutReferences(text)) + "\"");
-        } else if (stored.count(trimmed(wanted.name)) > 0) {
-            console_.note(name + "ed it as \"" + shortened(trimmed(wanted.name)) + "\"");
         } else if (trimmed(wanted.name).empty()) {
             console_.note(name + "es no value without a name");
         } else {
@@ -177,6 +174,12 @@ ValueSet newValues(const Arguments& arguments, PersistentData& data, Console& co
     ValueSet set;
     for (Value value : inOrder(input.values)) {
         if (!arguments.values.raw) value.content = escapedAmpersands(value.content);
+        const std::string name = trimmed(value.name);
+        if (name != value.name && !name.empty()) {
+            console.note("\"" + shortened(value.name) + "\": the library stored it as \"" +
+                         shortened(name) + "\"");
+            value.name = name;
+        }
         set.replace(std::move(value));
     }
     return set;
@@ -242,8 +245,7 @@ ExitCode runPersistSet(const Arguments& arguments, Console& console, JsonDocumen
     ValueSet all = storedAgain(data.read());
     for (const auto& [name, value] : added.values())
         all.replace(value);
-    data.write(all);
-    data.describe(data.verify(added), document);
+    data.describe(data.write(all, added), document);
     return ExitCode::Done;
 }
 
@@ -258,16 +260,14 @@ ExitCode runPersistUnset(const Arguments& arguments, Console& console, JsonDocum
                    kept.end());
     }
     const ValueSet rest = storedAgain(std::move(kept));
-    data.write(rest);
-    data.describe(data.verify(rest), document);
+    data.describe(data.write(rest, rest), document);
     return ExitCode::Done;
 }
 
 ExitCode runPersistReplace(const Arguments& arguments, Console& console, JsonDocument& document) {
     PersistentData data(arguments, console);
     const ValueSet values = newValues(arguments, data, console);
-    data.write(values);
-    data.describe(data.verify(values), document);
+    data.describe(data.write(values, values), document);
     return ExitCode::Done;
 }
 

@@ -36,34 +36,29 @@ const std::map<std::string, Command>& commands() {
     return all;
 }
 
-ExitCode fail(const CommandError& error, bool json, Console& console) {
+/// Says what went wrong; what the document holds already stays in it.
+ExitCode fail(const CommandError& error, bool json, Console& console, JsonDocument& document) {
     console.error(error);
-    if (json) {
-        JsonDocument document;
-        describeFailure(error, document);
+    if (!json) return error.exitCode;
+    describeFailure(error, document);
+    try {
         printData(document.text());
+    } catch (const CommandError&) {
+        // Nobody reads it; the first error counts.
     }
     return error.exitCode;
 }
 
-ExitCode runCommand(const Arguments& arguments, Console& console) {
-    JsonDocument document;
-    document.set("ok", true);
-    const ExitCode code = commands().at(arguments.command)(arguments, console, document);
-    if (arguments.json) printData(document.text());
-    return code;
-}
-
-ExitCode runCommandLine(const CommandLine& commandLine, Console& console) {
+ExitCode runCommandLine(const CommandLine& commandLine, Console& console, JsonDocument& document) {
+    const Arguments& arguments = commandLine.arguments;
     if (!commandLine.help.empty()) {
         printData(commandLine.help);
         return ExitCode::Done;
     }
-    if (!commandLine.wantsVersion) return runCommand(commandLine.arguments, console);
-    JsonDocument document;
-    document.set("ok", true);
-    const ExitCode code = runVersion(commandLine.arguments, document);
-    if (commandLine.arguments.json) printData(document.text());
+    const ExitCode code = commandLine.wantsVersion
+                              ? runVersion(arguments, document)
+                              : commands().at(arguments.command)(arguments, console, document);
+    if (arguments.json) printData(document.text());
     return code;
 }
 
@@ -80,6 +75,8 @@ int runProgram(const std::vector<std::string>& arguments) {
     listenForInterrupts();
     bool json = std::find(arguments.begin(), arguments.end(), "--json") != arguments.end();
     Console console;
+    JsonDocument document;
+    document.set("ok", true);
     ExitCode code = ExitCode::Done;
     try {
         const CommandLine commandLine = parseCommandLine(arguments);
@@ -89,13 +86,14 @@ int runProgram(const std::vector<std::string>& arguments) {
         }
         json = commandLine.arguments.json;
         console = Console(commandLine.arguments.quiet);
-        code = runCommandLine(commandLine, console);
+        code = runCommandLine(commandLine, console, document);
     } catch (const CommandError& error) {
-        code = fail(error, json, console);
+        code = fail(error, json, console, document);
     } catch (const std::bad_alloc&) {
-        code = fail({ExitCode::Environment, "memory is exhausted", "use less data"}, json, console);
+        code = fail({ExitCode::Environment, "memory is exhausted", "use less data"}, json, console,
+                    document);
     } catch (const std::exception& exception) {
-        code = fail(libraryException(exception), json, console);
+        code = fail(libraryException(exception), json, console, document);
     }
     return static_cast<int>(code);
 }

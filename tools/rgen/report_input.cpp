@@ -3,8 +3,9 @@
 // SPDX-License-Identifier: MIT
 #include "report_input.h"
 
-#include <set>
+#include <algorithm>
 
+#include "command_error.h"
 #include "console.h"
 #include "data_file.h"
 #include "generator.h"
@@ -38,6 +39,9 @@ void addAssignments(const std::vector<std::string>& assignments, const std::stri
 
 ReportInput collectInput(const ValueArguments& arguments, Generator& generator, Console& console) {
     ReportInput input;
+    if (std::count(arguments.data.begin(), arguments.data.end(), "-") > 1) {
+        throw usageError("--data - is given more than once", "standard input can be read once");
+    }
     for (const std::string& path : arguments.data) {
         for (Value& value : readDataFile(path, arguments.raw, generator, console))
             input.values.add(std::move(value));

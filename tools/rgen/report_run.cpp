@@ -14,6 +14,8 @@
 #include "input_file.h"
 #include "json_document.h"
 #include "report_output.h"
+#include "words.h"
+#include "xml_documents.h"
 
 namespace cli {
 namespace {
@@ -57,10 +59,7 @@ private:
 
 std::string formatOf(const ReportArguments& arguments) {
     if (!arguments.format.empty()) return arguments.format;
-    std::string ending = fs::u8path(arguments.output).extension().u8string();
-    std::transform(ending.begin(), ending.end(), ending.begin(), [](char letter) {
-        return letter >= 'A' && letter <= 'Z' ? static_cast<char>(letter - 'A' + 'a') : letter;
-    });
+    const std::string ending = lowerCase(fs::u8path(arguments.output).extension().u8string());
     for (const std::string& format : outputFormats()) {
         if (ending == "." + format) return format;
     }
@@ -79,6 +78,10 @@ OutputPlan planOf(const ReportArguments& arguments, const std::string& format) {
         plan.mode = RGEN_OUTPUT_DELETE_ON_CLOSE;
     }
     plan.converts = isPdf && plan.mode == RGEN_OUTPUT_FILE;
+    if (isPdf && !plan.converts) {
+        throw usageErrorOf("report", "--mode " + arguments.mode + " does not convert to pdf",
+                           "give --no-convert to get the page itself");
+    }
     const bool hasQuote = (arguments.output + arguments.base).find('"') != std::string::npos;
     if (plan.converts && hasQuote) {
         throw usageErrorOf("report", "the path of a pdf and --base must not contain a double quote",
@@ -87,15 +90,14 @@ OutputPlan planOf(const ReportArguments& arguments, const std::string& format) {
     return plan;
 }
 
-std::string cataloguePath(const ReportSurroundings& surroundings, const ReportOrder& order) {
+/// The catalogue that --lang names; empty without it.
+std::string chosenCatalogue(const ReportSurroundings& surroundings, const ReportOrder& order) {
     const std::string& lang = order.arguments.lang;
     const bool isFile = fs::u8path(lang).extension() == ".po" || fs::u8path(lang).has_parent_path();
     if (lang.empty() || isFile) return lang;
-    std::string languages;
-    for (const CatalogueFile& file : catalogueFiles(surroundings.directory, order.type)) {
-        if (file.language == lang) return file.path;
-        languages += (languages.empty() ? "" : ", ") + file.language;
-    }
+    std::string path = cataloguePath(surroundings.directory, order.type, lang);
+    if (!path.empty()) return path;
+    const std::string languages = joined(catalogueLanguages(surroundings.directory, order.type));
     throw usageError("there is no catalogue for \"" + lang + "\" in \"" +
                          surroundings.directory.path("translations") + "\"",
                      languages.empty() ? "give a .po file" : "there is: " + languages);
@@ -105,6 +107,7 @@ std::string adviceOnOutput(const std::string& output) {
     std::error_code ignored;
     const std::string folder = folderOf(output);
     if (fs::is_directory(fs::u8path(output), ignored)) return "it is a folder";
+    if (isSpecialFile(output)) return "it is no ordinary file; --mode bytes writes into it";
     if (!fs::exists(fs::u8path(folder), ignored)) {
         return "the folder \"" + folder + "\" does not exist";
     }
@@ -180,6 +183,17 @@ void noteUntranslated(const std::vector<std::string>& texts, const std::string& 
                  (texts.size() > shown ? ", ..." : ""));
 }
 
+/// The library takes what it can read of a damaged file and says nothing.
+void noteDamage(const ReportSurroundings& surroundings, const ReportType& type) {
+    const std::string path = surroundings.directory.path(type.persistDataFile);
+    std::error_code ignored;
+    if (!fs::is_regular_file(fs::u8path(path), ignored)) return;
+    const std::string damage = damageOf(path);
+    if (damage.empty()) return;
+    surroundings.console.note("\"" + path + "\" is damaged: " + damage +
+                              "; the report has what can be read of it");
+}
+
 std::size_t numberOfNames(const ReportInput& input) {
     std::size_t number = input.values.size();
     for (const auto& [name, pair] : input.pairs.values())
@@ -207,8 +221,9 @@ ReportOutcome makeReport(const ReportSurroundings& surroundings, const ReportOrd
     ReportOutcome outcome;
     outcome.format = formatOf(order.arguments);
     outcome.values = numberOfNames(order.input);
-    const std::string catalogue = cataloguePath(surroundings, order);
+    const std::string catalogue = chosenCatalogue(surroundings, order);
     const TranslationScope translation(surroundings.generator, catalogue, surroundings.raw);
+    noteDamage(surroundings, order.type);
     const InterruptGuard guard(surroundings.generator.handle());
     throwIfInterrupted();
 

@@ -5,13 +5,14 @@
 #include "report_type.h"
 
 #include <algorithm>
-#include <cstdlib>
 #include <filesystem>
-#include <map>
+#include <set>
 
 #include "command_error.h"
+#include "guid_text.h"
 #include "input_file.h"
 #include "suggestion.h"
+#include "words.h"
 #include "xml_documents.h"
 
 namespace cli {
@@ -27,34 +28,6 @@ bool exists(const std::string& path) {
 bool isFolder(const std::string& path) {
     std::error_code ignored;
     return fs::is_directory(fs::u8path(path), ignored);
-}
-
-/// "5A0C6F1E-..." with or without braces; empty when it is no GUID.
-std::string guidTextOf(std::string text) {
-    if (text.size() == 38 && text.front() == '{' && text.back() == '}') text = text.substr(1, 36);
-    constexpr const char* shape = "xxxxxxxx-xxxx-xxxx-xxxx-xxxxxxxxxxxx";
-    if (text.size() != 36) return {};
-    for (std::size_t i = 0; i < text.size(); ++i) {
-        char& letter = text[i];
-        if (letter >= 'A' && letter <= 'F') letter = static_cast<char>(letter - 'A' + 'a');
-        const bool isHex = (letter >= '0' && letter <= '9') || (letter >= 'a' && letter <= 'f');
-        if (shape[i] == '-' ? letter != '-' : !isHex) return {};
-    }
-    return text;
-}
-
-RgenGuid guidOf(const std::string& text) {
-    const auto part = [&text](std::size_t at, std::size_t digits) {
-        return std::strtoul(text.substr(at, digits).c_str(), nullptr, 16);
-    };
-    RgenGuid guid = {};
-    guid.data1 = static_cast<std::uint32_t>(part(0, 8));
-    guid.data2 = static_cast<std::uint16_t>(part(9, 4));
-    guid.data3 = static_cast<std::uint16_t>(part(14, 4));
-    constexpr std::size_t places[] = {19, 21, 24, 26, 28, 30, 32, 34};
-    for (std::size_t i = 0; i < std::size(places); ++i)
-        guid.data4[i] = static_cast<std::uint8_t>(part(places[i], 2));
-    return guid;
 }
 
 ReportType typeOf(const ConfiguredType& configured) {
@@ -74,11 +47,12 @@ std::vector<std::string> namesOf(const std::vector<ReportType>& types) {
     return names;
 }
 
-std::string joined(const std::vector<std::string>& words) {
-    std::string text;
-    for (const std::string& word : words)
-        text += (text.empty() ? "" : ", ") + word;
-    return text;
+/// "de", "pt-BR", "zh_Hant": two or three letters, and more behind a mark.
+bool looksLikeLanguage(const std::string& text) {
+    const std::size_t end = std::min(text.find_first_of("-_@"), text.size());
+    const auto isLetter = [](char letter) { return letter >= 'a' && letter <= 'z'; };
+    return (end == 2 || end == 3) &&
+           std::all_of(text.begin(), text.begin() + static_cast<std::ptrdiff_t>(end), isLetter);
 }
 
 ReportType typeWithGuid(const DataDirectory& directory, const std::string& guidText) {
@@ -132,11 +106,13 @@ std::string DataDirectory::path(const std::string& inside) const {
 }
 
 DataDirectory namedDataDirectory(const std::optional<std::string>& given) {
-    std::string folder = given.value_or(".");
+    std::string folder = given.value_or("");
+    if (folder.empty()) folder = ".";
     const auto isSeparator = [](char letter) {
         return letter == '/' || letter == fs::path::preferred_separator;
     };
-    while (folder.size() > 1 && isSeparator(folder.back()))
+    // The root of a drive keeps its separator.
+    while (isSeparator(folder.back()) && fs::u8path(folder).has_relative_path())
         folder.pop_back();
     if (fs::u8path(folder).filename() == ".rgen") folder = folderOf(folder);
     return {folder};
@@ -191,25 +167,28 @@ const std::vector<std::string>& outputFormats() {
     return formats;
 }
 
-std::vector<CatalogueFile> catalogueFiles(const DataDirectory& directory, const ReportType& type) {
-    std::map<std::string, std::string> files;
-    const std::string folder = directory.path("translations");
-    std::error_code failure;
-    for (const auto& entry : fs::directory_iterator(fs::u8path(folder), failure)) {
-        const std::string stem = entry.path().stem().u8string();
-        const std::string path = folder + "/" + entry.path().filename().u8string();
-        if (entry.path().extension() != ".po") continue;
-        const std::string ownPrefix = type.name + "-";
-        if (stem.compare(0, ownPrefix.size(), ownPrefix) == 0) {
-            files[stem.substr(ownPrefix.size())] = path;
-        } else if (stem.find('-') == std::string::npos) {
-            files.emplace(stem, path);
-        }
+std::string cataloguePath(const DataDirectory& directory, const ReportType& type,
+                          const std::string& language) {
+    for (const std::string& name : {type.name + "-" + language, language}) {
+        const std::string path = directory.path("translations/" + name + ".po");
+        if (exists(path)) return path;
     }
-    std::vector<CatalogueFile> sorted;
-    for (const auto& [language, path] : files)
-        sorted.push_back({language, path});
-    return sorted;
+    return {};
+}
+
+std::vector<std::string> catalogueLanguages(const DataDirectory& directory,
+                                            const ReportType& type) {
+    std::set<std::string> languages;
+    std::error_code failure;
+    const std::string ownStart = type.name + "-";
+    for (const auto& entry :
+         fs::directory_iterator(fs::u8path(directory.path("translations")), failure)) {
+        if (entry.path().extension() != ".po") continue;
+        std::string stem = entry.path().stem().u8string();
+        if (stem.compare(0, ownStart.size(), ownStart) == 0) stem.erase(0, ownStart.size());
+        if (looksLikeLanguage(stem)) languages.insert(stem);
+    }
+    return {languages.begin(), languages.end()};
 }
 
 }  // namespace cli

@@ -50,11 +50,12 @@ std::string templatePath(const DataDirectory& directory, const ReportType& type,
 /// The formats of the library.
 const std::vector<std::string>& outputFormats();
 
-/// Languages that have a catalogue for the report type, sorted; each with the path of its file.
-struct CatalogueFile {
-    std::string language;
-    std::string path;
-};
-std::vector<CatalogueFile> catalogueFiles(const DataDirectory& directory, const ReportType& type);
+/// The catalogue for a language: "translations/<template>-<language>.po" or
+/// "translations/<language>.po"; empty when there is none.
+std::string cataloguePath(const DataDirectory& directory, const ReportType& type,
+                          const std::string& language);
+
+/// The languages that have a catalogue for the report type, sorted.
+std::vector<std::string> catalogueLanguages(const DataDirectory& directory, const ReportType& type);
 
 }  // namespace cli

@@ -5,6 +5,7 @@
 
 #include "commands.h"
 #include "report_type.h"
+#include "words.h"
 
 namespace cli {
 namespace {
@@ -21,18 +22,8 @@ std::vector<std::string> formatsOf(const DataDirectory& directory, const ReportT
     return formats;
 }
 
-std::vector<std::string> languagesOf(const DataDirectory& directory, const ReportType& type) {
-    std::vector<std::string> languages;
-    for (const CatalogueFile& file : catalogueFiles(directory, type))
-        languages.push_back(file.language);
-    return languages;
-}
-
-std::string inBlanks(const std::vector<std::string>& words) {
-    std::string text;
-    for (const std::string& word : words)
-        text += (text.empty() ? "" : " ") + word;
-    return text.empty() ? "-" : text;
+std::string column(const std::vector<std::string>& words) {
+    return words.empty() ? "-" : joined(words, " ");
 }
 
 }  // namespace
@@ -43,7 +34,7 @@ ExitCode runTypes(const Arguments& arguments, Console& console, JsonDocument& do
     std::string lines;
     for (const ReportType& type : reportTypes(directory)) {
         const std::vector<std::string> formats = formatsOf(directory, type);
-        const std::vector<std::string> languages = languagesOf(directory, type);
+        const std::vector<std::string> languages = catalogueLanguages(directory, type);
         JsonDocument row;
         row.set("name", type.name);
         row.set("guid", type.guidText);
@@ -52,8 +43,8 @@ ExitCode runTypes(const Arguments& arguments, Console& console, JsonDocument& do
         row.set("formats", formats);
         row.set("languages", languages);
         rows.push_back(std::move(row));
-        lines += type.name + "\t" + type.guidText + "\t" + inBlanks(formats) + "\t" +
-                 inBlanks(languages) + "\n";
+        lines += type.name + "\t" + type.guidText + "\t" + column(formats) + "\t" +
+                 column(languages) + "\n";
     }
     document.set("dataDir", directory.path(""));
     document.set("types", rows);

@@ -4,14 +4,15 @@
 #include "value.h"
 
 #include <algorithm>
-#include <cctype>
 #include <filesystem>
+#include <limits>
 
 #include "command_error.h"
 #include "console.h"
 #include "input_file.h"
 #include "suggestion.h"
 #include "value_text.h"
+#include "words.h"
 #include "xml_content.h"
 
 namespace cli {
@@ -38,9 +39,8 @@ constexpr HintWord words[] = {
     {"dump", RGEN_TYPE_BYTE_ARRAY, RGEN_HINT_DUMP},
 };
 
-const HintWord* findHint(std::string word) {
-    std::transform(word.begin(), word.end(), word.begin(),
-                   [](unsigned char letter) { return static_cast<char>(std::tolower(letter)); });
+const HintWord* findHint(const std::string& text) {
+    const std::string word = lowerCase(text);
     const auto found = std::find_if(std::begin(words), std::end(words),
                                     [&word](const HintWord& hint) { return word == hint.word; });
     return found == std::end(words) ? nullptr : found;
@@ -56,6 +56,9 @@ std::vector<std::uint8_t> bytesOf(const std::string& text, const ValueReading& r
     const bool isWhole = path.empty() || std::filesystem::u8path(path).has_root_path();
     const std::string content =
         readInputFile(isWhole ? path : joinedPath(reading.folder, path), "check the path behind @");
+    if (content.size() > std::numeric_limits<std::uint32_t>::max()) {
+        throw usageError("\"" + path + "\" is too large", "byte arrays hold less than 4 GiB");
+    }
     return {content.begin(), content.end()};
 }
 

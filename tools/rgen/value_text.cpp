@@ -3,19 +3,27 @@
 // SPDX-License-Identifier: MIT
 #include "value_text.h"
 
+#include <algorithm>
 #include <cerrno>
 #include <cstdlib>
 #include <ctime>
-#include <regex>
+#include <optional>
 #include <string_view>
 
 #include "command_error.h"
+#include "console.h"
 #include "xml_content.h"
 
 namespace cli {
 namespace {
 
 constexpr std::int64_t secondsOfDay = 86400;
+/// The last second that the library shows.
+constexpr std::int64_t latestTime = 32535215999;
+
+std::string quoted(const std::string& text) {
+    return "\"" + shortened(text) + "\"";
+}
 
 /// Tells whether there is a digit and nothing but digits behind an optional sign and `prefix`.
 bool isNumber(const std::string& text, std::string_view prefix, const char* digits) {
@@ -35,7 +43,7 @@ bool isHexadecimal(const std::string& text) {
 }
 
 CommandError notATime(const std::string& text) {
-    return usageError("\"" + text + "\" is not a time",
+    return usageError(quoted(text) + " is not a time",
                       "write seconds since 1970, 2026-03-09T08:14:07Z or now");
 }
 
@@ -60,7 +68,8 @@ struct DateTime {
     int year, month, day, hour, minute, second;
 };
 
-std::int64_t localSeconds(const DateTime& time, const std::string& text) {
+/// -1 for times that the system cannot tell.
+std::int64_t localSeconds(const DateTime& time) {
     std::tm brokenDown = {};
     brokenDown.tm_year = time.year - 1900;
     brokenDown.tm_mon = time.month - 1;
@@ -70,37 +79,78 @@ std::int64_t localSeconds(const DateTime& time, const std::string& text) {
     brokenDown.tm_sec = time.second;
     brokenDown.tm_isdst = -1;
     const std::time_t seconds = std::mktime(&brokenDown);
-    if (seconds == static_cast<std::time_t>(-1)) throw notATime(text);
     return seconds;
 }
 
-/// "Z", "+01:00" or "-0530" as seconds east of UTC.
-std::int64_t offsetSeconds(const std::string& zone) {
-    if (zone == "Z" || zone == "z") return 0;
-    const std::size_t minutes = zone.size() - 2;
-    const std::int64_t size =
-        std::stoll(zone.substr(1, 2)) * 3600 + std::stoll(zone.substr(minutes)) * 60;
-    return zone[0] == '-' ? -size : size;
+/// Reads a text from the front; after the first part that does not fit nothing fits any more.
+class TimeScanner {
+public:
+    explicit TimeScanner(const std::string& text) : text_(text) {}
+
+    /// The number that the next digits make, exactly so many.
+    int number(std::size_t digits) {
+        const std::string part = text_.substr(std::min(at_, text_.size()), digits);
+        fits_ =
+            fits_ && part.size() == digits && isDecimal(part) && part[0] != '-' && part[0] != '+';
+        at_ += digits;
+        return fits_ ? std::stoi(part) : 0;
+    }
+
+    void require(char letter) { fits_ = accept(letter) && fits_; }
+
+    bool accept(char letter) {
+        const bool isThere = at_ < text_.size() && text_[at_] == letter;
+        if (isThere) ++at_;
+        return isThere;
+    }
+
+    bool isAtEnd() const { return at_ >= text_.size(); }
+    bool fits() const { return fits_; }
+
+private:
+    const std::string& text_;
+    std::size_t at_ = 0;
+    bool fits_ = true;
+};
+
+/// "T08:14" or "T08:14:07"; a blank may stand for the "T".
+void scanTimeOfDay(TimeScanner& scanner, DateTime& time) {
+    if (!scanner.accept('T') && !scanner.accept(' ')) return;
+    time.hour = scanner.number(2);
+    scanner.require(':');
+    time.minute = scanner.number(2);
+    if (scanner.accept(':')) time.second = scanner.number(2);
+}
+
+/// "Z", "+01:00" or "-0530" as seconds east of UTC; nothing for local time.
+std::optional<std::int64_t> scanOffset(TimeScanner& scanner) {
+    if (scanner.accept('Z') || scanner.accept('z')) return 0;
+    const bool isWest = scanner.accept('-');
+    if (!isWest && !scanner.accept('+')) return std::nullopt;
+    const std::int64_t hours = scanner.number(2);
+    scanner.accept(':');
+    const std::int64_t seconds = (hours * 60 + scanner.number(2)) * 60;
+    return isWest ? -seconds : seconds;
 }
 
 std::int64_t readCalendarTime(const std::string& text) {
-    static const std::regex pattern(
-        R"((\d{4})-(\d{2})-(\d{2})(?:[T ](\d{2}):(\d{2})(?::(\d{2}))?)?(Z|z|[+-]\d{2}:?\d{2})?)");
-    std::smatch parts;
-    constexpr std::size_t longest = 32;
-    if (text.size() > longest || !std::regex_match(text, parts, pattern)) throw notATime(text);
-    const auto number = [&parts](std::size_t i) {
-        return parts[i].matched ? std::stoi(parts[i].str()) : 0;
-    };
-    const DateTime time{number(1), number(2), number(3), number(4), number(5), number(6)};
-    if (!isDate(time.year, time.month, time.day) || time.hour > 23 || time.minute > 59 ||
-        time.second > 59) {
+    TimeScanner scanner(text);
+    DateTime time = {};
+    time.year = scanner.number(4);
+    scanner.require('-');
+    time.month = scanner.number(2);
+    scanner.require('-');
+    time.day = scanner.number(2);
+    scanTimeOfDay(scanner, time);
+    const std::optional<std::int64_t> offset = scanOffset(scanner);
+    if (!scanner.fits() || !scanner.isAtEnd() || !isDate(time.year, time.month, time.day) ||
+        time.hour > 23 || time.minute > 59 || time.second > 59) {
         throw notATime(text);
     }
-    if (!parts[7].matched) return localSeconds(time, text);
+    if (!offset) return localSeconds(time);
     const std::int64_t minutes = std::int64_t{time.hour} * 60 + time.minute;
     return daysFromDate(time.year, time.month, time.day) * secondsOfDay + minutes * 60 +
-           time.second - offsetSeconds(parts[7].str());
+           time.second - *offset;
 }
 
 /// The value of a hexadecimal digit, -1 for another character.
@@ -112,8 +162,7 @@ int hexDigit(char letter) {
 }
 
 CommandError noByteDump(const std::string& text) {
-    const std::string shown = text.size() > 40 ? text.substr(0, 40) + "..." : text;
-    return usageError("\"" + shown + "\" is no byte dump", "write 01 AB FF or 01ABFF");
+    return usageError(quoted(text) + " is no byte dump", "write 01 AB FF or 01ABFF");
 }
 
 }  // namespace
@@ -122,7 +171,7 @@ std::int64_t readInteger(const std::string& text, bool takesUnsigned) {
     const std::string digits = trimmed(text);
     const bool isHex = isHexadecimal(digits);
     if (!isHex && !isDecimal(digits)) {
-        throw usageError("\"" + text + "\" is not a whole number");
+        throw usageError(quoted(text) + " is not a whole number");
     }
     errno = 0;
     const std::int64_t number = std::strtoll(digits.c_str(), nullptr, isHex ? 16 : 10);
@@ -132,14 +181,17 @@ std::int64_t readInteger(const std::string& text, bool takesUnsigned) {
         const std::uint64_t bits = std::strtoull(digits.c_str(), nullptr, isHex ? 16 : 10);
         if (errno != ERANGE) return static_cast<std::int64_t>(bits);
     }
-    throw usageError("\"" + text + "\" does not fit into 64 bits");
+    throw usageError(quoted(text) + " does not fit into 64 bits");
 }
 
 std::int64_t readTime(const std::string& text) {
     const std::string time = trimmed(text);
     if (time == "now") return std::time(nullptr);
-    if (isDecimal(time)) return readInteger(time, false);
-    return readCalendarTime(time);
+    const std::int64_t seconds =
+        isDecimal(time) ? readInteger(time, false) : readCalendarTime(time);
+    if (seconds >= 0 && seconds <= latestTime) return seconds;
+    throw usageError(quoted(text) + " cannot be shown as a time",
+                     "the library shows times from 1970 to 3000");
 }
 
 std::vector<std::uint8_t> readBytes(const std::string& text) {

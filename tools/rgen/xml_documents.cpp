@@ -7,10 +7,11 @@
 #include <libxml/tree.h>
 #include <libxml/xmlsave.h>
 
+#include <limits>
 #include <memory>
-#include <regex>
 
 #include "command_error.h"
+#include "guid_text.h"
 #include "input_file.h"
 #include "xml_content.h"
 
@@ -41,12 +42,18 @@ std::string textInside(xmlNode* element) {
     return plainText(Owned<xmlChar>(xmlNodeListGetString(element->doc, element->children, 1)));
 }
 
+std::string readXml(const std::string& path) {
+    std::string content = readInputFile(path, "check the path");
+    if (content.size() <= static_cast<std::size_t>(std::numeric_limits<int>::max())) return content;
+    throw usageError("\"" + path + "\" is too large", "XML files hold at most 2 GiB");
+}
+
 Owned<xmlDoc> readDocument(const std::string& path) {
     // What libxml2 has to say goes nowhere: its result is looked at.
-    const std::string content = readInputFile(path, "check the path");
-    return Owned<xmlDoc>(
-        xmlReadMemory(content.data(), static_cast<int>(content.size()), nullptr, "UTF-8",
-                      XML_PARSE_RECOVER | XML_PARSE_NOERROR | XML_PARSE_NOWARNING));
+    const std::string content = readXml(path);
+    return Owned<xmlDoc>(xmlReadMemory(
+        content.data(), static_cast<int>(content.size()), nullptr, "UTF-8",
+        XML_PARSE_RECOVER | XML_PARSE_NOERROR | XML_PARSE_NOWARNING | XML_PARSE_HUGE));
 }
 
 /// Children of `parent` with this name, letter case as written.
@@ -82,18 +89,6 @@ std::string childText(xmlNode* parent, const char* name) {
         if (xmlStrcasecmp(child->name, xmlText(name)) == 0) text = trimmed(textInside(child));
     }
     return text;
-}
-
-std::string lowerCase(std::string text) {
-    for (char& letter : text) {
-        if (letter >= 'A' && letter <= 'Z') letter = static_cast<char>(letter - 'A' + 'a');
-    }
-    return text;
-}
-
-bool isGuid(const std::string& text) {
-    static const std::regex shape("[0-9a-f]{8}(-[0-9a-f]{4}){3}-[0-9a-f]{12}");
-    return text.size() == 36 && std::regex_match(text, shape);
 }
 
 std::string byteList(const std::vector<std::uint8_t>& bytes) {
@@ -137,10 +132,14 @@ std::vector<ConfiguredType> readConfiguration(const std::string& path) {
     }
     std::map<std::string, ConfiguredType> types;
     for (xmlNode* element : entries(document.get(), "config", "reportTypes", "type")) {
-        const std::string guid = lowerCase(attribute(element, "guid"));
+        const std::string written = attribute(element, "guid");
+        const std::string guid = guidTextOf(written);
         const std::string persistDataFile = childText(element, "persistDataFile");
         const std::string reportTypeFile = childText(element, "reportTypeFile");
-        if (!isGuid(guid) || persistDataFile.empty() || reportTypeFile.empty()) continue;
+        // The library takes no braces.
+        const bool isUsable = !guid.empty() && guid.size() == written.size() &&
+                              !persistDataFile.empty() && !reportTypeFile.empty();
+        if (!isUsable) continue;
         types[guid] = {guid, persistDataFile, reportTypeFile};
     }
     std::vector<ConfiguredType> all;
@@ -159,7 +158,8 @@ std::vector<std::string> propertyNames(const std::string& path) {
 }
 
 std::string damageOf(const std::string& path) {
-    const std::string content = readInputFile(path, "check the path");
+    // Without XML_PARSE_HUGE, as the library reads: what is too large for it counts as damage.
+    const std::string content = readXml(path);
     const std::unique_ptr<xmlParserCtxt, void (*)(xmlParserCtxt*)> context(xmlNewParserCtxt(),
                                                                            xmlFreeParserCtxt);
     if (!context) throw std::bad_alloc();
