@@ -99,8 +99,7 @@ class CliCase(ProgramCase):
 
     def expect_error(self, result, code, message):
         """One line says what is wrong, nothing is on standard output, no colour."""
-        self.assertEqual([message], result.messages)
-        self.assertEqual((code, b""), (result.code, result.out))
+        self.assertEqual(([message], code, b""), (result.messages, result.code, result.out))
         self.expect_plain(result.err)
 
     def expect_error_like(self, result, code, pattern):

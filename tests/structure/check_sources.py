@@ -18,7 +18,8 @@ OS_NAME = re.compile(r"\b(_WIN32|_WIN64|WIN32|__MINGW\w+|__linux__|__unix__|__GN
 OS_CONDITIONAL_FILE = "include/strata_repgenlib/rgen.h"
 MARKS = re.compile(r"\b(TO" r"DO|FIX" r"ME|XX" r"X|HA" r"CK)\b")
 SCRIPT_NAMES = {"CMakeLists.txt", "setup", "dependencies", "demo", "test", "lint", "run",
-                "run-under-wine", "run_test_program", "inventory-data"}
+                "run-under-wine", "run_test_program", "inventory-data", "picture",
+                "measure-conversion"}
 LICENSED_ENDINGS = CODE_ENDINGS | {".cmake", ".py", ".sh", ".map", ".def"}
 
 

@@ -15,7 +15,8 @@ from pathlib import Path
 
 FOLDER = Path(__file__).resolve().parent
 sys.path.insert(0, str(FOLDER.parent / "support"))
+sys.path.append(str(FOLDER.parent / "cli"))
 
-import suite_runner  # It is in the folder that was added.
+import suite_runner  # It is in one of the folders that were added.
 
 sys.exit(suite_runner.run(FOLDER))

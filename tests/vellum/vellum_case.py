@@ -163,8 +163,8 @@ class VellumCase(ProgramCase):
         wait_for(self.log_path().with_name("engine.log." + does), running)
 
     def as_nobody(self):
-        """The command that starts a program as a user without rights, who gets the files of this case
-        and a copy of vellum, whose own folder may be closed to others."""
+        """The command that starts a program as a user without rights, who gets the files of this
+        case and a copy of vellum, whose own folder may be closed to others."""
         self.program = self.put_program(VELLUM, self.base_folder / "programs", "vellum")
         for folder, _, names in os.walk(self.base_folder):
             for path in [folder, *(os.path.join(folder, name) for name in names)]:

@@ -2,9 +2,13 @@
 //
 // SPDX-License-Identifier: MIT
 #include <algorithm>
+#include <chrono>
 #include <filesystem>
 #include <fstream>
+#include <optional>
+#include <system_error>
 
+#include "child_process.h"
 #include "commands.h"
 #include "error_document.h"
 #include "generator.h"
@@ -13,6 +17,7 @@
 #include "report_output.h"
 #include "report_run.h"
 #include "report_type.h"
+#include "xml_content.h"
 #include "xml_documents.h"
 
 namespace cli {
@@ -197,15 +202,43 @@ void checkDirectory(const Arguments& arguments, Checks& checks) {
     }
 }
 
-void checkConverter(Checks& checks) {
-    const std::optional<fs::path> converter = findProgram("vellum");
-    if (converter) {
-        checks.add("converter", Result::Fine, converter->u8string());
-    } else {
-        checks.add("converter", Result::Failed,
-                   "the program \"vellum\" is not on the search path, so there are no pdf reports; "
-                   "install it beside rgen or on PATH");
+/// What a program prints, and its exit code; -1 when it cannot be started or does not end.
+int outputOf(const fs::path& program, const std::string& argument, std::string& output) {
+    constexpr std::chrono::seconds longest{90};
+    const TemporaryFolder folder;
+    tools::ProcessRequest request;
+    request.program = program;
+    request.arguments = {argument};
+    request.outputFile = fs::u8path(folder.file("output.txt"));
+    int code = -1;
+    try {
+        tools::ChildProcess process(request);
+        code = process.wait(longest).value_or(-1);
+    } catch (const std::system_error& error) {
+        output = error.what();
+        return -1;
     }
+    std::ifstream file(request.outputFile, std::ios::binary);
+    for (std::string line; std::getline(file, line);) {
+        if (line.rfind("vellum: warning", 0) == 0) continue;
+        output += (output.empty() ? "" : ", ") + trimmed(line);
+    }
+    return code;
+}
+
+/// The converter says itself with which engine it converts a test page.
+void checkConverter(Checks& checks) {
+    const std::optional<fs::path> converter = tools::findProgram("vellum");
+    if (!converter) {
+        checks.add("converter", Result::Failed,
+                   "the program \"vellum\" is not on the search path, so there are no pdf "
+                   "reports; install it beside rgen or on PATH");
+        return;
+    }
+    std::string output;
+    const bool isFine = outputOf(*converter, "--check", output) == 0;
+    checks.add("converter", isFine ? Result::Fine : Result::Failed,
+               converter->u8string() + (output.empty() ? "" : ", " + output));
 }
 
 }  // namespace

@@ -5,8 +5,6 @@
 #pragma once
 
 #include <cstdint>
-#include <filesystem>
-#include <optional>
 #include <string>
 
 namespace cli {
@@ -18,8 +16,6 @@ bool standardErrorIsTerminal();
 
 /// Tells whether standard error is a terminal that takes colour sequences.
 bool standardErrorHasColour();
-
-unsigned long processNumber();
 
 /// Calls `handler` on a thread of its own, once for each Ctrl-C or request to end; with true when
 /// the process is about to be ended anyway. Requests that the process was started to ignore stay
@@ -48,18 +44,11 @@ struct LoadedLibrary {
     std::string version;
 };
 
-/// Makes a new folder in the system's folder for temporary files that nobody else may enter. Raises
-/// a CommandError.
-std::filesystem::path makePrivateFolder();
-
 /// The report library that this process has loaded.
 LoadedLibrary loadedLibrary();
 
 /// Lets the system find programs in rgen's own folder, after those on PATH. Windows looks there
 /// anyway.
 void searchOwnFolder();
-
-/// The file that the system would start under this program name, if any.
-std::optional<std::filesystem::path> findProgram(const std::string& name);
 
 }  // namespace cli

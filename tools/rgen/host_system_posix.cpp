@@ -7,13 +7,12 @@
 #include <sys/stat.h>
 #include <unistd.h>
 
-#include <cerrno>
 #include <cstdio>
 #include <cstdlib>
-#include <sstream>
+#include <filesystem>
 #include <thread>
 
-#include "command_error.h"
+#include "child_process.h"
 #include "host_system.h"
 #include "strata_repgenlib/rgen.h"
 
@@ -23,11 +22,6 @@ namespace {
 bool isIgnored(int signalNumber) {
     struct sigaction action = {};
     return sigaction(signalNumber, nullptr, &action) == 0 && action.sa_handler == SIG_IGN;
-}
-
-bool isRunnable(const std::filesystem::path& path) {
-    std::error_code ignored;
-    return std::filesystem::is_regular_file(path, ignored) && access(path.c_str(), X_OK) == 0;
 }
 
 /// "libname.so.1.2.3" gives "1.2.3".
@@ -48,10 +42,6 @@ bool standardErrorIsTerminal() {
 
 bool standardErrorHasColour() {
     return standardErrorIsTerminal();
-}
-
-unsigned long processNumber() {
-    return static_cast<unsigned long>(getpid());
 }
 
 void watchInterrupts(void (*handler)(bool)) {
@@ -91,16 +81,6 @@ std::uint64_t closeDeleteOnCloseFile(void* handle) {
     return known ? static_cast<std::uint64_t>(facts.st_size) : 0;
 }
 
-std::filesystem::path makePrivateFolder() {
-    std::error_code failure;
-    const std::filesystem::path parent = std::filesystem::temp_directory_path(failure);
-    std::string path = (parent / "rgen-XXXXXX").string();
-    if (!failure && mkdtemp(path.data()) != nullptr) return path;
-    const std::string reason = failure ? failure.message() : std::generic_category().message(errno);
-    throw CommandError(ExitCode::Environment, "cannot make a temporary folder: " + reason,
-                       "check the folder that TMPDIR names");
-}
-
 LoadedLibrary loadedLibrary() {
     Dl_info info = {};
     const auto address = reinterpret_cast<const void*>(&rgen_newReportGenerator);
@@ -112,23 +92,12 @@ LoadedLibrary loadedLibrary() {
 }
 
 void searchOwnFolder() {
-    std::error_code failure;
-    const std::filesystem::path program = std::filesystem::read_symlink("/proc/self/exe", failure);
-    if (failure) return;
+    const std::filesystem::path folder = tools::ownFolder();
+    if (folder.empty()) return;
     const char* const searchPath = std::getenv("PATH");
     std::string folders = searchPath == nullptr ? "/bin:/usr/bin" : searchPath;
     if (!folders.empty()) folders += ':';
-    setenv("PATH", (folders + program.parent_path().string()).c_str(), 1);
-}
-
-std::optional<std::filesystem::path> findProgram(const std::string& name) {
-    const char* const searchPath = std::getenv("PATH");
-    std::istringstream folders(searchPath == nullptr ? "/bin:/usr/bin" : searchPath);
-    for (std::string folder; std::getline(folders, folder, ':');) {
-        const std::filesystem::path path = std::filesystem::path(folder) / name;
-        if (isRunnable(path)) return path;
-    }
-    return std::nullopt;
+    setenv("PATH", (folders + folder.string()).c_str(), 1);
 }
 
 }  // namespace cli

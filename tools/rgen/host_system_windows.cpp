@@ -8,10 +8,10 @@
 
 #include <cstdio>
 #include <cstdlib>
+#include <filesystem>
 #include <string>
 #include <vector>
 
-#include "command_error.h"
 #include "host_system.h"
 #include "strata_repgenlib/rgen.h"
 
@@ -88,10 +88,6 @@ bool standardErrorHasColour() {
            SetConsoleMode(console, mode | processSequences) != 0;
 }
 
-unsigned long processNumber() {
-    return GetCurrentProcessId();
-}
-
 void watchInterrupts(void (*handler)(bool)) {
     interruptHandler = handler;
     SetConsoleCtrlHandler(handleConsoleEvent, TRUE);
@@ -117,21 +113,6 @@ std::uint64_t closeDeleteOnCloseFile(void* handle) {
     return known ? static_cast<std::uint64_t>(size.QuadPart) : 0;
 }
 
-std::filesystem::path makePrivateFolder() {
-    // The folder for temporary files belongs to the user; a name that exists is somebody else's.
-    std::error_code failure;
-    const std::filesystem::path parent = std::filesystem::temp_directory_path(failure);
-    for (unsigned number = 0; number < 1000 && !failure; ++number) {
-        const std::string name =
-            "rgen-" + std::to_string(processNumber()) + "-" + std::to_string(number);
-        std::error_code ignored;
-        if (std::filesystem::create_directory(parent / name, ignored)) return parent / name;
-    }
-    throw CommandError(ExitCode::Environment,
-                       "cannot make a folder in \"" + parent.u8string() + "\"",
-                       "check the folder that TMP names");
-}
-
 LoadedLibrary loadedLibrary() {
     HMODULE module = GetModuleHandleW(L"strata_repgenlib.dll");
     if (module == nullptr) return {"", "unknown"};
@@ -140,20 +121,5 @@ LoadedLibrary loadedLibrary() {
 }
 
 void searchOwnFolder() {}
-
-std::optional<std::filesystem::path> findProgram(const std::string& name) {
-    const std::wstring wideName = std::filesystem::u8path(name).wstring();
-    std::wstring found(MAX_PATH, L'\0');
-    for (;;) {
-        const DWORD length = SearchPathW(nullptr, wideName.c_str(), L".exe",
-                                         static_cast<DWORD>(found.size()), found.data(), nullptr);
-        if (length == 0) return std::nullopt;
-        if (length < found.size()) {
-            found.resize(length);
-            return std::filesystem::path(found);
-        }
-        found.resize(length + 1);
-    }
-}
 
 }  // namespace cli

@@ -9,7 +9,9 @@
 #include <cstdlib>
 #include <filesystem>
 #include <set>
+#include <system_error>
 
+#include "child_process.h"
 #include "command_error.h"
 #include "host_system.h"
 
@@ -39,6 +41,16 @@ void removeQuietly(const std::string& path) {
 void removeFolderQuietly(const std::string& path) {
     std::error_code ignored;
     std::filesystem::remove_all(std::filesystem::u8path(path), ignored);
+}
+
+std::string makeFolder() {
+    try {
+        return tools::makePrivateFolder("rgen").u8string();
+    } catch (const std::system_error& error) {
+        throw CommandError(ExitCode::Environment,
+                           "cannot make a temporary folder: " + error.code().message(),
+                           "check the folder that TMPDIR names");
+    }
 }
 
 void cancelAll(RgenReportGenerator* generator) {
@@ -138,7 +150,7 @@ void TemporaryFile::renameTo(const std::string& finalPath) {
     state().temporaryFiles.erase(path_);
 }
 
-TemporaryFolder::TemporaryFolder() : path_(makePrivateFolder().u8string()) {
+TemporaryFolder::TemporaryFolder() : path_(makeFolder()) {
     const std::lock_guard lock(state().mutex);
     state().temporaryFolders.insert(path_);
 }
@@ -159,7 +171,8 @@ std::string temporaryPathBeside(const std::string& path) {
     // Names have at most 255 bytes, and the converter's are longer still.
     constexpr std::size_t longest = 200;
     const std::string stem = name.u8string().size() > longest ? "report" : name.stem().u8string();
-    return folder + stem + ".part-" + std::to_string(processNumber()) + name.extension().u8string();
+    return folder + stem + ".part-" + std::to_string(tools::processNumber()) +
+           name.extension().u8string();
 }
 
 }  // namespace cli

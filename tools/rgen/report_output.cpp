@@ -11,6 +11,7 @@
 #include "console.h"
 #include "host_system.h"
 #include "input_file.h"
+#include "pdf_file.h"
 #include "xml_content.h"
 
 namespace cli {
@@ -29,12 +30,6 @@ std::string firstLine(const std::string& path) {
     std::string line;
     std::getline(file, line);
     return trimmed(line);
-}
-
-bool endsInMark(const std::string& bytes, const std::string& mark) {
-    constexpr std::size_t searched = 1024;
-    const std::size_t start = bytes.size() > searched ? bytes.size() - searched : 0;
-    return bytes.find(mark, start) != std::string::npos;
 }
 
 }  // namespace
@@ -120,8 +115,7 @@ void ReportOutput::failAsConverted(const std::string& what) const {
 
 void ReportOutput::verifyPdf() const {
     if (!exists(path_)) failAsConverted("the converter made no file");
-    const std::string bytes = readInputFile(path_, "try again");
-    if (bytes.compare(0, 5, "%PDF-") != 0 || !endsInMark(bytes, "%%EOF")) {
+    if (!tools::isWholePdf(fs::u8path(path_))) {
         failAsConverted("the converter's file is not a whole PDF");
     }
 }

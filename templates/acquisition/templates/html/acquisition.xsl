@@ -106,9 +106,13 @@ svg{display:block;width:100%;height:auto}svg text{font-family:"DejaVu Sans","Seg
 @media screen and (max-width:760px){.sheet{margin:0;border:0;padding:22px 16px}.scroll{overflow-x:auto}
 .cards,.card{display:block;width:auto;margin-top:14px}.card+.card{border-left:1px solid #d5dde5}.cards .card:first-child{margin-top:0}
 .figures td{display:inline-block;width:44%;margin-bottom:12px;box-sizing:border-box}.hash i{margin-right:4px}}
-@page{size:A4;margin:15mm 14mm 18mm;@bottom-left{content:"<xsl:call-template name="css-text">
+@page{size:A4;margin:18mm 14mm;@top-left{content:"<xsl:call-template name="css-text">
+      <xsl:with-param name="text" select="key('p', 'Lab.Name')"/></xsl:call-template>";font:8pt "DejaVu Sans",Arial,sans-serif;color:#52606f}
+@top-right{content:"QT_TRANSLATE_NOOP("QObject", "Acquisition report")";font:8pt "DejaVu Sans",Arial,sans-serif;color:#52606f}
+@bottom-left{content:"<xsl:call-template name="css-text">
       <xsl:with-param name="text" select="key('p', 'Report.Number')"/></xsl:call-template>";font:8pt "DejaVu Sans",Arial,sans-serif;color:#52606f}
 @bottom-right{content:"QT_TRANSLATE_NOOP("QObject", "Page") " counter(page) " / " counter(pages);font:8pt "DejaVu Sans",Arial,sans-serif;color:#52606f}}
+@page:first{margin-top:14mm;@top-left{content:none}@top-right{content:none}}
 @media print{body{background:#fff;font-size:9pt}.sheet{max-width:none;margin:0;border:0;padding:0}
 h1{font-size:17pt}h2{font-size:11.5pt;margin:5.5mm 0 2.5mm;padding-bottom:1mm;break-after:avoid;page-break-after:avoid}h3{font-size:9.5pt;margin-bottom:1.5mm}
 .kv th,.kv td,.list,.fill,.note{font-size:8.5pt}.figures b{font-size:13pt}.figures td,.hint,.head .soft,.sign p{font-size:8pt}

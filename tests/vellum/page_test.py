@@ -1,0 +1,231 @@
+"""What is done to the page before the engine gets it.
+
+SPDX-License-Identifier: MIT
+"""
+
+import re
+
+from page_places import POLICY, Tags, insertion
+from program_case import native
+from vellum_case import VellumCase
+
+BASE = "https://base.invalid/a/"
+BODY = '<html lang="de"><head><title>T</title></head><body class="x"><p>Größe и слово\n'
+DOCTYPE = "<!DOCTYPE html>"
+# So many conversions run at once.
+AT_ONCE = 4
+
+# What stands in front of the insertion, and what follows. Comments end as browsers end them.
+PLACES = {
+    "a document type": (DOCTYPE, BODY),
+    "lower case": ("<!doctype html>", BODY),
+    "no blank": ("<!doctypehtml>", BODY),
+    "an old document type": ('<!DOCTYPE HTML PUBLIC "-//W3C//DTD HTML 4.01//EN" '
+                             '"http://www.w3.org/TR/html4/strict.dtd">', "\n" + BODY),
+    "blanks around it": ("\r\n \t<!doctype html>", "\r\n" + BODY),
+    "a byte order mark": ("\ufeff" + DOCTYPE, BODY),
+    "a byte order mark alone": ("\ufeff", BODY),
+    "a comment": ("<!-- c -->" + DOCTYPE, BODY),
+    "two comments": ("<!-- c -->\n<!---->\n" + DOCTYPE, BODY),
+    "a document type in a comment": ("<!-- <!doctype html> -->" + DOCTYPE, BODY),
+    "an empty comment": ("<!-->" + DOCTYPE, "<p> -->" + BODY),
+    "an empty comment of three dashes": ("<!--->" + DOCTYPE, "<p> -->" + BODY),
+    "a comment that ends with a mark": ("<!-- a --!>" + DOCTYPE, "<p> -->" + BODY),
+    "a comment with half an end": ("<!-- a -- > b -->" + DOCTYPE, BODY),
+    "a comment in a comment": ("<!-- a <!-- b -->" + DOCTYPE, BODY),
+    "an XML declaration": ('<?xml version="1.0" encoding="UTF-8"?>\n' + DOCTYPE, BODY),
+    "no document type": ("", BODY),
+    "no head": (DOCTYPE, "<p>x"),
+    "no tags": ("", "x"),
+    "nothing": ("", ""),
+    "a comment and no document type": ("", "<!-- c -->" + BODY),
+    "a document type in a comment only": ("", "<!-- <!doctype html> -->" + BODY),
+    "a comment without an end": ("", "<!-- <!doctype html>" + BODY),
+    "a document type behind a tag": ("", "<p><!doctype html>" + BODY),
+}
+
+WORD = "слово"
+# The bytes of a page and the encoding that stands in front of it.
+ENCODINGS = {
+    "charset": ('<!doctype html><meta charset="windows-1251">' + WORD, "cp1251", "windows-1251"),
+    "capitals": ("<HTML><HEAD><META CHARSET='KOI8-R'></HEAD>" + WORD, "koi8-r", "koi8-r"),
+    "without quotes": ("<!doctype html><head><meta charset=iso-8859-5>" + WORD, "iso-8859-5",
+                       "iso-8859-5"),
+    "content type": ('<head><meta http-equiv="Content-Type" '
+                     'content="text/html; charset=windows-1251"></head>' + WORD, "cp1251",
+                     "windows-1251"),
+    "content type, blanks": ("<META CONTENT='text/html;  CHARSET = koi8-r ; x=y' "
+                             "HTTP-EQUIV=content-type>" + WORD, "koi8-r", "koi8-r"),
+    "far behind": ("<!doctype html><!--" + "x" * 3000 + '--><meta charset="koi8-r">' + WORD,
+                   "koi8-r", "koi8-r"),
+    "the first of two": ('<meta charset="koi8-r"><meta charset="utf-8">' + WORD, "koi8-r",
+                         "koi8-r"),
+    "in a comment only": ('<!-- <meta charset="koi8-r"> --><p>' + WORD, "utf-8", "utf-8"),
+    "in a script only": ("<script>'<meta charset=koi8-r>'</script><p>" + WORD, "utf-8", "utf-8"),
+    "none, UTF-8": ("<p>" + WORD, "utf-8", "utf-8"),
+    "none, another one": ("<p>" + WORD, "cp1251", None),
+    "a mark and another one": ('<meta charset="koi8-r"><p>' + WORD, "utf-8-sig", "utf-8"),
+}
+
+REDIRECTIONS = [
+    '<meta http-equiv="refresh" content="0;url=https://elsewhere.invalid/">',
+    "<META HTTP-EQUIV='ReFrEsH' CONTENT='0;https://elsewhere.invalid/'>",
+    "<meta http-equiv=refresh content=0;url=https://elsewhere.invalid/>",
+    '<meta content="0;url=https://elsewhere.invalid/?a>b" http-equiv="refresh">',
+    '<meta\n\thttp-equiv\n=\n"refresh"\ncontent="0;url=https://elsewhere.invalid/">',
+    '<meta/http-equiv="refresh"/content="0;url=https://elsewhere.invalid/">',
+    '<meta http-equiv="&#114;efresh" content="0;url=https://elsewhere.invalid/">',
+    '<meta http-equiv="&#x72efresh" content="0;url=https://elsewhere.invalid/">',
+    '<meta http-equiv="refres&#104" content="0;url=https://elsewhere.invalid/">',
+    '<meta http-equiv="refresh" http-equiv="x" content="0;url=https://elsewhere.invalid/">',
+    '<meta name="x" http-equiv="refresh" content="0">',
+    '<meta a="\'" http-equiv="refresh" b="\'" content="1">',
+    "<meta a='>' http-equiv=refresh content=1>",
+    '<body><div><meta http-equiv="refresh" content="1"></div>',
+    '<svg><meta http-equiv="refresh" content="1"></svg>',
+    '<noscript><meta http-equiv="refresh" content="1"></noscript>',
+    '<textarea></textarea><meta http-equiv="refresh" content="1">',
+    '<!-- a --!><meta http-equiv="refresh" content="1"><p title=" --> ">',
+    '<title><!-- </title><meta http-equiv="refresh" content="1"><p title=" --> ">',
+]
+ATTACHMENTS = [
+    '<link rel="attachment" href="secret-1.txt">',
+    "<LINK HREF='secret-2.txt' REL='Attachment'>",
+    "<link rel=attachment href=secret-3.txt>",
+    '<link rel="help attachment" href="secret-4.txt" title="a>b">',
+    '<link/rel="&#97;ttachment"/href="secret-5.txt">',
+    '<a href="secret-6.txt" rel=attachment>text</a>',
+]
+
+
+class PageCase(VellumCase):
+
+    def stage(self, *pages, base=BASE):
+        """The pages, given as bytes, as the engine gets them."""
+        staged = []
+        for start in range(0, len(pages), AT_ONCE):
+            chunk = range(start, min(start + AT_ONCE, len(pages)))
+            running = []
+            for number in chunk:
+                self.write(f"{number}.html", pages[number])
+                log = {"STAND_IN_ENGINE_LOG": native(self.log_path(f"{number}"))}
+                running.append(self.start("-i", f"{number}.html", "-b", base, "-o",
+                                          f"{number}.pdf", env=log))
+            for each in running:
+                self.expect_done(each.finish())
+            staged += [self.log(f"{number}").page for number in chunk]
+        return staged
+
+    def stage_text(self, page):
+        return self.stage(page.encode("utf-8"))[0].decode("utf-8")
+
+    def expect_insertion(self, inserted, encoding, base=BASE):
+        """Encoding, policy, base, paper, in this order."""
+        kinds = (["meta"] if encoding else []) + ["meta"] + (["base"] if base else []) + ["style"]
+        self.assertEqual(kinds, inserted.kinds)
+        self.assertEqual((encoding, base), (inserted.encoding, inserted.base))
+        self.assertEqual(POLICY, inserted.policy)
+        self.assertEqual("@page{size:A4}", inserted.style)
+
+
+class Places(PageCase):
+
+    def test_where_it_stands(self):
+        pages = [(front + rest).encode("utf-8") for front, rest in PLACES.values()]
+        rows = zip(PLACES.items(), pages, self.stage(*pages))
+        for (name, (front, _)), page, staged in rows:
+            with self.subTest(name=name):
+                place = len(front.encode("utf-8"))
+                self.expect_insertion(insertion(page, staged, place), "utf-8")
+
+    def test_the_author_s_base_counts_from_the_given_one(self):
+        for written, meant in (("https://own.invalid/b/", "https://own.invalid/b/"),
+                               ("pics/", "https://base.invalid/pics/"),
+                               ("/top/", "https://base.invalid/top/"),
+                               ("//other.invalid/", "https://other.invalid/")):
+            with self.subTest(written=written):
+                page = (DOCTYPE + f'<head><base href="{written}"></head><p>x').encode()
+                inserted = insertion(page, self.stage(page, base="https://base.invalid/a.html")[0],
+                                     len(DOCTYPE))
+                self.expect_insertion(inserted, "utf-8", base=meant)
+
+    def test_what_is_no_base(self):
+        pages = [(DOCTYPE + rest).encode() for rest in (
+            '<base target="_blank"><p>x', '<!-- <base href="b/"> --><p>x',
+            "<script>'<base href=b/>'</script><p>x", "<title><base href=b/></title><p>x",
+            "<style>/*<base href=b/>*/</style><p>x", '<p title="<base href=b/>">x',
+            "<basefont href=b/><p>x", "<p>&lt;base href=b/&gt;x")]
+        for page, staged in zip(pages, self.stage(*pages)):
+            with self.subTest(page=page):
+                self.expect_insertion(insertion(page, staged, len(DOCTYPE)), "utf-8")
+
+
+class Encodings(PageCase):
+
+    def test_the_encoding_in_front(self):
+        pages = [text.encode(encoding) for text, encoding, _ in ENCODINGS.values()]
+        for (name, row), page, staged in zip(ENCODINGS.items(), pages, self.stage(*pages)):
+            with self.subTest(name=name):
+                front = re.match(rb"(\xef\xbb\xbf)?(<!doctype html>)?", page).end()
+                self.expect_insertion(insertion(page, staged, front), row[2])
+
+    def test_utf_16(self):
+        text = f"\ufeff<!doctype html><title>T</title><p>{WORD} \U0001f4c4 ß"
+        pages = [text.encode("utf-16-le"), text.encode("utf-16-be")]
+        for staged in self.stage(*pages):
+            decoded = staged.decode("utf-8-sig" if staged[:1] in b"\xef<" else "utf-16")
+            plain = text.removeprefix("\ufeff")
+            inserted = insertion(plain.encode(), decoded.encode(), len("<!doctype html>"))
+            self.assertIn(inserted.encoding, ("utf-8", None))
+            self.assertEqual(POLICY, inserted.policy)
+
+    def test_a_name_that_is_no_encoding(self):
+        page = b'<!doctype html><meta charset="&quot;><script>alert(1)</script>"><p>x'
+        inserted = insertion(page, self.stage(page)[0], len(DOCTYPE))
+        self.assertEqual(POLICY, inserted.policy)
+        self.assertNotIn("script", inserted.kinds)
+
+    def test_the_base_cannot_leave_its_attribute(self):
+        page = b"<!doctype html><p>x"
+        base = "https://base.invalid/\"'><script>alert(1)</script>&amp;&"
+        inserted = insertion(page, self.stage(page, base=base)[0], len(DOCTYPE))
+        self.assertEqual(base, inserted.base)
+        self.assertNotIn("script", inserted.kinds)
+
+
+class Removals(PageCase):
+
+    def test_redirections(self):
+        pages = [f"{DOCTYPE}<p>in front{tag}<p>behind".encode() for tag in REDIRECTIONS]
+        # One page holds them all but the last two, whose comments reach further.
+        together = DOCTYPE + "".join(f"<p>in front{tag}<p>behind" for tag in REDIRECTIONS[:-2])
+        rows = [together.encode(), *pages[-2:]]
+        for page, staged in zip(rows, self.stage(*rows)):
+            found = Tags(staged.decode()).values("meta", "http-equiv")
+            self.assertEqual([], [value for value in found if value.strip().lower() == "refresh"])
+            for words in (b"<p>in front", b"<p>behind"):
+                self.assertEqual(page.count(words), staged.count(words))
+
+    def test_other_equivalents_stay(self):
+        tags = ('<meta http-equiv="Content-Type" content="text/html; charset=utf-8">',
+                "<meta http-equiv=content-language content=de>",
+                "<META HTTP-EQUIV='X-UA-Compatible' CONTENT='IE=edge'>")
+        staged = self.stage_text(DOCTYPE + "".join(tags) + "<p>x")
+        for tag in tags:
+            self.assertIn(tag, staged)
+
+    def test_attachments(self):
+        page = DOCTYPE + "".join(f"<p>in front{tag}<p>behind" for tag in ATTACHMENTS)
+        staged = self.stage_text(page)
+        self.assertEqual([], Tags(staged).values("link", "href"))
+        self.assertNotIn("secret", staged)
+        self.assertEqual(len(ATTACHMENTS), staged.count("<p>behind"))
+
+    def test_other_links_stay(self):
+        tag = '<link rel="stylesheet" href="https://base.invalid/a.css">'
+        self.assertIn(tag, self.stage_text(DOCTYPE + tag + "<p>x"))
+
+    def test_words_about_such_tags_stay(self):
+        text = ('<pre>&lt;meta http-equiv="refresh" content="1"&gt;\n'
+                '&lt;link rel="attachment" href="a.txt"&gt;</pre>')
+        self.assertIn(text, self.stage_text(DOCTYPE + text))

@@ -1,0 +1,69 @@
+// A program that another one starts, watches and can end with all that it has started.
+// child_process_posix.cpp and child_process_windows.cpp are the two sources behind it.
+//
+// SPDX-License-Identifier: MIT
+#pragma once
+
+#include <chrono>
+#include <filesystem>
+#include <map>
+#include <memory>
+#include <optional>
+#include <string>
+#include <vector>
+
+namespace tools {
+
+/// What to start and how.
+struct ProcessRequest {
+    std::filesystem::path program;
+    /// UTF-8, without the program's name.
+    std::vector<std::string> arguments;
+    /// Variables that the program gets besides this one's.
+    std::map<std::string, std::string> environment;
+    /// Receives standard output and error.
+    std::filesystem::path outputFile;
+};
+
+/// A started program, without a window and without standard input. It is a group of its own; when
+/// this goes, or this process ends in whatever way, the program is ended with its children.
+class ChildProcess {
+public:
+    /// Raises std::system_error when the program cannot be started.
+    explicit ChildProcess(const ProcessRequest& request);
+    ~ChildProcess();
+    ChildProcess(const ChildProcess&) = delete;
+    ChildProcess& operator=(const ChildProcess&) = delete;
+
+    /// Waits for the end, at most so long. The exit code, or -1 for a program that was ended from
+    /// outside; nothing while it still runs.
+    std::optional<int> wait(std::chrono::milliseconds longest);
+
+    /// Ends the program and all that it has started, at once.
+    void kill();
+
+private:
+    struct State;
+    std::unique_ptr<State> state_;
+};
+
+/// The file that the system would start under this program name, if any.
+std::optional<std::filesystem::path> findProgram(const std::string& name);
+
+/// The folder of the running program.
+std::filesystem::path ownFolder();
+
+/// Makes a new folder in the system's folder for temporary files that nobody else may enter. Raises
+/// std::system_error.
+std::filesystem::path makePrivateFolder(const std::string& prefix);
+
+unsigned long processNumber();
+
+/// The UTF-8 value of a variable of the environment; nothing when it is not set.
+std::optional<std::string> environmentVariable(const std::string& name);
+
+/// The path counted from the current folder, without "." and ".."; on Windows network paths keep
+/// their server.
+std::filesystem::path absolutePath(const std::filesystem::path& path);
+
+}  // namespace tools

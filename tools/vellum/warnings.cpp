@@ -1,0 +1,120 @@
+// Missing files and missing characters. Engines say nothing of either.
+//
+// SPDX-License-Identifier: MIT
+#include "warnings.h"
+
+#include <cstdio>
+#include <cstdlib>
+#include <fstream>
+#include <sstream>
+#include <system_error>
+
+#include "page_url.h"
+
+namespace vellum {
+namespace {
+
+/// The attribute of an element that names a file to show; null for elements that show none.
+const char* linkAttribute(const std::string& element) {
+    if (element == "img" || element == "source" || element == "embed") return "src";
+    if (element == "link" || element == "image") return "href";
+    return nullptr;
+}
+
+void addCharacters(const std::string& text, std::size_t start, std::size_t end,
+                   std::set<char32_t>& characters) {
+    for (std::size_t i = start; i < end; ++i) {
+        const auto first = static_cast<unsigned char>(text[i]);
+        if (first < 0xC2) continue;
+        const std::size_t length = first < 0xE0 ? 2 : first < 0xF0 ? 3 : 4;
+        if (i + length > end) return;
+        char32_t character = first & (0xFFU >> (length + 1));
+        for (std::size_t tail = 1; tail < length; ++tail)
+            character = character << 6U | (static_cast<unsigned char>(text[i + tail]) & 0x3FU);
+        characters.insert(character);
+    }
+}
+
+/// Controls, blanks of all widths, joiners, direction marks and private use need no font.
+bool needsFont(char32_t character) {
+    return character > 0xA0 && character != 0xAD && character != 0x2028 && character != 0x2029 &&
+           !(character >= 0x2000 && character <= 0x200F) &&
+           !(character >= 0x202A && character <= 0x202F) &&
+           !(character >= 0x205F && character <= 0x206F) &&
+           !(character >= 0xFE00 && character <= 0xFE0F) && character != 0xFEFF &&
+           character != 0xFFFD;
+}
+
+/// Takes out what a line of "20-7e a0-17f 192" covers.
+void removeCovered(const std::string& line, std::set<char32_t>& characters) {
+    std::istringstream ranges(line);
+    for (std::string range; ranges >> range && !characters.empty();) {
+        char* end = nullptr;
+        const unsigned long first = std::strtoul(range.c_str(), &end, 16);
+        const unsigned long last = *end == '-' ? std::strtoul(end + 1, nullptr, 16) : first;
+        characters.erase(characters.lower_bound(static_cast<char32_t>(first)),
+                         characters.upper_bound(static_cast<char32_t>(last)));
+    }
+}
+
+std::string characterList(const std::set<char32_t>& characters) {
+    constexpr std::size_t shown = 5;
+    std::string list;
+    std::size_t number = 0;
+    for (const char32_t character : characters) {
+        char text[16] = {};
+        std::snprintf(text, sizeof text, "U+%04lX", static_cast<unsigned long>(character));
+        if (number++ == shown) return list + ", ...";
+        list += (list.empty() ? "" : ", ") + std::string(text);
+    }
+    return list;
+}
+
+}  // namespace
+
+void warn(const std::string& text) {
+    std::fputs(("vellum: warning: " + text + "\n").c_str(), stderr);
+}
+
+void warnOfMissingFiles(const StagedPage& page) {
+    std::set<std::string> named;
+    for (const HtmlTag& tag : page.tags) {
+        const char* const attribute = linkAttribute(tag.name);
+        if (attribute == nullptr) continue;
+        const std::string link = trimmed(tag.attribute(attribute));
+        const auto file = linkedFile(link, page.base);
+        std::error_code ignored;
+        if (!file || std::filesystem::exists(*file, ignored) || !named.insert(link).second)
+            continue;
+        warn("\"" + link + "\" does not exist (looked for \"" + file->u8string() + "\")");
+    }
+}
+
+FontCheck::FontCheck(const StagedPage& page, const std::filesystem::path& folder)
+    : list_(folder / "fonts.txt") {
+    if (isUtf8(page.content)) addCharacters(page.content, 0, page.content.size(), characters_);
+    for (auto each = characters_.begin(); each != characters_.end();)
+        each = needsFont(*each) ? std::next(each) : characters_.erase(each);
+    const auto program = tools::findProgram("fc-list");
+    if (characters_.empty() || !program) return;
+    tools::ProcessRequest request;
+    request.program = *program;
+    request.arguments = {":", "--format=%{charset}\\n"};
+    request.outputFile = list_;
+    try {
+        process_ = std::make_unique<tools::ChildProcess>(request);
+    } catch (const std::system_error&) {
+        // A warning less.
+    }
+}
+
+void FontCheck::finish() {
+    constexpr std::chrono::seconds longest{2};
+    if (!process_ || process_->wait(longest) != 0) return;
+    std::ifstream list(list_, std::ios::binary);
+    for (std::string line; std::getline(list, line);)
+        removeCovered(line, characters_);
+    if (!characters_.empty()) warn("no installed font has " + characterList(characters_));
+}
+
+}  // namespace vellum

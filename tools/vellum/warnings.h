@@ -1,0 +1,38 @@
+// What is wrong with a page but does not stop its conversion.
+//
+// SPDX-License-Identifier: MIT
+#pragma once
+
+#include <filesystem>
+#include <memory>
+#include <set>
+#include <string>
+
+#include "child_process.h"
+#include "staged_page.h"
+
+namespace vellum {
+
+/// "vellum: warning: ..." on standard error.
+void warn(const std::string& text);
+
+/// Warns of each local file that the page shows and that does not exist.
+void warnOfMissingFiles(const StagedPage& page);
+
+/// Looks for characters that no installed font has, while the engine works. Does nothing where
+/// fontconfig's list of fonts cannot be had.
+class FontCheck {
+public:
+    /// `folder` takes a temporary file.
+    FontCheck(const StagedPage& page, const std::filesystem::path& folder);
+
+    /// Warns of the characters, unless the list is not there by now.
+    void finish();
+
+private:
+    std::set<char32_t> characters_;
+    std::filesystem::path list_;
+    std::unique_ptr<tools::ChildProcess> process_;
+};
+
+}  // namespace vellum
