@@ -59,10 +59,9 @@ class Verification(ConversionCase):
         self.expect_failure("the converter's file is not a whole PDF", "vellum: the disk is full",
                             WHOLE_PDF[:-10], b"vellum: the disk is full\r\n")
 
-    def test_a_message_beside_a_whole_file_is_removed(self):
-        result = self.convert(*SET).finish(WHOLE_PDF, b"vellum: leftover\n")
-        self.expect_done(result)
-        self.assertEqual([], [name for name in self.names() if "error.txt" in name])
+    def test_a_page_about_a_failure_is_no_report(self):
+        self.expect_failure("the converter failed", "vellum: there is no engine", WHOLE_PDF,
+                            b"vellum: there is no engine\n")
 
 
 class Arguments(ConversionCase):

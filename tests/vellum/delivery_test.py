@@ -106,7 +106,8 @@ class Failures(DeliveryCase):
         result = self.vellum("-i", "x.html", "-o", "report.pdf")
         self.expect_error_like(result, 3, 'cannot read "x.html": .+; check the path given to -i')
         self.assertEqual(OLD, self.read("report.pdf"))
-        self.assertEqual(result.err, self.error_text())
+        # The page is gone before it was read: that is how an early cancel looks.
+        self.assertNotIn("report.pdf.error.txt", self.names())
 
     def test_a_folder_as_page(self):
         (self.folder / "sub").mkdir()

@@ -201,6 +201,15 @@ class Harm(RealCase):
             "<!--><script>document.title = 'ran'; for (;;) {}</script><!doctype html>"
             "<script>for (;;) {}</script><p>plain")))
 
+    def test_a_start_that_shifts_letters(self):
+        for start in ("<!doctype html \x1b$B>\x1b(B>", "<!-- \x1b$B --><!doctype html>\x1b(B -->"):
+            words = self.words(self.made(
+                f'{start}<meta charset="iso-2022-jp"><script>document.write("ran")</script>'
+                '<iframe src="file:///etc/passwd"></iframe><p>plain'))
+            self.assertNotIn("ran", words)
+            self.assertNotIn("root", words)
+            self.assertIn("plain", words)
+
     def test_frames_do_not_show(self):
         secret = self.write("secret.html", "<p>secret").as_uri()
         leading = f"&lt;meta &#104;ttp-equiv=refresh content='0;url={secret}'&gt;"

@@ -9,7 +9,7 @@ SPDX-License-Identifier: MIT
 import signal
 
 from program_case import linux_only
-from vellum_case import ENGINE, OLD, VellumCase
+from vellum_case import ENGINE, OLD, STAND_IN, VellumCase
 
 BUSY = f"{ENGINE} was still busy after 1 s; set VELLUM_TIMEOUT to give it more time"
 
@@ -109,6 +109,17 @@ class Cancellation(VellumCase):
 
 
 class SuddenEnd(VellumCase):
+
+    @linux_only
+    def test_an_engine_that_a_script_starts_ends_with_vellum(self):
+        script = self.write("script.sh", f'#!/bin/sh\n"{STAND_IN}" "$@"\n')
+        script.chmod(0o755)
+        running = self.start_conversion("--engine", "./script.sh", does="hang")
+        self.wait_until_it_hangs(running)
+        running.process.kill()
+        running.finish()
+        self.expect_no_processes()
+        self.expect_staged_page_and_remove_it()
 
     def expect_staged_page_and_remove_it(self):
         """Nobody is left who could remove it."""

@@ -16,7 +16,7 @@ namespace cli {
 namespace {
 
 /// Members keep their order: of two values of one name the later counts.
-using json = nlohmann::ordered_json;
+using Json = nlohmann::ordered_json;
 
 const std::vector<std::string> members = {"output", "format", "type", "data", "set",
                                           "pair",   "lang",   "mode", "base"};
@@ -32,7 +32,7 @@ public:
     }
 
     BatchLine read(const std::string& text) {
-        const json object = parse(text);
+        const Json object = parse(text);
         if (!object.is_object()) fail("a JSON object is expected", "write { \"output\": ... }");
         for (const auto& [name, value] : object.items())
             take(name, value);
@@ -47,22 +47,22 @@ private:
         throw usageError(place_ + " " + message, hint);
     }
 
-    json parse(const std::string& text) const {
+    Json parse(const std::string& text) const {
         try {
-            return json::parse(text);
-        } catch (const json::parse_error& error) {
+            return Json::parse(text);
+        } catch (const Json::parse_error& error) {
             const std::size_t offset = error.byte == 0 ? 0 : error.byte - 1;
             const std::size_t column = positionOf(text, offset).column;
             throw usageError(
                 place_ + std::to_string(column) + ": not JSON: " + parserWords(error.what()),
                 "correct the line");
-        } catch (const json::exception& error) {
+        } catch (const Json::exception& error) {
             throw usageError(place_ + " not JSON: " + parserWords(error.what()),
                              "correct the line");
         }
     }
 
-    std::string textOf(const std::string& name, const json& value) const {
+    std::string textOf(const std::string& name, const Json& value) const {
         if (!value.is_string()) fail("\"" + name + "\" must be a text", "put it in quotes");
         return value.get<std::string>();
     }
@@ -74,7 +74,7 @@ private:
                     didYouMean(word, known, "\"rgen report --help\" lists them"));
     }
 
-    void take(const std::string& name, const json& value) {
+    void take(const std::string& name, const Json& value) {
         if (name == "data") return takeData(value);
         if (name == "set") return takeValues(name, value, line_.set);
         if (name == "pair") return takeValues(name, value, line_.pairs);
@@ -95,13 +95,13 @@ private:
         if (name == "mode") checkChoice(*this, name, text, {"file", "bytes"});
     }
 
-    void takeData(const json& value) {
+    void takeData(const Json& value) {
         line_.values.data.clear();
         if (!value.is_array()) {
             line_.values.data.push_back(textOf("data", value));
             return;
         }
-        for (const json& file : value)
+        for (const Json& file : value)
             line_.values.data.push_back(textOf("data", file));
     }
 
@@ -110,7 +110,7 @@ private:
              "put it in quotes");
     }
 
-    void takeValues(const std::string& member, const json& object, std::vector<Value>& target) {
+    void takeValues(const std::string& member, const Json& object, std::vector<Value>& target) {
         if (!object.is_object())
             fail("\"" + member + "\" must be an object", "write { \"NAME\": ... }");
         ValueReading reading;

@@ -204,16 +204,26 @@ void checkDirectory(const Arguments& arguments, Checks& checks) {
 
 /// What a program prints, and its exit code; -1 when it cannot be started or does not end.
 int outputOf(const fs::path& program, const std::string& argument, std::string& output) {
-    constexpr std::chrono::seconds longest{90};
+    constexpr std::chrono::milliseconds slice{100};
+    constexpr int slices = 900;
+    const InterruptGuard guard;
     const TemporaryFolder folder;
     tools::ProcessRequest request;
     request.program = program;
     request.arguments = {argument};
     request.outputFile = fs::u8path(folder.file("output.txt"));
+    // What an interrupted converter leaves goes with this folder.
+    for (const char* variable : {"TMPDIR", "TMP", "TEMP"})
+        request.environment[variable] = request.outputFile.parent_path().u8string();
     int code = -1;
     try {
         tools::ChildProcess process(request);
-        code = process.wait(longest).value_or(-1);
+        std::optional<int> ended;
+        for (int i = 0; i < slices && !ended; ++i) {
+            throwIfInterrupted();
+            ended = process.wait(slice);
+        }
+        code = ended.value_or(-1);
     } catch (const std::system_error& error) {
         output = error.what();
         return -1;

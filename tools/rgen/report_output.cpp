@@ -118,6 +118,8 @@ void ReportOutput::verifyPdf() const {
     if (!tools::isWholePdf(fs::u8path(path_))) {
         failAsConverted("the converter's file is not a whole PDF");
     }
+    // A page about its failure is no report.
+    if (exists(path_ + ".error.txt")) failAsConverted("the converter failed");
 }
 
 void writeOutputFile(const std::string& path, std::string_view bytes) {

@@ -42,6 +42,7 @@ ReportType typeOf(const ConfiguredType& configured) {
 
 std::vector<std::string> namesOf(const std::vector<ReportType>& types) {
     std::vector<std::string> names;
+    names.reserve(types.size());
     for (const ReportType& type : types)
         names.push_back(type.name);
     return names;
@@ -92,6 +93,7 @@ ReportType typeNamed(const DataDirectory& directory, const std::vector<ReportTyp
                          didYouMean(name, namesOf(types), "\"rgen types\" lists them"));
     }
     std::vector<std::string> candidates;
+    candidates.reserve(found.size());
     for (const ReportType& type : found)
         candidates.push_back(type.templateFile + " (" + type.guidText + ")");
     throw usageError("\"" + name + "\" names " + std::to_string(found.size()) +
@@ -170,7 +172,7 @@ const std::vector<std::string>& outputFormats() {
 std::string cataloguePath(const DataDirectory& directory, const ReportType& type,
                           const std::string& language) {
     for (const std::string& name : {type.name + "-" + language, language}) {
-        const std::string path = directory.path("translations/" + name + ".po");
+        std::string path = directory.path("translations/" + name + ".po");
         if (exists(path)) return path;
     }
     return {};

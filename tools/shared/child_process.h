@@ -43,6 +43,9 @@ public:
     void kill();
 
 private:
+    void startGuardian();
+    bool hasEnded();
+
     struct State;
     std::unique_ptr<State> state_;
 };

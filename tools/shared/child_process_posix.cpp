@@ -9,6 +9,7 @@
 #include <sys/wait.h>
 #include <unistd.h>
 
+#include <algorithm>
 #include <cerrno>
 #include <cstdlib>
 #include <sstream>
@@ -22,7 +23,11 @@ struct ChildProcess::State {
     pid_t process = -1;
     /// A descriptor that becomes readable when the process ends.
     int watch = -1;
+    /// A process that ends the group when this one is gone, and what it watches.
+    pid_t guardian = -1;
+    int lifeline = -1;
     std::optional<int> exitCode;
+    bool isReaped = false;
 };
 
 namespace {
@@ -77,6 +82,18 @@ struct ProgramImage {
     _exit(127);
 }
 
+/// Runs in the guardian: waits until the lifeline ends. A word through it means that all is well.
+[[noreturn]] void guard(int lifeline, pid_t group) {
+    setsid();
+    char word = 0;
+    ssize_t size = 0;
+    do {
+        size = read(lifeline, &word, 1);
+    } while (size < 0 && errno == EINTR);
+    if (size != 1) kill(-group, SIGKILL);
+    _exit(0);
+}
+
 /// The reason why the program could not be executed, 0 when it was.
 int failureOf(int descriptor) {
     int reason = 0;
@@ -96,49 +113,94 @@ ChildProcess::ChildProcess(const ProcessRequest& request) : state_(std::make_uni
     const ProgramImage image(request);
     const int output =
         open(request.outputFile.c_str(), O_WRONLY | O_CREAT | O_TRUNC | O_CLOEXEC, 0600);
-    int failure[2] = {};
-    if (output < 0 || pipe2(failure, O_CLOEXEC) != 0) fail("cannot prepare a process");
+    int failure[2] = {-1, -1};
+    if (output < 0 || pipe2(failure, O_CLOEXEC) != 0) {
+        const int reason = errno;
+        close(output);
+        errno = reason;
+        fail("cannot prepare a process");
+    }
     const pid_t parent = getpid();
     state_->process = fork();
     if (state_->process == 0) becomeProgram(image, output, failure[1], parent);
+    int reason = errno;
     close(output);
     close(failure[1]);
-    const int reason = state_->process < 0 ? errno : failureOf(failure[0]);
-    if (reason != 0) {
-        if (state_->process > 0) waitpid(state_->process, nullptr, 0);
+    const int refusal = failureOf(failure[0]);
+    if (state_->process > 0) reason = refusal;
+    if (reason != 0 && state_->process > 0) waitpid(state_->process, nullptr, 0);
+    if (state_->process < 0 || reason != 0) {
         throw std::system_error(reason, std::generic_category(),
                                 "cannot start " + request.program.string());
     }
     state_->watch = static_cast<int>(syscall(SYS_pidfd_open, state_->process, 0));
+    startGuardian();
+}
+
+/// An engine may be a script that starts the real one: the death signal reaches only the script.
+void ChildProcess::startGuardian() {
+    int lifeline[2] = {-1, -1};
+    if (pipe2(lifeline, O_CLOEXEC) != 0) return;
+    state_->guardian = fork();
+    if (state_->guardian == 0) {
+        close(lifeline[1]);
+        guard(lifeline[0], state_->process);
+    }
+    close(lifeline[0]);
+    state_->lifeline = lifeline[1];
 }
 
 ChildProcess::~ChildProcess() {
     kill();
     if (state_->watch >= 0) close(state_->watch);
+    if (state_->lifeline >= 0) {
+        static_cast<void>(!write(state_->lifeline, "x", 1));
+        close(state_->lifeline);
+    }
+    if (state_->guardian > 0) waitpid(state_->guardian, nullptr, 0);
+}
+
+/// Looks without collecting: as long as the process is not collected, its group keeps its number.
+bool ChildProcess::hasEnded() {
+    if (state_->exitCode) return true;
+    siginfo_t info = {};
+    const int result =
+        waitid(P_PID, static_cast<id_t>(state_->process), &info, WEXITED | WNOHANG | WNOWAIT);
+    // Somebody else collects the children of this process.
+    if (result != 0 && errno == ECHILD) state_->exitCode = -1;
+    if (result == 0 && info.si_pid == state_->process) {
+        state_->exitCode = info.si_code == CLD_EXITED ? info.si_status : -1;
+    }
+    return state_->exitCode.has_value();
 }
 
 std::optional<int> ChildProcess::wait(std::chrono::milliseconds longest) {
-    if (state_->exitCode) return state_->exitCode;
-    // Without a descriptor (an old kernel) the wait is a pause.
-    pollfd watched = {state_->watch, POLLIN, 0};
-    poll(&watched, 1, static_cast<int>(longest.count()));
-    int status = 0;
-    if (waitpid(state_->process, &status, WNOHANG) != state_->process) return std::nullopt;
-    state_->exitCode = WIFEXITED(status) ? WEXITSTATUS(status) : -1;
+    using Clock = std::chrono::steady_clock;
+    const Clock::time_point end = Clock::now() + longest;
+    while (!hasEnded()) {
+        const auto left = std::chrono::duration_cast<std::chrono::milliseconds>(end - Clock::now());
+        if (left.count() <= 0) break;
+        // Without a descriptor (an old kernel) the wait is a number of pauses.
+        constexpr std::chrono::milliseconds pause{10};
+        const auto slice = state_->watch >= 0 ? left : std::min(left, pause);
+        pollfd watched = {state_->watch, POLLIN, 0};
+        poll(&watched, 1, static_cast<int>(slice.count()));
+    }
     return state_->exitCode;
 }
 
 void ChildProcess::kill() {
-    // The group may outlive its first process.
-    const bool hasGroup = ::kill(-state_->process, SIGKILL) == 0;
-    if (!state_->exitCode) {
-        int status = 0;
-        waitpid(state_->process, &status, 0);
-        state_->exitCode = -1;
-    }
-    // Its other members are somebody else's to collect; they are gone in a moment.
+    if (state_->isReaped) return;
+    const bool isRunning = !hasEnded();
+    ::kill(-state_->process, SIGKILL);
+    int status = 0;
+    waitpid(state_->process, &status, 0);
+    state_->isReaped = true;
+    if (!isRunning) return;
+    state_->exitCode = -1;
+    // The other members of its group are somebody else's to collect; they are gone in a moment.
     constexpr int pause = 5;
-    for (int round = 0; hasGroup && round < 100 && ::kill(-state_->process, 0) == 0; ++round)
+    for (int round = 0; round < 100 && ::kill(-state_->process, 0) == 0; ++round)
         poll(nullptr, 0, pause);
 }
 

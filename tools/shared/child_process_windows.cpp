@@ -132,24 +132,31 @@ ChildProcess::~ChildProcess() {
     kill();
 }
 
-std::optional<int> ChildProcess::wait(std::chrono::milliseconds longest) {
-    if (state_->exitCode) return state_->exitCode;
-    const auto pause = static_cast<DWORD>(longest.count());
-    if (WaitForSingleObject(state_->process, pause) != WAIT_OBJECT_0) return std::nullopt;
+/// The job does it: it ends its processes when its handle is closed, in whatever way.
+void ChildProcess::startGuardian() {}
+
+bool ChildProcess::hasEnded() {
+    if (state_->exitCode) return true;
+    if (WaitForSingleObject(state_->process, 0) != WAIT_OBJECT_0) return false;
     DWORD code = 0;
     GetExitCodeProcess(state_->process, &code);
     state_->exitCode = static_cast<int>(code);
+    return true;
+}
+
+std::optional<int> ChildProcess::wait(std::chrono::milliseconds longest) {
+    WaitForSingleObject(state_->process, static_cast<DWORD>(longest.count()));
+    hasEnded();
     return state_->exitCode;
 }
 
 void ChildProcess::kill() {
     constexpr UINT killedCode = 1;
     TerminateJobObject(state_->job, killedCode);
-    if (!state_->exitCode) {
-        TerminateProcess(state_->process, killedCode);
-        WaitForSingleObject(state_->process, INFINITE);
-        state_->exitCode = -1;
-    }
+    if (state_->exitCode) return;
+    TerminateProcess(state_->process, killedCode);
+    WaitForSingleObject(state_->process, INFINITE);
+    state_->exitCode = -1;
     // The others of the job are gone in a moment.
     constexpr DWORD pause = 5;
     for (int round = 0; round < 100 && activeProcesses(state_->job) > 0; ++round)

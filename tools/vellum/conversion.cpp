@@ -9,7 +9,9 @@
 #include <csignal>
 #include <cstdlib>
 #include <fstream>
+#include <sstream>
 #include <system_error>
+#include <thread>
 
 #include "failure.h"
 #include "html_tags.h"
@@ -41,8 +43,14 @@ class WorkFolder {
 public:
     WorkFolder() : path_(tools::makePrivateFolder("vellum")) {}
     ~WorkFolder() {
-        std::error_code ignored;
-        fs::remove_all(path_, ignored);
+        // On Windows a program that was just ended may hold a file for a moment.
+        constexpr std::chrono::milliseconds pause{20};
+        std::error_code failure;
+        for (int round = 0; round < 25; ++round) {
+            fs::remove_all(path_, failure);
+            if (!failure) return;
+            std::this_thread::sleep_for(pause);
+        }
     }
     WorkFolder(const WorkFolder&) = delete;
     WorkFolder& operator=(const WorkFolder&) = delete;
@@ -65,7 +73,13 @@ std::string readPage(const fs::path& path) {
                                            "\": " + std::generic_category().message(reason) +
                                            "; check the path given to -i");
     }
-    return {std::istreambuf_iterator<char>(file), std::istreambuf_iterator<char>()};
+    std::ostringstream content;
+    content << file.rdbuf();
+    if (file.bad() || (content.fail() && fs::file_size(path, ignored) > 0)) {
+        throw Failure(ExitCode::Input,
+                      "cannot read \"" + path.u8string() + "\" to its end; check the disk");
+    }
+    return content.str();
 }
 
 /// Half a page would become half a report.
@@ -124,6 +138,13 @@ public:
     Watch(const ConversionRequest& request, const Engine& engine, std::chrono::seconds deadline)
         : request_(request), engine_(engine), deadline_(deadline) {}
 
+    /// The library removes the page's file when its generation is cancelled. Raises a Failure then.
+    void requireNoCancel() const {
+        std::error_code ignored;
+        if (stopRequested == 0 && fs::exists(request_.input, ignored)) return;
+        throw Failure(ExitCode::Cancelled, "cancelled");
+    }
+
     /// Returns when the PDF is there and the engine has ended, or may be ended. Raises a Failure.
     void run(tools::ChildProcess& process, const PartFile& part, const fs::path& said) {
         while (!process.wait(pollPause)) {
@@ -141,13 +162,6 @@ public:
     }
 
 private:
-    /// The library removes the page's file when its generation is cancelled.
-    void requireNoCancel() const {
-        std::error_code ignored;
-        if (stopRequested == 0 && fs::exists(request_.input, ignored)) return;
-        throw Failure(ExitCode::Cancelled, "cancelled");
-    }
-
     bool hasSettled(const PartFile& part) {
         std::error_code failure;
         const std::uintmax_t size = fs::file_size(part.path(), failure);
@@ -212,16 +226,17 @@ Engine convert(const ConversionRequest& request) {
     {
         tools::ChildProcess process(start);
         FontCheck fonts(page, work.path());
-        Watch(request, engine, deadlineFor(size)).run(process, part, start.outputFile);
-        fonts.finish();
+        Watch watch(request, engine, deadlineFor(size));
+        watch.run(process, part, start.outputFile);
+        fonts.finish([&watch] { watch.requireNoCancel(); });
+        watch.requireNoCancel();
     }
     part.deliver();
     return engine;
 }
 
-void listenForStopRequests() {
-    std::signal(SIGINT, requestStop);
-    std::signal(SIGTERM, requestStop);
+void stopOnSignal(int signalNumber) {
+    std::signal(signalNumber, requestStop);
 }
 
 }  // namespace vellum

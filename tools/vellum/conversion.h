@@ -23,7 +23,7 @@ struct ConversionRequest {
 /// a temporary file is left.
 Engine convert(const ConversionRequest& request);
 
-/// Lets SIGINT and SIGTERM cancel the conversion that runs.
-void listenForStopRequests();
+/// Lets a signal cancel the conversion that runs.
+void stopOnSignal(int signalNumber);
 
 }  // namespace vellum

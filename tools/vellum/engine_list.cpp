@@ -57,6 +57,9 @@ std::vector<std::string> chromiumArguments(const EngineTask& task) {
 std::vector<std::string> wkhtmltopdfArguments(const EngineTask& task) {
     return {"--quiet",
             "--disable-javascript",
+            "--disable-plugins",
+            "--proxy",
+            "http://127.0.0.1:1",
             "--enable-local-file-access",
             "--load-error-handling",
             "ignore",

@@ -22,8 +22,8 @@ struct Engine {
 /// engine_places_posix.cpp and engine_places_windows.cpp are the two sources behind it.
 std::vector<Engine> engineCandidates();
 
-/// The engine that is named (by option or variable, then by the page), or the first there is. Raises
-/// a Failure when there is none, or the named one is missing; warns when the page's is.
+/// The engine that is named (by option or variable, then by the page), or the first there is.
+/// Raises a Failure when there is none, or the named one is missing; warns when the page's is.
 Engine chooseEngine(const std::string& named, const std::string& askedByPage);
 
 /// The arguments with which an engine makes `pdf` of `page`.

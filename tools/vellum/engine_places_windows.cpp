@@ -1,5 +1,5 @@
-// Where engines are on Windows: beside vellum, registered as applications, in the program folders, on
-// the search path.
+// Where engines are on Windows: beside vellum, registered as applications, in the program folders,
+// on the search path.
 //
 // SPDX-License-Identifier: MIT
 #include <windows.h>

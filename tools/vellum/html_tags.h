@@ -14,6 +14,8 @@ struct HtmlAttribute {
     std::string name;
     /// With character references replaced.
     std::string value;
+    /// The value was written with references.
+    bool hasReference = false;
 };
 
 struct HtmlTag {
@@ -29,12 +31,13 @@ struct HtmlTag {
     bool hasAttribute(const std::string& wanted) const;
 };
 
-/// All start tags in order. Comments, end tags and the contents of script, style, title and textarea
-/// elements are passed over.
+/// All start tags in order. Comments, end tags and the contents of script, style, title and
+/// textarea elements are passed over.
 std::vector<HtmlTag> startTags(const std::string& page);
 
-/// Everything that begins like a start tag of this name (in lower case), also where it is text.
-std::vector<HtmlTag> tagsNamed(const std::string& page, const std::string& name);
+/// Everything that begins like a start tag and has a "rel" or "http-equiv" attribute, also where it
+/// is text. Raises a Failure for a page that is made to take for ever.
+std::vector<HtmlTag> possibleTags(const std::string& page);
 
 /// The place behind the document type and what may stand in front of it: a byte order mark, white
 /// space, comments, an XML declaration. Without a document type the place behind the mark.

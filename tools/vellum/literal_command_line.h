@@ -1,5 +1,5 @@
-// The command line exactly as the library writes it, for Windows: the usual rules for taking a command
-// line apart see an escaped quote where a base ends in a backslash.
+// The command line exactly as the library writes it, for Windows: the usual rules for taking a
+// command line apart see an escaped quote where a base ends in a backslash.
 //
 // SPDX-License-Identifier: MIT
 #pragma once

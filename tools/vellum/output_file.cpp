@@ -31,6 +31,9 @@ void requirePlace(const fs::path& output) {
     if (fs::is_directory(output, ignored)) {
         throw unwritable(output, "it is a folder; name a file");
     }
+    if (fs::exists(output, ignored) && !fs::is_regular_file(output, ignored)) {
+        throw unwritable(output, "it is no ordinary file; name another");
+    }
     const fs::path folder = output.has_parent_path() ? output.parent_path() : fs::path(".");
     if (!fs::is_directory(folder, ignored)) {
         throw unwritable(output, "the folder \"" + folder.u8string() +
@@ -70,7 +73,9 @@ bool PartFile::isComplete() const {
 
 void PartFile::deliver() {
     std::error_code failure;
-    fs::rename(part_, output_, failure);
+    // A link stays a link; what it leads to is replaced.
+    const fs::path target = fs::is_symlink(output_) ? fs::canonical(output_, failure) : output_;
+    if (!failure) fs::rename(part_, target, failure);
     if (failure) {
         throw unwritable(output_, failure.message() + "; check that no other program has it open");
     }
@@ -81,7 +86,12 @@ void reportBeside(const fs::path& output, const std::string& message, bool mayWr
     const std::string wanted = tools::environmentVariable("VELLUM_ON_ERROR").value_or("text");
     if (wanted == "none") return;
     writeText(withEnding(output, ".error.txt"), "vellum: " + message + "\n");
-    if (wanted == "page" && mayWriteOutput) writeText(output, errorPage(message));
+    if (wanted != "page" || !mayWriteOutput) return;
+    const fs::path part = withEnding(output, ".part-page");
+    writeText(part, errorPage(message));
+    std::error_code failure;
+    fs::rename(part, output, failure);
+    if (failure) fs::remove(part, failure);
 }
 
 void removeReport(const fs::path& output) {

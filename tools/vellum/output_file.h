@@ -30,9 +30,9 @@ private:
     std::filesystem::path part_;
 };
 
-/// Writes what VELLUM_ON_ERROR asks for: "text" (also without the variable) a text beside the output,
-/// "page" a PDF with the message as well, unless the output must not be written; "none" nothing.
-/// Failures are ignored.
+/// Writes what VELLUM_ON_ERROR asks for: "text" (also without the variable) a text beside the
+/// output, "page" a PDF with the message as well, unless the output must not be written; "none"
+/// nothing. Failures are ignored.
 void reportBeside(const std::filesystem::path& output, const std::string& message,
                   bool mayWriteOutput);
 

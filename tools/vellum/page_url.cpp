@@ -116,8 +116,9 @@ std::optional<fs::path> linkedFile(const std::string& link, const std::string& b
     const std::string path = link.substr(0, link.find_first_of("?#"));
     if (path.empty()) return std::nullopt;
     if (hasScheme(path)) {
-        if (path.compare(0, filePrefix.size(), filePrefix) != 0) return std::nullopt;
-        return filePath(path);
+        // Other hosts are not asked.
+        const bool isHere = path.compare(0, filePrefix.size() + 1, "file:///") == 0;
+        return isHere ? std::optional(filePath(path)) : std::nullopt;
     }
     const bool isOnHost = path.compare(0, 2, "//") == 0;
     if (isOnHost || base.compare(0, filePrefix.size(), filePrefix) != 0) return std::nullopt;

@@ -1,6 +1,6 @@
-// The insertion stands in front of everything but the document type. A policy further down would come
-// too late for a script above it; and a parser that meets "meta" there opens the head itself and takes
-// the attributes of the page's own html element later.
+// The insertion stands in front of everything but the document type. A policy further down would
+// come too late for a script above it; and a parser that meets "meta" there opens the head itself
+// and takes the attributes of the page's own html element later.
 //
 // SPDX-License-Identifier: MIT
 #include "staged_page.h"
@@ -92,12 +92,17 @@ void replaceInside(std::string& page, const HtmlTag& tag, std::string_view word,
         page.replace(tag.start + at, replacement.size(), replacement);
 }
 
-/// Links to attachments give way to blanks: an engine would embed the files.
+/// Links to attachments give way to blanks: an engine would embed the files. A relation that is
+/// written with references hides something and counts as one.
 void blankAttachments(const std::vector<HtmlTag>& tags, std::string& page) {
     for (const HtmlTag& tag : tags) {
-        const bool isLink = tag.name == "link" || tag.name == "a" || tag.name == "area";
-        const std::string relation = lowerCase(tag.attribute("rel"));
-        if (!isLink || relation.find("attachment") == std::string::npos) continue;
+        const bool isAttachment =
+            std::any_of(tag.attributes.begin(), tag.attributes.end(), [](const HtmlAttribute& one) {
+                return one.name == "rel" &&
+                       (one.hasReference ||
+                        lowerCase(one.value).find("attachment") != std::string::npos);
+            });
+        if (!isAttachment) continue;
         std::fill(page.begin() + static_cast<std::ptrdiff_t>(tag.start),
                   page.begin() + static_cast<std::ptrdiff_t>(tag.end), ' ');
     }
@@ -111,16 +116,33 @@ bool isAllowedEquivalent(const std::string& value) {
     return false;
 }
 
-/// Looks at everything that begins like a meta tag, wherever it stands: a parser that takes it for a
-/// tag reads it as it is read here, whatever it makes of the text before.
-void disarmEquivalents(std::string& page) {
+void disarmEquivalents(const std::vector<HtmlTag>& tags, std::string& page) {
     constexpr std::string_view name = "http-equiv";
-    for (const HtmlTag& tag : tagsNamed(page, "meta")) {
+    for (const HtmlTag& tag : tags) {
         const bool isAllowed = std::all_of(
             tag.attributes.begin(), tag.attributes.end(), [&](const HtmlAttribute& one) {
                 return one.name != name || isAllowedEquivalent(one.value);
             });
-        if (!isAllowed) replaceInside(page, tag, name, "data-equiv");
+        if (tag.name == "meta" && !isAllowed) replaceInside(page, tag, name, "data-equiv");
+    }
+}
+
+/// What stands in front must leave the parser where it is: in an encoding with shifts (iso-2022-jp)
+/// an escape there would turn the insertion into other letters. Such a start gives way to a plain
+/// one.
+void insertBehindDocumentType(const std::string& insertion, std::string& page) {
+    const std::size_t end = endOfDocumentType(page);
+    const std::size_t mark = page.compare(0, byteOrderMark.size(), byteOrderMark) == 0 ? 3 : 0;
+    const bool isPlain =
+        std::all_of(page.begin() + static_cast<std::ptrdiff_t>(mark),
+                    page.begin() + static_cast<std::ptrdiff_t>(end), [](char letter) {
+                        return (letter >= ' ' && letter <= '~') || letter == '\n' ||
+                               letter == '\r' || letter == '\t';
+                    });
+    if (isPlain) {
+        page.insert(end, insertion);
+    } else {
+        page.replace(mark, end - mark, "<!DOCTYPE html>" + insertion);
     }
 }
 
@@ -163,9 +185,12 @@ StagedPage stagePage(std::string page, const std::string& base) {
     // Of several bases the first counts; the page's own would count from the copy's folder.
     insertion += "<base href=\"" + escapedAttribute(staged.base) + "\">";
     insertion += "<style>@page{size:A4}</style>";
-    blankAttachments(staged.tags, page);
-    disarmEquivalents(page);
-    page.insert(endOfDocumentType(page), insertion);
+    // Wherever they stand: a parser that takes something for a tag reads it as it is read here,
+    // whatever it makes of the text before.
+    const std::vector<HtmlTag> candidates = possibleTags(page);
+    blankAttachments(candidates, page);
+    disarmEquivalents(candidates, page);
+    insertBehindDocumentType(insertion, page);
     staged.content = std::move(page);
     return staged;
 }

@@ -17,6 +17,8 @@
 int wmain(int argc, wchar_t** argv) {
     _setmode(_fileno(stdout), _O_BINARY);
     _setmode(_fileno(stderr), _O_BINARY);
+    // No program of the current folder before one of the search path.
+    SetSearchPathMode(BASE_SEARCH_PATH_ENABLE_SAFE_SEARCHMODE | BASE_SEARCH_PATH_PERMANENT);
     std::vector<std::wstring> words(argv + (argc > 0 ? 1 : 0), argv + argc);
     if (auto literal = vellum::literalArguments(GetCommandLineW())) words = *literal;
     std::vector<std::string> arguments;

@@ -4,6 +4,7 @@
 #include "vellum_program.h"
 
 #include <chrono>
+#include <csignal>
 #include <cstdio>
 #include <exception>
 #include <fstream>
@@ -89,7 +90,10 @@ ExitCode run(const Options& options) {
 /// Nobody sees the error output of a converter that the library started.
 int fail(ExitCode code, const std::string& message, const Options& options) {
     std::fputs(("vellum: " + message + "\n").c_str(), stderr);
-    if (!options.output.empty() && code != ExitCode::Cancelled) {
+    // A page that is gone before it was read: the library has cancelled.
+    std::error_code ignored;
+    const bool isGone = code == ExitCode::Input && !fs::exists(fs::u8path(options.input), ignored);
+    if (!options.output.empty() && code != ExitCode::Cancelled && !isGone) {
         reportBeside(fs::u8path(options.output), message, code != ExitCode::Output);
     }
     return static_cast<int>(code);
@@ -100,7 +104,8 @@ int fail(ExitCode code, const std::string& message, const Options& options) {
 int runProgram(const std::vector<std::string>& arguments) {
     Options options;
     try {
-        listenForStopRequests();
+        stopOnSignal(SIGINT);
+        stopOnSignal(SIGTERM);
         parseOptions(arguments, options);
         return static_cast<int>(run(options));
     } catch (const Failure& failure) {

@@ -80,7 +80,10 @@ void warnOfMissingFiles(const StagedPage& page) {
     std::set<std::string> named;
     for (const HtmlTag& tag : page.tags) {
         const char* const attribute = linkAttribute(tag.name);
-        if (attribute == nullptr) continue;
+        const bool isShown =
+            tag.name != "link" ||
+            lowerCase(tag.attribute("rel")).find("stylesheet") != std::string::npos;
+        if (attribute == nullptr || !isShown) continue;
         const std::string link = trimmed(tag.attribute(attribute));
         const auto file = linkedFile(link, page.base);
         std::error_code ignored;
@@ -108,13 +111,21 @@ FontCheck::FontCheck(const StagedPage& page, const std::filesystem::path& folder
     }
 }
 
-void FontCheck::finish() {
-    constexpr std::chrono::seconds longest{2};
-    if (!process_ || process_->wait(longest) != 0) return;
+void FontCheck::finish(const std::function<void()>& whileWaiting) {
+    if (!process_) return;
+    constexpr std::chrono::milliseconds slice{50};
+    std::optional<int> code;
+    for (int slices = 0; slices < 40 && !code; ++slices) {
+        whileWaiting();
+        code = process_->wait(slice);
+    }
+    if (code != 0) return;
     std::ifstream list(list_, std::ios::binary);
-    for (std::string line; std::getline(list, line);)
+    bool hasFont = false;
+    for (std::string line; std::getline(list, line); hasFont = true)
         removeCovered(line, characters_);
-    if (!characters_.empty()) warn("no installed font has " + characterList(characters_));
+    if (hasFont && !characters_.empty())
+        warn("no installed font has " + characterList(characters_));
 }
 
 }  // namespace vellum

@@ -4,6 +4,7 @@
 #pragma once
 
 #include <filesystem>
+#include <functional>
 #include <memory>
 #include <set>
 #include <string>
@@ -26,8 +27,9 @@ public:
     /// `folder` takes a temporary file.
     FontCheck(const StagedPage& page, const std::filesystem::path& folder);
 
-    /// Warns of the characters, unless the list is not there by now.
-    void finish();
+    /// Warns of the characters, unless the list cannot be had soon. `whileWaiting` is called again
+    /// and again and may raise a Failure.
+    void finish(const std::function<void()>& whileWaiting);
 
 private:
     std::set<char32_t> characters_;
