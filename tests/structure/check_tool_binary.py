@@ -1,0 +1,70 @@
+"""A program beside the library: it needs nothing but what every system has and the shared library, it
+uses the library through its exports alone, and has no folder of the building machine inside.
+
+Usage: check_tool_binary.py BINARY (with-library|alone) FOLDER...
+
+SPDX-License-Identifier: MIT
+"""
+
+import re
+import subprocess
+import sys
+from pathlib import Path
+
+from project_files import finish, header_exports, problem
+
+LINUX = {"ld-linux-x86-64.so.2", "libc.so.6", "libgcc_s.so.1", "libm.so.6", "libstdc++.so.6"}
+WINDOWS = {"advapi32.dll", "bcrypt.dll", "kernel32.dll", "msvcrt.dll", "version.dll"}
+
+
+def output_of(*command):
+    return subprocess.check_output(command, text=True)
+
+
+def needed_by(binary):
+    """The libraries that a program loads at its start."""
+    if binary.endswith(".exe"):
+        return {name.lower() for name in
+                re.findall(r"DLL Name: (\S+)", output_of("objdump", "-p", binary))}
+    dynamic = output_of("readelf", "--wide", "--dynamic", binary)
+    for path in re.findall(r"\(R(?:UN)?PATH\).*\[(.*)\]", dynamic):
+        if path.strip(":") != "$ORIGIN":
+            problem(f"looks for libraries in {path}")
+    return set(re.findall(r"Shared library: \[([^\]]+)\]", dynamic))
+
+
+def imported_exports(binary):
+    """The functions of the library that a program uses."""
+    if binary.endswith(".exe"):
+        return set(re.findall(r"\b(rgen_\w+)\s*$", output_of("objdump", "-p", binary), flags=re.M))
+    return set(re.findall(r"\bU (rgen_\w+)", output_of("nm", "--dynamic", binary)))
+
+
+def check_libraries(binary, with_library):
+    allowed = set(WINDOWS if binary.endswith(".exe") else LINUX)
+    library = "strata_repgenlib.dll" if binary.endswith(".exe") else "libstrata_repgenlib.so.0"
+    needed = needed_by(binary)
+    if with_library:
+        allowed.add(library)
+    if with_library != (library in needed):
+        problem(f"{library} is " + ("not needed" if with_library else "needed"))
+    for name in sorted(needed - allowed):
+        problem(f"needs {name}")
+
+
+def check_folders(binary, folders):
+    content = Path(binary).read_bytes()
+    for folder in folders:
+        if folder and folder.encode() in content:
+            problem(f"contains the folder {folder}")
+
+
+program, mode = sys.argv[1:3]
+check_libraries(program, mode == "with-library")
+used = imported_exports(program)
+if mode == "with-library" and not used:
+    problem("uses no export of the library")
+for function in sorted(used - header_exports()):
+    problem(f"uses {function}, which the header does not declare")
+check_folders(program, sys.argv[3:])
+finish(Path(program).name)
