@@ -21,8 +21,8 @@ COMP_WORDS=("$@")
 COMP_CWORD=$((${#COMP_WORDS[@]} - 1))
 COMP_LINE="${COMP_WORDS[*]}"
 COMP_POINT=${#COMP_LINE}
-specification=$(complete -p rgen) || exit 9
-function_name=$(sed -E 's/.* -F +([^ ]+) .*/\\1/' <<<"$specification")
+registered=$(complete -p rgen) || exit 9
+function_name=$(sed -E 's/.* -F +([^ ]+) .*/\\1/' <<<"$registered")
 compopt() { :; }
 previous=
 ((COMP_CWORD == 0)) || previous=${COMP_WORDS[COMP_CWORD - 1]}
