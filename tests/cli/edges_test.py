@@ -171,6 +171,29 @@ class Persistence(CliCase):
         self.expect_notes(result, '" A": the library stored it as "A"')
         self.assertEqual("A=new\n", self.rgen("persist", "get", "-d", "case").text)
 
+    def test_the_data_of_a_run_that_was_killed_comes_back(self):
+        note = "an earlier run was ended while it wrote; its old data was put back"
+        self.expect_done(self.rgen("persist", "set", "-d", "case", "A=old"))
+        old = self.read(STORE)
+        for rest in (None, b"<data><prop"):
+            with self.subTest(rest=rest):
+                self.write(STORE + ".kept", old)
+                (self.folder / STORE).unlink()
+                if rest is not None:
+                    self.write(STORE, rest)
+                self.expect_notes(self.rgen("persist", "set", "-d", "case", "B=new"), note)
+                self.assertEqual("A=old\nB=new\n", self.rgen("persist", "get", "-d", "case").text)
+                self.assertNotIn(STORE + ".kept", self.names())
+
+    def test_the_new_data_of_a_run_that_was_killed_late_stays(self):
+        self.expect_done(self.rgen("persist", "set", "-d", "case", "A=old"))
+        self.write(STORE + ".kept", self.read(STORE))
+        self.expect_done(self.rgen("persist", "replace", "-d", "case", "B=new"))
+        self.write(STORE + ".kept", b"<data/>")
+        self.expect_notes(self.rgen("persist", "set", "-d", "case", "C=3"))
+        self.assertEqual("B=new\nC=3\n", self.rgen("persist", "get", "-d", "case").text)
+        self.assertNotIn(STORE + ".kept", self.names())
+
     def test_a_type_that_the_configuration_lacks(self):
         result = self.rgen("persist", "get", "-d", "case", "-t",
                            "99999999-9999-9999-9999-999999999999")

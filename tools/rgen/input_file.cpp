@@ -96,6 +96,11 @@ bool isPlainUtf8(const std::string& text) {
     return true;
 }
 
+bool exists(const std::string& path) {
+    std::error_code ignored;
+    return std::filesystem::exists(std::filesystem::u8path(path), ignored);
+}
+
 std::string joinedPath(const std::string& folder, const std::string& name) {
     if (folder.empty() || folder == ".") return name;
     const char last = folder.back();

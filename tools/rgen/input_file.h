@@ -29,6 +29,9 @@ std::string placeText(const std::string& file, const TextPosition& position);
 /// Tells whether the text is valid UTF-8 without a zero character.
 bool isPlainUtf8(const std::string& text);
 
+/// Tells whether something is at the path.
+bool exists(const std::string& path);
+
 /// `folder` and `name` with a separator between; "." is left out.
 std::string joinedPath(const std::string& folder, const std::string& name);
 

@@ -8,6 +8,7 @@
 
 #include "commands.h"
 #include "generator.h"
+#include "input_file.h"
 #include "interruption.h"
 #include "report_input.h"
 #include "report_run.h"
@@ -25,8 +26,11 @@ namespace fs = std::filesystem;
 /// unless it is dropped.
 class KeptFile {
 public:
+    /// What the kept file's name has behind the other's.
+    static constexpr const char* ending = ".kept";
+
     explicit KeptFile(const std::string& path) : path_(fs::u8path(path)), kept_(path_) {
-        kept_ += ".kept";
+        kept_ += ending;
         std::error_code failure;
         if (!fs::exists(path_, failure)) return;
         isKept_ = fs::copy_file(path_, kept_, fs::copy_options::overwrite_existing, failure);
@@ -62,6 +66,7 @@ public:
         : console_(console), directory_(openDataDirectory(arguments.dataDir)) {
         generator_.setDataDir(directory_.folder);
         type_ = findReportType(directory_, arguments.type);
+        recover();
     }
 
     Generator& generator() { return generator_; }
@@ -112,9 +117,25 @@ public:
     }
 
 private:
-    bool hasFile() const {
-        std::error_code ignored;
-        return fs::exists(fs::u8path(path()), ignored);
+    bool hasFile() const { return exists(path()); }
+
+    /// A run that was killed while it wrote has left the old file aside. It comes back unless the
+    /// new one is whole.
+    void recover() {
+        const std::string kept = path() + KeptFile::ending;
+        if (type_.persistDataFile.empty() || !exists(kept)) return;
+        std::error_code failure;
+        if (hasFile() && damageOf(path()).empty()) {
+            fs::remove(fs::u8path(kept), failure);
+            return;
+        }
+        fs::rename(fs::u8path(kept), fs::u8path(path()), failure);
+        if (failure) {
+            throw CommandError(ExitCode::Environment,
+                               "cannot put \"" + kept + "\" back: " + failure.message(),
+                               "rename it to \"" + path() + "\"");
+        }
+        console_.note("an earlier run was ended while it wrote; its old data was put back");
     }
 
     /// The library reads what it can of a damaged file; writing that back would lose the rest.

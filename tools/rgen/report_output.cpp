@@ -19,11 +19,6 @@ namespace {
 
 namespace fs = std::filesystem;
 
-bool exists(const std::string& path) {
-    std::error_code ignored;
-    return fs::exists(fs::u8path(path), ignored);
-}
-
 /// The first line that the converter left about its failure.
 std::string firstLine(const std::string& path) {
     std::ifstream file(fs::u8path(path), std::ios::binary);

@@ -20,11 +20,6 @@ namespace {
 
 namespace fs = std::filesystem;
 
-bool exists(const std::string& path) {
-    std::error_code ignored;
-    return fs::exists(fs::u8path(path), ignored);
-}
-
 bool isFolder(const std::string& path) {
     std::error_code ignored;
     return fs::is_directory(fs::u8path(path), ignored);
