@@ -35,6 +35,10 @@ else()
     add_link_options(LINKER:-z,relro LINKER:-z,now)
 endif()
 
+# Objects and third-party archives hold machine code and, besides, the form that is optimised while
+# linking. A target with the property RGEN_OPTIMISE_WHOLE is linked from the latter.
+add_link_options($<$<NOT:$<BOOL:$<TARGET_PROPERTY:RGEN_OPTIMISE_WHOLE>>>:-fno-lto>)
+
 # Instrumented code needs several times the stack.
 set(RGEN_SANITIZER_STACK_KIB 0)
 if(RGEN_SANITIZER)

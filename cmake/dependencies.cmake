@@ -3,8 +3,8 @@
 # scripts/dependencies made for this flavour; the header-only ones of the command-line host are the
 # system's packages. cmake/versions.env states the releases.
 #
-# Gives the targets third_party::xslt (with libxml2), third_party::filesystem and third_party::gtest,
-# and for the command-line host third_party::cli11 and third_party::json.
+# Gives the targets third_party::xslt (with libxml2), third_party::filesystem, third_party::gtest and
+# third_party::benchmark, and for the command-line host third_party::cli11 and third_party::json.
 
 set(RGEN_FLAVOUR "" CACHE STRING "Flavour of the third-party libraries (see scripts/dependencies)")
 set(RGEN_DEPENDENCIES "" CACHE PATH "Their folder; asked of scripts/dependencies when empty")
@@ -34,7 +34,7 @@ foreach(line IN LISTS rgen_third_party_versions)
     message(STATUS "  ${line}")
 endforeach()
 
-add_compile_options(-ffile-prefix-map=${rgen_third_party}=third_party)
+add_compile_options(-ffile-prefix-map=${rgen_third_party}=/third_party)
 
 set(THREADS_PREFER_PTHREAD_FLAG ON)
 find_package(Threads REQUIRED)
@@ -52,15 +52,19 @@ rgen_third_party_library(xml libxml2.a)
 rgen_third_party_library(xslt libxslt.a)
 rgen_third_party_library(filesystem libboost_filesystem.a)
 rgen_third_party_library(gtest libgtest.a)
+rgen_third_party_library(benchmark libbenchmark.a)
 
 target_link_libraries(third_party::xml INTERFACE Threads::Threads)
 target_link_libraries(third_party::xslt INTERFACE third_party::xml)
 target_link_libraries(third_party::gtest INTERFACE Threads::Threads)
+target_link_libraries(third_party::benchmark INTERFACE Threads::Threads)
+target_compile_definitions(third_party::benchmark INTERFACE BENCHMARK_STATIC_DEFINE)
 target_compile_definitions(third_party::filesystem INTERFACE BOOST_ALL_NO_LIB
                                                              BOOST_FILESYSTEM_STATIC_LINK=1)
 if(WIN32)
     target_link_libraries(third_party::xml INTERFACE bcrypt)
     target_link_libraries(third_party::filesystem INTERFACE bcrypt)
+    target_link_libraries(third_party::benchmark INTERFACE shlwapi)
     target_compile_definitions(third_party::xml INTERFACE LIBXML_STATIC LIBXML_STATIC_FOR_DLL)
     target_compile_definitions(third_party::xslt INTERFACE LIBXSLT_STATIC)
 else()

@@ -8,6 +8,7 @@
 #include <mutex>
 #include <string>
 
+#include "memory/pool_slot.h"
 #include "strata_repgenlib/rgen.h"
 
 namespace rgen {
@@ -18,7 +19,7 @@ namespace sync {
 class CancellationTokenSource;
 }
 
-/// Lock rule: `mutex` guards every other field. It is not recursive and is held for these stretches
+/// Lock rule: `mutex` guards every other field but `poolSlot`, which guards itself. It is not recursive and is held for these stretches
 /// only: storing the translate callback, reading or rewriting `dataDirPath`, the whole
 /// configuration load, the whole transformation with its translate callbacks, and each access to
 /// `cancellationRegistry`. It is never held across delivery, and persistent data files are read and
@@ -34,6 +35,9 @@ struct ReportGenerator {
 
     /// Keeps the XML libraries initialised while the handle lives.
     std::shared_ptr<XmlParserContext> parserContext;
+
+    /// Memory for the XML work of the next report.
+    memory::PoolSlot poolSlot;
 
     /// Never null; a new generator returns every text unchanged.
     RgenTranslateFunction translateFunction = [](const char* text, void*) { return text; };

@@ -248,6 +248,9 @@ typedef const char*(RGEN_CALL* RgenTranslateFunction)(const char* text, void* co
  * It starts without a data directory, with a translate callback that returns its text unchanged.
  * The first call in the process initialises the XML libraries (libxml2, libxslt).
  *
+ * Between two reports a generator keeps the memory of the last one for the next: at most 32 MiB, and
+ * up to 256 MiB after larger reports, which the system may take back from it at any time.
+ *
  * @return  The handle, or null when memory is exhausted.
  *
  * Ownership: the caller ends the handle with rgen_freeReportGenerator.

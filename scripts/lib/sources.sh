@@ -4,7 +4,7 @@
 # The chosen versions end up in the associative array source_version, by library name.
 
 declare -A source_version=()
-libraries=(libxml2 libxslt boost)
+libraries=(libxml2 libxslt boost benchmark)
 
 # setting LIBRARY WHAT: a value of cmake/versions.env; an environment variable RGEN_<LIBRARY>_SERIES
 # or RGEN_<LIBRARY>_MINIMUM takes its place, for trying another release.
@@ -146,11 +146,11 @@ download_sources() {
     rmdir "$staging"
 }
 
-# unpack_sources ARCHIVES DIR: unpacks to DIR/libxml2, DIR/libxslt and DIR/boost, patches applied.
+# unpack_sources ARCHIVES DIR: unpacks each library to DIR/<library>, patches applied.
 unpack_sources() {
     local archives=$1 dir=$2 library dsc
     mkdir -p "$dir"
-    for library in libxml2 libxslt; do
+    for library in libxml2 libxslt benchmark; do
         dsc=$archives/$(dsc_name "$library" "${source_version[$library]}")
         quietly "$dir/$library.log" dpkg-source -x "$dsc" "$dir/$library"
     done

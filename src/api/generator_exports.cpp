@@ -2,9 +2,11 @@
 // operation and converts back; exceptions pass through.
 //
 // SPDX-License-Identifier: MIT
+#include <cstdint>
 #include <memory>
 #include <mutex>
 #include <new>
+#include <utility>
 
 #include "api/record_conversions.h"
 #include "generate/generation_driver.h"
@@ -73,10 +75,11 @@ void rgen_cancel(RgenReportGenerator* generator, const RgenGuid* guid) {
 RgenStatus rgen_generateReport(RgenReportGenerator* generator, const RgenCInputParams* input,
                                RgenCVariant* result) {
     if (generator == nullptr || input == nullptr || result == nullptr) return RGEN_E_BAD_PARAMETER;
-    const rgen::InputParams request = rgen::toInputParams(*input);
+    rgen::InputParams request = rgen::toInputParams(*input);
+    const std::uint64_t outputMode = request.outputMode;
     rgen::Variant delivered;
-    const rgen::Status status = rgen::generate(enter(generator), request, delivered);
-    if (request.outputMode != rgen::output_mode::file && !rgen::failed(status)) {
+    const rgen::Status status = rgen::generate(enter(generator), std::move(request), delivered);
+    if (outputMode != rgen::output_mode::file && !rgen::failed(status)) {
         rgen::fillResult(delivered, result);
     }
     return status;

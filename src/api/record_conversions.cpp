@@ -21,6 +21,11 @@ ByteVector toBytes(const RgenByteArray& record) {
                                   : ByteVector(record.data, record.data + record.size);
 }
 
+bool entersTheLibrary(const RgenCVariant& record) {
+    return record.type == RGEN_TYPE_INT64 || record.type == RGEN_TYPE_STRING ||
+           record.type == RGEN_TYPE_BYTE_ARRAY;
+}
+
 /// Empty for the types that do not enter the library.
 Variant toVariant(const RgenCVariant& record) {
     const VariantHint hint = boundaryHint(record.hint);
@@ -66,19 +71,30 @@ Guid toGuid(const RgenGuid& guid) {
     return converted;
 }
 
+NamedVariants toNamedVariants(const RgenCVariantSet& set) {
+    NamedVariants values;
+    if (set.items == nullptr) return values;
+    const RgenCVariant* begin = set.items;
+    const RgenCVariant* end = begin + set.count;
+    values.reserve(static_cast<std::size_t>(std::count_if(begin, end, entersTheLibrary)));
+    for (const RgenCVariant* record = begin; record != end; ++record) {
+        Variant value = toVariant(*record);
+        if (value.value.hasValue) values.emplace_back(toText(record->name), std::move(value));
+    }
+    return values;
+}
+
 VariantMap toVariantMap(const RgenCVariantSet& set) {
     VariantMap values;
-    if (set.items == nullptr) return values;
-    for (std::uint64_t i = 0; i < set.count; ++i) {
-        Variant value = toVariant(set.items[i]);
-        if (value.value.hasValue) values[toText(set.items[i].name)] = std::move(value);
-    }
+    for (auto& [name, value] : toNamedVariants(set))
+        values.insert_or_assign(std::move(name), std::move(value));
     return values;
 }
 
 PropertyMap toPropertyMap(const RgenCAnsiStringPairSet& set) {
     PropertyMap properties;
     if (set.keys == nullptr || set.values == nullptr) return properties;
+    properties.reserve(set.count);
     for (std::uint64_t i = 0; i < set.count; ++i) {
         properties[toText(set.keys[i])] = toText(set.values[i]);
     }
@@ -86,10 +102,10 @@ PropertyMap toPropertyMap(const RgenCAnsiStringPairSet& set) {
 }
 
 InputParams toInputParams(const RgenCInputParams& input) {
-    return {toVariantMap(input.variants), toPropertyMap(input.pairs),
-            toGuid(input.templateGuid),   input.outputMode,
-            input.skipExternalConversion, toText(input.outputFormat),
-            toText(input.outputPath),     toText(input.converterBaseArg)};
+    return {toNamedVariants(input.variants), toPropertyMap(input.pairs),
+            toGuid(input.templateGuid),      input.outputMode,
+            input.skipExternalConversion,    toText(input.outputFormat),
+            toText(input.outputPath),        toText(input.converterBaseArg)};
 }
 
 void fillResult(const Variant& result, RgenCVariant* record) {

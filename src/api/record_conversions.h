@@ -13,8 +13,10 @@ namespace rgen {
 
 Guid toGuid(const RgenGuid& guid);
 
-/// Handles and unknown types are left out; of two entries of one name the later wins. Null items
-/// are an empty set, whatever the count.
+/// Handles and unknown types are left out. Null items are an empty set, whatever the count.
+NamedVariants toNamedVariants(const RgenCVariantSet& set);
+
+/// The same by name; of two entries of one name the later wins.
 VariantMap toVariantMap(const RgenCVariantSet& set);
 
 /// Of two keys alike the later wins. Null arrays are an empty set, null texts empty texts.

@@ -43,7 +43,7 @@ Status convertExternally(ReportGenerator& generator, const InputParams& request,
 Status deliverFile(ReportGenerator& generator, const InputParams& request, const ByteVector& bytes,
                    const sync::CancellationToken& token) {
     const std::string& path = request.outputPath;
-    if (isDirectory(path) || !makeRoomForFile(path)) return RGEN_E_OVERWRITE_OUTPUT;
+    if (!makeRoomForFile(path, EmptyFolder::Stays)) return RGEN_E_OVERWRITE_OUTPUT;
     if (request.outputFormat == "pdf" && request.skipExternalConversion == 0) {
         return convertExternally(generator, request, bytes, token);
     }

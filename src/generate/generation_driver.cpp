@@ -14,6 +14,7 @@
 #include "store/data_directory.h"
 #include "store/file_system.h"
 #include "store/persistent_data.h"
+#include "store/xml_memory.h"
 #include "sync/cancellation_registry.h"
 #include "variant/hinted_convertors.h"
 
@@ -21,17 +22,21 @@ namespace rgen {
 namespace {
 
 /// Typed values win over string pairs, string pairs over persistent data.
-Status mergeInput(ReportGenerator& generator, const InputParams& request,
+/// The values move: `request` is without them afterwards.
+Status mergeInput(ReportGenerator& generator, InputParams& request,
                   const std::string& persistDataFile, const sync::CancellationToken& token,
                   PropertyMap& properties) {
     if (token.isCancellationRequested()) return RGEN_CANCELED;
-    properties.clear();
+    PropertyMap persistent;
     // On purpose: persistent data that is missing or cannot be read contributes nothing.
-    static_cast<void>(readPersistentData(generator, persistDataFile, properties));
-    for (const auto& [name, text] : request.pairs)
-        properties[name] = text;
-    for (const auto& [name, value] : request.variants)
-        properties[name] = variantText(value);
+    static_cast<void>(readPersistentData(generator, persistDataFile, persistent));
+    properties = std::move(request.pairs);
+    properties.merge(persistent);
+    // Roomy tables: a look-up in a large one costs a cache miss for each name that shares its place.
+    properties.max_load_factor(0.5F);
+    properties.reserve(properties.size() + request.variants.size());
+    for (auto& [name, value] : std::exchange(request.variants, NamedVariants()))
+        properties.insert_or_assign(std::move(name), variantText(std::move(value)));
     return properties.empty() ? RGEN_E_EMPTY_INPUT : RGEN_OK;
 }
 
@@ -54,12 +59,11 @@ std::string templatePathOf(ReportGenerator& generator, const std::string& report
     return path + platform::pathSeparator + reportTypeFile;
 }
 
-}  // namespace
-
-Status generate(ReportGenerator& generator, const InputParams& request, Variant& result) {
-    const sync::GenerationRegistration registration(generator, request.templateGuid);
-    const sync::CancellationToken& token = registration.token();
-
+/// All steps but the delivery: they share one pool for the XML libraries, which nobody has to wait
+/// for while a converter runs.
+Status makeReport(ReportGenerator& generator, InputParams& request,
+                  const sync::CancellationToken& token, ByteVector& report) {
+    const XmlMemoryScope memory(generator.poolSlot);
     ReportTypeEntry entry;
     const Status loaded = loadReportType(generator, request.templateGuid, entry);
     if (failed(loaded)) return loaded;
@@ -73,11 +77,18 @@ Status generate(ReportGenerator& generator, const InputParams& request, Variant&
         templatePathOf(generator, entry.reportTypeFile, request.outputFormat);
     if (!pathExists(templatePath)) return RGEN_E_TEMPLATE_NOT_FOUND;
     if (token.isCancellationRequested()) return RGEN_CANCELED;
+    return transform(generator, request.outputFormat, std::move(properties), templatePath, token,
+                     report);
+}
 
+}  // namespace
+
+Status generate(ReportGenerator& generator, InputParams request, Variant& result) {
+    const sync::GenerationRegistration registration(generator, request.templateGuid);
+    const sync::CancellationToken& token = registration.token();
     ByteVector report;
-    const Status transformed =
-        transform(generator, request.outputFormat, properties, templatePath, token, report);
-    if (failed(transformed)) return transformed;
+    const Status made = makeReport(generator, request, token, report);
+    if (failed(made)) return made;
     return deliver(generator, request, std::move(report), token, result);
 }
 

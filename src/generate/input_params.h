@@ -21,7 +21,8 @@ inline constexpr std::uint64_t bytes = 2;
 
 /// Built by the entry point before the driver runs and owned by it for the length of the call.
 struct InputParams {
-    VariantMap variants;
+    /// Of two values of one name the later counts.
+    NamedVariants variants;
     PropertyMap pairs;
     Guid templateGuid;
     std::uint64_t outputMode;

@@ -10,6 +10,7 @@
 #include <libxslt/xsltutils.h>
 
 #include <mutex>
+#include <utility>
 
 #include "generate/translation.h"
 #include "store/file_system.h"
@@ -56,12 +57,12 @@ Status serialise(xmlDoc* output, xsltStylesheet* stylesheet, ByteVector& result)
 }  // namespace
 
 Status transform(ReportGenerator& generator, const std::string& outputFormat,
-                 const PropertyMap& properties, const std::string& templatePath,
+                 PropertyMap properties, const std::string& templatePath,
                  const sync::CancellationToken& token, ByteVector& result) {
     const XmlSilence silence;
     const std::lock_guard lock(generator.mutex);
     if (!isKnownFormat(outputFormat)) return RGEN_E_UNKNOWN_FORMAT;
-    const XmlPtr<xmlDoc> data = buildPropertyDocument(properties);
+    const XmlPtr<xmlDoc> data = buildPropertyDocument(std::exchange(properties, PropertyMap()));
     if (token.isCancellationRequested()) return RGEN_CANCELED;
     const XmlPtr<xsltStylesheet> stylesheet = loadStylesheet(generator, templatePath);
     if (!stylesheet) return RGEN_E_XSLT_PARSE;

@@ -14,11 +14,12 @@
 
 namespace rgen {
 
-/// Applies the template at `templatePath` to `properties`; `result` is replaced on success only.
+/// Applies the template at `templatePath` to `properties`, which are given up as soon as the data
+/// document holds them; `result` is replaced on success only.
 /// The generator's mutex is held for the whole run. Failures: RGEN_E_UNKNOWN_FORMAT,
 /// RGEN_E_XSLT_PARSE, RGEN_E_XSLT_APPLY, RGEN_E_XSLT_RESULT, RGEN_CANCELED.
 Status transform(ReportGenerator& generator, const std::string& outputFormat,
-                 const PropertyMap& properties, const std::string& templatePath,
+                 PropertyMap properties, const std::string& templatePath,
                  const sync::CancellationToken& token, ByteVector& result);
 
 /// Reads, translates and compiles a template. Null when it cannot be read, when nothing of it

@@ -5,6 +5,7 @@
 // SPDX-License-Identifier: MIT
 #include "generate/translation.h"
 
+#include <algorithm>
 #include <cstddef>
 #include <string_view>
 #include <utility>
@@ -15,6 +16,27 @@ namespace rgen {
 namespace {
 
 constexpr std::string_view keyword = "QT_TRANSLATE_NOOP";
+
+/// The first character of the keyword at or behind `from`. Where such characters stand close to each
+/// other, looking at each byte costs less than one call of the library for each of them.
+std::size_t findFirstCharacter(std::string_view text, std::size_t from) {
+    constexpr std::size_t closeBy = 8;
+    const std::size_t end = std::min(text.size(), from + closeBy);
+    for (std::size_t i = from; i < end; ++i) {
+        if (text[i] == keyword[0]) return i;
+    }
+    return text.find(keyword[0], end);
+}
+
+/// The keyword at or behind `from`. A capital Q is the rarest of its characters in templates.
+std::size_t findKeyword(std::string_view text, std::size_t from) {
+    std::size_t start = findFirstCharacter(text, from);
+    while (start != std::string_view::npos) {
+        if (text.substr(start, keyword.size()) == keyword) return start;
+        start = findFirstCharacter(text, start + 1);
+    }
+    return start;
+}
 
 /// The part of a text that is still to be read.
 class Cursor {
@@ -59,13 +81,16 @@ bool readMarker(Cursor& cursor, std::string_view& message) {
     return cursor.skip(", \"") && cursor.takeUpToQuote(message) && cursor.skip("\")");
 }
 
+/// `message` is a part of `source`. The quote behind it becomes the zero byte that ends what the
+/// callback reads; nothing looks at that quote again.
 void appendTranslation(const ReportGenerator& generator, std::string_view message,
-                       std::string& text) {
-    const std::string original(message);
-    const char* translated =
-        generator.translateFunction(original.c_str(), generator.translateContext);
+                       std::string& source, std::string& result) {
+    const auto start = static_cast<std::size_t>(message.data() - source.data());
+    source[start + message.size()] = '\0';
+    const char* original = source.data() + start;
+    const char* translated = generator.translateFunction(original, generator.translateContext);
     // On purpose: a callback must not return null; one that does gets its message back.
-    text += translated != nullptr ? translated : original.c_str();
+    result += translated != nullptr ? translated : original;
 }
 
 }  // namespace
@@ -73,10 +98,11 @@ void appendTranslation(const ReportGenerator& generator, std::string_view messag
 void translateTemplateText(const ReportGenerator& generator, std::string& text) {
     std::string result;
     std::string_view rest = text;
-    std::size_t found = rest.find(keyword);
+    std::size_t found = findKeyword(rest, 0);
     if (found == std::string_view::npos) return;
+    result.reserve(text.size());
     std::size_t searchFrom = 0;
-    for (; found != std::string_view::npos; found = rest.find(keyword, searchFrom)) {
+    for (; found != std::string_view::npos; found = findKeyword(rest, searchFrom)) {
         Cursor cursor(rest.substr(found + keyword.size()));
         std::string_view message;
         if (!readMarker(cursor, message)) {
@@ -84,7 +110,7 @@ void translateTemplateText(const ReportGenerator& generator, std::string& text) 
             continue;
         }
         result.append(rest.substr(0, found));
-        appendTranslation(generator, message, result);
+        appendTranslation(generator, message, text, result);
         rest = cursor.rest();
         searchFrom = 0;
     }

@@ -1,10 +1,14 @@
 // Entry point of the Windows DLL. libxml2 releases what it keeps for each thread from here; it is
-// linked statically and has no entry point of its own.
+// linked statically and has no entry point of its own. Its clean-up at the end it leaves to those who
+// give it memory functions.
 //
 // SPDX-License-Identifier: MIT
+#include <libxml/parser.h>
 #include <libxml/threads.h>
 #include <windows.h>
 
 extern "C" BOOL WINAPI DllMain(HINSTANCE module, DWORD reason, LPVOID reserved) {
-    return xmlDllMain(module, reason, reserved);
+    const BOOL result = xmlDllMain(module, reason, reserved);
+    if (reason == DLL_PROCESS_DETACH) xmlCleanupParser();
+    return result;
 }

@@ -69,6 +69,14 @@ private:
 /// when there are none; does nothing on Windows, where nothing remains.
 void reapAbandonedProcesses();
 
+/// The pages stay, but the system may take their content, and the memory behind it, until they are
+/// written again.
+void offerPages(void* pages, std::size_t size);
+
+/// A pointer that each thread has for itself; null until the thread sets it.
+void* threadPointer();
+void setThreadPointer(void* pointer);
+
 /// Lowest address of the calling thread's stack, or null when the system does not tell it.
 const char* stackLimit();
 

@@ -6,6 +6,7 @@
 #include <poll.h>
 #include <pthread.h>
 #include <spawn.h>
+#include <sys/mman.h>
 #include <sys/stat.h>
 #include <sys/syscall.h>
 #include <sys/wait.h>
@@ -26,6 +27,8 @@ namespace rgen::platform {
 namespace {
 
 constexpr std::int64_t lastAcceptedSecond = 32535215999;
+
+thread_local void* pointerOfThread = nullptr;
 
 int asDescriptor(FileHandle file) {
     return static_cast<int>(reinterpret_cast<std::intptr_t>(file));
@@ -296,6 +299,18 @@ void reapAbandonedProcesses() {
                        });
     abandonedProcesses.erase(firstGone, abandonedProcesses.end());
     anyAbandoned = !abandonedProcesses.empty();
+}
+
+void offerPages(void* pages, std::size_t size) {
+    madvise(pages, size, MADV_FREE);
+}
+
+void* threadPointer() {
+    return pointerOfThread;
+}
+
+void setThreadPointer(void* pointer) {
+    pointerOfThread = pointer;
 }
 
 const char* stackLimit() {

@@ -7,6 +7,7 @@
 #include <codecvt>
 #include <limits>
 #include <locale>
+#include <utility>
 
 #include "platform/platform.h"
 #include "platform/utf8.h"
@@ -15,6 +16,20 @@ namespace rgen::platform {
 namespace {
 
 constexpr std::int64_t lastAcceptedSecond = 32535215999;
+
+/// Thread-local variables of this compiler take a lock on Windows; the system's slots do not. No
+/// slot yet, or none to be had: the pointer reads as null.
+DWORD threadSlot = TLS_OUT_OF_INDEXES;
+
+class ThreadSlotOwner {
+public:
+    ThreadSlotOwner() { threadSlot = TlsAlloc(); }
+    ~ThreadSlotOwner() { TlsFree(std::exchange(threadSlot, TLS_OUT_OF_INDEXES)); }
+    ThreadSlotOwner(const ThreadSlotOwner&) = delete;
+    ThreadSlotOwner& operator=(const ThreadSlotOwner&) = delete;
+};
+
+const ThreadSlotOwner threadSlotOwner;
 
 HANDLE asHandle(std::intptr_t handle) {
     return reinterpret_cast<HANDLE>(handle);
@@ -100,6 +115,18 @@ bool ChildProcess::queryExitCode(std::uint32_t& exitCode) {
 }
 
 void reapAbandonedProcesses() {}
+
+void offerPages(void* pages, std::size_t size) {
+    VirtualAlloc(pages, size, MEM_RESET, PAGE_READWRITE);
+}
+
+void* threadPointer() {
+    return TlsGetValue(threadSlot);
+}
+
+void setThreadPointer(void* pointer) {
+    TlsSetValue(threadSlot, pointer);
+}
 
 const char* stackLimit() {
     MEMORY_BASIC_INFORMATION region = {};

@@ -6,6 +6,8 @@
 
 #include <algorithm>
 #include <cstddef>
+#include <cstdint>
+#include <cstring>
 #include <stdexcept>
 #include <string_view>
 
@@ -42,6 +44,18 @@ bool follows(const SequenceRule& rule, std::string_view rest) {
                        isContinuation);
 }
 
+/// Most paths are ASCII as a whole; eight bytes at a time are looked at.
+std::string_view withoutAsciiStart(std::string_view text) {
+    constexpr std::uint64_t highBits = 0x8080808080808080;
+    std::uint64_t word = 0;
+    while (text.size() >= sizeof word) {
+        std::memcpy(&word, text.data(), sizeof word);
+        if ((word & highBits) != 0) break;
+        text.remove_prefix(sizeof word);
+    }
+    return text;
+}
+
 std::size_t sequenceLength(std::string_view rest) {
     const auto lead = static_cast<unsigned char>(rest.front());
     for (const SequenceRule& rule : sequenceRules) {
@@ -55,7 +69,7 @@ std::size_t sequenceLength(std::string_view rest) {
 }  // namespace
 
 void requireUtf8(const std::string& text) {
-    std::string_view rest = text;
+    std::string_view rest = withoutAsciiStart(text);
     while (!rest.empty()) {
         const std::size_t length = sequenceLength(rest);
         if (length == malformed) throw std::range_error("bad conversion");

@@ -1,12 +1,12 @@
-// File-system operations. Streams are opened through std::filesystem::path, which takes UTF-16
-// names on Windows.
+// File-system operations. File buffers of the standard library are opened by native path text: on
+// Windows they take UTF-16 names, too.
 //
 // SPDX-License-Identifier: MIT
 #include "store/file_system.h"
 
+#include <algorithm>
 #include <boost/filesystem/operations.hpp>
 #include <exception>
-#include <filesystem>
 #include <fstream>
 
 #include "platform/platform.h"
@@ -16,8 +16,40 @@ namespace {
 
 namespace fs = boost::filesystem;
 
-std::filesystem::path streamPath(const std::string& path) {
-    return {platform::toWidePath(path)};
+/// A file that is read or written in one go, and needs no buffer for that. What goes wrong after the
+/// opening is not told: less is read or written then.
+class UnbufferedFile {
+public:
+    bool open(const std::string& path, std::ios::openmode mode) {
+        buffer_.pubsetbuf(nullptr, 0);
+        return buffer_.open(platform::toWidePath(path).c_str(), mode | std::ios::binary) != nullptr;
+    }
+
+    /// Of a file that was opened at its end.
+    std::size_t size() {
+        const std::streamoff end = buffer_.pubseekoff(0, std::ios::cur);
+        return static_cast<std::size_t>(std::max<std::streamoff>(end, 0));
+    }
+
+    std::size_t readFromStart(char* bytes, std::size_t size) try {
+        buffer_.pubseekoff(0, std::ios::beg);
+        return static_cast<std::size_t>(buffer_.sgetn(bytes, static_cast<std::streamsize>(size)));
+    } catch (const std::exception&) {
+        return 0;
+    }
+
+    void write(const std::uint8_t* bytes, std::size_t size) try {
+        buffer_.sputn(reinterpret_cast<const char*>(bytes), static_cast<std::streamsize>(size));
+    } catch (const std::exception&) {
+        return;
+    }
+
+private:
+    std::filebuf buffer_;
+};
+
+bool isThere(const fs::file_status& status) {
+    return status.type() != fs::status_error && status.type() != fs::file_not_found;
 }
 
 bool isSpecialFile(const fs::file_status& status) {
@@ -39,8 +71,7 @@ fs::path toNativePath(const std::string& path) {
 }
 
 bool pathExists(const std::string& path) {
-    const fs::file_type type = fs::status(toNativePath(path)).type();
-    return type != fs::status_error && type != fs::file_not_found;
+    return isThere(fs::status(toNativePath(path)));
 }
 
 bool createDirectory(const std::string& path) {
@@ -51,6 +82,7 @@ bool removeFile(const std::string& path) {
     return fs::remove(toNativePath(path));
 }
 
+// On purpose: no caller; a delivery looks at the kind of file while it makes room.
 bool isDirectory(const std::string& path) {
     return fs::status(toNativePath(path)).type() == fs::directory_file;
 }
@@ -60,11 +92,14 @@ std::uint64_t fileSize(const std::string& path) {
     return fs::file_size(toNativePath(path));
 }
 
-bool makeRoomForFile(const std::string& path) {
-    if (!pathExists(path)) return true;
-    if (isSpecialFile(fs::status(toNativePath(path)))) return false;
+bool makeRoomForFile(const std::string& path, EmptyFolder emptyFolder) {
+    const fs::path nativePath = toNativePath(path);
+    const fs::file_status status = fs::status(nativePath);
+    if (!isThere(status)) return true;
+    if (isSpecialFile(status)) return false;
+    if (status.type() == fs::directory_file && emptyFolder == EmptyFolder::Stays) return false;
     try {
-        return removeFile(path);
+        return fs::remove(nativePath);
     } catch (const fs::filesystem_error&) {
         return false;
     }
@@ -79,22 +114,19 @@ void removeQuietly(const std::string& path) noexcept {
 }
 
 bool writeFile(const std::string& path, const std::vector<std::uint8_t>& bytes) {
-    std::ofstream file(streamPath(path), std::ios::binary | std::ios::trunc);
-    if (!file) return false;
-    file.write(reinterpret_cast<const char*>(bytes.data()),
-               static_cast<std::streamsize>(bytes.size()));
+    UnbufferedFile file;
+    if (!file.open(path, std::ios::out | std::ios::trunc)) return false;
     // On purpose: neither writing nor closing is examined, so a full disk goes unnoticed.
+    file.write(bytes.data(), bytes.size());
     return true;
 }
 
 bool readFile(const std::string& path, std::string& bytes) {
     if (fs::status(toNativePath(path)).type() != fs::regular_file) return false;
-    std::ifstream file(streamPath(path), std::ios::binary | std::ios::ate);
-    if (!file) return false;
-    bytes.resize(static_cast<std::size_t>(std::streamoff{file.tellg()}));
-    file.seekg(0);
-    file.read(bytes.data(), static_cast<std::streamsize>(bytes.size()));
-    bytes.resize(static_cast<std::size_t>(file.gcount()));
+    UnbufferedFile file;
+    if (!file.open(path, std::ios::in | std::ios::ate)) return false;
+    bytes.resize(file.size());
+    bytes.resize(file.readFromStart(bytes.data(), bytes.size()));
     return true;
 }
 

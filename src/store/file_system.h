@@ -28,10 +28,13 @@ bool isDirectory(const std::string& path);
 /// Size in bytes.
 std::uint64_t fileSize(const std::string& path);
 
+/// What makeRoomForFile does with a folder that has nothing in it.
+enum class EmptyFolder { Goes, Stays };
+
 /// Removes what stands at `path` to make room for a new file. False when it cannot be removed, in
-/// whichever way that failed, and for devices, pipes and sockets, which are left alone. True when
-/// nothing stood there.
-bool makeRoomForFile(const std::string& path);
+/// whichever way that failed, and for what is left alone: devices, pipes, sockets, folders that
+/// stay. True when nothing stood there.
+bool makeRoomForFile(const std::string& path, EmptyFolder emptyFolder = EmptyFolder::Goes);
 
 /// Clean-up: removes a file if it is there and can be removed. Never raises anything.
 void removeQuietly(const std::string& path) noexcept;

@@ -4,15 +4,20 @@
 // SPDX-License-Identifier: MIT
 #pragma once
 
+#include <functional>
 #include <string>
 #include <unordered_map>
+#include <utility>
 
+#include "memory/pool_allocator.h"
 #include "store/xml_handles.h"
 
 namespace rgen {
 
 /// Texts by property name. The traversal order is the container's own; nothing may depend on it.
-using PropertyMap = std::unordered_map<std::string, std::string>;
+using PropertyMap =
+    std::unordered_map<std::string, std::string, std::hash<std::string>, std::equal_to<>,
+                       memory::PoolAllocator<std::pair<const std::string, std::string>>>;
 
 /// Builds data/properties/property[@name] with one property for each entry, in map order. Texts are
 /// read as XML content ("&amp;" is a reference), names are plain. Null, or a document with parts

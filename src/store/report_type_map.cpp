@@ -1,11 +1,14 @@
 // Report-type lookup. Both file names have a table of their own, so that of several entries for one
-// GUID the last usable name wins, each on its own.
+// GUID the last usable name wins, each on its own. A configuration may hold thousands of entries:
+// the others are read only until it is known that the map has usable ones.
 //
 // SPDX-License-Identifier: MIT
 #include "store/report_type_map.h"
 
-#include <utility>
+#include <algorithm>
+#include <string_view>
 
+#include "ascii.h"
 #include "store/xml_text.h"
 #include "store/xpath_query.h"
 
@@ -32,23 +35,43 @@ FileNameTexts readFileNames(xmlNode* typeElement) {
     return texts;
 }
 
-void storeUnlessEmpty(FileNameTable& table, const std::string& guid, const xmlChar* text) {
-    std::string fileName = trimmedXmlText(text);
-    if (!fileName.empty()) table[guid] = std::move(fileName);
+/// One of the two file names. Only that of the wanted GUID enters the table; of the others it counts
+/// that there are any.
+struct FileNames {
+    FileNameTable table;
+    bool anyUsable = false;
+
+    /// `guid` is empty for a report type that is not wanted.
+    void add(const std::string& guid, const xmlChar* text) {
+        const std::string_view fileName = trimmedView(text);
+        if (fileName.empty()) return;
+        anyUsable = true;
+        if (!guid.empty()) table[guid] = fileName;
+    }
+};
+
+bool equalsInLowerCase(std::string_view text, std::string_view lowerCaseText) {
+    return std::equal(text.begin(), text.end(), lowerCaseText.begin(), lowerCaseText.end(),
+                      [](char left, char right) { return toLowerAscii(left) == right; });
 }
 
-struct ReportTypeTables {
-    FileNameTable persistDataFiles;
-    FileNameTable reportTypeFiles;
+struct ReportTypes {
+    FileNames persistDataFiles;
+    FileNames reportTypeFiles;
 
-    void add(xmlNode* typeElement) {
-        const std::string guid = toLowerCopy(attributeText(typeElement, "guid"));
-        if (!isGuidText(guid)) return;
+    void add(xmlNode* typeElement, const std::string& wantedGuid) {
+        const XmlPtr<xmlChar> attribute(xmlGetProp(typeElement, xmlText("guid")));
+        const std::string_view guid = trimmedView(attribute.get());
+        const bool isWanted = equalsInLowerCase(guid, wantedGuid);
+        if (!isWanted && (areUsable() || !isGuidText(toLowerCopy(std::string(guid))))) return;
         const FileNameTexts texts = readFileNames(typeElement);
         if (!texts.persistDataFile || !texts.reportTypeFile) return;
-        storeUnlessEmpty(persistDataFiles, guid, texts.persistDataFile.get());
-        storeUnlessEmpty(reportTypeFiles, guid, texts.reportTypeFile.get());
+        const std::string key = isWanted ? wantedGuid : std::string();
+        persistDataFiles.add(key, texts.persistDataFile.get());
+        reportTypeFiles.add(key, texts.reportTypeFile.get());
     }
+
+    bool areUsable() const { return persistDataFiles.anyUsable && reportTypeFiles.anyUsable; }
 };
 
 }  // namespace
@@ -67,15 +90,13 @@ Status lookupReportType(ReportGenerator& /*generator*/, xmlDoc* configuration, c
     const Status selected =
         query.select(configuration, "/config/reportTypes/type[@guid]", RGEN_E_NO_TYPE_MAP);
     if (failed(selected)) return selected;
-    ReportTypeTables tables;
-    query.forEachElement([&tables](xmlNode* element) { tables.add(element); });
-    if (tables.persistDataFiles.empty() || tables.reportTypeFiles.empty()) {
-        return RGEN_E_NO_VALID_TYPE_MAP;
-    }
     const std::string key = formatGuid(guid);
-    const Status found = findFileName(tables.persistDataFiles, key, entry.persistDataFile);
+    ReportTypes types;
+    query.forEachElement([&](xmlNode* element) { types.add(element, key); });
+    if (!types.areUsable()) return RGEN_E_NO_VALID_TYPE_MAP;
+    const Status found = findFileName(types.persistDataFiles.table, key, entry.persistDataFile);
     if (failed(found)) return found;
-    return findFileName(tables.reportTypeFiles, key, entry.reportTypeFile);
+    return findFileName(types.reportTypeFiles.table, key, entry.reportTypeFile);
 }
 
 }  // namespace rgen

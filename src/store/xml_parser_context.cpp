@@ -7,8 +7,11 @@
 
 #include <libxml/parser.h>
 #include <libxslt/xslt.h>
+#include <libxslt/xsltlocale.h>
 #include <libxslt/xsltutils.h>
 
+#include "store/xml_handles.h"
+#include "store/xml_memory.h"
 #include "store/xslt_stack_guard.h"
 
 namespace rgen {
@@ -22,13 +25,24 @@ void ignoreMessage(void*, const char*, ...) {}
 
 void ignoreError(void*, const xmlError*) {}
 
+/// On Windows libxslt makes a list of the system's locales for the first sorting by language and
+/// keeps it. It is made here, outside of all pools; libxslt does not look whether memory is left.
+void makeLocaleList() {
+    constexpr std::size_t moreThanItTakes = std::size_t{256} * 1024;
+    if (!XmlPtr<xmlChar>(static_cast<xmlChar*>(xmlMalloc(moreThanItTakes)))) return;
+    constexpr int upperCaseFirst = 0;
+    xsltFreeLocale(xsltNewLocale(xmlText(""), upperCaseFirst));
+}
+
 }  // namespace
 
 XmlParserContext::XmlParserContext() {
+    installXmlMemory();
     xmlInitParser();
     xmlCheckVersion(builtForXmlVersion);
     xsltInit();
     xsltSetGenericErrorFunc(nullptr, ignoreMessage);
+    makeLocaleList();
     installStackGuard();
 }
 

@@ -5,26 +5,28 @@
 #include "store/xml_text.h"
 
 #include <algorithm>
-#include <string_view>
 
 #include "ascii.h"
 
 namespace rgen {
 
-std::string trimmedXmlText(const xmlChar* text) {
+std::string_view trimmedView(const xmlChar* text) {
     if (text == nullptr) return {};
     std::string_view rest = reinterpret_cast<const char*>(text);
     while (!rest.empty() && isWhiteSpace(rest.front()))
         rest.remove_prefix(1);
     while (!rest.empty() && isWhiteSpace(rest.back()))
         rest.remove_suffix(1);
-    return std::string(rest);
+    return rest;
 }
 
-std::string toLowerCopy(const std::string& text) {
-    std::string lower = text;
-    std::transform(lower.begin(), lower.end(), lower.begin(), toLowerAscii);
-    return lower;
+std::string trimmedXmlText(const xmlChar* text) {
+    return std::string(trimmedView(text));
+}
+
+std::string toLowerCopy(std::string text) {
+    std::transform(text.begin(), text.end(), text.begin(), toLowerAscii);
+    return text;
 }
 
 std::string attributeText(xmlNode* node, const char* attributeName) {

@@ -6,6 +6,7 @@
 #include <libxml/tree.h>
 
 #include <string>
+#include <string_view>
 
 #include "store/xml_handles.h"
 
@@ -14,8 +15,11 @@ namespace rgen {
 /// `text` without white space at its edges; empty for null. The caller still frees `text`.
 std::string trimmedXmlText(const xmlChar* text);
 
-/// A copy with A to Z in lower case, in every locale.
-std::string toLowerCopy(const std::string& text);
+/// The same as a part of `text`.
+std::string_view trimmedView(const xmlChar* text);
+
+/// The text with A to Z in lower case, in every locale.
+std::string toLowerCopy(std::string text);
 
 /// The trimmed value of an attribute; empty when the node is no element or has no such attribute.
 std::string attributeText(xmlNode* node, const char* attributeName);

@@ -10,6 +10,7 @@
 #include <locale>
 #include <sstream>
 #include <string_view>
+#include <utility>
 
 #include "platform/platform.h"
 
@@ -120,6 +121,14 @@ std::string variantText(const Variant& variant) {
         variant.convertor->convert(text, &variant, variant.hint);
     }
     return text;
+}
+
+std::string variantText(Variant&& variant) {
+    const bool holdsText = variant.value.hasValue && variant.value.kind == VariantKind::String;
+    const bool showsText = variant.hint != VariantHint::Uninitialized &&
+                           variant.convertor == &hvariant_private::convertorFor<std::string>;
+    if (holdsText && showsText) return variant.value.take<std::string>();
+    return variantText(std::as_const(variant));
 }
 
 }  // namespace rgen

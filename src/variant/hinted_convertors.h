@@ -48,4 +48,7 @@ namespace rgen {
 /// The display text of a value under its own hint; "UNINITIALIZED_VARIANT_VALUE" for an empty one.
 std::string variantText(const Variant& variant);
 
+/// The same for a value that is not needed any more: a text is not copied.
+std::string variantText(Variant&& variant);
+
 }  // namespace rgen

@@ -9,6 +9,7 @@
 #include <new>
 #include <string>
 #include <unordered_map>
+#include <utility>
 #include <vector>
 
 #include "variant/value_operators.h"
@@ -57,6 +58,12 @@ struct VariantValue {
         return *std::launder(reinterpret_cast<const T*>(storage.bytes));
     }
 
+    /// Moves the live value out; what is left is a value of the same kind.
+    template <typename T>
+    T take() {
+        return std::move(*std::launder(reinterpret_cast<T*>(storage.bytes)));
+    }
+
     VariantStorage storage;
     VariantKind kind = VariantKind::String;
     bool hasValue = false;
@@ -96,5 +103,8 @@ private:
 /// Values by name. A later value of the same name replaces the earlier one. The traversal order is
 /// the container's own; nothing may depend on it.
 using VariantMap = std::unordered_map<std::string, Variant>;
+
+/// Named values in the order in which a host gave them, on their way into a map.
+using NamedVariants = std::vector<std::pair<std::string, Variant>>;
 
 }  // namespace rgen

@@ -19,7 +19,7 @@ OS_CONDITIONAL_FILE = "include/strata_repgenlib/rgen.h"
 MARKS = re.compile(r"\b(TO" r"DO|FIX" r"ME|XX" r"X|HA" r"CK)\b")
 SCRIPT_NAMES = {"CMakeLists.txt", "setup", "dependencies", "demo", "test", "lint", "run",
                 "run-under-wine", "run_test_program", "inventory-data", "picture",
-                "measure-conversion"}
+                "measure-conversion", "benchmark", "compare-with-peers"}
 LICENSED_ENDINGS = CODE_ENDINGS | {".cmake", ".py", ".sh", ".map", ".def"}
 
 

@@ -3,12 +3,19 @@
 // SPDX-License-Identifier: MIT
 #include "unit/unit_fixture.h"
 
+#include <memory>
 #include <mutex>
 
 #include "platform/platform.h"
 #include "store/xml_parser_context.h"
 
 namespace rgen_test {
+namespace {
+
+// The XML libraries have their memory functions before any case uses them.
+const std::shared_ptr<rgen::XmlParserContext> parserContext = rgen::sharedXmlParserContext();
+
+}  // namespace
 
 const char* const otherGuidText = "0a1b2c3d-4e5f-6071-8293-a4b5c6d7e8f9";
 

@@ -194,7 +194,8 @@ TEST(ToInputParams, CarriesEveryField) {
     input.outputPath = textRecord("out");
     input.converterBaseArg = textRecord("base");
     const rgen::InputParams params = rgen::toInputParams(input);
-    EXPECT_EQ(1U, params.variants.count("number"));
+    ASSERT_EQ(1U, params.variants.size());
+    EXPECT_EQ("number", params.variants[0].first);
     EXPECT_EQ((rgen::PropertyMap{{"key", "value"}}), params.pairs);
     EXPECT_EQ(rgen::formatGuid(rgen::defaultReportTypeGuid), rgen::formatGuid(params.templateGuid));
     EXPECT_EQ(greatestHint, params.outputMode);

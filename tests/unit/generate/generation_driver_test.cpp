@@ -7,8 +7,10 @@
 #include <boost/filesystem/exception.hpp>
 #include <cstdint>
 #include <memory>
+#include <stdexcept>
 #include <string>
 
+#include "memory/pool_scope.h"
 #include "store/persistent_data.h"
 #include "support/fault_injection.h"
 #include "sync/cancellation.h"
@@ -31,7 +33,7 @@ protected:
         request.templateGuid = rgen::defaultReportTypeGuid;
         request.outputMode = rgen::output_mode::bytes;
         request.outputFormat = "html";
-        request.variants["a"] = Variant(std::string("value"), VariantHint::Generic);
+        request.variants = {{"a", Variant(std::string("value"), VariantHint::Generic)}};
     }
 
     std::string generate() { return statusHex(rgen::generate(generator, request, result)); }
@@ -53,6 +55,42 @@ protected:
     Variant result;
 };
 
+TEST_F(GenerateTest, LaterOfTwoValuesOfOneNameCounts) {
+    putConfig();
+    putTemplate(textTemplate("[" + valueOf("a") + "]"));
+    request.variants.emplace_back("a", Variant(std::string("later"), VariantHint::Generic));
+    EXPECT_EQ(statusHex(RGEN_OK), generate());
+    EXPECT_EQ("[later]", resultText());
+}
+
+TEST_F(GenerateTest, PoolComesBackAfterEveryEnd) {
+    if (!rgen::memory::poolsAreUsed) GTEST_SKIP() << "no pools in this build";
+    putConfig();
+    auto pool = generator.poolSlot.take();
+    rgen::memory::Pool* const expected = pool.get();
+    generator.poolSlot.giveBack(std::move(pool));
+    generator.translateFunction = [](const char*, void*) -> const char* {
+        throw std::runtime_error("no translation");
+    };
+    const std::string sorted =
+        "<xsl:for-each select=\"/data/properties/property\">"
+        "<xsl:sort select=\"@name\" lang=\"en\"/><xsl:value-of select=\"@name\"/></xsl:for-each>";
+    for (const std::string& body :
+         {std::string("good"), sorted, std::string("<xsl:bad/>"), std::string("<broken"),
+          std::string("<xsl:value-of select=\"unknown()\"/>"),
+          std::string("QT_TRANSLATE_NOOP(\"QObject\", \"thrown\")")}) {
+        putTemplate(textTemplate(body));
+        try {
+            generate();
+        } catch (const std::runtime_error&) {
+            EXPECT_TRUE(isUnlocked(generator)) << body;
+        }
+        pool = generator.poolSlot.take();
+        EXPECT_EQ(expected, pool.get()) << body;
+        generator.poolSlot.giveBack(std::move(pool));
+    }
+}
+
 TEST_F(GenerateTest, MakesTheReport) {
     putConfig();
     putTemplate(textTemplate("[" + valueOf("a") + "]"));
@@ -71,7 +109,7 @@ TEST_F(GenerateTest, ValuesWinOverPairsAndPairsOverPersistentData) {
 
 TEST_F(GenerateTest, EmptyValueHasTheFixedText) {
     putConfig();
-    request.variants["a"] = Variant();
+    request.variants = {{"a", Variant()}};
     putTemplate(textTemplate(valueOf("a")));
     EXPECT_EQ(statusHex(RGEN_OK), generate());
     EXPECT_EQ("UNINITIALIZED_VARIANT_VALUE", resultText());

@@ -62,6 +62,28 @@ TEST(MakeRoomForFile, LinkToAFileIsRemovedAndNotTheFile) {
     EXPECT_EQ(std::vector<std::string>{"target"}, namesIn(folder.path()));
 }
 
+TEST(MakeRoomForFile, LinkToAFolderThatStaysIsLeftAlone) {
+    const TempFolder folder;
+    ASSERT_EQ(0, symlink(".", folder.file("link").c_str()));
+    EXPECT_FALSE(rgen::makeRoomForFile(folder.file("link"), rgen::EmptyFolder::Stays));
+    EXPECT_EQ(1U, namesIn(folder.path()).size());
+}
+
+// The kernel refuses each read of this regular file.
+TEST(ReadFile, ReadErrorGivesAnEmptyText) {
+    const std::string path = "/sys/class/net/lo/speed";
+    if (access(path.c_str(), R_OK) != 0) GTEST_SKIP() << "no such file on this system";
+    std::string text = "previous";
+    EXPECT_TRUE(rgen::readFile(path, text));
+    EXPECT_EQ("", text);
+}
+
+TEST(ReadFile, FileWithoutAnEndIsNotRead) {
+    std::string text = "previous";
+    EXPECT_FALSE(rgen::readFile("/proc/version", text));
+    EXPECT_EQ("previous", text);
+}
+
 TEST(PathExists, LinkToNowhereDoesNotExist) {
     const TempFolder folder;
     ASSERT_EQ(0, symlink("none", folder.file("link").c_str()));

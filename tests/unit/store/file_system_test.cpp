@@ -87,6 +87,16 @@ TEST_F(FileSystemTest, MakeRoomForFileRemovesWhatCanBeRemoved) {
     EXPECT_TRUE(exists(folder.file("full folder/inside")));
 }
 
+TEST_F(FileSystemTest, MakeRoomForFileLeavesFoldersThatStay) {
+    using rgen::EmptyFolder;
+    EXPECT_TRUE(rgen::makeRoomForFile(folder.file("none"), EmptyFolder::Stays));
+    EXPECT_FALSE(rgen::makeRoomForFile(folder.file("empty folder"), EmptyFolder::Stays));
+    EXPECT_TRUE(exists(folder.file("empty folder")));
+    EXPECT_FALSE(rgen::makeRoomForFile(folder.file("full folder"), EmptyFolder::Stays));
+    EXPECT_TRUE(rgen::makeRoomForFile(folder.file("file"), EmptyFolder::Stays));
+    EXPECT_FALSE(exists(folder.file("file")));
+}
+
 TEST_F(FileSystemTest, RemoveQuietlyNeverRaises) {
     rgen::removeQuietly(folder.file("file"));
     EXPECT_FALSE(exists(folder.file("file")));
@@ -118,6 +128,11 @@ TEST_F(FileSystemTest, ReadFileTakesRegularFilesAsTheyStand) {
     writeFile(folder.file("nothing"), "");
     EXPECT_TRUE(rgen::readFile(folder.file("nothing"), text));
     EXPECT_EQ("", text);
+    for (const std::size_t size : {1U, 2U, 8191U, 8192U, 8193U, 1000000U}) {
+        writeFile(folder.file("bytes"), std::string(size, 'x'));
+        EXPECT_TRUE(rgen::readFile(folder.file("bytes"), text));
+        EXPECT_EQ(std::string(size, 'x'), text);
+    }
     EXPECT_FALSE(rgen::readFile(folder.file("none"), text));
     EXPECT_FALSE(rgen::readFile(folder.path(), text));
     EXPECT_FALSE(rgen::readFile("", text));

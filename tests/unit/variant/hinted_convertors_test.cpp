@@ -129,6 +129,20 @@ TEST(VariantText, EmptyVariantGivesTheFixedText) {
     EXPECT_EQ(uninitialized, rgen::variantText(Variant()));
 }
 
+TEST(VariantText, ValueThatIsGivenUpHasTheSameText) {
+    Variant withoutHint(std::string("x"), VariantHint::Generic);
+    withoutHint.hint = VariantHint::Uninitialized;
+    Variant ofAnotherKind(std::string("x"), VariantHint::Generic);
+    ofAnotherKind.convertor = &convertorFor<std::int64_t>;
+    for (const Variant& variant :
+         {Variant(), withoutHint, ofAnotherKind, Variant(std::string("text"), VariantHint::Dump),
+          Variant(std::string(100, 'x'), VariantHint::Generic), handleVariant(7),
+          Variant(std::int64_t{12}, VariantHint::Address),
+          Variant(ByteVector{1, 255}, VariantHint::Dump)}) {
+        EXPECT_EQ(rgen::variantText(variant), rgen::variantText(Variant(variant)));
+    }
+}
+
 TEST(VariantText, MissingConvertorGivesTheFixedText) {
     Variant variant(std::string("x"), VariantHint::Generic);
     variant.convertor = nullptr;

@@ -1,0 +1,141 @@
+// The program around a peer.
+//
+// SPDX-License-Identifier: MIT
+#include "peer_program.h"
+
+#include <chrono>
+#include <cstdio>
+#include <exception>
+#include <fstream>
+#include <iterator>
+#include <stdexcept>
+#include <string_view>
+
+#include "process_memory.h"
+
+namespace peers {
+namespace {
+
+constexpr int fewestReports = 3;
+
+struct Measured {
+    int reports = 0;
+    double seconds = 0;
+};
+
+bool takeOption(std::string_view argument, std::string_view name, std::string& value) {
+    if (argument.substr(0, name.size()) != name) return false;
+    value = argument.substr(name.size());
+    return true;
+}
+
+Options parseOptions(int argc, char** argv) {
+    Options options;
+    std::string value;
+    for (int index = 1; index < argc; ++index) {
+        const std::string_view argument = argv[index];
+        if (takeOption(argument, "--values=", options.values) ||
+            takeOption(argument, "--template=", options.templatePath) ||
+            takeOption(argument, "--output=", options.output)) {
+            continue;
+        }
+        if (takeOption(argument, "--way=", value)) {
+            options.keepTemplate = value == "once";
+        } else if (takeOption(argument, "--reports=", value)) {
+            options.reports = std::stoi(value);
+        } else if (takeOption(argument, "--warm-up=", value)) {
+            options.warmUp = std::stod(value);
+        } else if (takeOption(argument, "--seconds=", value)) {
+            options.seconds = std::stod(value);
+        } else {
+            throw std::runtime_error("unknown argument " + std::string(argument));
+        }
+    }
+    return options;
+}
+
+Value parseLine(const std::string& line) {
+    const std::size_t first = line.find('\t');
+    const std::size_t second = line.find('\t', first + 1);
+    if (second == std::string::npos) throw std::runtime_error("a value has no two tabs: " + line);
+    Value value;
+    value.name = line.substr(0, first);
+    value.isNumber = line.compare(first + 1, second - first - 1, "int64") == 0;
+    value.text = line.substr(second + 1);
+    if (value.isNumber) value.number = std::stoll(value.text);
+    return value;
+}
+
+std::vector<Value> readValues(const std::string& path) {
+    std::ifstream file(path, std::ios::binary);
+    if (!file) throw std::runtime_error("cannot read " + path);
+    std::vector<Value> values;
+    std::string line;
+    while (std::getline(file, line))
+        values.push_back(parseLine(line));
+    return values;
+}
+
+/// Makes reports until both the count and the time are reached. The old file goes first, as the
+/// library does it: some file systems wait for the disk when a file is written over.
+Measured makeReports(const Options& options, ReportMaker& maker, int fewest, double seconds) {
+    using Clock = std::chrono::steady_clock;
+    const Clock::time_point start = Clock::now();
+    Measured measured;
+    while (measured.reports < fewest || measured.seconds < seconds) {
+        std::remove(options.output.c_str());
+        maker.report();
+        ++measured.reports;
+        measured.seconds = std::chrono::duration<double>(Clock::now() - start).count();
+    }
+    return measured;
+}
+
+void runProgram(int argc, char** argv) {
+    const Options options = parseOptions(argc, argv);
+    const std::unique_ptr<ReportMaker> maker = makeReportMaker(options, readValues(options.values));
+    Measured measured;
+    if (options.reports > 0) {
+        measured = makeReports(options, *maker, options.reports, 0);
+    } else {
+        makeReports(options, *maker, 1, options.warmUp);
+        measured = makeReports(options, *maker, fewestReports, options.seconds);
+    }
+    std::printf("{\"reports\": %d, \"seconds\": %.9f, \"peak_kib\": %ld}\n", measured.reports,
+                measured.seconds, maker->peakKib());
+}
+
+}  // namespace
+
+std::string textOf(const Value& value) {
+    return value.isNumber ? std::to_string(value.number) : value.text;
+}
+
+std::string readFile(const std::string& path) {
+    std::ifstream file(path, std::ios::binary);
+    if (!file) throw std::runtime_error("cannot read " + path);
+    return {std::istreambuf_iterator<char>(file), std::istreambuf_iterator<char>()};
+}
+
+void writeFile(const std::string& path, const std::string& content) {
+    std::ofstream file(path, std::ios::binary | std::ios::trunc);
+    file.write(content.data(), static_cast<std::streamsize>(content.size()));
+    file.close();
+    if (!file) throw std::runtime_error("cannot write " + path);
+}
+
+long ReportMaker::peakKib() const {
+    return benchmarks::readProcessMemory().peakKib;
+}
+
+}  // namespace peers
+
+int main(int argc, char** argv) {
+    try {
+        peers::runProgram(argc, argv);
+        return 0;
+    } catch (const std::exception& error) {
+        std::fprintf(stderr, "%s: %s\n", argv[0], error.what());
+        return 1;
+    }
+}

@@ -1,0 +1,89 @@
+# SPDX-License-Identifier: MIT
+"""The workloads as the peers take them, and whether their reports are what they have to be."""
+
+import shutil
+import sys
+import xml.etree.ElementTree as ElementTree
+
+from peer_list import FOLDER, LIBRARY, ROOT, SCRATCH, Candidate, PeerError, run
+from report_text import difference, report_text
+
+sys.path.insert(0, str(ROOT / "benchmarks"))
+from make_workloads import make_workloads  # noqa: E402
+
+# Workloads whose table has its rows in the order of the properties, which the library leaves open.
+ANY_ORDER = {"M", "L"}
+# Stands in the place of the value "Sample" to see whether a peer escapes it. The library and the
+# floor read their values as XML content instead.
+MARKED_UP = 'one <b>bold</b> & "quoted"'
+
+
+def prepare_workload(folder):
+    """The peers' values have the persistent ones in front."""
+    persistent = ElementTree.parse(folder / "data/.rgen/persist_data.xml")
+    lines = "".join(f"{found.get('name')}\ttext\t{found.text}\n"
+                    for found in persistent.iterfind("properties/property"))
+    values = (folder / "values.tsv").read_text(encoding="utf-8")
+    (folder / "all_values.tsv").write_text(lines + values, encoding="utf-8")
+
+
+def prepare_workloads(names):
+    folder = FOLDER / "workloads"
+    make_workloads(folder, names)
+    for name in names:
+        prepare_workload(folder / name)
+    return [folder / name for name in names]
+
+
+def with_markup(workload):
+    """A copy of a workload with one value that has to be escaped."""
+    copy = SCRATCH / "escaping" / workload.name
+    shutil.copytree(workload, copy)
+    path = copy / "all_values.tsv"
+    lines = [f"Sample\ttext\t{MARKED_UP}" if line.startswith("Sample\t") else line
+             for line in path.read_text(encoding="utf-8").splitlines()]
+    path.write_text("\n".join(lines) + "\n", encoding="utf-8")
+    return copy
+
+
+def make_report(peer, workload, way, kind=""):
+    """The second report that a process makes, and its file, which is kept to be looked at."""
+    output = SCRATCH / f"{peer.key}-{workload.name}-{way}{kind}.html"
+    run(peer.reports_command(workload, output, way, 2), f"{peer.name} ({way}, {workload.name})")
+    return output.read_bytes(), output
+
+
+def text_differs(wanted, made, any_order):
+    try:
+        return difference(wanted, made, any_order)
+    except UnicodeDecodeError:
+        return "it is not UTF-8"
+
+
+def verify_texts(peers, workload):
+    """Every peer's report has the library's text."""
+    wanted, _ = make_report(LIBRARY, workload, "each")
+    for peer in peers:
+        for way in peer.ways:
+            made, path = make_report(peer, workload, way)
+            differs = text_differs(wanted, made, workload.name in ANY_ORDER)
+            if differs:
+                raise PeerError(f"the report of {peer.name} ({way}) of workload {workload.name} "
+                                f"is not the library's: {differs}\nsee {path}")
+
+
+def verify_escaping(peers, workload):
+    """Every peer shows markup in a value as text."""
+    marked_up = with_markup(workload)
+    for peer in peers:
+        for way in () if isinstance(peer, Candidate) else peer.ways:
+            made, path = make_report(peer, marked_up, way, "-escaping")
+            shown = any(MARKED_UP in text for text in report_text(made))
+            if not shown or b"<b>" in made:
+                raise PeerError(f"the report of {peer.name} ({way}) of workload {workload.name} "
+                                f"does not have its values escaped\nsee {path}")
+
+
+def verify(peers, workload):
+    verify_texts(peers, workload)
+    verify_escaping(peers, workload)

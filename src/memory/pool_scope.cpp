@@ -1,0 +1,36 @@
+// PoolScope. Memory functions take no argument of ours, so the pool in use stands in the thread's
+// own pointer.
+//
+// SPDX-License-Identifier: MIT
+#include "memory/pool_scope.h"
+
+#include <utility>
+
+#include "platform/platform.h"
+
+namespace rgen::memory {
+
+const bool poolsAreUsed = RGEN_POOLS_ARE_USED;
+
+Pool* poolInUse() {
+    return static_cast<Pool*>(platform::threadPointer());
+}
+
+PoolScope::PoolScope(PoolSlot& slot) : slot_(slot), outerPool_(platform::threadPointer()) {
+    if (poolsAreUsed) pool_ = slot.take();
+    platform::setThreadPointer(pool_.get());
+}
+
+PoolScope::~PoolScope() {
+    platform::setThreadPointer(outerPool_);
+    if (!pool_) return;
+    if (pool_->blocksInUse() == 0) {
+        pool_->rewind();
+        slot_.giveBack(std::move(pool_));
+    } else {
+        // Whoever kept a block for later still owns its memory: the pool is left to it.
+        static_cast<void>(pool_.release());
+    }
+}
+
+}  // namespace rgen::memory
