@@ -3,7 +3,7 @@
 """Measures the library against the floor and prints how it stands to the goals.
 
 scripts/benchmark builds the programs and calls this. Everything that is made goes below
-build/benchmarks: the workloads, the raw results of the last run and results.json.
+build/benchmarks: the workloads, the raw results of the last run, results.json and results.md.
 """
 
 import argparse
@@ -19,7 +19,7 @@ import time
 from pathlib import Path
 
 from candidate_programs import BenchmarkError, Candidate, expect_same_reports
-from goals import all_goals, notes, table
+from goals import all_goals, markdown, notes, table
 from make_workloads import SHORT, WORKLOADS, make_workloads
 from measurements import COUNTED_REPORTS, GROWTH, Measurements
 
@@ -202,6 +202,7 @@ def main():
     results["goals"] = [goal.as_record() for goal in goals]
     target = FOLDER / "results.json"
     target.write_text(json.dumps(results, indent=2) + "\n", encoding="utf-8")
+    target.with_suffix(".md").write_text(markdown(goals, results), encoding="utf-8")
     print(table(goals), *notes(results), sep="\n")
     step(f"all numbers are in {target.relative_to(ROOT)}")
 

@@ -119,6 +119,20 @@ def notes(results):
             yield f"time at {workload}, by that of the floor with mimalloc: {ratio:.3f}"
 
 
+def markdown(goals, results):
+    """The goals for docs/performance.md."""
+    machine = results["machine"]
+    libraries = ", ".join(f"{name.removesuffix('_VERSION').lower()} {version}"
+                          for name, version in machine["libraries"].items())
+    lines = [f"Measured on {machine['date'][:10]}: {machine['processor']}, {machine['cores']} cores, "
+             f"Linux {machine['kernel']}, {machine['compiler']}; {libraries}; "
+             f"medians of {results['rounds']} rounds.", "",
+             "| what | bar | measured | met | details |", "|---|---|---|---|---|"]
+    lines += [f"| {goal.title} | {goal.bar} | {goal.measured} | {'yes' if goal.met else '**no**'} "
+              f"| {goal.note} |" for goal in goals]
+    return "\n".join(lines) + "\n"
+
+
 def table(goals):
     """The goals as text."""
     rows = [("goal", "bar", "measured", "", "")]

@@ -130,8 +130,8 @@ def notes(results):
         f"({settings['cold_starts'] * settings['rounds']} starts).",
     ]
     if far:
-        lines.append(f"Rounds more than {LARGEST_SPREAD:.0%} apart, so that the median says "
-                     f"little: {'; '.join(far)}.")
+        lines.append(f"Results whose rounds lie more than {LARGEST_SPREAD:.0%} apart: "
+                     f"{'; '.join(far)}.")
     lines += [f"{name} is left out: {reason}." for name, reason in results["left_out"].items()]
     return "\n".join(f"- {line}" for line in lines)
 

@@ -4,7 +4,6 @@
 // SPDX-License-Identifier: MIT
 #include "store/file_system.h"
 
-#include <algorithm>
 #include <boost/filesystem/operations.hpp>
 #include <exception>
 #include <fstream>
@@ -25,10 +24,12 @@ public:
         return buffer_.open(platform::toWidePath(path).c_str(), mode | std::ios::binary) != nullptr;
     }
 
-    /// Of a file that was opened at its end.
-    std::size_t size() {
-        const std::streamoff end = buffer_.pubseekoff(0, std::ios::cur);
-        return static_cast<std::size_t>(std::max<std::streamoff>(end, 0));
+    /// False for a file without a position.
+    bool findSize(std::size_t& size) {
+        const std::streamoff end = buffer_.pubseekoff(0, std::ios::end);
+        if (end < 0) return false;
+        size = static_cast<std::size_t>(end);
+        return true;
     }
 
     std::size_t readFromStart(char* bytes, std::size_t size) try {
@@ -124,8 +125,9 @@ bool writeFile(const std::string& path, const std::vector<std::uint8_t>& bytes) 
 bool readFile(const std::string& path, std::string& bytes) {
     if (fs::status(toNativePath(path)).type() != fs::regular_file) return false;
     UnbufferedFile file;
-    if (!file.open(path, std::ios::in | std::ios::ate)) return false;
-    bytes.resize(file.size());
+    std::size_t size = 0;
+    if (!file.open(path, std::ios::in) || !file.findSize(size)) return false;
+    bytes.resize(size);
     bytes.resize(file.readFromStart(bytes.data(), bytes.size()));
     return true;
 }
