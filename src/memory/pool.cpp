@@ -136,7 +136,7 @@ std::size_t Pool::roundedUnitsOf(std::size_t size) {
 /// The list in which free blocks of these units wait.
 std::size_t Pool::listOf(std::size_t units) {
     if (units <= exactUnits) return units;
-    const unsigned power = powerOfTwoBelow(units - 1);
+    const std::size_t power = powerOfTwoBelow(units - 1);
     const std::size_t quarter = ((units - 1) >> (power - 2)) & 3U;
     return exactUnits + 1 + 4 * (power - powerOfTwoBelow(exactUnits)) + quarter;
 }

@@ -55,7 +55,7 @@ private:
     static constexpr unsigned sizeBits = 16;
     static constexpr std::size_t exactUnits = 64;
     static constexpr std::size_t largestExactBlock = exactUnits * unit - headerSize;
-    static constexpr std::size_t listCount = exactUnits + 1 + 4 * 6;
+    static constexpr std::size_t listCount = exactUnits + 1 + std::size_t{4} * 6;
 
     static constexpr std::size_t unitsOf(std::size_t size) {
         return (size + headerSize + unit - 1) / unit;

@@ -24,8 +24,8 @@ public:
 
     T* allocate(std::size_t count) {
         static_assert(alignof(T) <= 2 * sizeof(void*), "Blocks are aligned as those of malloc.");
-        if (count > static_cast<std::size_t>(-1) / sizeof(T)) throw std::bad_alloc();
-        void* block = memory::allocate(poolInUse(), count * sizeof(T));
+        if (count > static_cast<std::size_t>(-1) / size) throw std::bad_alloc();
+        void* block = memory::allocate(poolInUse(), count * size);
         if (block == nullptr) throw std::bad_alloc();
         return static_cast<T*>(block);
     }
@@ -40,6 +40,10 @@ public:
     bool operator!=(const PoolAllocator<U>& /*other*/) const {
         return false;
     }
+
+private:
+    // NOLINTNEXTLINE(bugprone-sizeof-expression): T may well be a pointer.
+    static constexpr std::size_t size = sizeof(T);
 };
 
 }  // namespace rgen::memory
