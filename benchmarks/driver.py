@@ -78,23 +78,19 @@ class FloorWithMimalloc(Candidate):
 
 # ---- What a run measures ------------------------------------------------------------------------
 
+def for_each(names, title, measure):
+    """What `measure` says of each workload, by its name."""
+    measured = {}
+    for name in names:
+        step(f"{title} at {name}")
+        measured[name] = measure(name)
+    return measured
+
+
 def measure_times(measurements, candidates, names):
-    floor, library = candidates
-    extra = [FloorWithMimalloc(floor)] if has_mimalloc() else []
-    times = {}
-    for name in names:
-        step(f"times at {name}")
-        others = extra if name in ALLOCATOR_WORKLOADS else []
-        times[name] = measurements.times([floor, library, *others], name)
-    return times
-
-
-def measure_instructions(measurements, candidates, names):
-    instructions = {}
-    for name in names:
-        step(f"instructions at {name}")
-        instructions[name] = measurements.instructions(*candidates, name)
-    return instructions
+    extra = [FloorWithMimalloc(candidates[0])] if has_mimalloc() else []
+    return for_each(names, "times", lambda name: measurements.times(
+        [*candidates, *(extra if name in ALLOCATOR_WORKLOADS else [])], name))
 
 
 def measure_memory(measurements, candidates, names):
@@ -106,14 +102,6 @@ def measure_memory(measurements, candidates, names):
     return peaks, growths
 
 
-def measure_threads(measurements, candidates, names):
-    threads = {}
-    for name in names:
-        step(f"two threads at {name}")
-        threads[name] = measurements.two_threads(*candidates, name)
-    return threads
-
-
 def measure_linux(measurements, names, short):
     candidates = linux_candidates()
     step("comparing the reports")
@@ -121,11 +109,13 @@ def measure_linux(measurements, names, short):
                         FOLDER / "same_reports")
     counted = [name for name in COUNTED_REPORTS if name in names and not (short and name == "M")]
     results = {"times": measure_times(measurements, candidates, names),
-               "instructions": measure_instructions(measurements, candidates, counted)}
+               "instructions": for_each(counted, "instructions", lambda name:
+                                        measurements.instructions(*candidates, name))}
     step("translation pass")
     results["translation_pass"] = measurements.translation_pass(LINUX / "bin/benchmark_translation")
-    results["two_threads"] = measure_threads(
-        measurements, candidates, [name for name in THREAD_WORKLOADS if name in names])
+    results["two_threads"] = for_each(
+        [name for name in THREAD_WORKLOADS if name in names], "two threads",
+        lambda name: measurements.two_threads(*candidates, name))
     results["peak_memory"], results["growth"] = measure_memory(measurements, candidates, names)
     results["library_bytes"] = measurements.stripped_size(LINUX / "bin/libstrata_repgenlib.so")
     return results
@@ -138,11 +128,8 @@ def measure_windows(measurements, names):
         step("comparing the reports on Windows")
         expect_same_reports(candidates, [FOLDER / "workloads" / name for name in chosen],
                             FOLDER / "same_reports_windows")
-        times = {}
-        for name in chosen:
-            step(f"times at {name} on Windows")
-            times[name] = measurements.times(candidates, name)
-        return times
+        return for_each(chosen, "times on Windows",
+                        lambda name: measurements.times(candidates, name))
     finally:
         subprocess.run([*windows_candidates()[0].launcher, "--stop"], check=False,
                        stdin=subprocess.DEVNULL)

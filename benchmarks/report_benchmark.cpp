@@ -9,7 +9,6 @@
 #include <cstdio>
 #include <cstdlib>
 #include <exception>
-#include <fstream>
 #include <string_view>
 #include <vector>
 
@@ -27,32 +26,6 @@ namespace benchmarks {
 namespace {
 
 using Makers = std::vector<std::unique_ptr<ReportMaker>>;
-
-Value parseLine(const std::string& line) {
-    const std::size_t first = line.find('\t');
-    const std::size_t second = line.find('\t', first + 1);
-    if (second == std::string::npos) fail("a line of values.tsv has no two tabs: " + line);
-    Value value;
-    value.name = line.substr(0, first);
-    value.isNumber = line.compare(first + 1, second - first - 1, "int64") == 0;
-    value.text = line.substr(second + 1);
-    if (value.isNumber) value.number = std::stoll(value.text);
-    return value;
-}
-
-std::ifstream openValues(const Options& options) {
-    const std::string path = options.workload + "/values.tsv";
-    std::ifstream file(path, std::ios::binary);
-    if (!file) fail("cannot read " + path);
-    return file;
-}
-
-/// Takes "--name=value"; false when the argument is another one.
-bool takeOption(std::string_view argument, std::string_view name, std::string& value) {
-    if (argument.substr(0, name.size()) != name) return false;
-    value = argument.substr(name.size());
-    return true;
-}
 
 bool takeOwnOption(std::string_view argument, Options& options) {
     std::string value;
@@ -146,19 +119,13 @@ int runProgram(std::vector<char*> arguments) {
 }  // namespace
 
 std::size_t countValues(const Options& options) {
-    std::ifstream file = openValues(options);
-    std::string line;
     std::size_t count = 0;
-    while (std::getline(file, line))
-        ++count;
+    readValues(options, [&count](const Value&) { ++count; });
     return count;
 }
 
 void readValues(const Options& options, const std::function<void(const Value&)>& take) {
-    std::ifstream file = openValues(options);
-    std::string line;
-    while (std::getline(file, line))
-        take(parseLine(line));
+    readValueFile(options.workload + "/values.tsv", take);
 }
 
 void fail(const std::string& what) {

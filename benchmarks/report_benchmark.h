@@ -19,6 +19,8 @@
 #include <string>
 #include <utility>
 
+#include "candidate_input.h"
+
 namespace benchmarks {
 
 /// The report type of every workload.
@@ -35,14 +37,6 @@ struct Options {
     std::pair<int, int> growth;
 
     std::string dataParent() const { return workload + "/data"; }
-};
-
-/// One line of values.tsv.
-struct Value {
-    std::string name;
-    bool isNumber = false;
-    std::int64_t number = 0;
-    std::string text;
 };
 
 /// The number of values of a workload.

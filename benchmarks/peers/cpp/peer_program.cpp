@@ -16,18 +16,14 @@
 namespace peers {
 namespace {
 
+using benchmarks::takeOption;
+
 constexpr int fewestReports = 3;
 
 struct Measured {
     int reports = 0;
     double seconds = 0;
 };
-
-bool takeOption(std::string_view argument, std::string_view name, std::string& value) {
-    if (argument.substr(0, name.size()) != name) return false;
-    value = argument.substr(name.size());
-    return true;
-}
 
 Options parseOptions(int argc, char** argv) {
     Options options;
@@ -54,25 +50,9 @@ Options parseOptions(int argc, char** argv) {
     return options;
 }
 
-Value parseLine(const std::string& line) {
-    const std::size_t first = line.find('\t');
-    const std::size_t second = line.find('\t', first + 1);
-    if (second == std::string::npos) throw std::runtime_error("a value has no two tabs: " + line);
-    Value value;
-    value.name = line.substr(0, first);
-    value.isNumber = line.compare(first + 1, second - first - 1, "int64") == 0;
-    value.text = line.substr(second + 1);
-    if (value.isNumber) value.number = std::stoll(value.text);
-    return value;
-}
-
 std::vector<Value> readValues(const std::string& path) {
-    std::ifstream file(path, std::ios::binary);
-    if (!file) throw std::runtime_error("cannot read " + path);
     std::vector<Value> values;
-    std::string line;
-    while (std::getline(file, line))
-        values.push_back(parseLine(line));
+    benchmarks::readValueFile(path, [&values](const Value& value) { values.push_back(value); });
     return values;
 }
 

@@ -11,10 +11,11 @@
 // SPDX-License-Identifier: MIT
 #pragma once
 
-#include <cstdint>
 #include <memory>
 #include <string>
 #include <vector>
+
+#include "candidate_input.h"
 
 namespace peers {
 
@@ -29,13 +30,7 @@ struct Options {
     double seconds = 0;
 };
 
-/// A value as a host holds it.
-struct Value {
-    std::string name;
-    bool isNumber = false;
-    std::int64_t number = 0;
-    std::string text;
-};
+using benchmarks::Value;
 
 /// How the value stands in a report.
 std::string textOf(const Value& value);

@@ -64,7 +64,8 @@ TEST_F(GenerateTest, LaterOfTwoValuesOfOneNameCounts) {
 }
 
 TEST_F(GenerateTest, PoolComesBackAfterEveryEnd) {
-    if (!rgen::memory::poolsAreUsed) GTEST_SKIP() << "no pools in this build";
+    if (!rgen::memory::poolsAreUsed)
+        GTEST_SKIP() << "the build for the address sanitizer has no pools";
     putConfig();
     auto pool = generator.poolSlot.take();
     rgen::memory::Pool* const expected = pool.get();

@@ -86,7 +86,7 @@ TEST(PoolScope, BelongsToTheThread) {
 }
 
 TEST(PoolScope, WorksOnWithoutAPoolWhenMemoryIsExhausted) {
-    if (!poolsAreUsed) GTEST_SKIP() << "no pools in this build";
+    if (!poolsAreUsed) GTEST_SKIP() << "the build for the address sanitizer has no pools";
     PoolSlot slot;
     const FailingCall noMemory(Call::NothrowNew);
     const PoolScope scope(slot);
@@ -98,7 +98,7 @@ TEST(PoolScope, WorksOnWithoutAPoolWhenMemoryIsExhausted) {
 }
 
 TEST(PoolScope, PoolWithABlockThatIsStillInUseIsNotUsedAgain) {
-    if (!poolsAreUsed) GTEST_SKIP() << "no pools in this build";
+    if (!poolsAreUsed) GTEST_SKIP() << "the build for the address sanitizer has no pools";
     PoolSlot slot;
     void* kept = nullptr;
     Pool* pool = nullptr;
@@ -162,7 +162,7 @@ TEST(XmlMemoryScope, TextsAreCopiedIntoThePool) {
 }
 
 TEST(XmlMemoryScope, LastErrorDoesNotKeepThePool) {
-    if (!poolsAreUsed) GTEST_SKIP() << "no pools in this build";
+    if (!poolsAreUsed) GTEST_SKIP() << "the build for the address sanitizer has no pools";
     const rgen::XmlSilence silence;
     PoolSlot slot;
     Pool* pool = nullptr;

@@ -144,6 +144,27 @@ TEST_F(LookupReportType, AbsentGuidAndHalfAnEntryAreNotFound) {
     EXPECT_EQ(statusHex(RGEN_E_GUID_NOT_IN_CONFIG), lookup(another + type(guid, "p", " ")));
 }
 
+// Of the types that are not wanted only their being there counts, each file name for itself.
+TEST_F(LookupReportType, OtherTypesMakeTheMapValidAndNothingElse) {
+    const std::string other = "deadbabe-0000-0000-0000-000000000000";
+    const std::string persistOnly = type(other, "p", " ");
+    const std::string templateOnly = type(other, " ", "r");
+    EXPECT_EQ(statusHex(RGEN_E_NO_VALID_TYPE_MAP), lookup(persistOnly + persistOnly));
+    EXPECT_EQ(statusHex(RGEN_E_NO_VALID_TYPE_MAP),
+              lookup(templateOnly + type("no guid", "p", "r")));
+    EXPECT_EQ(statusHex(RGEN_E_GUID_NOT_IN_CONFIG), lookup(persistOnly + templateOnly));
+    EXPECT_EQ(statusHex(RGEN_E_GUID_NOT_IN_CONFIG), lookup(templateOnly + type(guid, "a", " ")));
+    EXPECT_EQ("a|b", lookup(templateOnly + type(guid, "a", "b") + persistOnly));
+}
+
+TEST_F(LookupReportType, WantedTypeIsFoundAmongMany) {
+    std::string many;
+    for (int i = 0; i < 100; ++i)
+        many += type("deadbabe-0000-0000-0000-0000000000" + std::to_string(10 + i % 90), "x", "y");
+    EXPECT_EQ("a|b", lookup(many + type(guid, "a", "b")));
+    EXPECT_EQ("c|d", lookup(type(guid, "a", "b") + many + type(guid, "c", "d") + many));
+}
+
 TEST_F(LookupReportType, ChildrenOfEveryKindAreLookedAt) {
     // Neither child has a text, so each takes the name that stands before it away again.
     for (const std::string child : {"<?persistDataFile p?>", "&persistDataFile;"}) {
