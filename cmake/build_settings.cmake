@@ -48,6 +48,12 @@ if(RGEN_SANITIZER)
     add_link_options(-fsanitize=${RGEN_SANITIZER})
 endif()
 
+# The address sanitizer watches each block of the C heap; inside a pool it would see nothing.
+set(RGEN_POOLS_ARE_USED true)
+if(RGEN_SANITIZER MATCHES "address")
+    set(RGEN_POOLS_ARE_USED false)
+endif()
+
 # Linked by every target of our own; third-party headers are system headers and stay quiet.
 add_library(rgen_warnings INTERFACE)
 target_compile_options(

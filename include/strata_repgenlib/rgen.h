@@ -340,7 +340,8 @@ RGEN_API void RGEN_CALL rgen_cancel(RgenReportGenerator* generator, const RgenGu
  * the handle is for writing only and not shared, and the path is taken in the ANSI code page.
  * Linux: a descriptor open for reading and writing, closed on exec, which stands behind the report
  * (seek before reading) and whose name is gone already; other names of an existing file that is
- * overwritten (hard links, the target of a symbolic link) stay, and so does a pipe or device.
+ * overwritten (hard links, the target of a symbolic link) stay, and so does a pipe or device; a pipe
+ * gets what it has room for at once.
  *
  * Mode 2 returns the bytes; outputPath is not looked at. Modes 1 and 2 never convert.
  *

@@ -115,6 +115,7 @@ void Pool::rewind() noexcept {
     }
     current_ = nullptr;
     cursor_ = end_ = nullptr;
+    lowestStack_ = nullptr;
     free_ = {};
 }
 

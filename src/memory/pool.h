@@ -31,6 +31,10 @@ public:
     /// Bytes of all chunks.
     std::size_t bytesKept() const;
 
+    /// From now on, until rewind(), the pool has nothing for a thread whose stack reaches below
+    /// `lowest`.
+    void needStackAbove(const char* lowest) { lowestStack_ = lowest; }
+
     /// Starts anew; no block may be in use. The chunks that were used since the last time stay, up
     /// to `mostKept` bytes, and behind the first `mostHeld` bytes the system may take their pages
     /// whenever it needs them. Everything else goes back at once.
@@ -67,6 +71,7 @@ private:
 
     void* take(FreeBlock*& list) noexcept;
     bool hasRoom(std::size_t units) const noexcept;
+    bool stackIsShort() const noexcept;
     void* cut(std::size_t units) noexcept;
     void give(void* block, std::size_t units) noexcept;
     bool growLast(void* block, std::size_t units, std::size_t wantedUnits) noexcept;
@@ -78,6 +83,7 @@ private:
     std::size_t blocksInUse_ = 0;
     std::byte* cursor_ = nullptr;
     std::byte* end_ = nullptr;
+    const char* lowestStack_ = nullptr;
     Chunk* first_ = nullptr;
     Chunk* current_ = nullptr;
     std::array<FreeBlock*, listCount> free_ = {};
@@ -97,6 +103,10 @@ inline bool Pool::hasRoom(std::size_t units) const noexcept {
     return static_cast<std::size_t>(end_ - cursor_) >= units * unit;
 }
 
+inline bool Pool::stackIsShort() const noexcept {
+    return static_cast<const char*>(__builtin_frame_address(0)) < lowestStack_;
+}
+
 inline std::uint64_t Pool::header(std::size_t units) const noexcept {
     return (reinterpret_cast<std::uint64_t>(this) << sizeBits) | units;
 }
@@ -110,9 +120,11 @@ inline void* Pool::cut(std::size_t units) noexcept {
 }
 
 /// As `malloc`, from `pool` where the size allows; from the C heap when `pool` is null or cannot
-/// grow. Null when memory is exhausted. Goes back through release() only.
+/// grow. Null when memory is exhausted, or the stack that `pool` asks for. Goes back through release()
+/// only.
 inline void* allocate(Pool* pool, std::size_t size) noexcept {
     if (pool != nullptr && size <= Pool::largestExactBlock) {
+        if (pool->stackIsShort()) return nullptr;
         const std::size_t units = Pool::unitsOf(size);
         Pool::FreeBlock*& list = pool->free_[units];
         if (list != nullptr) return pool->take(list);

@@ -25,6 +25,10 @@ extern const char pathSeparator;
 /// text that is not strict UTF-8, on every system alike.
 NativePathText toWidePath(const std::string& utf8Text);
 
+/// True for a device, a pipe or a socket at `path`: opening or reading one may wait for ever. Always
+/// false on Windows, whose devices and pipes stand in no folder. Raises as toWidePath does.
+bool namesSpecialFile(const std::string& path);
+
 /// Breaks `secondsSince1970` (UTC) down into local time, by the time zone in force at the call.
 /// False for negative numbers and for those past the year 3000; `brokenDown` is then unspecified.
 bool localTime(std::int64_t secondsSince1970, std::tm& brokenDown);
@@ -33,7 +37,7 @@ bool localTime(std::int64_t secondsSince1970, std::tm& brokenDown);
 /// Windows takes the bytes of `path` in the ANSI code page. False when it cannot be created.
 bool createDeleteOnCloseFile(const std::string& path, FileHandle& file);
 
-/// Writes `size` bytes. False when nothing could be written because of an error; otherwise
+/// Writes `size` bytes; does not wait for the reader of a full pipe. False when nothing could be written because of an error; otherwise
 /// `written` tells how many bytes arrived.
 bool writeToFile(FileHandle file, const void* bytes, std::size_t size, std::size_t& written);
 

@@ -197,6 +197,12 @@ NativePathText toWidePath(const std::string& utf8Text) {
     return utf8Text;
 }
 
+bool namesSpecialFile(const std::string& path) {
+    struct stat information = {};
+    if (stat(toWidePath(path).c_str(), &information) != 0) return false;
+    return !S_ISREG(information.st_mode) && !S_ISDIR(information.st_mode);
+}
+
 bool localTime(std::int64_t secondsSince1970, std::tm& brokenDown) {
     if (secondsSince1970 < 0 || secondsSince1970 > lastAcceptedSecond) return false;
     tzset();  // localtime_r alone may keep a time zone that the host has changed since.
@@ -206,8 +212,9 @@ bool localTime(std::int64_t secondsSince1970, std::tm& brokenDown) {
 
 bool createDeleteOnCloseFile(const std::string& path, FileHandle& file) {
     const NativePathText nativePath = toWidePath(path);
-    const int descriptor = open(
-        nativePath.c_str(), O_RDWR | O_CREAT | O_TRUNC | O_CLOEXEC | O_NOCTTY, S_IRUSR | S_IWUSR);
+    const int descriptor =
+        open(nativePath.c_str(), O_RDWR | O_CREAT | O_TRUNC | O_CLOEXEC | O_NOCTTY | O_NONBLOCK,
+             S_IRUSR | S_IWUSR);
     if (descriptor == -1) return false;
     struct stat information = {};
     const bool known = fstat(descriptor, &information) == 0;
@@ -216,6 +223,7 @@ bool createDeleteOnCloseFile(const std::string& path, FileHandle& file) {
         close(descriptor);
         return false;
     }
+    if (isRegular) static_cast<void>(fcntl(descriptor, F_SETFL, 0));
     // A file that existed before has its own mode; it stays where the file has other names.
     const bool nameless = fstat(descriptor, &information) == 0 && information.st_nlink == 0;
     if (nameless) static_cast<void>(fchmod(descriptor, S_IRUSR | S_IWUSR));

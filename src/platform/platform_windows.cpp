@@ -48,6 +48,11 @@ NativePathText toWidePath(const std::string& utf8Text) {
     return std::wstring_convert<std::codecvt_utf8_utf16<wchar_t>>().from_bytes(utf8Text);
 }
 
+bool namesSpecialFile(const std::string& path) {
+    requireUtf8(path);
+    return false;
+}
+
 bool localTime(std::int64_t secondsSince1970, std::tm& brokenDown) {
     if (secondsSince1970 < 0 || secondsSince1970 > lastAcceptedSecond) return false;
     const __time64_t seconds = secondsSince1970;

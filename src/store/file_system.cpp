@@ -115,6 +115,7 @@ void removeQuietly(const std::string& path) noexcept {
 }
 
 bool writeFile(const std::string& path, const std::vector<std::uint8_t>& bytes) {
+    if (platform::namesSpecialFile(path)) return false;
     UnbufferedFile file;
     if (!file.open(path, std::ios::out | std::ios::trunc)) return false;
     // On purpose: neither writing nor closing is examined, so a full disk goes unnoticed.

@@ -39,8 +39,8 @@ bool makeRoomForFile(const std::string& path, EmptyFolder emptyFolder = EmptyFol
 /// Clean-up: removes a file if it is there and can be removed. Never raises anything.
 void removeQuietly(const std::string& path) noexcept;
 
-/// Creates or overwrites a file. False when it cannot be opened; what happens to the bytes after
-/// that is not examined.
+/// Creates or overwrites a file. False when it cannot be opened, and for devices, pipes and sockets;
+/// what happens to the bytes after the opening is not examined.
 bool writeFile(const std::string& path, const std::vector<std::uint8_t>& bytes);
 
 /// Reads a regular file. False when there is none that can be opened.

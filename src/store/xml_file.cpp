@@ -49,6 +49,7 @@ bool saveToStream(std::ofstream& file, xmlDoc* document) {
 }  // namespace
 
 XmlPtr<xmlDoc> readXmlFile(const std::string& path) {
+    if (platform::namesSpecialFile(path)) return nullptr;
     return XmlPtr<xmlDoc>(xmlReadFile(literalSpelling(path).c_str(), encoding, XML_PARSE_RECOVER));
 }
 

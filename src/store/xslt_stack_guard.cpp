@@ -1,6 +1,7 @@
 // The stack guard. libxslt stops a recursion by its depth alone (3,000 levels), for which a thread
 // with 1 MiB of stack has no room. Its debugger hook runs before each instruction of a template,
-// which is the place to look at the stack that is left.
+// which is the place to look at the stack that is left. Where it copies a tree level by level inside
+// one instruction, the pool ends the recursion: it has no memory for the next level.
 //
 // SPDX-License-Identifier: MIT
 #include "store/xslt_stack_guard.h"
@@ -9,6 +10,7 @@
 
 #include <cstddef>
 
+#include "memory/pool_scope.h"
 #include "platform/platform.h"
 
 namespace rgen {
@@ -46,6 +48,9 @@ void guardStack(xsltTransformContext& context) {
     if (limit == nullptr) return;
     context._private = const_cast<char*>(limit + platform::stackReserve);
     context.debugStatus = XSLT_DEBUG_RUN;
+    memory::Pool* pool = memory::poolInUse();
+    // Expressions may use most of the reserve; the last quarter is for what handles the failure.
+    if (pool != nullptr) pool->needStackAbove(limit + platform::stackReserve / 4);
     // The hook does not run inside an expression, which may nest deeper than the reserve allows.
     constexpr std::ptrdiff_t roomyStack = std::ptrdiff_t{4} * 1024 * 1024;
     const auto* frame = static_cast<const char*>(__builtin_frame_address(0));

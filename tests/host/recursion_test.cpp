@@ -311,6 +311,49 @@ TEST_F(Recursion, WithoutEndFailsAlsoWithLongExpressionsOnTheWay) {
     }
 }
 
+// A template whose variable "deep" holds elements nested that many hundred levels deep.
+std::string withDeepTree(int hundreds, const std::string& use) {
+    std::string start;
+    std::string end;
+    for (int level = 0; level < 100; ++level) {
+        start += "<b>";
+        end += "</b>";
+    }
+    return stylesheet(
+        "method=\"xml\"",
+        "<xsl:template match=\"/\"><xsl:variable name=\"deep\">"
+        "<xsl:call-template name=\"down\"><xsl:with-param name=\"n\" select=\"" +
+            std::to_string(hundreds) + "\"/></xsl:call-template></xsl:variable>" + use +
+            "</xsl:template><xsl:template name=\"down\"><xsl:param name=\"n\"/>" + start +
+            "<xsl:if test=\"$n &gt; 1\"><xsl:call-template name=\"down\">"
+            "<xsl:with-param name=\"n\" select=\"$n - 1\"/></xsl:call-template>"
+            "</xsl:if>" +
+            end + "</xsl:template>");
+}
+
+// A tree is copied level by level inside one instruction.
+TEST_F(Recursion, CopiesOfDeepTreesFailOrComeOutWhole) {
+    const std::string use = "<xsl:copy-of select=\"$deep\"/>";
+    const std::string twice =
+        "<xsl:variable name=\"copy\">" + use + "</xsl:variable><xsl:copy-of select=\"$copy\"/>";
+    const std::vector<int> depths =
+        deepCopiesAreGuarded ? std::vector<int>{5, 50, 200, 2000} : std::vector<int>{5};
+    for (const std::size_t stackSize : {smallestStack, mebibyte, 4 * mebibyte}) {
+        for (const int hundreds : depths) {
+            for (const std::string& copy : {use, twice}) {
+                SCOPED_TRACE(std::to_string(hundreds) + "00 levels on " +
+                             std::to_string(stackSize) + ": " + copy);
+                const Report result = reportOnStack(stackSize, withDeepTree(hundreds, copy));
+                EXPECT_TRUE(result == failure(RGEN_E_XSLT_APPLY) ||
+                            (result.status == statusHex(RGEN_OK) &&
+                             result.bytes.size() > 600U * static_cast<unsigned>(hundreds)))
+                    << result.status << ", " << result.bytes.size() << " bytes";
+                EXPECT_EQ(reportOf("alive"), reportOnStack(stackSize, textStylesheet("alive")));
+            }
+        }
+    }
+}
+
 // Top-level elements "v0", "v1", ... of which each needs the next one. In the pattern of an element
 // "{}" stands for its own name and "[]" for that of the next one.
 std::string definitions(const std::string& pattern, int length) {

@@ -18,6 +18,10 @@ extern const std::size_t smallestStack;
 // What runOnStack adds to every stack, since instrumented code takes more of it.
 extern const std::size_t instrumentationStack;
 
+// Whether the library stops a deep copy before it runs out of stack. The build for the address
+// sanitizer has no pools, whose task that is.
+extern const bool deepCopiesAreGuarded;
+
 // Runs the function on a new thread with a stack of that many bytes and waits for its end.
 void runOnStack(std::size_t stackSize, const std::function<void()>& function);
 

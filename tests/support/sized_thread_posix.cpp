@@ -82,6 +82,8 @@ const std::size_t smallestStack = 256 * kibibyte;
 
 const std::size_t instrumentationStack = RGEN_SANITIZER_STACK_KIB * kibibyte;
 
+const bool deepCopiesAreGuarded = RGEN_POOLS_ARE_USED;
+
 void runOnStack(std::size_t stackSize, const std::function<void()>& function) {
     start(stackSize + sanitizerShare(), function);
 }

@@ -20,6 +20,8 @@ const std::size_t smallestStack = 512 * kibibyte;
 
 const std::size_t instrumentationStack = 0;
 
+const bool deepCopiesAreGuarded = true;
+
 void runOnStack(std::size_t stackSize, const std::function<void()>& function) {
     std::function<void()> copy = function;
     const HANDLE thread = CreateThread(nullptr, stackSize, runFunction, &copy,

@@ -306,6 +306,22 @@ TEST(Pool, RewoundPoolHandsOutItsFirstBlockAgain) {
     release(first);
 }
 
+TEST(Pool, HasNothingForAThreadWithTooLittleStackUntilItStartsAnew) {
+    Pool pool;
+    const auto* here = static_cast<const char*>(__builtin_frame_address(0));
+    pool.needStackAbove(here + mebibyte);
+    EXPECT_EQ(nullptr, allocate(&pool, 24));
+    pool.needStackAbove(here - mebibyte);
+    void* block = allocate(&pool, 24);
+    EXPECT_NE(nullptr, block);
+    release(block);
+    pool.needStackAbove(here + mebibyte);
+    pool.rewind();
+    block = allocate(&pool, 24);
+    EXPECT_NE(nullptr, block);
+    release(block);
+}
+
 TEST(Pool, BlockOfTheCHeapServesWhileThePoolCannotGrow) {
     Pool pool;
     const FailingCall chunk(Call::Malloc);

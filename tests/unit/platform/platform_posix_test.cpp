@@ -305,6 +305,29 @@ TEST(DeleteOnCloseDescriptor, DevicesKeepTheirNames) {
     platform::closeFile(file);
 }
 
+TEST(DeleteOnCloseDescriptor, WaitsForNoReaderOfAPipeAndForEveryDisk) {
+    const TempFolder folder;
+    ASSERT_EQ(0, mkfifo(folder.file("pipe").c_str(), S_IRUSR | S_IWUSR));
+    platform::FileHandle file = nullptr;
+    ASSERT_TRUE(platform::createDeleteOnCloseFile(folder.file("pipe"), file));
+    EXPECT_NE(0, fcntl(asDescriptor(file), F_GETFL) & O_NONBLOCK);
+    platform::closeFile(file);
+    ASSERT_TRUE(platform::createDeleteOnCloseFile(folder.file("file"), file));
+    EXPECT_EQ(0, fcntl(asDescriptor(file), F_GETFL) & O_NONBLOCK);
+    platform::closeFile(file);
+}
+
+TEST(NamesSpecialFile, PipesSocketsAndDevicesAlsoThroughLinks) {
+    const TempFolder folder;
+    ASSERT_EQ(0, mkfifo(folder.file("pipe").c_str(), S_IRUSR | S_IWUSR));
+    ASSERT_EQ(0, symlink("/dev/null", folder.file("link").c_str()));
+    ASSERT_EQ(0, symlink("nowhere", folder.file("loose").c_str()));
+    EXPECT_TRUE(platform::namesSpecialFile(folder.file("pipe")));
+    EXPECT_TRUE(platform::namesSpecialFile("/dev/null"));
+    EXPECT_TRUE(platform::namesSpecialFile(folder.file("link")));
+    EXPECT_FALSE(platform::namesSpecialFile(folder.file("loose")));
+}
+
 TEST(DeleteOnCloseDescriptor, InvalidUtf8Raises) {
     const TempFolder folder;
     platform::FileHandle file = nullptr;

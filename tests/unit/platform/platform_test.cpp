@@ -156,5 +156,15 @@ TEST(StackReserve, LeavesRoomOnTheSmallestStack) {
     EXPECT_LT(platform::stackReserve, smallestStack + instrumentationStack);
 }
 
+TEST(NamesSpecialFile, FilesFoldersAndMissingNamesAreNone) {
+    const TempFolder folder;
+    writeFile(folder.file("file"), "text");
+    for (const std::string& path : {folder.file("file"), folder.path(), folder.file("none"),
+                                    folder.file("none/none"), std::string()}) {
+        EXPECT_FALSE(platform::namesSpecialFile(path)) << path;
+    }
+    EXPECT_THROW(platform::namesSpecialFile(folder.file("a\xFF")), std::range_error);
+}
+
 }  // namespace
 }  // namespace rgen_test
