@@ -18,8 +18,9 @@ struct Value {
     std::string text;
 };
 
-/// Hands the values over one by one, so that each candidate keeps them in its own form alone. Raises
-/// std::runtime_error when the file cannot be read or a line is not "name<tab>type<tab>text".
+/// Hands the values over one by one, so that each candidate keeps them in its own form alone.
+/// Raises std::runtime_error when the file cannot be read or a line is not
+/// "name<tab>type<tab>text".
 void readValueFile(const std::string& path, const std::function<void(const Value&)>& take);
 
 /// Takes the value of "--name=value" when `name` is "--name="; false when it is another argument.

@@ -12,8 +12,8 @@ namespace {
 
 constexpr std::string_view keyword = "QT_TRANSLATE_NOOP";
 constexpr std::string_view opening = "QT_TRANSLATE_NOOP(\"QObject\", \"";
-// Six underscores in a thousand characters, as stylesheets have them. A capital Q is rarer still; one
-// stands in every hundredth line.
+// Six underscores in a thousand characters, as stylesheets have them. A capital Q is rarer still;
+// one stands in every hundredth line.
 constexpr std::array<std::string_view, 32> words = {
     "steel",  "probe",  "surface", "quality", "load",  "cycle",     "batch",  "weld",
     "the",    "filter", "sealed",  "value",   "north", "reference", "Rail",   "grade",

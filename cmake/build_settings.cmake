@@ -66,19 +66,22 @@ target_compile_options(
         -Wcast-qual
         -Wconversion
         -Wdouble-promotion
-        -Wduplicated-branches
-        -Wduplicated-cond
         -Wformat=2
-        -Wlogical-op
         -Wshadow
         -Wsign-conversion
         -Wundef
         -Wvla
+        $<$<COMPILE_LANG_AND_ID:CXX,GNU>:-Wduplicated-branches>
+        $<$<COMPILE_LANG_AND_ID:CXX,GNU>:-Wduplicated-cond>
+        $<$<COMPILE_LANG_AND_ID:CXX,GNU>:-Wlogical-op>
         $<$<COMPILE_LANGUAGE:CXX>:-Wextra-semi>
         $<$<COMPILE_LANGUAGE:CXX>:-Wnon-virtual-dtor>
         $<$<COMPILE_LANGUAGE:CXX>:-Wold-style-cast>
         $<$<COMPILE_LANGUAGE:CXX>:-Woverloaded-virtual>
         $<$<COMPILE_LANGUAGE:CXX>:-Wredundant-decls>
         $<$<COMPILE_LANGUAGE:CXX>:-Wzero-as-null-pointer-constant>
+        $<$<COMPILE_LANG_AND_ID:C,GNU>:-Wduplicated-branches>
+        $<$<COMPILE_LANG_AND_ID:C,GNU>:-Wduplicated-cond>
+        $<$<COMPILE_LANG_AND_ID:C,GNU>:-Wlogical-op>
         $<$<COMPILE_LANGUAGE:C>:-Wmissing-prototypes>
         $<$<COMPILE_LANGUAGE:C>:-Wstrict-prototypes>)

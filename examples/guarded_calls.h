@@ -5,8 +5,8 @@
  * same, but where the library raises an exception they return RGEN_GUARDED_RAISED (the simulated
  * input: 0; the description: a fixed text) and write the reason to `failure`, which may be null.
  *
- * Build guarded_calls.cpp with a C++ compiler of the family that built the library, and link or load it
- * beside the library; take both files as they are, or make them yours.
+ * Build guarded_calls.cpp with a C++ compiler of the family that built the library, and link or
+ * load it beside the library; take both files as they are, or make them yours.
  *
  * SPDX-License-Identifier: MIT
  */

@@ -19,11 +19,11 @@ namespace sync {
 class CancellationTokenSource;
 }
 
-/// Lock rule: `mutex` guards every other field but `poolSlot`, which guards itself. It is not recursive and is held for these stretches
-/// only: storing the translate callback, reading or rewriting `dataDirPath`, the whole
-/// configuration load, the whole transformation with its translate callbacks, and each access to
-/// `cancellationRegistry`. It is never held across delivery, and persistent data files are read and
-/// written without it.
+/// Lock rule: `mutex` guards every other field but `poolSlot`, which guards itself. It is not
+/// recursive and is held for these stretches only: storing the translate callback, reading or
+/// rewriting `dataDirPath`, the whole configuration load, the whole transformation with its
+/// translate callbacks, and each access to `cancellationRegistry`. It is never held across
+/// delivery, and persistent data files are read and written without it.
 struct ReportGenerator {
     std::mutex mutex;
 

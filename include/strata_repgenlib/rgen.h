@@ -31,8 +31,9 @@
  *   reference, so a plain "&" must be written "&amp;", or it is lost. "<" and ">" are safe.
  *   Persistent data goes through this twice before it stands in a report, once when it is stored
  *   and once with the other values, so there "&" must be written "&amp;amp;"; what
- *   rgen_getPersistentData gives is one level less ("&amp;"). Control characters and bytes that are
- *   not valid UTF-8 go into reports as they are.
+ *   rgen_getPersistentData gives is one level less ("&amp;"). What stands between "&" and the next
+ *   ";" is the name of a reference, markup included, and is lost when it names nothing. Control
+ *   characters and bytes that are not valid UTF-8 go into reports as they are.
  *
  * STATUSES AND THE SUCCESS TEST
  *   A status that is zero or positive is success, a negative one is failure (cancellation too).
@@ -54,7 +55,8 @@
  * THE CALLBACK
  *   The translate callback runs on the generating thread with the generator's lock held. It must
  *   not call the library for the same generator (that would wait for ever), must not raise an
- *   exception and must not return null.
+ *   exception and must not return null. Callbacks that use other generators do so in one order on
+ *   all threads: two that use each other's generator wait for ever.
  *
  * EXCEPTIONS
  *   Failures that have no status leave a function as C++ exceptions: std::bad_alloc (memory),
@@ -248,8 +250,8 @@ typedef const char*(RGEN_CALL* RgenTranslateFunction)(const char* text, void* co
  * It starts without a data directory, with a translate callback that returns its text unchanged.
  * The first call in the process initialises the XML libraries (libxml2, libxslt).
  *
- * Between two reports a generator keeps the memory of the last one for the next: at most 32 MiB, and
- * up to 256 MiB after larger reports, which the system may take back from it at any time.
+ * Between two reports a generator keeps the memory of the last one for the next: at most 32 MiB,
+ * and up to 256 MiB after larger reports, which the system may take back from it at any time.
  *
  * @return  The handle, or null when memory is exhausted.
  *
@@ -340,8 +342,8 @@ RGEN_API void RGEN_CALL rgen_cancel(RgenReportGenerator* generator, const RgenGu
  * the handle is for writing only and not shared, and the path is taken in the ANSI code page.
  * Linux: a descriptor open for reading and writing, closed on exec, which stands behind the report
  * (seek before reading) and whose name is gone already; other names of an existing file that is
- * overwritten (hard links, the target of a symbolic link) stay, and so does a pipe or device; a pipe
- * gets what it has room for at once.
+ * overwritten (hard links, the target of a symbolic link) stay, and so does a pipe or device, whose
+ * descriptor does not wait (O_NONBLOCK): a pipe gets what it has room for at once.
  *
  * Mode 2 returns the bytes; outputPath is not looked at. Modes 1 and 2 never convert.
  *
@@ -381,7 +383,8 @@ RGEN_API RgenStatus RGEN_CALL rgen_generateReport(RgenReportGenerator* generator
  * @param generator  The handle; null gives RGEN_E_BAD_PARAMETER.
  * @param guid       The report type; must not be null (not checked).
  * @param pairs      Receives the pairs when there is at least one, otherwise untouched; may
- *                   be null. Null, null and 0 when memory for them is exhausted.
+ *                   be null. Null, null and 0 when memory for them is exhausted; a name or text for
+ *                   which memory is exhausted is left empty.
  * @return           RGEN_OK; RGEN_E_BAD_PARAMETER; one of the CONFIGURATION STATUSES;
  *                   RGEN_E_OPEN_PERSIST (missing or unreadable file), RGEN_E_NO_PERSIST_VALUES,
  *                   RGEN_E_NO_VALID_PERSIST_VALUES.
@@ -466,7 +469,8 @@ RGEN_API RgenStatus RGEN_CALL rgen_dumpRawInputDataToFile(RgenReportGenerator* g
  * @param generator  The handle; null gives 0.
  * @param path       UTF-8 path of the file; null gives 0.
  * @param variants   Receives the values on success, otherwise untouched (null and 0 when memory for
- *                   them is exhausted); null gives 0. The order of the entries is not defined.
+ *                   them is exhausted; a name, text or byte array for which memory is exhausted is
+ *                   left empty); null gives 0. The order of the entries is not defined.
  *                   Texts come with hint 1 and bytes with hint 8, whatever the file says.
  * @return           1 when the set was filled, 0 when it was not (a missing or unreadable file, or
  *                   no valid property). Not a status.

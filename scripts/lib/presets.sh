@@ -1,15 +1,17 @@
 # SPDX-License-Identifier: MIT
 # The presets of CMakePresets.json, for the scripts that build them. Needs console.sh and $root.
+# The preset coverage is for scripts/coverage alone.
 
 all_presets=(linux windows-mingw sanitizers threads)
 
 # The flavour of the third-party libraries that a preset takes.
 preset_flavour() {
     case $1 in
-        linux) echo linux ;;
+        linux | coverage) echo linux ;;
         windows-mingw) echo windows ;;
         sanitizers) echo linux-asan ;;
         threads) echo linux-tsan ;;
+        fuzz) echo linux-fuzz ;;
         *) die "There is no preset \"$1\"." "Presets: ${all_presets[*]}" ;;
     esac
 }

@@ -154,7 +154,24 @@ unpack_sources() {
         dsc=$archives/$(dsc_name "$library" "${source_version[$library]}")
         quietly "$dir/$library.log" dpkg-source -x "$dsc" "$dir/$library"
     done
+    mend_sorting "$dir/libxml2/timsort.h"
     unpack_boost "$archives" "$dir"
+}
+
+# mend_sorting FILE: libxml2 prints a line and ends the process when it finds no memory for sorting a
+# large node set. Afterwards it sorts the two runs that it wanted to merge in place.
+mend_sorting() {
+    local file=$1
+    sed -i -e '/^static void TIM_SORT_RESIZE/,/^}/ { /fprintf(stderr/,/exit(1);/ c\
+      return;
+}' -e '/^  storage = store->storage;$/ a\
+  if (store->alloc < MIN(A, B)) {\
+    BINARY_INSERTION_SORT(\&dst[curr], A + B);\
+    return;\
+  }' "$file"
+    ! grep -q 'exit(1)' "$file" && grep -q 'BINARY_INSERTION_SORT(&dst\[curr\], A + B)' "$file" ||
+        die "The sorting of this libxml2 is not the one that scripts/lib/sources.sh mends." \
+            "Compare $file with the function mend_sorting."
 }
 
 # Only Boost.Filesystem and the header libraries that it includes are unpacked; the rest of Boost

@@ -14,27 +14,14 @@
 namespace rgen {
 namespace {
 
-/// Removes its file when it goes, whatever happens.
-class TemporaryFile {
-public:
-    explicit TemporaryFile(std::string path) : path_(std::move(path)) {}
-    ~TemporaryFile() { removeQuietly(path_); }
-    TemporaryFile(const TemporaryFile&) = delete;
-    TemporaryFile& operator=(const TemporaryFile&) = delete;
-
-    const std::string& path() const { return path_; }
-
-private:
-    std::string path_;
-};
-
 Status convertExternally(ReportGenerator& generator, const InputParams& request,
                          const ByteVector& bytes, const sync::CancellationToken& token) {
-    std::string htmlPath = request.outputPath + ".html";
+    const std::string htmlPath = request.outputPath + ".html";
+    FileRemover html(htmlPath);
     if (!writeFile(htmlPath, bytes)) return RGEN_E_CREATE_OUTPUT;
-    const TemporaryFile html(std::move(htmlPath));
+    html.arm();
     const std::string commandLine =
-        converterCommandLine(html.path(), request.converterBaseArg, request.outputPath);
+        converterCommandLine(htmlPath, request.converterBaseArg, request.outputPath);
     const Status status = runExternalProgram(generator, commandLine, token);
     if (status == RGEN_CANCELED) removeQuietly(request.outputPath);
     return status;

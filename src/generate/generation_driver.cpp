@@ -32,7 +32,8 @@ Status mergeInput(ReportGenerator& generator, InputParams& request,
     static_cast<void>(readPersistentData(generator, persistDataFile, persistent));
     properties = std::move(request.pairs);
     properties.merge(persistent);
-    // Roomy tables: a look-up in a large one costs a cache miss for each name that shares its place.
+    // Roomy tables: a look-up in a large one costs a cache miss for each name that shares its
+    // place.
     properties.max_load_factor(0.5F);
     properties.reserve(properties.size() + request.variants.size());
     for (auto& [name, value] : std::exchange(request.variants, NamedVariants()))

@@ -14,6 +14,7 @@
 
 #include "generate/translation.h"
 #include "store/file_system.h"
+#include "store/xml_memory.h"
 #include "store/xml_parser_context.h"
 #include "store/xslt_stack_guard.h"
 
@@ -36,7 +37,8 @@ void setParserDefaults() {
 XmlPtr<xmlDoc> applyStylesheet(xsltStylesheet* stylesheet, xmlDoc* data) {
     const XmlPtr<xsltTransformContext> context(xsltNewTransformContext(stylesheet, data));
     if (!context) return nullptr;
-    guardStack(*context);
+    TemplateBounds bounds;
+    guardStack(*context, bounds);
     constexpr const char** noParameters = nullptr;
     return XmlPtr<xmlDoc>(xsltApplyStylesheetUser(stylesheet, data, noParameters,
                                                   /*output=*/nullptr, /*profile=*/nullptr,
@@ -44,7 +46,6 @@ XmlPtr<xmlDoc> applyStylesheet(xsltStylesheet* stylesheet, xmlDoc* data) {
 }
 
 Status serialise(xmlDoc* output, xsltStylesheet* stylesheet, ByteVector& result) {
-    // libxslt does not tell when memory is exhausted on the way; the report is then cut.
     xmlChar* text = nullptr;
     int length = 0;
     const int outcome = xsltSaveResultToString(&text, &length, output, stylesheet);
@@ -64,12 +65,15 @@ Status transform(ReportGenerator& generator, const std::string& outputFormat,
     if (!isKnownFormat(outputFormat)) return RGEN_E_UNKNOWN_FORMAT;
     const XmlPtr<xmlDoc> data = buildPropertyDocument(std::exchange(properties, PropertyMap()));
     if (token.isCancellationRequested()) return RGEN_CANCELED;
+    // Behind the data document, which may lack properties and is not to use the reserve up.
+    const XmlMemoryWatch memory;
     const XmlPtr<xsltStylesheet> stylesheet = loadStylesheet(generator, templatePath);
-    if (!stylesheet) return RGEN_E_XSLT_PARSE;
+    if (!stylesheet || !memory.sufficed()) return RGEN_E_XSLT_PARSE;
     if (token.isCancellationRequested()) return RGEN_CANCELED;
     const XmlPtr<xmlDoc> output = applyStylesheet(stylesheet.get(), data.get());
-    if (!output) return RGEN_E_XSLT_APPLY;
-    return serialise(output.get(), stylesheet.get(), result);
+    if (!output || !memory.sufficed()) return RGEN_E_XSLT_APPLY;
+    const Status serialised = serialise(output.get(), stylesheet.get(), result);
+    return memory.sufficed() ? serialised : RGEN_E_XSLT_RESULT;
 }
 
 XmlPtr<xsltStylesheet> loadStylesheet(const ReportGenerator& generator,

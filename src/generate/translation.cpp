@@ -17,8 +17,8 @@ namespace {
 
 constexpr std::string_view keyword = "QT_TRANSLATE_NOOP";
 
-/// The first character of the keyword at or behind `from`. Where such characters stand close to each
-/// other, looking at each byte costs less than one call of the library for each of them.
+/// The first character of the keyword at or behind `from`. Where such characters stand close to
+/// each other, looking at each byte costs less than one call of the library for each of them.
 std::size_t findFirstCharacter(std::string_view text, std::size_t from) {
     constexpr std::size_t closeBy = 8;
     const std::size_t end = std::min(text.size(), from + closeBy);

@@ -116,6 +116,7 @@ void Pool::rewind() noexcept {
     current_ = nullptr;
     cursor_ = end_ = nullptr;
     lowestStack_ = nullptr;
+    hasReserve_ = false;
     free_ = {};
 }
 

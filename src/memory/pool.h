@@ -1,5 +1,6 @@
 // Memory for the many small, short-lived blocks of one piece of work, such as one report. The
-// blocks of the C heap that lie between them are handled here, too: a block says itself whose it is.
+// blocks of the C heap that lie between them are handled here, too: a block says itself whose it
+// is.
 //
 // SPDX-License-Identifier: MIT
 #pragma once
@@ -34,6 +35,15 @@ public:
     /// From now on, until rewind(), the pool has nothing for a thread whose stack reaches below
     /// `lowest`.
     void needStackAbove(const char* lowest) { lowestStack_ = lowest; }
+    bool stackIsShort() const noexcept;
+
+    /// How often its user was told that memory is exhausted; whoever tells it counts it here.
+    std::size_t failures() const { return failures_; }
+    void noteFailure() { ++failures_; }
+
+    /// Whether a reserve stands in where this pool and the C heap have nothing; rewind() ends that.
+    bool hasReserve() const { return hasReserve_; }
+    void setReserve(bool hasReserve) { hasReserve_ = hasReserve; }
 
     /// Starts anew; no block may be in use. The chunks that were used since the last time stay, up
     /// to `mostKept` bytes, and behind the first `mostHeld` bytes the system may take their pages
@@ -71,7 +81,6 @@ private:
 
     void* take(FreeBlock*& list) noexcept;
     bool hasRoom(std::size_t units) const noexcept;
-    bool stackIsShort() const noexcept;
     void* cut(std::size_t units) noexcept;
     void give(void* block, std::size_t units) noexcept;
     bool growLast(void* block, std::size_t units, std::size_t wantedUnits) noexcept;
@@ -81,9 +90,11 @@ private:
     std::uint64_t header(std::size_t units) const noexcept;
 
     std::size_t blocksInUse_ = 0;
+    std::size_t failures_ = 0;
     std::byte* cursor_ = nullptr;
     std::byte* end_ = nullptr;
     const char* lowestStack_ = nullptr;
+    bool hasReserve_ = false;
     Chunk* first_ = nullptr;
     Chunk* current_ = nullptr;
     std::array<FreeBlock*, listCount> free_ = {};
@@ -120,8 +131,8 @@ inline void* Pool::cut(std::size_t units) noexcept {
 }
 
 /// As `malloc`, from `pool` where the size allows; from the C heap when `pool` is null or cannot
-/// grow. Null when memory is exhausted, or the stack that `pool` asks for. Goes back through release()
-/// only.
+/// grow. Null when memory is exhausted, or the stack that `pool` asks for. Goes back through
+/// release() only.
 inline void* allocate(Pool* pool, std::size_t size) noexcept {
     if (pool != nullptr && size <= Pool::largestExactBlock) {
         if (pool->stackIsShort()) return nullptr;
@@ -133,8 +144,8 @@ inline void* allocate(Pool* pool, std::size_t size) noexcept {
     return allocateOtherwise(pool, size);
 }
 
-/// As `realloc`, for a block of this file. A block of a pool that has to move goes to `pool`; one of
-/// the C heap stays there.
+/// As `realloc`, for a block of this file. A block of a pool that has to move goes to `pool`; one
+/// of the C heap stays there.
 void* reallocate(Pool* pool, void* block, std::size_t size) noexcept;
 
 /// As `free`. A block of a pool goes back to that pool, whichever pool is in use.

@@ -16,9 +16,10 @@ extern const bool poolsAreUsed;
 /// pools are not used.
 Pool* poolInUse();
 
-/// While it lives, the calling thread uses a pool of `slot`. The caller releases every block that is
-/// taken meanwhile before the scope ends; a pool with a block in use is not used again. Scopes of one thread may enclose each other, as when a translate
-/// callback generates with another generator.
+/// While it lives, the calling thread uses a pool of `slot`. The caller releases every block that
+/// is taken meanwhile before the scope ends; a pool with a block in use is not used again. Scopes
+/// of one thread may enclose each other, as when a translate callback generates with another
+/// generator.
 class PoolScope {
 public:
     explicit PoolScope(PoolSlot& slot);

@@ -25,8 +25,9 @@ extern const char pathSeparator;
 /// text that is not strict UTF-8, on every system alike.
 NativePathText toWidePath(const std::string& utf8Text);
 
-/// True for a device, a pipe or a socket at `path`: opening or reading one may wait for ever. Always
-/// false on Windows, whose devices and pipes stand in no folder. Raises as toWidePath does.
+/// True for a device, a pipe or a socket at `path`: opening or reading one may wait for ever.
+/// Windows, whose devices and pipes stand in no folder, is not asked: always false. Raises as
+/// toWidePath does.
 bool namesSpecialFile(const std::string& path);
 
 /// Breaks `secondsSince1970` (UTC) down into local time, by the time zone in force at the call.
@@ -37,8 +38,8 @@ bool localTime(std::int64_t secondsSince1970, std::tm& brokenDown);
 /// Windows takes the bytes of `path` in the ANSI code page. False when it cannot be created.
 bool createDeleteOnCloseFile(const std::string& path, FileHandle& file);
 
-/// Writes `size` bytes; does not wait for the reader of a full pipe. False when nothing could be written because of an error; otherwise
-/// `written` tells how many bytes arrived.
+/// Writes `size` bytes; does not wait for the reader of a full pipe. False when nothing could be
+/// written because of an error; otherwise `written` tells how many bytes arrived.
 bool writeToFile(FileHandle file, const void* bytes, std::size_t size, std::size_t& written);
 
 void closeFile(FileHandle file);
@@ -81,7 +82,8 @@ void offerPages(void* pages, std::size_t size);
 void* threadPointer();
 void setThreadPointer(void* pointer);
 
-/// Lowest address of the calling thread's stack, or null when the system does not tell it.
+/// Lowest address of the calling thread's stack, or null when the system does not tell it. Raises
+/// std::bad_alloc when memory is too short for asking.
 const char* stackLimit();
 
 /// Bytes of stack that a template must leave to the code below it.

@@ -173,7 +173,9 @@ struct StackBounds {
 StackBounds readStackBounds() {
     StackBounds bounds;
     pthread_attr_t attributes;
-    if (pthread_getattr_np(pthread_self(), &attributes) != 0) return bounds;
+    const int outcome = pthread_getattr_np(pthread_self(), &attributes);
+    if (outcome == ENOMEM) throw std::bad_alloc();
+    if (outcome != 0) return bounds;
     void* lowest = nullptr;
     std::size_t size = 0;
     if (pthread_attr_getstack(&attributes, &lowest, &size) == 0) {
@@ -212,8 +214,9 @@ bool localTime(std::int64_t secondsSince1970, std::tm& brokenDown) {
 
 bool createDeleteOnCloseFile(const std::string& path, FileHandle& file) {
     const NativePathText nativePath = toWidePath(path);
+    const int mayWait = namesSpecialFile(path) ? O_NONBLOCK : 0;
     const int descriptor =
-        open(nativePath.c_str(), O_RDWR | O_CREAT | O_TRUNC | O_CLOEXEC | O_NOCTTY | O_NONBLOCK,
+        open(nativePath.c_str(), O_RDWR | O_CREAT | O_TRUNC | O_CLOEXEC | O_NOCTTY | mayWait,
              S_IRUSR | S_IWUSR);
     if (descriptor == -1) return false;
     struct stat information = {};
@@ -223,7 +226,6 @@ bool createDeleteOnCloseFile(const std::string& path, FileHandle& file) {
         close(descriptor);
         return false;
     }
-    if (isRegular) static_cast<void>(fcntl(descriptor, F_SETFL, 0));
     // A file that existed before has its own mode; it stays where the file has other names.
     const bool nameless = fstat(descriptor, &information) == 0 && information.st_nlink == 0;
     if (nameless) static_cast<void>(fchmod(descriptor, S_IRUSR | S_IWUSR));

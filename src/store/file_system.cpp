@@ -15,13 +15,13 @@ namespace {
 
 namespace fs = boost::filesystem;
 
-/// A file that is read or written in one go, and needs no buffer for that. What goes wrong after the
-/// opening is not told: less is read or written then.
+/// A file that is read or written in one go, and needs no buffer for that. What goes wrong after
+/// the opening is not told: less is read or written then.
 class UnbufferedFile {
 public:
-    bool open(const std::string& path, std::ios::openmode mode) {
+    bool open(const fs::path::value_type* path, std::ios::openmode mode) {
         buffer_.pubsetbuf(nullptr, 0);
-        return buffer_.open(platform::toWidePath(path).c_str(), mode | std::ios::binary) != nullptr;
+        return buffer_.open(path, mode | std::ios::binary) != nullptr;
     }
 
     /// False for a file without a position.
@@ -114,20 +114,35 @@ void removeQuietly(const std::string& path) noexcept {
     }
 }
 
+FileRemover::~FileRemover() {
+    if (!isArmed_) return;
+    try {
+        boost::system::error_code ignored;
+        fs::remove(path_, ignored);
+    } catch (const std::exception&) {
+        // On purpose: as removeQuietly.
+    }
+}
+
 bool writeFile(const std::string& path, const std::vector<std::uint8_t>& bytes) {
     if (platform::namesSpecialFile(path)) return false;
+    FileRemover remover(path);
     UnbufferedFile file;
-    if (!file.open(path, std::ios::out | std::ios::trunc)) return false;
+    const bool isOpen = openForWriting(remover, [&file](const auto* nativePath) {
+        return file.open(nativePath, std::ios::out | std::ios::trunc);
+    });
+    if (!isOpen) return false;
     // On purpose: neither writing nor closing is examined, so a full disk goes unnoticed.
     file.write(bytes.data(), bytes.size());
     return true;
 }
 
 bool readFile(const std::string& path, std::string& bytes) {
-    if (fs::status(toNativePath(path)).type() != fs::regular_file) return false;
+    const fs::path nativePath = toNativePath(path);
+    if (fs::status(nativePath).type() != fs::regular_file) return false;
     UnbufferedFile file;
     std::size_t size = 0;
-    if (!file.open(path, std::ios::in) || !file.findSize(size)) return false;
+    if (!file.open(nativePath.c_str(), std::ios::in) || !file.findSize(size)) return false;
     bytes.resize(size);
     bytes.resize(file.readFromStart(bytes.data(), bytes.size()));
     return true;

@@ -39,8 +39,38 @@ bool makeRoomForFile(const std::string& path, EmptyFolder emptyFolder = EmptyFol
 /// Clean-up: removes a file if it is there and can be removed. Never raises anything.
 void removeQuietly(const std::string& path) noexcept;
 
-/// Creates or overwrites a file. False when it cannot be opened, and for devices, pipes and sockets;
-/// what happens to the bytes after the opening is not examined.
+/// Clean-up that needs no memory: removes its file when it goes, if it is armed by then. Failures
+/// are ignored.
+class FileRemover {
+public:
+    explicit FileRemover(const std::string& path) : path_(toNativePath(path)) {}
+    ~FileRemover();
+    FileRemover(const FileRemover&) = delete;
+    FileRemover& operator=(const FileRemover&) = delete;
+
+    const boost::filesystem::path& path() const { return path_; }
+    void arm() { isArmed_ = true; }
+    void disarm() { isArmed_ = false; }
+
+private:
+    boost::filesystem::path path_;
+    bool isArmed_ = false;
+};
+
+/// Opens the remover's file by `open`, which gives whether it succeeded. Without memory for its
+/// buffer a stream raises std::bad_alloc when the file is there already; the remover is then armed.
+template <typename Open>
+bool openForWriting(FileRemover& file, Open open) {
+    try {
+        return open(file.path().c_str());
+    } catch (...) {
+        file.arm();
+        throw;
+    }
+}
+
+/// Creates or overwrites a file. False when it cannot be opened, and for devices, pipes and
+/// sockets; what happens to the bytes after the opening is not examined.
 bool writeFile(const std::string& path, const std::vector<std::uint8_t>& bytes);
 
 /// Reads a regular file. False when there is none that can be opened.

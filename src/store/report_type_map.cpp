@@ -35,8 +35,8 @@ FileNameTexts readFileNames(xmlNode* typeElement) {
     return texts;
 }
 
-/// One of the two file names. Only that of the wanted GUID enters the table; of the others it counts
-/// that there are any.
+/// One of the two file names. Only that of the wanted GUID enters the table; of the others it
+/// counts that there are any.
 struct FileNames {
     FileNameTable table;
     bool anyUsable = false;

@@ -10,7 +10,6 @@
 #include <libxml/xmlIO.h>
 #include <libxml/xmlsave.h>
 
-#include <filesystem>
 #include <fstream>
 
 #include "platform/platform.h"
@@ -55,13 +54,18 @@ XmlPtr<xmlDoc> readXmlFile(const std::string& path) {
 
 bool saveXmlFile(const std::string& path, xmlDoc* document) {
     if (document == nullptr) return false;
-    std::ofstream file(std::filesystem::path(platform::toWidePath(path)),
-                       std::ios::binary | std::ios::trunc);
-    if (!file) return false;
-    if (saveToStream(file, document)) return true;
-    file.close();
-    removeQuietly(path);
-    return false;
+    // Declared first, so that it acts when the stream is closed.
+    FileRemover halfFile(path);
+    std::ofstream file;
+    const bool isOpen = openForWriting(halfFile, [&file](const auto* nativePath) {
+        file.open(nativePath, std::ios::binary | std::ios::trunc);
+        return file.is_open();
+    });
+    if (!isOpen) return false;
+    halfFile.arm();
+    const bool isSaved = saveToStream(file, document);
+    if (isSaved) halfFile.disarm();
+    return isSaved;
 }
 
 }  // namespace rgen

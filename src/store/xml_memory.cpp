@@ -1,28 +1,81 @@
-// The memory hooks of libxml2, which libxslt uses, too.
+// The memory hooks of libxml2, which libxslt uses, too. libxslt does not examine all of its
+// allocations: without memory it may write through a null pointer, or leave parts of a template
+// out. So when the C heap has none left, its blocks come from a reserve until the transformation
+// looks and ends.
 //
 // SPDX-License-Identifier: MIT
 #include "store/xml_memory.h"
 
+#include <libxml/threads.h>
 #include <libxml/xmlerror.h>
 #include <libxml/xmlmemory.h>
 
+#include <atomic>
+#include <cstdlib>
 #include <cstring>
+#include <new>
 
 #include "memory/pool.h"
+#include "memory/reserve.h"
 
 namespace rgen {
 namespace {
 
-void* allocateForXml(std::size_t size) {
-    return memory::allocate(memory::poolInUse(), size);
+memory::Reserve reserve;
+/// Those of threads without a pool.
+std::atomic<std::size_t> failedAllocations = 0;
+
+void noteFailure() {
+    if (memory::Pool* pool = memory::poolInUse()) {
+        pool->noteFailure();
+    } else {
+        ++failedAllocations;
+    }
 }
 
+/// For a request that pool and C heap refuse. One that fails for lack of stack has to fail: it is
+/// what ends a recursion.
+void* takeFromReserve(std::size_t size) {
+    noteFailure();
+    const memory::Pool* pool = memory::poolInUse();
+    const bool isOpen = pool == nullptr || (pool->hasReserve() && !pool->stackIsShort());
+    return isOpen ? reserve.take(size) : nullptr;
+}
+
+void* allocateForXml(std::size_t size) {
+    void* block =
+        memory::poolsAreUsed ? memory::allocate(memory::poolInUse(), size) : std::malloc(size);
+    return block != nullptr ? block : takeFromReserve(size);
+}
+
+void* moveFromReserve(void* block, std::size_t size) {
+    const std::size_t oldSize = memory::Reserve::sizeOf(block);
+    if (size <= oldSize) return block;
+    void* moved = allocateForXml(size);
+    if (moved == nullptr) return nullptr;
+    std::memcpy(moved, block, oldSize);
+    reserve.give(block);
+    return moved;
+}
+
+/// The reserve does not stand in here: whoever grows a block examines the outcome.
 void* reallocateForXml(void* block, std::size_t size) {
-    return memory::reallocate(memory::poolInUse(), block, size);
+    if (block == nullptr) return allocateForXml(size);
+    if (reserve.owns(block)) return moveFromReserve(block, size);
+    void* moved = memory::poolsAreUsed ? memory::reallocate(memory::poolInUse(), block, size)
+                                       : std::realloc(block, size);
+    if (moved == nullptr) noteFailure();
+    return moved;
 }
 
 void releaseForXml(void* block) {
-    memory::release(block);
+    if (reserve.owns(block)) {
+        reserve.give(block);
+    } else if (memory::poolsAreUsed) {
+        memory::release(block);
+    } else {
+        std::free(block);
+    }
 }
 
 char* copyForXml(const char* text) {
@@ -34,8 +87,24 @@ char* copyForXml(const char* text) {
 }  // namespace
 
 void installXmlMemory() {
-    if (!memory::poolsAreUsed) return;
     xmlMemSetup(releaseForXml, allocateForXml, reallocateForXml, copyForXml);
+}
+
+void requireXmlThreadState() {
+    if (xmlCheckThreadLocalStorage() != 0) throw std::bad_alloc();
+}
+
+XmlMemoryWatch::XmlMemoryWatch() : failedBefore_(failedXmlAllocations()) {
+    if (memory::Pool* pool = memory::poolInUse()) pool->setReserve(true);
+}
+
+XmlMemoryWatch::~XmlMemoryWatch() {
+    if (memory::Pool* pool = memory::poolInUse()) pool->setReserve(false);
+}
+
+std::size_t failedXmlAllocations() {
+    const memory::Pool* pool = memory::poolInUse();
+    return pool != nullptr ? pool->failures() : failedAllocations.load();
 }
 
 XmlMemoryScope::~XmlMemoryScope() {

@@ -10,6 +10,9 @@
 #include <libxslt/xsltlocale.h>
 #include <libxslt/xsltutils.h>
 
+#include <cstddef>
+#include <new>
+
 #include "store/xml_handles.h"
 #include "store/xml_memory.h"
 #include "store/xslt_stack_guard.h"
@@ -38,12 +41,20 @@ void makeLocaleList() {
 
 XmlParserContext::XmlParserContext() {
     installXmlMemory();
+    const std::size_t failedBefore = failedXmlAllocations();
     xmlInitParser();
+    requireXmlThreadState();
     xmlCheckVersion(builtForXmlVersion);
     xsltInit();
     xsltSetGenericErrorFunc(nullptr, ignoreMessage);
     makeLocaleList();
     installStackGuard();
+    if (failedXmlAllocations() != failedBefore) {
+        // libxslt would lack what it could not register; and the reserve gets its blocks back.
+        xsltCleanupGlobals();
+        xmlCleanupParser();
+        throw std::bad_alloc();
+    }
 }
 
 XmlParserContext::~XmlParserContext() {
@@ -55,11 +66,12 @@ std::shared_ptr<XmlParserContext> sharedXmlParserContext() {
     return context;
 }
 
-XmlSilence::XmlSilence()
-    : structuredHandler_(xmlStructuredError),
-      structuredContext_(xmlStructuredErrorContext),
-      genericHandler_(xmlGenericError),
-      genericContext_(xmlGenericErrorContext) {
+XmlSilence::XmlSilence() {
+    requireXmlThreadState();
+    structuredHandler_ = xmlStructuredError;
+    structuredContext_ = xmlStructuredErrorContext;
+    genericHandler_ = xmlGenericError;
+    genericContext_ = xmlGenericErrorContext;
     xmlSetStructuredErrorFunc(nullptr, ignoreError);
     xmlSetGenericErrorFunc(nullptr, ignoreMessage);
 }

@@ -23,7 +23,8 @@ public:
 std::shared_ptr<XmlParserContext> sharedXmlParserContext();
 
 /// While it lives, libxml2 prints nothing on the calling thread. The previous handlers come back
-/// afterwards. Everything that uses XML keeps one on its stack.
+/// afterwards. Raises std::bad_alloc on a thread for which libxml2 gets no memory. Everything that
+/// uses XML keeps one on its stack.
 class XmlSilence {
 public:
     XmlSilence();
@@ -32,10 +33,10 @@ public:
     XmlSilence& operator=(const XmlSilence&) = delete;
 
 private:
-    xmlStructuredErrorFunc structuredHandler_;
-    void* structuredContext_;
-    xmlGenericErrorFunc genericHandler_;
-    void* genericContext_;
+    xmlStructuredErrorFunc structuredHandler_ = nullptr;
+    void* structuredContext_ = nullptr;
+    xmlGenericErrorFunc genericHandler_ = nullptr;
+    void* genericContext_ = nullptr;
 };
 
 }  // namespace rgen

@@ -1,7 +1,7 @@
 // The stack guard. libxslt stops a recursion by its depth alone (3,000 levels), for which a thread
 // with 1 MiB of stack has no room. Its debugger hook runs before each instruction of a template,
-// which is the place to look at the stack that is left. Where it copies a tree level by level inside
-// one instruction, the pool ends the recursion: it has no memory for the next level.
+// which is the place to look at the stack that is left. Where it copies a tree level by level
+// inside one instruction, the pool ends the recursion: it has no memory for the next level.
 //
 // SPDX-License-Identifier: MIT
 #include "store/xslt_stack_guard.h"
@@ -12,16 +12,17 @@
 
 #include "memory/pool_scope.h"
 #include "platform/platform.h"
+#include "store/xml_memory.h"
 
 namespace rgen {
 namespace {
 
-/// The context's private field holds the lowest stack address that a template may reach; null where
-/// the system does not tell the limit, and no address is below that.
+/// The context's private field points to the bounds.
 void stopBeforeStackEnds(xmlNode*, xmlNode*, xsltTemplate*, xsltTransformContext* context) {
-    const auto* lowestAllowed = static_cast<const char*>(context->_private);
+    const auto& bounds = *static_cast<const TemplateBounds*>(context->_private);
     const auto* frame = static_cast<const char*>(__builtin_frame_address(0));
-    if (frame >= lowestAllowed) return;
+    const bool hasMemory = failedXmlAllocations() == bounds.failedAllocations;
+    if (frame >= bounds.lowestAllowed && hasMemory) return;
     context->state = XSLT_STATE_STOPPED;
     // Variables refer to each other through XPath, which does not look at the state: end that, too.
     context->xpathCtxt->opLimit = 1;
@@ -43,11 +44,13 @@ void installStackGuard() {
     xsltSetDebuggerCallbacks(callbackCount, &callbacks);
 }
 
-void guardStack(xsltTransformContext& context) {
+void guardStack(xsltTransformContext& context, TemplateBounds& bounds) {
+    bounds.failedAllocations = failedXmlAllocations();
+    context._private = &bounds;
+    context.debugStatus = XSLT_DEBUG_RUN;
     const char* limit = platform::stackLimit();
     if (limit == nullptr) return;
-    context._private = const_cast<char*>(limit + platform::stackReserve);
-    context.debugStatus = XSLT_DEBUG_RUN;
+    bounds.lowestAllowed = limit + platform::stackReserve;
     memory::Pool* pool = memory::poolInUse();
     // Expressions may use most of the reserve; the last quarter is for what handles the failure.
     if (pool != nullptr) pool->needStackAbove(limit + platform::stackReserve / 4);

@@ -8,6 +8,10 @@
 
 namespace rgen_test {
 
+const long bytesKeptOfLoad = 0;
+const long bytesKeptOfThread = 256;
+const long handlesKeptOfThread = 0;
+
 LoadedLibrary::LoadedLibrary() : handle_(dlopen(RGEN_TEST_LIBRARY, RTLD_NOW | RTLD_LOCAL)) {
     EXPECT_NE(nullptr, handle_) << dlerror();
 }

@@ -9,6 +9,10 @@
 
 namespace rgen_test {
 
+const long bytesKeptOfLoad = 1280;
+const long bytesKeptOfThread = 1536;
+const long handlesKeptOfThread = 2;
+
 LoadedLibrary::LoadedLibrary() : handle_(LoadLibraryA(RGEN_TEST_LIBRARY)) {
     EXPECT_NE(nullptr, handle_) << GetLastError();
 }

@@ -4,6 +4,7 @@
 // SPDX-License-Identifier: MIT
 #include <gtest/gtest.h>
 
+#include <algorithm>
 #include <cstdint>
 #include <limits>
 #include <string>
@@ -212,8 +213,33 @@ TEST_F(ValueInReport, MarkupInATextIsEscapedInHtml) {
 }
 
 TEST_F(ValueInReport, MarkupInATextNeverBecomesAnElement) {
-    putTemplate(textStylesheet("<xsl:value-of select=\"count(//*)\"/>"));
-    EXPECT_EQ(reportOf("3"), reportOfValue("<x/></property><property name='y'>z</property>"));
+    const std::vector<std::string> texts = {"<x/></property><property name='y'>z</property>",
+                                            "t&</property><property name='y'>z</property>;",
+                                            "t&<x/>;", "a&<b>c</b>;d&e<f/>;g"};
+    for (const std::string& text : texts) {
+        SCOPED_TRACE(text);
+        putTemplate(textStylesheet("<xsl:value-of select=\"count(//*)\"/>"));
+        EXPECT_EQ(reportOf("3"), reportOfValue(text));
+        putTemplate(stylesheet("method=\"xml\" omit-xml-declaration=\"yes\"",
+                               "<xsl:template match=\"/\"><xsl:copy-of select=\"//property\"/>"
+                               "</xsl:template>"));
+        const Report copied = reportOfValue(text);
+        EXPECT_EQ(statusHex(RGEN_OK), copied.status);
+        EXPECT_EQ(2, std::count(copied.bytes.begin(), copied.bytes.end(), '<')) << copied;
+    }
+}
+
+TEST_F(ValueInReport, AReferenceWithMarkupIsNothing) {
+    putTemplate(textStylesheet("[" + valueOf("v") + "]"));
+    EXPECT_EQ(reportOf("[ab]"), reportOfValue("a&<b>x</b>;b"));
+    EXPECT_EQ(reportOf("[R & D]"), reportOfValue("R&<x@y.org>; &amp; D"));
+}
+
+TEST_F(ValueInReport, BytesThatAreNoCharactersGoIntoReportsAsTheyAre) {
+    putTemplate(textStylesheet("[" + valueOf("v") + "]"));
+    for (const std::string text : {"\x01", "\xFF", "\xC3", "\xE2\x82", "\xC0\x80", "\xEE\xF2"}) {
+        EXPECT_EQ(reportOf("[" + text + "]"), reportOfValue(text));
+    }
 }
 
 TEST_F(ValueInReport, ANameIsAnAttributeValueWithoutInterpretation) {

@@ -1,5 +1,5 @@
-// Each of the 26 functions leaves the state of the host's process as it was, when it succeeds, when it
-// fails and when it raises, and prints nothing. What that state is, support/host_state.h says.
+// Each of the 26 functions leaves the state of the host's process as it was, when it succeeds, when
+// it fails and when it raises, and prints nothing. What that state is, support/host_state.h says.
 //
 // SPDX-License-Identifier: MIT
 #include <gtest/gtest.h>

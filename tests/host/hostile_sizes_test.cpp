@@ -1,5 +1,5 @@
-// Files of sizes that nobody expects: depth, numbers and lengths. Each row is put into all three of the
-// files that the library reads, as far as it concerns them.
+// Files of sizes that nobody expects: depth, numbers and lengths. Each row is put into all three of
+// the files that the library reads, as far as it concerns them.
 //
 // SPDX-License-Identifier: MIT
 #include <gtest/gtest.h>

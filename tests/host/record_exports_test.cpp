@@ -218,6 +218,13 @@ TEST(CreateRgenCVariantInt64, StoresNameValueAndType) {
     }
 }
 
+TEST(CreateRgenCVariantInt64, TheRestOfTheValueIsZero) {
+    auto record = filledRecord<RgenCVariant>();
+    ASSERT_EQ(1, rgen_createRgenCVariantInt64("n", 0, RGEN_HINT_SIZE, &record));
+    EXPECT_TRUE(everyByteIs(record.value, 0));
+    rgen_freeRgenCVariant(&record);
+}
+
 TEST(CreateRgenCVariantInt64, StoresTheSmallerOfHintAndNine) {
     struct Row {
         std::uint64_t given, stored;

@@ -147,6 +147,14 @@ INSTANTIATE_TEST_SUITE_P(
                     value("no hexadecimal digits", "&#xZZ;", "ZZ;", "ZZ;"),
                     value("minus", "x&#-5;y", "x-5;y", "x-5;y")));
 
+// A reference with markup in it goes: in a file it would be markup.
+INSTANTIATE_TEST_SUITE_P(
+    MarkupInReferences, ValueContent,
+    testing::Values(value("an element", "a&<b>x</b>;b", "ab", "ab"),
+                    value("a property", "a&</property><property name=\"m\">t;b", "ab", "ab"),
+                    value("two", "a&<b/>;b&<c/>;c", "abc", "abc"),
+                    value("an address", "R&D <rd@x.org>; &amp;", "R &amp;", "R &")));
+
 INSTANTIATE_TEST_SUITE_P(
     Markup, ValueContent,
     testing::Values(value("tag", "<b>", "&lt;b&gt;", "<b>"),

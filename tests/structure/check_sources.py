@@ -11,6 +11,8 @@ from project_files import (CODE_ENDINGS, ROOT, code_files, finish, own_files, pr
                            without_comments)
 
 LONGEST_FILE = 400
+LONGEST_COMMENT_LINE = 100
+COMMENT_LINE = re.compile(r"\s*(//|/\*| \*)")
 WITHOUT_LIMIT = {"include/strata_repgenlib/rgen.h"}
 CONDITIONAL = re.compile(r"^\s*#\s*(if|ifdef|ifndef|elif)\b(.*)$", re.M)
 OS_NAME = re.compile(r"\b(_WIN32|_WIN64|WIN32|__MINGW\w+|__linux__|__unix__|__GNUC__|_MSC_VER"
@@ -19,8 +21,9 @@ OS_CONDITIONAL_FILE = "include/strata_repgenlib/rgen.h"
 MARKS = re.compile(r"\b(TO" r"DO|FIX" r"ME|XX" r"X|HA" r"CK)\b")
 SCRIPT_NAMES = {"CMakeLists.txt", "setup", "dependencies", "demo", "test", "lint", "run",
                 "run-under-wine", "run_test_program", "inventory-data", "picture",
-                "measure-conversion", "benchmark", "compare-with-peers"}
-LICENSED_ENDINGS = CODE_ENDINGS | {".cmake", ".py", ".sh", ".map", ".def"}
+                "measure-conversion", "benchmark", "compare-with-peers", "fuzz", "soak", "coverage",
+                "mutate"}
+LICENSED_ENDINGS = CODE_ENDINGS | {".cmake", ".py", ".sh", ".map", ".def", ".dict"}
 
 
 def check_os_conditionals():
@@ -41,6 +44,8 @@ def check_code_file(path):
     if len(lines) > LONGEST_FILE and name not in WITHOUT_LIMIT:
         problem(f"{name}: {len(lines)} lines, at most {LONGEST_FILE} are allowed")
     for number, line in enumerate(lines, 1):
+        if len(line) > LONGEST_COMMENT_LINE and COMMENT_LINE.match(line):
+            problem(f"{name}:{number}: comment line of {len(line)} characters")
         if name.startswith(("include/", "src/")) and not line.isascii():
             problem(f"{name}:{number}: not ASCII")
     if re.search(r"\bgoto\b", without_comments(text)):

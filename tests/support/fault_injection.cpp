@@ -1,5 +1,5 @@
-// Replacements of the wrapped calls that are the same on both systems. Each one is given the name by
-// which the linker looks for it.
+// Replacements of the wrapped calls that are the same on both systems. Each one is given the name
+// by which the linker looks for it.
 //
 // SPDX-License-Identifier: MIT
 #include "support/fault_injection.h"
@@ -15,8 +15,11 @@
 #include <atomic>
 #include <boost/filesystem/operations.hpp>
 #include <cstddef>
+#include <memory>
 #include <new>
 #include <utility>
+
+#include "store/xml_parser_context.h"
 
 namespace rgen_test {
 namespace {
@@ -61,6 +64,10 @@ void* realMalloc(std::size_t size) __asm__("__real_malloc");
 void* wrappedMalloc(std::size_t size) __asm__("__wrap_malloc");
 void* realCalloc(std::size_t count, std::size_t size) __asm__("__real_calloc");
 void* wrappedCalloc(std::size_t count, std::size_t size) __asm__("__wrap_calloc");
+void* realRealloc(void* block, std::size_t size) __asm__("__real_realloc");
+void* wrappedRealloc(void* block, std::size_t size) __asm__("__wrap_realloc");
+void* realNew(std::size_t size) __asm__("__real_" RGEN_NEW);
+void* wrappedNew(std::size_t size) __asm__("__wrap_" RGEN_NEW);
 void* realNothrowNew(std::size_t size, const std::nothrow_t&) noexcept
     __asm__("__real_" RGEN_NOTHROW_NEW);
 void* wrappedNothrowNew(std::size_t size, const std::nothrow_t&) noexcept
@@ -85,6 +92,11 @@ xmlNode* realNewChild(xmlNode* parent, xmlNs* space, const xmlChar* name,
                       const xmlChar* content) __asm__("__real_xmlNewChild");
 xmlNode* wrappedNewChild(xmlNode* parent, xmlNs* space, const xmlChar* name,
                          const xmlChar* content) __asm__("__wrap_xmlNewChild");
+
+xmlAttr* realNewProp(xmlNode* node, const xmlChar* name,
+                     const xmlChar* value) __asm__("__real_xmlNewProp");
+xmlAttr* wrappedNewProp(xmlNode* node, const xmlChar* name,
+                        const xmlChar* value) __asm__("__wrap_xmlNewProp");
 
 xmlXPathContext* realNewXPathContext(xmlDoc* document) __asm__("__real_xmlXPathNewContext");
 xmlXPathContext* wrappedNewXPathContext(xmlDoc* document) __asm__("__wrap_xmlXPathNewContext");
@@ -121,6 +133,15 @@ void* wrappedCalloc(std::size_t count, std::size_t size) {
     return failsNow(Call::Calloc) ? nullptr : realCalloc(count, size);
 }
 
+void* wrappedRealloc(void* block, std::size_t size) {
+    return failsNow(Call::Realloc) ? nullptr : realRealloc(block, size);
+}
+
+void* wrappedNew(std::size_t size) {
+    if (failsNow(Call::New)) throw std::bad_alloc();
+    return realNew(size);
+}
+
 void* wrappedNothrowNew(std::size_t size, const std::nothrow_t& tag) noexcept {
     return failsNow(Call::NothrowNew) ? nullptr : realNothrowNew(size, tag);
 }
@@ -146,6 +167,10 @@ xmlNode* wrappedNewNode(xmlNs* space, const xmlChar* name) {
 xmlNode* wrappedNewChild(xmlNode* parent, xmlNs* space, const xmlChar* name,
                          const xmlChar* content) {
     return failsNow(Call::NewXmlChild) ? nullptr : realNewChild(parent, space, name, content);
+}
+
+xmlAttr* wrappedNewProp(xmlNode* node, const xmlChar* name, const xmlChar* value) {
+    return failsNow(Call::NewXmlAttribute) ? nullptr : realNewProp(node, name, value);
 }
 
 xmlXPathContext* wrappedNewXPathContext(xmlDoc* document) {
@@ -186,4 +211,15 @@ int wrappedSaveResult(xmlChar** text, int* length, xmlDoc* result, xsltStyleshee
 }  // extern "C"
 
 }  // namespace
+
+using SharedContext = std::shared_ptr<rgen::XmlParserContext>;
+
+SharedContext realShareContext() __asm__("__real_" RGEN_SHARE_XML_CONTEXT);
+SharedContext wrappedShareContext() __asm__("__wrap_" RGEN_SHARE_XML_CONTEXT);
+
+SharedContext wrappedShareContext() {
+    if (failsNow(Call::ShareXmlContext)) throw std::bad_alloc();
+    return realShareContext();
+}
+
 }  // namespace rgen_test

@@ -14,27 +14,39 @@ namespace rgen_test {
 
 // What a failing call does instead of its work is said behind each name.
 enum class Call {
-    Malloc,                // gives null
-    Calloc,                // gives null
-    NothrowNew,            // gives null
-    CreateDirectory,       // Boost.Filesystem: gives false and creates nothing
-    ReadXmlFile,           // xmlReadFile: gives null
-    NewXmlDocument,        // xmlNewDoc: gives null
-    NewXmlNode,            // xmlNewNode: gives null
-    NewXmlChild,           // xmlNewChild: gives null
-    NewXPathContext,       // xmlXPathNewContext: gives null
-    EvaluateXPath,         // xmlXPathEvalExpression: gives null
-    NewOutputBuffer,       // xmlOutputBufferCreateIO: gives null
-    SaveXmlDocument,       // xmlSaveFormatFileTo: writes all, then gives the code of a full disk
-    NewTransformContext,   // xsltNewTransformContext: gives null
-    SaveTransformResult,   // xsltSaveResultToString: gives -1 and no text
-    WriteFile,             // WriteFile, write: writes nothing and fails (errno is EIO)
-    WriteFileInterrupted,  // write: writes nothing and fails with EINTR
-    WriteFileShort,        // WriteFile, write: writes the first half and succeeds
-    DeleteName,            // unlink: fails
-    WaitInterrupted,       // poll: fails with EINTR
-    QueryExitCode,         // GetExitCodeProcess, waitid: fails
-    OpenProcessDescriptor  // the system call pidfd_open: fails
+    Malloc,                 // gives null
+    Calloc,                 // gives null
+    Realloc,                // gives null and leaves the block as it is
+    New,                    // raises std::bad_alloc
+    NothrowNew,             // gives null
+    ShareXmlContext,        // sharedXmlParserContext: raises std::bad_alloc
+    CreateDirectory,        // Boost.Filesystem: gives false and creates nothing
+    ReadXmlFile,            // xmlReadFile: gives null
+    NewXmlDocument,         // xmlNewDoc: gives null
+    NewXmlNode,             // xmlNewNode: gives null
+    NewXmlChild,            // xmlNewChild: gives null
+    NewXmlAttribute,        // xmlNewProp: gives null
+    NewXPathContext,        // xmlXPathNewContext: gives null
+    EvaluateXPath,          // xmlXPathEvalExpression: gives null
+    NewOutputBuffer,        // xmlOutputBufferCreateIO: gives null
+    SaveXmlDocument,        // xmlSaveFormatFileTo: writes all, then gives the code of a full disk
+    NewTransformContext,    // xsltNewTransformContext: gives null
+    SaveTransformResult,    // xsltSaveResultToString: gives -1 and no text
+    WriteFile,              // WriteFile, write: writes nothing and fails (errno is EIO)
+    WriteFileInterrupted,   // write: writes nothing and fails with EINTR
+    WriteFileShort,         // WriteFile, write: writes the first half and succeeds
+    DeleteName,             // unlink: fails
+    DescribeFile,           // fstat: fails
+    WaitInterrupted,        // poll: fails with EINTR
+    Wait,                   // poll: fails with EINVAL
+    QueryExitCode,          // GetExitCodeProcess, waitid: fails
+    QueryInterrupted,       // waitid: fails with EINTR
+    OpenProcessDescriptor,  // the system call pidfd_open: fails
+    PrepareSpawn,           // each posix_spawn function that is given file actions or attributes to
+                            // fill: fails
+    ReadThreadAttributes,   // pthread_getattr_np: fails
+    ReadThreadStack,        // pthread_attr_getstack: fails
+    LockMutex               // pthread_mutex_lock, for an InterceptedCall: it does not fail
 };
 
 // While it lives, one call fails: the first one of that kind from now on, or the one with the given

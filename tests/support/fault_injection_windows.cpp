@@ -1,5 +1,5 @@
-// Replacements of the wrapped calls of Windows. A call into a system DLL goes through a pointer in the
-// import table, so the pointers are replaced.
+// Replacements of the wrapped calls of Windows. A call into a system DLL goes through a pointer in
+// the import table, so the pointers are replaced.
 //
 // SPDX-License-Identifier: MIT
 #include <windows.h>

@@ -9,12 +9,13 @@
 namespace rgen_test {
 
 // One line for each of: the current folder, the C and the C++ locale, the rounding mode, the number
-// of threads, what is done about signals; on Linux also the file mode mask, the blocked signals, the
-// open descriptors and a number for the environment. Two texts are equal when nothing has changed.
+// of threads, what is done about signals; on Linux also the file mode mask, the blocked signals,
+// the open descriptors and a number for the environment. Two texts are equal when nothing has
+// changed.
 std::string hostState();
 
-// As hostState(), once it is `expected` or a while has passed: the system still counts a thread for a
-// moment after it has been joined, and a process that has ended.
+// As hostState(), once it is `expected` or a while has passed: the system still counts a thread for
+// a moment after it has been joined, and a process that has ended.
 std::string settledHostState(const std::string& expected);
 
 // The lines of hostState() that each system has to be asked for in its own way.

@@ -13,6 +13,7 @@
 //   read FILE          opens the file and keeps it open until the program ends
 //   copy FROM TO       copies the bytes of a file
 //   background FILE    obeys another control file in a process that outlives this one
+//   ignore-signals     ignores every signal that can be ignored (Linux; else does nothing)
 //   crash              ends by a memory fault
 //   exit CODE          ends with that exit code
 //
@@ -112,6 +113,8 @@ bool obeyCommand(const Command& command, std::list<std::fstream>& openFiles, int
         stand_in::obeyInBackground(command[1]);
     } else if (word == "await") {
         exitCode = waitUntilExists(command[1]) ? EXIT_SUCCESS : exitOfEndlessWait;
+    } else if (word == "ignore-signals") {
+        stand_in::ignoreSignals();
     } else if (word == "crash") {
         stand_in::crash();
     } else {

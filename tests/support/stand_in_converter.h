@@ -23,6 +23,9 @@ void describeProcess(std::ostream& out);
 // Ends this process as a program error does, without any dialog, debugger or core file.
 [[noreturn]] void crash();
 
+// From now on signals that ask this process to end have no effect, where the system has signals.
+void ignoreSignals();
+
 // Obeys another control file in a process that lives on when this one ends.
 void obeyInBackground(const std::string& controlPath);
 

@@ -80,6 +80,11 @@ void crash() {
     std::abort();
 }
 
+void ignoreSignals() {
+    for (int number = 1; number < NSIG; ++number)
+        signal(number, SIG_IGN);
+}
+
 void obeyInBackground(const std::string& controlPath) {
     if (fork() == 0) _exit(obey(controlPath));
 }

@@ -54,6 +54,8 @@ void crash() {
     std::abort();
 }
 
+void ignoreSignals() {}
+
 void obeyInBackground(const std::string& controlPath) {
     SetEnvironmentVariableW(L"STAND_IN_CONTROL",
                             std::filesystem::u8path(controlPath).wstring().c_str());

@@ -1,4 +1,5 @@
-// A folder of its own for each test case, and file operations that take UTF-8 paths on every system.
+// A folder of its own for each test case, and file operations that take UTF-8 paths on every
+// system.
 //
 // SPDX-License-Identifier: MIT
 #ifndef RGEN_TESTS_SUPPORT_TEMP_FOLDER_H

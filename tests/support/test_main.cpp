@@ -28,8 +28,8 @@ class UnchangedHostState : public testing::EmptyTestEventListener {
 int runAllTests(bool onSmallStack) {
     int result = 1;
     const auto run = [&result] {
-        // What starts threads of its own: on Windows GoogleTest with a thread's first trace, and the
-        // thread sanitizer with the first thread of the program.
+        // What starts threads of its own: on Windows GoogleTest with a thread's first trace, and
+        // the thread sanitizer with the first thread of the program.
         { SCOPED_TRACE("start"); }
         std::thread([] {}).join();
         result = RUN_ALL_TESTS();

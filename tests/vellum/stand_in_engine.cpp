@@ -1,7 +1,7 @@
 // A program that stands in for a browser engine in tests. It takes the page's address from its last
-// argument and the PDF's path from "--print-to-pdf=PATH"; without that option the last two arguments
-// are the page and the PDF, as WeasyPrint takes them. It does what the environment variable
-// STAND_IN_ENGINE says, "pdf" by default:
+// argument and the PDF's path from "--print-to-pdf=PATH"; without that option the last two
+// arguments are the page and the PDF, as WeasyPrint takes them. It does what the environment
+// variable STAND_IN_ENGINE says, "pdf" by default:
 //
 //   pdf          writes a small PDF of one page
 //   unwell       the same, but complains and ends with exit code 3
@@ -14,9 +14,9 @@
 //   linger       writes a PDF, then hangs
 //   child        starts a copy of itself that hangs, then hangs
 //
-// When STAND_IN_ENGINE_LOG names a file, it first writes there what it was started with: one line for
-// its own name and each argument. Beside it, FILE.html is a copy of the page, FILE.hangs appears when
-// the program begins to hang, and FILE.child when its copy does.
+// When STAND_IN_ENGINE_LOG names a file, it first writes there what it was started with: one line
+// for its own name and each argument. Beside it, FILE.html is a copy of the page, FILE.hangs
+// appears when the program begins to hang, and FILE.child when its copy does.
 //
 // SPDX-License-Identifier: MIT
 #include "vellum/stand_in_engine.h"

@@ -20,7 +20,8 @@ std::string variable(const std::string& name);
 // Starts this program once more, which then hangs and marks the file as soon as it runs.
 void startHangingCopy(const std::string& markPath);
 
-// Makes the file as its mark and keeps this process busy until it is ended, a minute at the longest.
+// Makes the file as its mark and keeps this process busy until it is ended, a minute at the
+// longest.
 void hang(const std::string& markPath);
 
 }  // namespace stand_in_engine

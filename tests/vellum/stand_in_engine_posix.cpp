@@ -1,4 +1,5 @@
-// The stand-in engine on Linux. It reads its arguments from /proc, so that main needs no parameters.
+// The stand-in engine on Linux. It reads its arguments from /proc, so that main needs no
+// parameters.
 //
 // SPDX-License-Identifier: MIT
 #include <signal.h>

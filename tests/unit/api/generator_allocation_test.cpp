@@ -30,6 +30,17 @@ TEST(NewReportGenerator, GivesNullWhenMemoryIsExhausted) {
     rgen_freeReportGenerator(handle);
 }
 
+TEST(NewReportGenerator, GivesNullWhenTheXmlLibrariesCannotBeInitialised) {
+    const auto context = rgen::sharedXmlParserContext();
+    const long before = context.use_count();
+    {
+        const FailingCall failure(Call::ShareXmlContext);
+        EXPECT_EQ(nullptr, rgen_newReportGenerator());
+        EXPECT_TRUE(failure.reached());
+    }
+    EXPECT_EQ(before, context.use_count());
+}
+
 TEST(NewReportGenerator, StartsWithEmptyFieldsAndTheSharedContext) {
     RgenReportGenerator* handle = rgen_newReportGenerator();
     const rgen::ReportGenerator& generator = objectBehind(handle);

@@ -8,6 +8,7 @@
 #include <cstdint>
 #include <cstring>
 #include <limits>
+#include <new>
 #include <string>
 #include <vector>
 
@@ -210,6 +211,26 @@ TEST(ToInputParams, ZeroFilledRecordIsAnEmptyRequest) {
     EXPECT_TRUE(params.variants.empty());
     EXPECT_TRUE(params.pairs.empty());
     EXPECT_EQ("", params.outputFormat + params.outputPath + params.converterBaseArg);
+}
+
+TEST(ToPropertyMap, ExhaustedMemoryRaises) {
+    RgenAnsiString key = textRecord("key");
+    RgenAnsiString value = textRecord("value");
+    const RgenCAnsiStringPairSet set = {&key, &value, 1};
+    // Outside of all pools the table and its entries come from realloc, for which an optimising
+    // compiler may take malloc.
+    for (const int number : {1, 2}) {
+        const FailingCall failure(Call::Realloc, number);
+        const FailingCall otherFailure(Call::Malloc, number);
+        EXPECT_THROW(rgen::toPropertyMap(set), std::bad_alloc) << number;
+        EXPECT_TRUE(failure.reached() || otherFailure.reached()) << number;
+    }
+}
+
+TEST(ToPropertyMap, CountBeyondAllMemoryRaises) {
+    RgenAnsiString text = textRecord("text");
+    const std::uint64_t count = std::numeric_limits<std::uint64_t>::max() / 4;
+    EXPECT_THROW(rgen::toPropertyMap({&text, &text, count}), std::bad_alloc);
 }
 
 }  // namespace

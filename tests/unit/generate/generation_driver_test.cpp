@@ -273,5 +273,16 @@ TEST_F(GenerateTest, XPathFailureOfPersistentDataContributesNothing) {
     EXPECT_EQ("value", resultText());
 }
 
+TEST_F(GenerateTest, FlagRaisedDuringTheTemplateSearchWinsOverAnUnknownFormat) {
+    putConfig();
+    request.outputFormat = "doc";
+    const InterceptedCall making(Call::CreateDirectory, [this] {
+        putTemplate(textTemplate("x"), "doc");
+        raiseFlag();
+    });
+    EXPECT_EQ(statusHex(RGEN_CANCELED), generate());
+    EXPECT_TRUE(making.reached());
+}
+
 }  // namespace
 }  // namespace rgen_test

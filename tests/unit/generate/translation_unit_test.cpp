@@ -8,8 +8,8 @@
 #include <string>
 #include <vector>
 
+#include "support/expression_oracles.h"
 #include "unit/random_text.h"
-#include "unit/regular_expression.h"
 
 namespace rgen_test {
 namespace {
@@ -32,23 +32,6 @@ const char* RGEN_CALL mark(const char* text, void*) {
 // Gives a marker.
 const char* RGEN_CALL giveMarker(const char*, void*) {
     return "QT_TRANSLATE_NOOP(\"QObject\", \"again\")";
-}
-
-// What the translation pass is to give: search, replace, go on behind the replacement.
-std::string translatedByExpression(std::string text, RgenTranslateFunction translate) {
-    static const RegularExpression marker(
-        "QT_TRANSLATE_NOOP\\s*\\(\\s*\"QObject\"\\s*, \"([^\"]*)\\s*\"\\)");
-    std::size_t position = 0;
-    RegularExpression::Match match = {};
-    while (marker.search(text, position, match)) {
-        const std::string& whole = match.whole;
-        const std::size_t third = whole.find('"', whole.find('"', whole.find('"') + 1) + 1);
-        const std::string message = whole.substr(third + 1, whole.find('"', third + 1) - third - 1);
-        const std::string replacement = translate(message.c_str(), nullptr);
-        text.replace(match.position, whole.size(), replacement);
-        position = match.position + replacement.size();
-    }
-    return text;
 }
 
 std::string translated(std::string text, RgenTranslateFunction translate = nullptr) {
@@ -172,6 +155,15 @@ TEST(TranslateTemplateText, ManyMarkersAreAllReplaced) {
         expected += "<m>\n";
     }
     EXPECT_EQ(expected, translated(text, mark));
+}
+
+TEST(TranslateTemplateText, CallbackThatGivesNullKeepsTheMessage) {
+    const RgenTranslateFunction giveNull = [](const char*, void*) -> const char* {
+        return nullptr;
+    };
+    EXPECT_EQ("[first][]", translated("[QT_TRANSLATE_NOOP(\"QObject\", \"first\")]"
+                                      "[QT_TRANSLATE_NOOP(\"QObject\", \"\")]",
+                                      giveNull));
 }
 
 }  // namespace

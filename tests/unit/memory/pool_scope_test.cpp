@@ -97,6 +97,17 @@ TEST(PoolScope, WorksOnWithoutAPoolWhenMemoryIsExhausted) {
     rgen::memory::release(block);
 }
 
+// The address alone says little: a new pool may stand where an old one has gone.
+TEST(PoolScope, PoolComesBackWithItsMemory) {
+    if (!poolsAreUsed) GTEST_SKIP() << "the build for the address sanitizer has no pools";
+    PoolSlot slot;
+    {
+        const PoolScope scope(slot);
+        rgen::memory::release(rgen::memory::allocate(poolInUse(), 10));
+    }
+    EXPECT_LT(0U, slot.take()->bytesKept());
+}
+
 TEST(PoolScope, PoolWithABlockThatIsStillInUseIsNotUsedAgain) {
     if (!poolsAreUsed) GTEST_SKIP() << "the build for the address sanitizer has no pools";
     PoolSlot slot;

@@ -298,6 +298,32 @@ TEST(DeleteOnCloseDescriptor, NameThatCannotBeDeletedIsAFailure) {
     EXPECT_EQ(before, openDescriptors());
 }
 
+TEST(DeleteOnCloseDescriptor, FileThatTheSystemDoesNotDescribeIsAFailure) {
+    const TempFolder folder;
+    const std::size_t before = openDescriptors();
+    platform::FileHandle file = nullptr;
+    const FailingCall failure(Call::DescribeFile);
+    EXPECT_FALSE(platform::createDeleteOnCloseFile(folder.file("out"), file));
+    EXPECT_TRUE(failure.reached());
+    EXPECT_EQ(before, openDescriptors());
+}
+
+TEST(DeleteOnCloseDescriptor, FileWithoutAKnownNumberOfNamesKeepsItsRights) {
+    const TempFolder folder;
+    writeFile(folder.file("out"), "previous");
+    ASSERT_EQ(0, chmod(folder.file("out").c_str(), 0640));
+    platform::FileHandle file = nullptr;
+    {
+        const FailingCall failure(Call::DescribeFile, 2);
+        ASSERT_TRUE(platform::createDeleteOnCloseFile(folder.file("out"), file));
+        EXPECT_TRUE(failure.reached());
+    }
+    struct stat information = {};
+    EXPECT_EQ(0, fstat(asDescriptor(file), &information));
+    EXPECT_EQ(0640U, information.st_mode & 0777U);
+    platform::closeFile(file);
+}
+
 TEST(DeleteOnCloseDescriptor, DevicesKeepTheirNames) {
     platform::FileHandle file = nullptr;
     ASSERT_TRUE(platform::createDeleteOnCloseFile("/dev/null", file));
@@ -333,27 +359,6 @@ TEST(DeleteOnCloseDescriptor, InvalidUtf8Raises) {
     platform::FileHandle file = nullptr;
     EXPECT_THROW(platform::createDeleteOnCloseFile(folder.file("a\xC3"), file), std::range_error);
     EXPECT_TRUE(namesIn(folder.path()).empty());
-}
-
-TEST(StackLimit, IsUnknownOnAStackThatIsNotTheThreads) {
-    static const char* limit;
-    limit = platform::stackLimit();
-    ASSERT_NE(nullptr, limit);
-    std::vector<char> memory(256 * 1024);
-    stack_t alternative = {};
-    alternative.ss_sp = memory.data();
-    alternative.ss_size = memory.size();
-    stack_t previous = {};
-    ASSERT_EQ(0, sigaltstack(&alternative, &previous));
-    struct sigaction action = {};
-    struct sigaction previousAction = {};
-    action.sa_handler = [](int) { limit = platform::stackLimit(); };
-    action.sa_flags = SA_ONSTACK;
-    sigaction(SIGUSR1, &action, &previousAction);
-    raise(SIGUSR1);
-    sigaction(SIGUSR1, &previousAction, nullptr);
-    sigaltstack(&previous, nullptr);
-    EXPECT_EQ(nullptr, limit);
 }
 
 TEST(ToWidePath, KeepsTheBytes) {

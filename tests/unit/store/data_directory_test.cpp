@@ -8,9 +8,9 @@
 
 #include "platform/platform.h"
 #include "support/console_capture.h"
+#include "support/expression_oracles.h"
 #include "support/fault_injection.h"
 #include "unit/random_text.h"
-#include "unit/regular_expression.h"
 #include "unit/unit_fixture.h"
 
 namespace rgen_test {
@@ -30,11 +30,10 @@ const char* const defaultConfig =
 // The rule that endsInSeparator stands for: the whole path is anything without a line break and a
 // separator of the platform.
 void expectSameAsExpression(const std::string& path) {
-    static const RegularExpression separatorAtEnd(
-        rgen::platform::pathSeparator == '/' ? ".*/" : ".*(/|\\\\)");
     // Separators are the platform's before the rule is asked.
     if (rgen::platform::pathSeparator == '\\' && path.find('/') != std::string::npos) return;
-    ASSERT_EQ(separatorAtEnd.matches(path), rgen::endsInSeparator(path))
+    ASSERT_EQ(endsInSeparatorByExpression(path, rgen::platform::pathSeparator),
+              rgen::endsInSeparator(path))
         << testing::PrintToString(path);
 }
 
@@ -152,6 +151,12 @@ TEST_F(DataDirectoryTest, ConfigurationThatCannotBeSavedLeavesNoFile) {
 }
 
 TEST_F(DataDirectoryTest, ElementsForWhichMemoryIsExhausted) {
+    {
+        const FailingCall failure(Call::NewXmlAttribute);
+        EXPECT_EQ(statusHex(RGEN_E_CREATE_CONFIG), load());
+        EXPECT_TRUE(failure.reached());
+        EXPECT_FALSE(exists(configPath));
+    }
     // The children are reportTypes, type, persistDataFile and reportTypeFile.
     for (const int number : {1, 2, 3, 4}) {
         SCOPED_TRACE(number);

@@ -2,6 +2,7 @@
 //
 // SPDX-License-Identifier: MIT
 #include <gtest/gtest.h>
+#include <sys/resource.h>
 #include <sys/socket.h>
 #include <sys/stat.h>
 #include <sys/un.h>
@@ -116,6 +117,21 @@ TEST(CreateDirectory, ExistingFileIsAnError) {
     writeFile(folder.file("file"), "x");
     EXPECT_ANY_THROW(rgen::createDirectory(folder.file("file/")));
     EXPECT_ANY_THROW(rgen::createDirectory(folder.file("file")));
+}
+
+TEST(ReadFile, FileThatCannotBeOpenedKeepsTheText) {
+    const TempFolder folder;
+    writeFile(folder.file("file"), "x");
+    rlimit limit = {};
+    ASSERT_EQ(0, getrlimit(RLIMIT_NOFILE, &limit));
+    const rlimit noDescriptor = {0, limit.rlim_max};
+    std::string text = "previous";
+    ASSERT_EQ(0, setrlimit(RLIMIT_NOFILE, &noDescriptor));
+    const bool read = rgen::readFile(folder.file("file"), text);
+    setrlimit(RLIMIT_NOFILE, &limit);
+    EXPECT_FALSE(read);
+    EXPECT_EQ("previous", text);
+    EXPECT_TRUE(rgen::readFile(folder.file("file"), text));
 }
 
 }  // namespace

@@ -6,6 +6,8 @@
 #include <gtest/gtest.h>
 
 #include <boost/filesystem/exception.hpp>
+#include <cwchar>
+#include <locale>
 #include <stdexcept>
 #include <string>
 
@@ -153,6 +155,29 @@ TEST_F(FileSystemTest, InvalidUtf8RaisesEverywhere) {
         EXPECT_THROW(rgen::readFile(path, bytes), std::range_error);
     }
     EXPECT_EQ(4U, namesIn(folder.path()).size());
+}
+
+// Cannot write a single character.
+class NoConversion : public std::codecvt<char, char, std::mbstate_t> {
+protected:
+    bool do_always_noconv() const noexcept override { return false; }
+    result do_out(std::mbstate_t&, const char* from, const char*, const char*& fromNext, char* to,
+                  char*, char*& toNext) const override {
+        fromNext = from;
+        toNext = to;
+        return error;
+    }
+};
+
+TEST(WriteFile, LocaleOfAHostThatCannotBeWrittenInGoesUnnoticed) {
+    const TempFolder folder;
+    const std::locale previous =
+        std::locale::global(std::locale(std::locale::classic(), new NoConversion));
+    bool written = false;
+    EXPECT_NO_THROW(written = rgen::writeFile(folder.file("out"), {'a', 'b'}));
+    std::locale::global(previous);
+    EXPECT_TRUE(written);
+    EXPECT_EQ("", readFile(folder.file("out")));
 }
 
 }  // namespace

@@ -61,6 +61,7 @@ TEST(BuildPropertyDocument, TextsAreReadAsContent) {
                 {"&lt;x&gt;", ">&lt;x&gt;<"},
                 {"&#65;&#x42;", ">AB<"},
                 {"&undefined;", ">&undefined;<"},
+                {"x&<b/>;y", ">xy<"},
                 {"a & b", ">a  b<"},
                 {"\"'", ">\"'<"},
                 {"\xD0\x9F", ">\xD0\x9F<"}};

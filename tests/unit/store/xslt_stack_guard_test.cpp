@@ -48,7 +48,8 @@ bool succeeds(const std::string& stylesheetText) {
     const XmlPtr<xmlDoc> data = parse("<data/>");
     const XmlPtr<xsltTransformContext> transformation(
         xsltNewTransformContext(stylesheet.get(), data.get()));
-    rgen::guardStack(*transformation);
+    rgen::TemplateBounds bounds;
+    rgen::guardStack(*transformation, bounds);
     const XmlPtr<xmlDoc> result(xsltApplyStylesheetUser(stylesheet.get(), data.get(), nullptr,
                                                         nullptr, nullptr, transformation.get()));
     return result != nullptr;
@@ -78,10 +79,12 @@ TEST(GuardStack, MarksTheLowestAddressThatATemplateMayReach) {
     const XmlPtr<xsltStylesheet> stylesheet(xsltNewStylesheet());
     const XmlPtr<xsltTransformContext> context(
         xsltNewTransformContext(stylesheet.get(), data.get()));
-    rgen::guardStack(*context);
+    rgen::TemplateBounds bounds;
+    rgen::guardStack(*context, bounds);
     const char* limit = rgen::platform::stackLimit();
     ASSERT_NE(nullptr, limit);
-    EXPECT_EQ(limit + rgen::platform::stackReserve, static_cast<const char*>(context->_private));
+    EXPECT_EQ(limit + rgen::platform::stackReserve, bounds.lowestAllowed);
+    EXPECT_EQ(&bounds, context->_private);
     EXPECT_EQ(XSLT_DEBUG_RUN, context->debugStatus);
 }
 

@@ -6,13 +6,12 @@
 
 #include <gtest/gtest.h>
 
-#include <cstdlib>
 #include <string>
 #include <vector>
 
 #include "support/console_capture.h"
+#include "support/expression_oracles.h"
 #include "unit/random_text.h"
-#include "unit/regular_expression.h"
 
 namespace rgen_test {
 namespace {
@@ -27,23 +26,8 @@ const std::vector<std::string>& pieces() {
     return all;
 }
 
-bool isValidByExpression(const std::string& text) {
-    static const RegularExpression dump("\\s*0x[0-9A-Fa-f]{2}(\\s*,\\s*0x[0-9A-Fa-f]{2})*\\s*");
-    return dump.matches(text);
-}
-
-ByteVector bytesByExpression(const std::string& text) {
-    static const RegularExpression token("0x([0-9A-Fa-f]{2})");
-    ByteVector bytes;
-    RegularExpression::Match match = {};
-    for (std::size_t from = 0; token.search(text, from, match); from = match.position + 4) {
-        bytes.push_back(static_cast<std::uint8_t>(std::strtoul(match.group.c_str(), nullptr, 16)));
-    }
-    return bytes;
-}
-
 void expectSameAsExpression(const std::string& text) {
-    const bool valid = isValidByExpression(text);
+    const bool valid = isByteDumpByExpression(text);
     ASSERT_EQ(valid, rgen::isValidByteDump(text)) << testing::PrintToString(text);
     if (!valid) return;
     ByteVector bytes;

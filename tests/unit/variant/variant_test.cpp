@@ -271,5 +271,16 @@ TEST(VariantMapRules, SecondValueOfANameReplacesTheFirst) {
     EXPECT_EQ("2", rgen::variantText(map["name"]));
 }
 
+TEST(VariantAssignment, ValueAssignedToItselfStays) {
+    for (const Variant& variant : oneOfEach()) {
+        Variant assigned = variant;
+        const VariantValue& same = assigned.value;
+        assigned.value = same;
+        expectSame(variant, assigned);
+        assigned.value = std::move(const_cast<VariantValue&>(same));
+        expectSame(variant, assigned);
+    }
+}
+
 }  // namespace
 }  // namespace rgen_test

@@ -1,7 +1,7 @@
 // std::regex behind regular_expression.h.
 //
 // SPDX-License-Identifier: MIT
-#include "unit/regular_expression.h"
+#include "support/regular_expression.h"
 
 #include <regex>
 

@@ -1,9 +1,9 @@
-// An ECMAScript regular expression of the standard library, as the matchers that are written by hand
-// are compared with. Behind a pointer, since <regex> takes the compiler long.
+// An ECMAScript regular expression of the standard library, as the matchers that are written by
+// hand are compared with. Behind a pointer, since <regex> takes the compiler long.
 //
 // SPDX-License-Identifier: MIT
-#ifndef RGEN_TESTS_UNIT_REGULAR_EXPRESSION_H
-#define RGEN_TESTS_UNIT_REGULAR_EXPRESSION_H
+#ifndef RGEN_TESTS_SUPPORT_REGULAR_EXPRESSION_H
+#define RGEN_TESTS_SUPPORT_REGULAR_EXPRESSION_H
 
 #include <cstddef>
 #include <memory>

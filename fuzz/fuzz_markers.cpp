@@ -1,0 +1,51 @@
+// The translation pass against the regular expression that it stands for. The expression recurses
+// for each character, so it is asked about short texts only.
+//
+// SPDX-License-Identifier: MIT
+#include <cstddef>
+
+#include "fuzz_support.h"
+#include "fuzz_targets.h"
+#include "generate/translation.h"
+#include "support/expression_oracles.h"
+
+namespace rgen_fuzz {
+namespace {
+
+constexpr std::size_t longestForExpression = 256;
+
+// Every message in angle brackets.
+const char* RGEN_CALL mark(const char* text, void*) {
+    static std::string translation;
+    translation = "<" + std::string(text) + ">";
+    return translation.c_str();
+}
+
+// A marker: replacements are not searched again.
+const char* RGEN_CALL giveMarker(const char*, void*) {
+    return "QT_TRANSLATE_NOOP(\"QObject\", \"again\")";
+}
+
+const char* RGEN_CALL giveText(const char* text, void*) {
+    return text;
+}
+
+std::string translated(std::string text, RgenTranslateFunction translate) {
+    static rgen::ReportGenerator generator;
+    generator.translateFunction = translate;
+    rgen::translateTemplateText(generator, text);
+    return text;
+}
+
+}  // namespace
+
+void fuzzMarkers(const std::string& input) {
+    for (const RgenTranslateFunction translate : {mark, giveMarker, giveText}) {
+        const std::string result = translated(input, translate);
+        require(input.size() > longestForExpression ||
+                    result == rgen_test::translatedByExpression(input, translate),
+                "the translation pass and the expression differ", input);
+    }
+}
+
+}  // namespace rgen_fuzz

@@ -1,0 +1,48 @@
+// The reserve. It is too small for anything but the way to the next check, so it does without lists
+// of free blocks.
+//
+// SPDX-License-Identifier: MIT
+#include "memory/reserve.h"
+
+#include <new>
+#include <thread>
+
+namespace rgen::memory {
+
+/// A mutex of the C++ library may need memory itself when it is first used.
+class Reserve::Lock {
+public:
+    explicit Lock(std::atomic_flag& isBusy) : isBusy_(isBusy) {
+        while (isBusy_.test_and_set(std::memory_order_acquire))
+            std::this_thread::yield();
+    }
+    ~Lock() { isBusy_.clear(std::memory_order_release); }
+    Lock(const Lock&) = delete;
+    Lock& operator=(const Lock&) = delete;
+
+private:
+    std::atomic_flag& isBusy_;
+};
+
+void* Reserve::take(std::size_t blockSize) noexcept {
+    if (blockSize > size) return nullptr;
+    constexpr std::size_t unit = sizeof(Header);
+    const std::size_t needed = unit + (blockSize + unit - 1) / unit * unit;
+    const Lock lock(isBusy_);
+    if (needed > size - used_) return nullptr;
+    auto* header = ::new (bytes_.data() + used_) Header{blockSize};
+    used_ += needed;
+    ++blocksInUse_;
+    return header + 1;
+}
+
+void Reserve::give(void* /*block*/) noexcept {
+    const Lock lock(isBusy_);
+    if (--blocksInUse_ == 0) used_ = 0;
+}
+
+std::size_t Reserve::sizeOf(const void* block) noexcept {
+    return (static_cast<const Header*>(block) - 1)->size;
+}
+
+}  // namespace rgen::memory

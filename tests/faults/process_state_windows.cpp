@@ -1,0 +1,22 @@
+// SPDX-License-Identifier: MIT
+#include <windows.h>
+
+#include "faults/process_state.h"
+
+namespace rgen_test {
+
+const bool timesMayLackMemory = false;
+
+unsigned long long callingThread() {
+    return GetCurrentThreadId();
+}
+
+std::size_t openDescriptors() {
+    return 0;
+}
+
+bool sanitizerFindsLeaks() {
+    return false;
+}
+
+}  // namespace rgen_test

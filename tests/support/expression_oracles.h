@@ -1,0 +1,31 @@
+// What the matchers that are written by hand are to give, said by the regular expressions that they
+// stand for. The expressions recurse for each character: short texts only.
+//
+// SPDX-License-Identifier: MIT
+#ifndef RGEN_TESTS_SUPPORT_EXPRESSION_ORACLES_H
+#define RGEN_TESTS_SUPPORT_EXPRESSION_ORACLES_H
+
+#include <cstdint>
+#include <string>
+#include <vector>
+
+#include "strata_repgenlib/rgen.h"
+
+namespace rgen_test {
+
+// The text after the translation pass: search, replace, go on behind the replacement.
+std::string translatedByExpression(std::string text, RgenTranslateFunction translate);
+
+bool isByteDumpByExpression(const std::string& text);
+
+// The bytes of a text that is a byte dump.
+std::vector<std::uint8_t> bytesByExpression(const std::string& text);
+
+bool isGuidTextByExpression(const std::string& text);
+
+// The rule for the end of a path whose separators are the platform's, which is the one given.
+bool endsInSeparatorByExpression(const std::string& path, char separator);
+
+}  // namespace rgen_test
+
+#endif

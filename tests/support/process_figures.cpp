@@ -1,0 +1,44 @@
+// The part of process_figures.h that is the same on every system. RGEN_TEST_SLOWNESS says how many
+// times longer a repetition takes in this build.
+//
+// SPDX-License-Identifier: MIT
+#include "support/process_figures.h"
+
+#include <algorithm>
+#include <array>
+#include <cstdio>
+#include <cstdlib>
+
+#include "support/process_environment.h"
+
+namespace rgen_test {
+
+const bool memoryIsMeasured = RGEN_TEST_MEMORY_IS_MEASURED;
+
+long medianOfResidentBytes(const std::function<void()>& action) {
+    std::array<long, 9> readings{};
+    for (long& reading : readings) {
+        action();
+        reading = residentBytes();
+    }
+    std::sort(readings.begin(), readings.end());
+    return readings[readings.size() / 2];
+}
+
+int loopCount(int plainCount) {
+    const std::string factor = environmentText("RGEN_SOAK_FACTOR");
+    const int count = std::max(1, plainCount / RGEN_TEST_SLOWNESS);
+    return factor.empty() ? count : count * std::atoi(factor.c_str());
+}
+
+void printGrowth(const std::string& what, long before, long after) {
+    std::printf("growth|%s|%ld|%ld|%ld\n", what.c_str(), before, after, after - before);
+    std::fflush(stdout);
+}
+
+void printFigure(const std::string& what, long value) {
+    std::printf("figure|%s|%ld\n", what.c_str(), value);
+    std::fflush(stdout);
+}
+
+}  // namespace rgen_test

@@ -1,0 +1,123 @@
+// What a child process and its surroundings do when the system refuses something on the way.
+//
+// SPDX-License-Identifier: MIT
+#include <gtest/gtest.h>
+#include <sys/wait.h>
+
+#include <cstdint>
+#include <filesystem>
+#include <iterator>
+#include <memory>
+#include <new>
+
+#include "platform/platform.h"
+#include "support/converter_control.h"
+#include "support/fault_injection.h"
+#include "support/temp_folder.h"
+
+namespace rgen_test {
+namespace {
+
+namespace platform = rgen::platform;
+
+constexpr std::uint32_t longWait = 60000;
+
+std::ptrdiff_t openDescriptors() {
+    return std::distance(std::filesystem::directory_iterator("/proc/self/fd"), {});
+}
+
+// Waits until this process has no children any more; those that nobody collects are collected.
+void collectEveryChild() {
+    siginfo_t info = {};
+    while (waitid(P_ALL, 0, &info, WEXITED) == 0)
+        platform::reapAbandonedProcesses();
+    platform::reapAbandonedProcesses();
+}
+
+class ChildProcessFailures : public ::testing::Test {
+protected:
+    ChildProcessFailures() { collectEveryChild(); }
+
+    const TempFolder folder;
+    const ConverterControl control{folder};
+};
+
+TEST_F(ChildProcessFailures, SurroundingsThatCannotBePreparedStartNothing) {
+    const std::ptrdiff_t before = openDescriptors();
+    // Actions, attributes, three streams, the descriptors behind them.
+    constexpr int calls = 6;
+    for (int number = 1; number <= calls; ++number) {
+        const FailingCall failure(Call::PrepareSpawn, number);
+        EXPECT_THROW(platform::ChildProcess("vellum"), std::bad_alloc) << number;
+        EXPECT_TRUE(failure.reached()) << number;
+    }
+    const FailingCall oneMore(Call::PrepareSpawn, calls + 1);
+    platform::ChildProcess process("vellum");
+    EXPECT_FALSE(oneMore.reached());
+    EXPECT_FALSE(process.waitTimedOut(longWait));
+    std::uint32_t exitCode = 0;
+    EXPECT_TRUE(process.queryExitCode(exitCode));
+    EXPECT_EQ(before, openDescriptors());
+}
+
+TEST_F(ChildProcessFailures, InterruptedQueryIsRepeated) {
+    control.obey({{"exit", "7"}});
+    platform::ChildProcess process("vellum");
+    EXPECT_FALSE(process.waitTimedOut(longWait));
+    const FailingCall interrupted(Call::QueryInterrupted);
+    std::uint32_t exitCode = 0;
+    EXPECT_TRUE(process.queryExitCode(exitCode));
+    EXPECT_TRUE(interrupted.reached());
+    EXPECT_EQ(7U, exitCode);
+}
+
+TEST_F(ChildProcessFailures, RefusedQueryIsNoEnd) {
+    platform::ChildProcess process("vellum");
+    EXPECT_FALSE(process.waitTimedOut(longWait));
+    const FailingCall refused(Call::QueryExitCode);
+    std::uint32_t exitCode = 7;
+    EXPECT_FALSE(process.queryExitCode(exitCode));
+    EXPECT_TRUE(refused.reached());
+    EXPECT_EQ(0U, exitCode);
+}
+
+TEST_F(ChildProcessFailures, RefusedWaitIsNotRepeated) {
+    platform::ChildProcess process("vellum");
+    const FailingCall refused(Call::Wait);
+    EXPECT_FALSE(process.waitTimedOut(longWait));
+    EXPECT_TRUE(refused.reached());
+}
+
+TEST_F(ChildProcessFailures, RunningProgramThatCannotBeRememberedLeavesNoDescriptor) {
+    control.obey({{"await", folder.file("go")}});
+    const std::ptrdiff_t before = openDescriptors();
+    // Without a failure a program is remembered with its descriptor. The list grows until it asks
+    // for memory.
+    constexpr std::ptrdiff_t most = 64;
+    std::ptrdiff_t remembered = 0;
+    for (bool refused = false; !refused && remembered < most;) {
+        auto process = std::make_unique<platform::ChildProcess>("vellum");
+        ASSERT_TRUE(process->waitTimedOut(1));
+        const FailingCall noMemory(Call::New);
+        process.reset();
+        refused = noMemory.reached();
+        if (!refused) ++remembered;
+    }
+    EXPECT_EQ(before + remembered, openDescriptors());
+    {
+        const FailingCall withoutDescriptor(Call::OpenProcessDescriptor);
+        auto process = std::make_unique<platform::ChildProcess>("vellum");
+        EXPECT_TRUE(withoutDescriptor.reached());
+        ASSERT_TRUE(process->waitTimedOut(1));
+        const FailingCall noMemory(Call::New);
+        process.reset();
+        EXPECT_TRUE(noMemory.reached());
+    }
+    EXPECT_EQ(before + remembered, openDescriptors());
+    writeFile(folder.file("go"), "");
+    collectEveryChild();
+    EXPECT_EQ(before, openDescriptors());
+}
+
+}  // namespace
+}  // namespace rgen_test

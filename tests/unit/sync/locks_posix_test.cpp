@@ -1,0 +1,105 @@
+// Every stretch that the generator's mutex guards takes it before anything else. The wrapped call
+// shows the moment at which a thread asks for a mutex, so no case has to wait for another thread.
+//
+// SPDX-License-Identifier: MIT
+#include <gtest/gtest.h>
+
+#include <functional>
+#include <string>
+
+#include "platform/platform.h"
+#include "store/data_directory.h"
+#include "strata_repgenlib/rgen.h"
+#include "support/converter_control.h"
+#include "support/fault_injection.h"
+#include "sync/cancellation_registry.h"
+#include "unit/unit_fixture.h"
+
+namespace rgen_test {
+namespace {
+
+using rgen::sync::CancellationTokenSource;
+
+class LockTest : public UnitTest {
+protected:
+    // Runs `work` and, in front of the first mutex that it asks for, `before`.
+    static void expectLock(const std::function<void()>& work, const std::function<void()>& before) {
+        const InterceptedCall locking(Call::LockMutex, before);
+        work();
+        EXPECT_TRUE(locking.reached());
+    }
+
+    RgenReportGenerator* handle() { return reinterpret_cast<RgenReportGenerator*>(&generator); }
+    std::size_t entries() const { return generator.cancellationRegistry.size(); }
+};
+
+TEST_F(LockTest, TranslateCallbackIsStoredBehindIt) {
+    const RgenTranslateFunction before = generator.translateFunction;
+    const RgenTranslateFunction translate = [](const char*, void*) { return "translated"; };
+    expectLock([&] { rgen_setTranslateFunction(handle(), translate, this); },
+               [&] {
+                   EXPECT_EQ(before, generator.translateFunction);
+                   EXPECT_EQ(nullptr, generator.translateContext);
+               });
+    EXPECT_EQ(translate, generator.translateFunction);
+    EXPECT_TRUE(isUnlocked(generator));
+}
+
+TEST_F(LockTest, DataDirectoryPathIsStoredAndReadBehindIt) {
+    const std::string before = generator.dataDirPath;
+    expectLock([&] { rgen::setDataDir(generator, "/"); },
+               [&] { EXPECT_EQ(before, generator.dataDirPath); });
+    expectLock([&] { EXPECT_EQ("changed", rgen::dataDirPathOf(generator)); },
+               [&] { generator.dataDirPath = "changed"; });
+    EXPECT_TRUE(isUnlocked(generator));
+}
+
+TEST_F(LockTest, GenerationIsRegisteredAndUnregisteredBehindIt) {
+    expectLock(
+        [&] {
+            const rgen::sync::GenerationRegistration registration(generator, otherGuid);
+            expectLock([&] { rgen::sync::unregisterGeneration(generator, otherGuidText, nullptr); },
+                       [&] { EXPECT_EQ(1U, entries()); });
+        },
+        [&] { EXPECT_EQ(0U, entries()); });
+    EXPECT_EQ(0U, entries());
+    EXPECT_TRUE(isUnlocked(generator));
+}
+
+TEST_F(LockTest, GenerationsAreCancelledBehindIt) {
+    for (const bool all : {false, true}) {
+        const auto source = std::make_shared<CancellationTokenSource>();
+        generator.cancellationRegistry.emplace(otherGuidText, source);
+        expectLock(
+            [&] {
+                if (all) {
+                    rgen::sync::cancelAllGenerations(generator);
+                } else {
+                    rgen::sync::cancelGenerations(generator, otherGuid);
+                }
+            },
+            [&] {
+                EXPECT_EQ(1U, entries());
+                EXPECT_FALSE(source->isCancellationRequested());
+            });
+        EXPECT_TRUE(source->isCancellationRequested());
+        EXPECT_EQ(0U, entries());
+    }
+    EXPECT_TRUE(isUnlocked(generator));
+}
+
+TEST_F(LockTest, AbandonedProcessesAreKeptAndCollectedBehindOneOfTheirOwn) {
+    const ConverterControl control{folder};
+    control.obey({{"await", folder.file("go")}});
+    expectLock(
+        [] {
+            rgen::platform::ChildProcess process("vellum");
+            EXPECT_TRUE(process.waitTimedOut(1));
+        },
+        [] {});
+    expectLock([] { rgen::platform::reapAbandonedProcesses(); }, [] {});
+    writeFile(folder.file("go"), "");
+}
+
+}  // namespace
+}  // namespace rgen_test
