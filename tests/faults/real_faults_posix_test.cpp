@@ -5,16 +5,19 @@
 // SPDX-License-Identifier: MIT
 #include <fcntl.h>
 #include <gtest/gtest.h>
+#include <linux/capability.h>
 #include <sched.h>
 #include <signal.h>
 #include <sys/mount.h>
 #include <sys/resource.h>
 #include <sys/stat.h>
+#include <sys/syscall.h>
 #include <sys/wait.h>
 #include <unistd.h>
 
 #include <boost/filesystem/exception.hpp>
 #include <cstdio>
+#include <exception>
 #include <functional>
 #include <string>
 
@@ -60,7 +63,11 @@ protected:
         std::fflush(stdout);
         const pid_t child = fork();
         if (child == 0) {
-            action();
+            try {
+                action();
+            } catch (const std::exception& exception) {
+                ADD_FAILURE() << "raised " << exception.what();
+            }
             std::fflush(stdout);
             _exit(HasFailure() ? 1 : 0);
         }
@@ -134,9 +141,23 @@ bool fillDisk(const std::string& path) {
     return close(file) == 0;
 }
 
-bool giveUpRights() {
+// The superuser without any of its privileges.
+bool giveUpPrivileges() {
+    __user_cap_header_struct header = {_LINUX_CAPABILITY_VERSION_3, 0};
+    __user_cap_data_struct none[_LINUX_CAPABILITY_U32S_3] = {};
+    return syscall(SYS_capset, &header, none) == 0;
+}
+
+// From now on the process may do what an ordinary user may. Where nobody may come to the folder, the
+// superuser stays, without its privileges.
+bool giveUpRights(const FaultFolder& files) {
     constexpr uid_t nobody = 65534;
-    return geteuid() != 0 || (setgid(nobody) == 0 && setuid(nobody) == 0);
+    if (geteuid() != 0) return true;
+    const std::string& folder = files.folder().path();
+    if (setegid(nobody) != 0 || seteuid(nobody) != 0) return giveUpPrivileges();
+    if (faccessat(AT_FDCWD, folder.c_str(), R_OK | X_OK, AT_EACCESS) == 0)
+        return setresgid(nobody, nobody, nobody) == 0 && setresuid(nobody, nobody, nobody) == 0;
+    return seteuid(0) == 0 && setegid(0) == 0 && giveUpPrivileges();
 }
 
 TEST_F(RealFaults, AFullDisk) {
@@ -209,7 +230,7 @@ TEST_F(RealFaults, FoldersThatMayNotBeWritten) {
     for (const char* folder : {"out", "main/.rgen", "empty/.rgen", "empty", "plain"})
         EXPECT_EQ(0, chmod(files.file(folder).c_str(), 0555));
     inChild([&] {
-        ASSERT_TRUE(giveUpRights());
+        ASSERT_TRUE(giveUpRights(files));
         EXPECT_EQ(statusHex(RGEN_E_CREATE_CONFIG), store("empty"));
         EXPECT_EQ(statusHex(RGEN_E_DELETE_PERSIST), store("main"));
         EXPECT_EQ(statusHex(RGEN_E_DELETE_DUMP), dump(files.file("out/old")));
@@ -231,7 +252,7 @@ TEST_F(RealFaults, ADataDirectoryThatMayNotBeMadeRaises) {
     createFolder(files.file("empty"));
     EXPECT_EQ(0, chmod(files.file("empty").c_str(), 0555));
     inChild([&] {
-        ASSERT_TRUE(giveUpRights());
+        ASSERT_TRUE(giveUpRights(files));
         EXPECT_THROW(store("empty"), boost::filesystem::filesystem_error);
         EXPECT_EQ(statusHex(RGEN_OK), generate(RGEN_OUTPUT_BYTES, ""));
     });
@@ -243,17 +264,17 @@ TEST_F(RealFaults, FilesThatMayNotBeRead) {
     const std::string stylesheet = files.file("main/.rgen/templates/html/test_stylesheet.xsl");
     EXPECT_EQ(0, chmod(stylesheet.c_str(), 0));
     inChild([&] {
-        ASSERT_TRUE(giveUpRights());
+        ASSERT_TRUE(giveUpRights(files));
         EXPECT_EQ(statusHex(RGEN_E_XSLT_PARSE), generate(RGEN_OUTPUT_BYTES, ""));
     });
     EXPECT_EQ(0, chmod(stored.c_str(), 0));
     inChild([&] {
-        ASSERT_TRUE(giveUpRights());
+        ASSERT_TRUE(giveUpRights(files));
         EXPECT_EQ(statusHex(RGEN_E_OPEN_PERSIST), load());
     });
     EXPECT_EQ(0, chmod(config.c_str(), 0));
     inChild([&] {
-        ASSERT_TRUE(giveUpRights());
+        ASSERT_TRUE(giveUpRights(files));
         EXPECT_EQ(statusHex(RGEN_E_OPEN_CONFIG), load());
     });
 }
