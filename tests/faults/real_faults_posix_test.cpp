@@ -148,8 +148,8 @@ bool giveUpPrivileges() {
     return syscall(SYS_capset, &header, none) == 0;
 }
 
-// From now on the process may do what an ordinary user may. Where nobody may come to the folder, the
-// superuser stays, without its privileges.
+// From now on the process may do what an ordinary user may. Where nobody may come to the folder,
+// the superuser stays, without its privileges.
 bool giveUpRights(const FaultFolder& files) {
     constexpr uid_t nobody = 65534;
     if (geteuid() != 0) return true;
