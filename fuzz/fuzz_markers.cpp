@@ -14,18 +14,6 @@ namespace {
 
 constexpr std::size_t longestForExpression = 256;
 
-// Every message in angle brackets.
-const char* RGEN_CALL mark(const char* text, void*) {
-    static std::string translation;
-    translation = "<" + std::string(text) + ">";
-    return translation.c_str();
-}
-
-// A marker: replacements are not searched again.
-const char* RGEN_CALL giveMarker(const char*, void*) {
-    return "QT_TRANSLATE_NOOP(\"QObject\", \"again\")";
-}
-
 const char* RGEN_CALL giveText(const char* text, void*) {
     return text;
 }
@@ -40,7 +28,8 @@ std::string translated(std::string text, RgenTranslateFunction translate) {
 }  // namespace
 
 void fuzzMarkers(const std::string& input) {
-    for (const RgenTranslateFunction translate : {mark, giveMarker, giveText}) {
+    for (const RgenTranslateFunction translate :
+         {rgen_test::markMessage, rgen_test::giveMarker, giveText}) {
         const std::string result = translated(input, translate);
         require(input.size() > longestForExpression ||
                     result == rgen_test::translatedByExpression(input, translate),

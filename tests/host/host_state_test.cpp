@@ -8,33 +8,35 @@
 #include <functional>
 
 #include "support/console_capture.h"
+#include "support/conversion_fixture.h"
 #include "support/host_state.h"
 #include "support/report_fixture.h"
 
 namespace rgen_test {
 namespace {
 
+// Makes one call and looks at the process in front of it and behind it. True when the call raised.
+bool expectUnchanged(const char* name, const std::function<void()>& call) {
+    const std::string before = hostState();
+    std::string after;
+    bool raised = false;
+    const ConsoleText console = captureConsole([&] {
+        const std::string inside = hostState();
+        try {
+            call();
+        } catch (const std::exception&) {
+            raised = true;
+        }
+        after = settledHostState(inside) == inside ? before : hostState();
+    });
+    EXPECT_EQ(before, after) << name;
+    EXPECT_EQ("", console.out) << name;
+    EXPECT_EQ("", console.err) << name;
+    return raised;
+}
+
 class UnchangedHost : public ReportTest {
 protected:
-    // Makes one call and looks at the process in front of it and behind it.
-    void expectUnchanged(const char* name, const std::function<void()>& call) {
-        const std::string before = hostState();
-        std::string after;
-        const ConsoleText console = captureConsole([&] {
-            const std::string inside = hostState();
-            try {
-                call();
-            } catch (const std::exception&) {
-                ++raised;
-            }
-            after = settledHostState(inside) == inside ? before : hostState();
-        });
-        EXPECT_EQ(before, after) << name;
-        EXPECT_EQ("", console.out) << name;
-        EXPECT_EQ("", console.err) << name;
-    }
-
-    int raised = 0;
     RgenGuid known = defaultGuid();
     RgenGuid unknown = guidFromText("12345678-0000-0000-0000-000000000000");
 };
@@ -46,8 +48,7 @@ TEST_F(UnchangedHost, ByHandles) {
     expectUnchanged("set no path", [&] { rgen_setDataDirPath(other, nullptr); });
     expectUnchanged("set missing path",
                     [&] { rgen_setDataDirPath(other, folder.file("none").c_str()); });
-    expectUnchanged("set broken path", [&] { rgen_setDataDirPath(other, "\xFF"); });
-    EXPECT_EQ(1, raised);
+    EXPECT_TRUE(expectUnchanged("set broken path", [&] { rgen_setDataDirPath(other, "\xFF"); }));
     expectUnchanged("translate",
                     [&] { rgen_setTranslateFunction(other, translateWithPrefix, nullptr); });
     expectUnchanged("cancel", [&] { rgen_cancel(other, &known); });
@@ -97,6 +98,19 @@ TEST_F(UnchangedHost, ByConversions) {
     expectUnchanged("converter that is not there",
                     [&] { status = rgen_generateReport(generator.get(), record, result.get()); });
     EXPECT_EQ(statusHex(RGEN_E_RUN_EXTERNAL), statusHex(status));
+}
+
+class UnchangedHostOfAConverter : public ConversionTest {};
+
+TEST_F(UnchangedHostOfAConverter, ThatWritesItsFile) {
+    converter.obey({{"copy", html, output}});
+    RgenCInputParams* record = input.get();
+    Result result;
+    RgenStatus status = RGEN_E_UNKNOWN;
+    expectUnchanged("conversion",
+                    [&] { status = rgen_generateReport(generator.get(), record, result.get()); });
+    EXPECT_EQ(statusHex(RGEN_OK), statusHex(status));
+    EXPECT_EQ(bytes, readFile(output));
 }
 
 TEST_F(UnchangedHost, ByDataAndFiles) {

@@ -10,6 +10,16 @@
 
 namespace rgen_test {
 
+const char* RGEN_CALL markMessage(const char* text, void* /*context*/) {
+    static std::string translation;
+    translation = "<" + std::string(text) + ">";
+    return translation.c_str();
+}
+
+const char* RGEN_CALL giveMarker(const char* /*text*/, void* /*context*/) {
+    return "QT_TRANSLATE_NOOP(\"QObject\", \"again\")";
+}
+
 std::string translatedByExpression(std::string text, RgenTranslateFunction translate) {
     static const RegularExpression marker(
         "QT_TRANSLATE_NOOP\\s*\\(\\s*\"QObject\"\\s*, \"([^\"]*)\\s*\"\\)");

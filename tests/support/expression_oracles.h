@@ -13,6 +13,11 @@
 
 namespace rgen_test {
 
+// Translate callbacks for such comparisons: every message in angle brackets, and always a marker,
+// since replacements are not searched again.
+const char* RGEN_CALL markMessage(const char* text, void* context);
+const char* RGEN_CALL giveMarker(const char* text, void* context);
+
 // The text after the translation pass: search, replace, go on behind the replacement.
 std::string translatedByExpression(std::string text, RgenTranslateFunction translate);
 

@@ -22,18 +22,6 @@ const std::vector<std::string>& pieces() {
     return all;
 }
 
-// Gives every message in angle brackets.
-const char* RGEN_CALL mark(const char* text, void*) {
-    static std::string translation;
-    translation = "<" + std::string(text) + ">";
-    return translation.c_str();
-}
-
-// Gives a marker.
-const char* RGEN_CALL giveMarker(const char*, void*) {
-    return "QT_TRANSLATE_NOOP(\"QObject\", \"again\")";
-}
-
 std::string translated(std::string text, RgenTranslateFunction translate = nullptr) {
     rgen::ReportGenerator generator;
     if (translate != nullptr) generator.translateFunction = translate;
@@ -48,7 +36,7 @@ const char* RGEN_CALL identity(const char* text, void*) {
 void expectSameAsExpression(const std::string& text) {
     ASSERT_EQ(translatedByExpression(text, identity), translated(text))
         << testing::PrintToString(text);
-    ASSERT_EQ(translatedByExpression(text, mark), translated(text, mark))
+    ASSERT_EQ(translatedByExpression(text, markMessage), translated(text, markMessage))
         << testing::PrintToString(text);
 }
 
@@ -105,7 +93,7 @@ TEST(TranslateTemplateText, MarkersBecomeTheirTranslations) {
         {"QT_TRANSLATE_NOOP(\"QObject\", \"m", "QT_TRANSLATE_NOOP(\"QObject\", \"m"},
     };
     for (const auto& row : rows)
-        EXPECT_EQ(row.expected, translated(row.text, mark)) << row.text;
+        EXPECT_EQ(row.expected, translated(row.text, markMessage)) << row.text;
 }
 
 TEST(TranslateTemplateText, ReplacementIsNotSearchedAgain) {
@@ -130,7 +118,7 @@ TEST(TranslateTemplateText, CallbackGetsContextAndMessagesInTextOrder) {
 
 TEST(TranslateTemplateText, ZeroBytesInATemplateAreKeptOutsideMarkers) {
     const std::string text("a\0QT_TRANSLATE_NOOP(\"QObject\", \"m\0n\")\0b", 39);
-    EXPECT_EQ(std::string("a\0<m>\0b", 7), translated(text, mark));
+    EXPECT_EQ(std::string("a\0<m>\0b", 7), translated(text, markMessage));
 }
 
 TEST(TranslateTemplateText, LongTextsNeedNoStack) {
@@ -154,7 +142,7 @@ TEST(TranslateTemplateText, ManyMarkersAreAllReplaced) {
         text += "QT_TRANSLATE_NOOP(\"QObject\", \"m\")\n";
         expected += "<m>\n";
     }
-    EXPECT_EQ(expected, translated(text, mark));
+    EXPECT_EQ(expected, translated(text, markMessage));
 }
 
 TEST(TranslateTemplateText, CallbackThatGivesNullKeepsTheMessage) {
