@@ -93,8 +93,20 @@ TEST(XmlMemory, ReserveIsForWatchedWorkOfAPoolOnly) {
     EXPECT_EQ(nullptr, xmlMalloc(moreThanAPoolServes));
 }
 
+// What C++ keeps for exceptions without memory has a lock, which on Windows is made when it is first
+// used, and that needs memory.
+void raiseOnceWithoutMemory() {
+    try {
+        const FailingCall failure(Call::Malloc);
+        throw std::bad_alloc();
+    } catch (const std::bad_alloc&) {
+        return;
+    }
+}
+
 TEST(XmlMemory, InitialisationWithoutMemoryRaises) {
     const auto context = rgen::sharedXmlParserContext();
+    raiseOnceWithoutMemory();
     {
         const NoMemory failure;
         EXPECT_THROW(rgen::XmlParserContext(), std::bad_alloc);
