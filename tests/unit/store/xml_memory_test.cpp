@@ -93,8 +93,8 @@ TEST(XmlMemory, ReserveIsForWatchedWorkOfAPoolOnly) {
     EXPECT_EQ(nullptr, xmlMalloc(moreThanAPoolServes));
 }
 
-// What C++ keeps for exceptions without memory has a lock, which on Windows is made when it is first
-// used, and that needs memory.
+// What C++ keeps for exceptions without memory has a lock, which on Windows is made when it is
+// first used, and that needs memory.
 void raiseOnceWithoutMemory() {
     try {
         const FailingCall failure(Call::Malloc);
