@@ -27,6 +27,14 @@ set(CMAKE_BUILD_RPATH_USE_ORIGIN ON)
 add_compile_options(-ffile-prefix-map=${PROJECT_BINARY_DIR}=build
                     -ffile-prefix-map=${PROJECT_SOURCE_DIR}=.)
 
+# Nor is anything random: the names that the compiler makes up follow from the object's name.
+if(CMAKE_CXX_COMPILER_ID STREQUAL "GNU")
+    foreach(language C CXX)
+        string(REPLACE "<FLAGS>" "<FLAGS> -frandom-seed=<OBJECT>" CMAKE_${language}_COMPILE_OBJECT
+                       "${CMAKE_${language}_COMPILE_OBJECT}")
+    endforeach()
+endif()
+
 if(WIN32)
     add_compile_definitions(NOMINMAX WIN32_LEAN_AND_MEAN)
     add_link_options(LINKER:--no-insert-timestamp LINKER:--nxcompat LINKER:--dynamicbase

@@ -86,7 +86,9 @@
 
 /** Version of this header; the major number changes with every incompatible change. */
 #define RGEN_VERSION_MAJOR 0
+/** Minor number of the version. */
 #define RGEN_VERSION_MINOR 1
+/** Patch number of the version. */
 #define RGEN_VERSION_PATCH 0
 
 /*
@@ -116,9 +118,13 @@ typedef struct RgenReportGenerator RgenReportGenerator;
 
 /** A GUID in the platform's layout: the first three fields are little-endian numbers. 16 bytes. */
 typedef struct RgenGuid {
+    /** The first 8 digits of the text form, as a number. */
     uint32_t data1;
+    /** The next 4 digits. */
     uint16_t data2;
+    /** The next 4 digits. */
     uint16_t data3;
+    /** The last 16 digits, byte by byte. */
     uint8_t data4[8];
 } RgenGuid;
 
@@ -140,11 +146,11 @@ typedef struct RgenByteArray {
 
 /** Values of RgenCVariant::type. */
 enum RgenVariantType {
-    RGEN_TYPE_EMPTY = 0, /**< Holds nothing (after a free). */
-    RGEN_TYPE_INT64 = 1,
-    RGEN_TYPE_STRING = 2,
-    RGEN_TYPE_BYTE_ARRAY = 3,
-    RGEN_TYPE_HANDLE = 4
+    RGEN_TYPE_EMPTY = 0,      /**< Holds nothing (after a free). */
+    RGEN_TYPE_INT64 = 1,      /**< A signed 64-bit integer. */
+    RGEN_TYPE_STRING = 2,     /**< A text. */
+    RGEN_TYPE_BYTE_ARRAY = 3, /**< Bytes. */
+    RGEN_TYPE_HANDLE = 4      /**< A handle of the system. */
 };
 
 /**
@@ -154,15 +160,15 @@ enum RgenVariantType {
  * Texts and bytes do not depend on the hint: bytes are always shown as a hex dump ("01 AB ").
  */
 enum RgenHint {
-    RGEN_HINT_UNINITIALIZED = 0,
-    RGEN_HINT_GENERIC = 1,   /**< Signed decimal. */
-    RGEN_HINT_TIME = 2,      /**< Seconds since 1970 UTC, shown as local time "23:59:59". */
-    RGEN_HINT_DATE = 3,      /**< Same, local date " 1.01.1970": day with a leading blank. */
-    RGEN_HINT_DATE_TIME = 4, /**< Same, " 1.01.1970 23:59:59". */
-    RGEN_HINT_SIZE = 5,      /**< Signed decimal. */
-    RGEN_HINT_ADDRESS = 6,   /**< "0x" and lower-case hexadecimal digits. */
-    RGEN_HINT_SPEED = 7,     /**< Signed decimal. */
-    RGEN_HINT_DUMP = 8       /**< Marks byte arrays that come back from the library. */
+    RGEN_HINT_UNINITIALIZED = 0, /**< That of a zero-filled or freed record. */
+    RGEN_HINT_GENERIC = 1,       /**< Signed decimal. */
+    RGEN_HINT_TIME = 2,          /**< Seconds since 1970 UTC, shown as local time "23:59:59". */
+    RGEN_HINT_DATE = 3,          /**< Same, local date " 1.01.1970": day with a leading blank. */
+    RGEN_HINT_DATE_TIME = 4,     /**< Same, " 1.01.1970 23:59:59". */
+    RGEN_HINT_SIZE = 5,          /**< Signed decimal. */
+    RGEN_HINT_ADDRESS = 6,       /**< "0x" and lower-case hexadecimal digits. */
+    RGEN_HINT_SPEED = 7,         /**< Signed decimal. */
+    RGEN_HINT_DUMP = 8           /**< Marks byte arrays that come back from the library. */
 };
 
 /** Values of RgenCInputParams::outputMode. */
@@ -175,10 +181,16 @@ enum RgenOutputMode {
 
 /** The value of a RgenCVariant; RgenCVariant::type tells which member is meant. 16 bytes. */
 typedef union RgenCVariantValue {
+    /** With RGEN_TYPE_INT64. */
     int64_t int64Value;
+    /** With RGEN_TYPE_STRING. */
     RgenAnsiString stringValue;
+    /** With RGEN_TYPE_BYTE_ARRAY. */
     RgenByteArray byteArrayValue;
-    /** Windows: a HANDLE. Linux: a file descriptor as a number. Never closed by the library. */
+    /**
+     * With RGEN_TYPE_HANDLE. Windows: a HANDLE. Linux: a file descriptor as a number. Never closed
+     * by the library.
+     */
     void* handleValue;
 } RgenCVariantValue;
 
@@ -186,6 +198,7 @@ typedef union RgenCVariantValue {
 typedef struct RgenCVariant {
     /** The value's name, its key in the input set. */
     RgenAnsiString name;
+    /** The value itself. */
     RgenCVariantValue value;
     /** One of RgenVariantType. */
     uint64_t type;
@@ -203,7 +216,9 @@ typedef struct RgenCVariantSet {
 
 /** Name/text pairs in two arrays: keys[i] belongs to values[i]. 24 bytes. */
 typedef struct RgenCAnsiStringPairSet {
+    /** Array of count names, or null. */
     RgenAnsiString* keys;
+    /** Array of count texts, or null. */
     RgenAnsiString* values;
     /** Number of entries in each of the two arrays. */
     uint64_t count;

@@ -1,6 +1,7 @@
 # SPDX-License-Identifier: MIT
 # Finds, downloads and unpacks the third-party source packages. Doors: resolve_sources (from archives
-# that are already here), download_sources (from the Debian archive), unpack_sources.
+# that are already here), download_sources (from the Debian archive), unpack_sources, and for what the
+# packages say about their parts list_sources and collect_licences.
 # The chosen versions end up in the associative array source_version, by library name.
 
 declare -A source_version=()
@@ -183,7 +184,8 @@ unpack_boost() {
     dsc=$archives/$(dsc_name boost "${source_version[boost]}")
     (cd "$archives" && dsc_files "$dsc" | awk '{ print $1 "  " $2 }' | sha256sum --quiet --check -) ||
         die "A Boost archive in $archives does not match its checksum."
-    local members=(--wildcards "*/libs/filesystem/src" "*/libs/filesystem/include")
+    local members=(--wildcards --no-wildcards-match-slash "*/LICENSE_1_0.txt" "*/libs/filesystem/src"
+        "*/libs/filesystem/include")
     for library in "${header_libraries[@]}"; do
         members+=("*/libs/$library/include")
     done
@@ -209,4 +211,28 @@ apply_boost_patches() {
             break
         done
     done <"$patches/series"
+}
+
+# list_sources ARCHIVES: the source archives of all libraries, as "library sha256 file" lines.
+list_sources() {
+    local library
+    for library in "${libraries[@]}"; do
+        dsc_files "$1/$(dsc_name "$library" "${source_version[$library]}")" |
+            sed "s/^/$library /"
+    done
+}
+
+# collect_licences SOURCES DIR: the licences of the unpacked libraries that programs are delivered with,
+# as DIR/<library>.txt: upstream's own text, and for libxml2 the notices of single files, too.
+collect_licences() {
+    local sources=$1 dir=$2
+    mkdir -p "$dir"
+    cat "$sources/libxml2/Copyright" - "$sources/libxml2/debian/copyright" >"$dir/libxml2.txt" <<END
+
+----------------------------------------------------------------------
+The notices of single files, as Debian has collected them:
+
+END
+    cat "$sources/libxslt/Copyright" >"$dir/libxslt.txt"
+    cat "$sources/boost/LICENSE_1_0.txt" >"$dir/boost-filesystem.txt"
 }

@@ -49,10 +49,6 @@ struct HeapPrefix {
     std::uint64_t header;
 };
 
-std::uint64_t& headerOf(void* block) {
-    return *(static_cast<std::uint64_t*>(block) - 1);
-}
-
 unsigned powerOfTwoBelow(std::size_t number) {
     return 63U - static_cast<unsigned>(__builtin_clzll(number));
 }
@@ -75,14 +71,6 @@ void* allocateOnHeap(std::size_t size) {
 }
 
 }  // namespace
-
-inline Pool& Pool::owner(std::uint64_t header) noexcept {
-    return *reinterpret_cast<Pool*>(header >> sizeBits);
-}
-
-inline std::size_t Pool::unitsIn(std::uint64_t header) noexcept {
-    return static_cast<std::size_t>(header & ((std::uint64_t{1} << sizeBits) - 1));
-}
 
 Pool::~Pool() {
     while (first_ != nullptr)
@@ -188,6 +176,7 @@ bool Pool::nextChunk() noexcept {
 
 void* allocateOtherwise(Pool* pool, std::size_t size) noexcept {
     if (pool == nullptr || size > Pool::largestBlock) return allocateOnHeap(size);
+    if (size <= Pool::largestExactBlock && pool->stackIsShort()) return nullptr;
     const std::size_t units = Pool::roundedUnitsOf(size);
     Pool::FreeBlock*& list = pool->free_[Pool::listOf(units)];
     if (list != nullptr) return pool->take(list);
@@ -196,7 +185,7 @@ void* allocateOtherwise(Pool* pool, std::size_t size) noexcept {
 
 void* reallocate(Pool* pool, void* block, std::size_t size) noexcept {
     if (block == nullptr) return allocate(pool, size);
-    const std::uint64_t header = headerOf(block);
+    const std::uint64_t header = Pool::headerOf(block);
     const std::size_t units = Pool::unitsIn(header);
     const bool isOnHeap = units == 0;
     const std::size_t room =
@@ -213,15 +202,17 @@ void* reallocate(Pool* pool, void* block, std::size_t size) noexcept {
     return moved;
 }
 
-void release(void* block) noexcept {
-    if (block == nullptr) return;
-    const std::uint64_t header = headerOf(block);
+bool releaseToPool(void* block) noexcept {
+    const std::uint64_t header = Pool::headerOf(block);
     const std::size_t units = Pool::unitsIn(header);
-    if (units != 0) {
-        Pool::owner(header).give(block, units);
-    } else {
-        std::free(prefixOf(block));
-    }
+    if (units == 0) return false;
+    Pool::owner(header).give(block, units);
+    return true;
+}
+
+void release(void* block) noexcept {
+    if (block == nullptr || releaseToPool(block)) return;
+    std::free(prefixOf(block));
 }
 
 }  // namespace rgen::memory

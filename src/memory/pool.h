@@ -51,10 +51,10 @@ public:
     void rewind() noexcept;
 
 private:
-    friend void* allocate(Pool* pool, std::size_t size) noexcept;
+    friend void* allocateAtHand(Pool& pool, std::size_t size) noexcept;
     friend void* allocateOtherwise(Pool* pool, std::size_t size) noexcept;
     friend void* reallocate(Pool* pool, void* block, std::size_t size) noexcept;
-    friend void release(void* block) noexcept;
+    friend bool releaseToPool(void* block) noexcept;
 
     struct Chunk;
     struct FreeBlock {
@@ -74,6 +74,7 @@ private:
     static constexpr std::size_t unitsOf(std::size_t size) {
         return (size + headerSize + unit - 1) / unit;
     }
+    static std::uint64_t& headerOf(void* block) noexcept;
     static Pool& owner(std::uint64_t header) noexcept;
     static std::size_t unitsIn(std::uint64_t header) noexcept;
     static std::size_t roundedUnitsOf(std::size_t size);
@@ -100,9 +101,6 @@ private:
     std::array<FreeBlock*, listCount> free_ = {};
 };
 
-/// The part of allocate() that is seldom needed.
-void* allocateOtherwise(Pool* pool, std::size_t size) noexcept;
-
 inline void* Pool::take(FreeBlock*& list) noexcept {
     void* block = list;
     list = list->next;
@@ -118,6 +116,18 @@ inline bool Pool::stackIsShort() const noexcept {
     return static_cast<const char*>(__builtin_frame_address(0)) < lowestStack_;
 }
 
+inline std::uint64_t& Pool::headerOf(void* block) noexcept {
+    return *(static_cast<std::uint64_t*>(block) - 1);
+}
+
+inline Pool& Pool::owner(std::uint64_t header) noexcept {
+    return *reinterpret_cast<Pool*>(header >> sizeBits);
+}
+
+inline std::size_t Pool::unitsIn(std::uint64_t header) noexcept {
+    return static_cast<std::size_t>(header & ((std::uint64_t{1} << sizeBits) - 1));
+}
+
 inline std::uint64_t Pool::header(std::size_t units) const noexcept {
     return (reinterpret_cast<std::uint64_t>(this) << sizeBits) | units;
 }
@@ -130,23 +140,33 @@ inline void* Pool::cut(std::size_t units) noexcept {
     return start + 1;
 }
 
+/// A small block that `pool` has at hand; null when there is none, or the stack is short.
+inline void* allocateAtHand(Pool& pool, std::size_t size) noexcept {
+    if (size > Pool::largestExactBlock || pool.stackIsShort()) return nullptr;
+    const std::size_t units = Pool::unitsOf(size);
+    Pool::FreeBlock*& list = pool.free_[units];
+    if (list != nullptr) return pool.take(list);
+    return pool.hasRoom(units) ? pool.cut(units) : nullptr;
+}
+
+/// The rest of allocate(), for when nothing is at hand.
+void* allocateOtherwise(Pool* pool, std::size_t size) noexcept;
+
 /// As `malloc`, from `pool` where the size allows; from the C heap when `pool` is null or cannot
 /// grow. Null when memory is exhausted, or the stack that `pool` asks for. Goes back through
 /// release() only.
 inline void* allocate(Pool* pool, std::size_t size) noexcept {
-    if (pool != nullptr && size <= Pool::largestExactBlock) {
-        if (pool->stackIsShort()) return nullptr;
-        const std::size_t units = Pool::unitsOf(size);
-        Pool::FreeBlock*& list = pool->free_[units];
-        if (list != nullptr) return pool->take(list);
-        if (pool->hasRoom(units)) return pool->cut(units);
-    }
-    return allocateOtherwise(pool, size);
+    void* block = pool != nullptr ? allocateAtHand(*pool, size) : nullptr;
+    return block != nullptr ? block : allocateOtherwise(pool, size);
 }
 
 /// As `realloc`, for a block of this file. A block of a pool that has to move goes to `pool`; one
 /// of the C heap stays there.
 void* reallocate(Pool* pool, void* block, std::size_t size) noexcept;
+
+/// Gives a block back to its pool, whichever pool is in use. False when none owns it: the eight
+/// bytes in front of it end in two zero bytes.
+bool releaseToPool(void* block) noexcept;
 
 /// As `free`. A block of a pool goes back to that pool, whichever pool is in use.
 void release(void* block) noexcept;

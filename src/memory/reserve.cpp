@@ -30,7 +30,7 @@ void* Reserve::take(std::size_t blockSize) noexcept {
     const std::size_t needed = unit + (blockSize + unit - 1) / unit * unit;
     const Lock lock(isBusy_);
     if (needed > size - used_) return nullptr;
-    auto* header = ::new (bytes_.data() + used_) Header{blockSize};
+    auto* header = ::new (bytes_.data() + used_) Header{blockSize, 0};
     used_ += needed;
     ++blocksInUse_;
     return header + 1;

@@ -6,6 +6,7 @@
 #include <array>
 #include <atomic>
 #include <cstddef>
+#include <cstdint>
 
 namespace rgen::memory {
 
@@ -15,7 +16,8 @@ class Reserve {
 public:
     static constexpr std::size_t size = std::size_t{256} * 1024;
 
-    /// Aligned as a block of `malloc`; null when too little is left.
+    /// Aligned as a block of `malloc`; null when too little is left. No pool owns it: the eight
+    /// bytes in front of it are zero, as pool.h reads them.
     void* take(std::size_t blockSize) noexcept;
     void give(void* block) noexcept;
     bool owns(const void* block) const noexcept {
@@ -28,7 +30,8 @@ public:
 private:
     class Lock;
     struct alignas(std::max_align_t) Header {
-        std::size_t size;
+        std::uint64_t size;
+        std::uint64_t owner;
     };
 
     alignas(std::max_align_t) std::array<std::byte, size> bytes_ = {};

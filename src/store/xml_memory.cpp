@@ -42,10 +42,17 @@ void* takeFromReserve(std::size_t size) {
     return isOpen ? reserve.take(size) : nullptr;
 }
 
-void* allocateForXml(std::size_t size) {
-    void* block =
-        memory::poolsAreUsed ? memory::allocate(memory::poolInUse(), size) : std::malloc(size);
+/// A function of its own, since it makes the usual way short.
+[[gnu::cold, gnu::noinline]] void* allocateForXmlOtherwise(std::size_t size) {
+    void* block = memory::poolsAreUsed ? memory::allocateOtherwise(memory::poolInUse(), size)
+                                       : std::malloc(size);
     return block != nullptr ? block : takeFromReserve(size);
+}
+
+void* allocateForXml(std::size_t size) {
+    memory::Pool* pool = memory::poolInUse();
+    void* block = pool != nullptr ? memory::allocateAtHand(*pool, size) : nullptr;
+    return block != nullptr ? block : allocateForXmlOtherwise(size);
 }
 
 void* moveFromReserve(void* block, std::size_t size) {
@@ -68,7 +75,7 @@ void* reallocateForXml(void* block, std::size_t size) {
     return moved;
 }
 
-void releaseForXml(void* block) {
+[[gnu::cold, gnu::noinline]] void releaseForXmlOtherwise(void* block) {
     if (reserve.owns(block)) {
         reserve.give(block);
     } else if (memory::poolsAreUsed) {
@@ -76,6 +83,12 @@ void releaseForXml(void* block) {
     } else {
         std::free(block);
     }
+}
+
+void releaseForXml(void* block) {
+    const bool isReleased =
+        memory::poolsAreUsed && block != nullptr && memory::releaseToPool(block);
+    if (!isReleased) releaseForXmlOtherwise(block);
 }
 
 char* copyForXml(const char* text) {

@@ -117,8 +117,8 @@ class Sizes(CliCase):
         before = self.read(STORE)
         self.write_json("data.json", {"B": TOO_LONG})
         result = self.rgen("persist", "set", "-d", "case", "--data", "data.json")
-        self.assertEqual(1, result.code, result)
-        self.assertIn("is damaged", result.err)
+        self.assertEqual(2, result.code, result)
+        self.assertIn("at most 10,000,000 bytes", result.err)
         self.assertEqual(before, self.read(STORE))
         self.assertNotIn(STORE + ".kept", self.names())
 

@@ -195,6 +195,44 @@ class WhatTheLibraryDoesNotKeep(PersistCase):
         self.assertEqual(['"A": the library stored "x" instead of " x "'], document["notes"])
 
 
+class WhatTheLibraryCannotKeep(PersistCase):
+
+    def test_noncharacters_are_replaced(self):
+        self.store("Other=AT&T")
+        for raw in ((), ("--raw",)):
+            result = self.persist("set", *raw, "A=\ufffex\uffff", "N\ufffe=1", "B=\uffef")
+            self.expect_notes(result, '"A": U+FFFE and U+FFFF are stored as U+FFFD',
+                              '"N\ufffe": the library stored it as "N\ufffd"')
+            self.assertEqual({"A": "\ufffdx\ufffd", "B": "\uffef", "N\ufffd": "1",
+                              "Other": "AT&T"}, self.stored())
+
+    def test_texts_that_are_too_long(self):
+        self.write_json("data.json", {"A": "&" + "x" * 9_999_995, "B": "1"})
+        self.expect_done(self.persist("replace", "--data", "data.json"))
+        before = self.contents()
+        self.write("bytes", b"\0" * 3_333_334)
+        rows = (({"A": "&" + "x" * 9_999_996}, 'persistent texts hold at most 10,000,000 bytes, '
+                 '"&" counted as "&amp;"; shorten it'),
+                ({"A:bytes": "@bytes"}, "persistent texts hold at most 10,000,000 bytes, each byte "
+                 "counted as three; shorten it"))
+        for data, message in rows:
+            self.write_json("data.json", data)
+            before = self.contents()
+            for command in ("set", "replace"):
+                self.expect_error(self.persist(command, "--data", "data.json"), 2,
+                                  f'rgen: "A": {message}')
+                self.assertEqual(before, self.contents())
+
+    def test_names_that_are_too_long(self):
+        self.write_json("data.json", {'"' * 1_000_000: "a", "B": "1"})
+        self.expect_done(self.persist("replace", "--data", "data.json"))
+        self.assertEqual(2, len(self.stored()))
+        self.write_json("data.json", {"n" * 1_000_001: "a"})
+        self.expect_error_like(
+            self.persist("replace", "--data", "data.json"), 2,
+            r'^rgen: "n+\.\.\.": names of persistent data hold at most 1,000,000 bytes; shorten it$')
+
+
 class Failures(PersistCase):
 
     def test_a_file_that_cannot_be_read_is_left_alone(self):

@@ -4,7 +4,7 @@ SPDX-License-Identifier: MIT
 """
 
 from cli_case import IS_A_FOLDER, NO_ACCESS, NO_SUCH_FILE, CliCase, linux_only, unprivileged
-from cli_templates import catalogue, marked
+from cli_templates import catalogue, marked, stylesheet
 
 
 class TranslationCase(CliCase):
@@ -165,6 +165,19 @@ class MarkupInTranslations(TranslationCase):
 
     def test_plain_signs_are_escaped(self):
         self.assertEqual("A & B < C &amp; D", self.text_with("Name", "A & B < C &amp; D"))
+
+    def page_with(self, original, translation, *args):
+        self.put_template(stylesheet(
+            f"<p lang='QT_TRANSLATE_NOOP(\"QObject\", \"{original}\")'/>", "html"))
+        self.write("de.po", catalogue({original: translation}))
+        lines, _ = self.lines_of("--lang", "de.po", *args)
+        return lines[0]
+
+    def test_apostrophes_do_not_end_an_attribute(self):
+        page = '<p lang="it\'s &amp; \'so\'"></p>'
+        self.assertEqual(page, self.page_with("en", "it's & 'so'"))
+        self.assertEqual(page, self.page_with("&apos;", "it's &amp; 'so'"))
+        self.assertEqual("it's", self.text_with("that's", "it's"))
 
     def test_an_original_with_references_has_translations_with_references(self):
         self.assertEqual("Forschung & Lehre", self.text_with("R&amp;D", "Forschung &amp; Lehre"))

@@ -15,7 +15,7 @@ OS_SOURCES = re.compile(r"^src/platform/.*_(windows|posix)\.cpp$")
 RECORD_NAMES = re.compile(r"\bRgen(C[A-Z]\w*|AnsiString|ByteArray|Guid)\b")
 RECORD_USERS = re.compile(r"^(include/|src/api/)")
 HEADER_USERS = re.compile(r"^(include/|src/api/|src/report_generator\.h$)")
-OUTSIDE = ["examples", "tools", "tests/host", "tests/abi"]
+OUTSIDE = ["examples", "tools", "tests/host", "tests/abi", "tests/bindings"]
 
 
 def read_floors():

@@ -11,6 +11,8 @@ import re
 from project_files import ROOT, finish, problem
 
 PAGES = ("docs/security.md", "docs/threading.md")
+# Names tests here and there; those exist, too.
+COMPARISON = "docs/linux-port.md"
 CASE = re.compile(r"\bTEST(?:_F|_P)?\(\s*(\w+),\s*(\w+)\s*\)")
 PYTHON_CASE = re.compile(r"^    def (test_\w+)\(", re.M)
 NAMED = re.compile(r"`([A-Z]\w+)\.(\w+|\*)`")
@@ -67,4 +69,7 @@ all_cases = known_cases()
 for page in PAGES:
     for number, text in statements((ROOT / page).read_text(encoding="utf-8")):
         check_statement(f"{page}:{number}", text, all_cases)
+for number, text in enumerate((ROOT / COMPARISON).read_text(encoding="utf-8").splitlines(), 1):
+    if NAMED.search(text):
+        check_statement(f"{COMPARISON}:{number}", text, all_cases)
 finish("promises")

@@ -13,17 +13,22 @@ from project_files import (CODE_ENDINGS, ROOT, code_files, finish, own_files, pr
 LONGEST_FILE = 400
 LONGEST_COMMENT_LINE = 100
 COMMENT_LINE = re.compile(r"\s*(//|/\*| \*)")
-WITHOUT_LIMIT = {"include/strata_repgenlib/rgen.h"}
+WITHOUT_LIMIT = {"include/strata_repgenlib/rgen.h", "include/strata_repgenlib/rgen.hpp",
+                 "bindings/csharp/RgenNative.cs",
+                 "bindings/rust/src/rgen_native.rs"}
+BINDING_ENDINGS = {".cs", ".rs"}
 CONDITIONAL = re.compile(r"^\s*#\s*(if|ifdef|ifndef|elif)\b(.*)$", re.M)
 OS_NAME = re.compile(r"\b(_WIN32|_WIN64|WIN32|__MINGW\w+|__linux__|__unix__|__GNUC__|_MSC_VER"
                      r"|__APPLE__|__CYGWIN__)\b")
-OS_CONDITIONAL_FILE = "include/strata_repgenlib/rgen.h"
+# The export attribute, and in the C++ wrapper the end of a handle.
+OS_CONDITIONAL_FILES = ["include/strata_repgenlib/rgen.h", "include/strata_repgenlib/rgen.hpp"]
 MARKS = re.compile(r"\b(TO" r"DO|FIX" r"ME|XX" r"X|HA" r"CK)\b")
 SCRIPT_NAMES = {"CMakeLists.txt", "setup", "dependencies", "demo", "test", "lint", "run",
                 "run-under-wine", "run_test_program", "inventory-data", "picture",
                 "measure-conversion", "benchmark", "compare-with-peers", "fuzz", "soak", "coverage",
-                "mutate"}
-LICENSED_ENDINGS = CODE_ENDINGS | {".cmake", ".py", ".sh", ".map", ".def", ".dict"}
+                "mutate", "site", "release", "check-release", "check-debian-package"}
+LICENSED_ENDINGS = CODE_ENDINGS | BINDING_ENDINGS | {".cmake", ".py", ".sh", ".map", ".def", ".dict",
+                                                     ".toml"}
 
 
 def check_os_conditionals():
@@ -32,8 +37,8 @@ def check_os_conditionals():
         for match in CONDITIONAL.finditer(without_comments(path.read_text())):
             if OS_NAME.search(match.group(2)):
                 found.append(relative(path))
-    if found != [OS_CONDITIONAL_FILE]:
-        problem("the library has exactly one OS conditional, in the public header; found: "
+    if found != OS_CONDITIONAL_FILES:
+        problem("each public header has exactly one OS conditional, the library none; found: "
                 + (", ".join(found) or "none"))
 
 
@@ -69,6 +74,16 @@ def check_text_file(path):
         problem(f"{name}: more than {LONGEST_FILE} lines")
 
 
+def check_binding_file(path):
+    name = relative(path)
+    lines = path.read_text(encoding="utf-8").splitlines()
+    if len(lines) > LONGEST_FILE and name not in WITHOUT_LIMIT:
+        problem(f"{name}: {len(lines)} lines, at most {LONGEST_FILE} are allowed")
+    for number, line in enumerate(lines, 1):
+        if len(line) > LONGEST_COMMENT_LINE or line != line.rstrip():
+            problem(f"{name}:{number}: more than {LONGEST_COMMENT_LINE} columns, or blanks at the end")
+
+
 def check_unique_names():
     places = defaultdict(list)
     for path in code_files():
@@ -76,7 +91,7 @@ def check_unique_names():
     for name, where in places.items():
         if len(where) > 1:
             problem(f"file name used twice: {', '.join(where)}")
-        if not re.fullmatch(r"[a-z][a-z0-9_]*\.(c|cpp|h)", name):
+        if not re.fullmatch(r"[a-z][a-z0-9_]*\.(c|cpp|h|hpp)", name):
             problem(f"{where[0]}: file names are snake_case")
 
 
@@ -85,5 +100,7 @@ for code_file in code_files():
     check_code_file(code_file)
 for file in own_files():
     check_text_file(file)
+    if file.suffix in BINDING_ENDINGS:
+        check_binding_file(file)
 check_unique_names()
 finish("sources")

@@ -1,5 +1,6 @@
 """A program beside the library: it needs nothing but what every system has and the shared library, it
-uses the library through its exports alone, and has no folder of the building machine inside.
+uses the library through its exports alone, runs on the oldest system, and has no folder of the
+building machine inside.
 
 Usage: check_tool_binary.py BINARY (with-library|alone) FOLDER...
 
@@ -11,9 +12,10 @@ import subprocess
 import sys
 from pathlib import Path
 
+from linux_binary import NEEDED as LINUX
+from linux_binary import check_symbol_versions, readelf
 from project_files import finish, header_exports, problem
 
-LINUX = {"ld-linux-x86-64.so.2", "libc.so.6", "libgcc_s.so.1", "libm.so.6", "libstdc++.so.6"}
 WINDOWS = {"advapi32.dll", "bcrypt.dll", "kernel32.dll", "msvcrt.dll", "version.dll"}
 
 
@@ -26,7 +28,7 @@ def needed_by(binary):
     if binary.endswith(".exe"):
         return {name.lower() for name in
                 re.findall(r"DLL Name: (\S+)", output_of("objdump", "-p", binary))}
-    dynamic = output_of("readelf", "--wide", "--dynamic", binary)
+    dynamic = readelf("--dynamic", binary)
     for path in re.findall(r"\(R(?:UN)?PATH\).*\[(.*)\]", dynamic):
         if path.strip(":") != "$ORIGIN":
             problem(f"looks for libraries in {path}")
@@ -66,5 +68,7 @@ if mode == "with-library" and not used:
     problem("uses no export of the library")
 for function in sorted(used - header_exports()):
     problem(f"uses {function}, which the header does not declare")
+if not program.endswith(".exe"):
+    check_symbol_versions(program)
 check_folders(program, sys.argv[3:])
 finish(Path(program).name)

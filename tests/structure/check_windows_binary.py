@@ -1,8 +1,7 @@
 """The DLL: it imports nothing but the functions of windows_imports.txt, all of which the oldest
-supported Windows has; it has a version resource and the usual protections, and no folder of the
-building machine inside.
+supported Windows has; it has the usual protections, and no folder of the building machine inside.
 
-Usage: check_windows_binary.py BINARY VERSION WINDRES FOLDER...
+Usage: check_windows_binary.py BINARY FOLDER...
 
 SPDX-License-Identifier: MIT
 """
@@ -58,15 +57,6 @@ def check_imports(dump):
             problem(f"{function} of {library} is newer than the oldest supported Windows")
 
 
-def check_version_resource(binary, version, windres):
-    text = subprocess.check_output([windres, "--input", binary, "--output-format", "rc"], text=True)
-    numbers = re.search(r"FILEVERSION\s+(\d+),\s*(\d+),\s*(\d+)", text)
-    if not numbers:
-        problem("has no version resource")
-    elif ".".join(numbers.groups()) != version:
-        problem(f"the version resource says {'.'.join(numbers.groups())} instead of {version}")
-
-
 def check_folders(binary, folders):
     content = Path(binary).read_bytes()
     for folder in folders:
@@ -78,6 +68,5 @@ table = subprocess.check_output(["objdump", "-p", sys.argv[1]], text=True)
 check_imports(table)
 for protection in sorted(PROTECTIONS - set(re.findall(r"^\s+([A-Z_]+)$", table, flags=re.M))):
     problem(f"lacks {protection}")
-check_version_resource(*sys.argv[1:4])
-check_folders(sys.argv[1], sys.argv[4:])
+check_folders(sys.argv[1], sys.argv[2:])
 finish("Windows binary")

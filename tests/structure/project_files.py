@@ -8,9 +8,9 @@ import sys
 from pathlib import Path
 
 ROOT = Path(__file__).resolve().parents[2]
-CODE_ENDINGS = {".c", ".cpp", ".h"}
+CODE_ENDINGS = {".c", ".cpp", ".h", ".hpp"}
 SCRIPT_ENDINGS = {".cmake", ".py", ".sh", ".txt", ".env", ".in", ".map", ".def"}
-CODE_FOLDERS = ["include", "src", "tests", "examples", "tools", "fuzz", "benchmarks"]
+CODE_FOLDERS = ["include", "src", "tests", "examples", "tools", "fuzz", "benchmarks", "bindings"]
 
 _problems = []
 

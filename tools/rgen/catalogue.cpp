@@ -118,6 +118,8 @@ std::string asMarkup(const std::string& original, const std::string& translation
     std::string markup = translation;
     if (original.find('&') == std::string::npos) markup = escapedAmpersands(markup);
     if (original.find('<') == std::string::npos) markup = replaceAll(markup, '<', "&lt;");
+    // A marker in an attribute stands between single quotes.
+    if (original.find('\'') == std::string::npos) markup = replaceAll(markup, '\'', "&#39;");
     return markup;
 }
 

@@ -14,8 +14,8 @@ namespace cli {
 
 class Catalogue {
 public:
-    /// Reads a PO file. Raises a CommandError with line and column. Unless `raw` is set, "&" and
-    /// "<" in a translation are escaped, each unless the original has it, too.
+    /// Reads a PO file. Raises a CommandError with line and column. Unless `raw` is set, "&", "<"
+    /// and "'" in a translation are escaped, each unless the original has it, too.
     Catalogue(const std::string& path, bool raw);
 
     const std::string& path() const { return path_; }

@@ -40,7 +40,7 @@ std::uint64_t closeDeleteOnCloseFile(void* handle);
 struct LoadedLibrary {
     /// UTF-8 path of the file.
     std::string path;
-    /// "0.1.0", or "unknown" when the file does not tell.
+    /// "1.2.3", or "unknown" when the file does not tell.
     std::string version;
 };
 

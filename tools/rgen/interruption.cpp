@@ -105,11 +105,15 @@ InterruptGuard::~InterruptGuard() {
 }
 
 /// The request is repeated: a generation that has not registered yet would not see the first one.
+/// Waiting without a limit would need a newer C++ library than the oldest that the program runs on.
 void InterruptGuard::cancelWhenInterrupted() {
+    constexpr auto longPause = std::chrono::hours(1);
     constexpr auto pause = std::chrono::milliseconds(50);
     State& shared = state();
     std::unique_lock lock(shared.mutex);
-    shared.changed.wait(lock, [&] { return over_ || shared.interrupted; });
+    const auto isOverOrInterrupted = [&] { return over_ || shared.interrupted; };
+    while (!shared.changed.wait_for(lock, longPause, isOverOrInterrupted)) {
+    }
     while (!over_) {
         lock.unlock();
         cancelAll(generator_);

@@ -7,7 +7,7 @@
 
 namespace cli {
 
-/// "0.1.0".
+/// "1.2.3".
 std::string ownVersion();
 
 }  // namespace cli

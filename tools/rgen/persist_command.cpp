@@ -187,6 +187,36 @@ ValueSet storedAgain(std::vector<Value> values) {
     return set;
 }
 
+/// What the library would store and read only a part of is refused. A name stands in an attribute,
+/// where a character takes up to six bytes of what is read.
+void requireStorable(const Value& value) {
+    constexpr std::size_t longestText = 10000000;
+    constexpr std::size_t longestName = 1000000;
+    const std::string name = "\"" + shortened(value.name) + "\": ";
+    if (value.name.size() > longestName) {
+        throw usageError(name + "names of persistent data hold at most 1,000,000 bytes",
+                         "shorten it");
+    }
+    // Bytes are stored as a hex dump, which has three characters for each.
+    const bool isText = value.type == RGEN_TYPE_STRING;
+    const std::size_t size =
+        isText ? withoutReferences(value.content).size() : 3 * value.bytes.size();
+    if (size <= longestText) return;
+    throw usageError(name + "persistent texts hold at most 10,000,000 bytes" +
+                         (isText ? ", \"&\" counted as \"&amp;\"" : ", each byte counted as three"),
+                     "shorten it");
+}
+
+/// What stands in the file for the text; U+FFFE and U+FFFF would make it no XML.
+void makeStorable(Value& value, Console& console) {
+    std::string content = withoutNoncharacters(value.content);
+    if (content != value.content) {
+        console.note("\"" + shortened(value.name) + "\": U+FFFE and U+FFFF are stored as U+FFFD");
+    }
+    value.content = std::move(content);
+    requireStorable(value);
+}
+
 /// The new values of the arguments. Texts are escaped a second time, since they are read twice.
 ValueSet newValues(const Arguments& arguments, PersistentData& data, Console& console) {
     ReportInput input = collectInput(arguments.values, data.generator(), console);
@@ -195,7 +225,8 @@ ValueSet newValues(const Arguments& arguments, PersistentData& data, Console& co
     ValueSet set;
     for (Value value : inOrder(input.values)) {
         if (!arguments.values.raw) value.content = escapedAmpersands(value.content);
-        const std::string name = trimmed(value.name);
+        makeStorable(value, console);
+        const std::string name = withoutNoncharacters(trimmed(value.name));
         if (name != value.name && !name.empty()) {
             console.note("\"" + shortened(value.name) + "\": the library stored it as \"" +
                          shortened(name) + "\"");

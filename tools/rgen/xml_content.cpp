@@ -92,6 +92,15 @@ bool hasPlainAmpersand(const std::string& content) {
     return false;
 }
 
+std::string withoutNoncharacters(std::string text) {
+    constexpr std::string_view start = "\xEF\xBF";
+    for (std::size_t i = text.find(start); i != std::string::npos; i = text.find(start, i + 1)) {
+        const char last = i + 2 < text.size() ? text[i + 2] : '\0';
+        if (last == '\xBE' || last == '\xBF') text[i + 2] = '\xBD';
+    }
+    return text;
+}
+
 std::string trimmed(const std::string& text) {
     const std::size_t first = text.find_first_not_of(whiteSpace);
     if (first == std::string::npos) return {};

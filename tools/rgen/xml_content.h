@@ -17,6 +17,9 @@ std::string withoutReferences(const std::string& content);
 /// Tells whether "&" stands somewhere without starting a reference.
 bool hasPlainAmpersand(const std::string& content);
 
+/// `text` with U+FFFD for U+FFFE and U+FFFF, which make a file no XML.
+std::string withoutNoncharacters(std::string text);
+
 /// `text` without the white space at its edges that the library cuts.
 std::string trimmed(const std::string& text);
 

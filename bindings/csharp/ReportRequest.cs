@@ -1,0 +1,188 @@
+// What a report is made of: values, pairs, and the request that holds them.
+//
+// SPDX-License-Identifier: MIT
+using System;
+using System.Collections.Generic;
+
+namespace StrataRepgenlib
+{
+    /// <summary>How a 64-bit integer is shown in a report. Texts and bytes do not depend on
+    /// it.</summary>
+    public enum Hint : ulong
+    {
+        /// <summary>Signed decimal.</summary>
+        Generic = RgenHint.RGEN_HINT_GENERIC,
+        /// <summary>Seconds since 1970 UTC, shown as local time "23:59:59".</summary>
+        Time = RgenHint.RGEN_HINT_TIME,
+        /// <summary>Same, as local date " 1.01.1970".</summary>
+        Date = RgenHint.RGEN_HINT_DATE,
+        /// <summary>Same, " 1.01.1970 23:59:59".</summary>
+        DateTime = RgenHint.RGEN_HINT_DATE_TIME,
+        /// <summary>Signed decimal.</summary>
+        Size = RgenHint.RGEN_HINT_SIZE,
+        /// <summary>"0x" and lower-case hexadecimal digits.</summary>
+        Address = RgenHint.RGEN_HINT_ADDRESS,
+        /// <summary>Signed decimal.</summary>
+        Speed = RgenHint.RGEN_HINT_SPEED,
+        /// <summary>Marks the byte arrays that come back from the library.</summary>
+        Dump = RgenHint.RGEN_HINT_DUMP,
+    }
+
+    /// <summary>Where a report goes; each mode has a function of ReportGenerator.</summary>
+    public enum OutputMode : ulong
+    {
+        /// <summary>GenerateFile.</summary>
+        File = RgenOutputMode.RGEN_OUTPUT_FILE,
+        /// <summary>GenerateOpenFile.</summary>
+        DeleteOnClose = RgenOutputMode.RGEN_OUTPUT_DELETE_ON_CLOSE,
+        /// <summary>GenerateBytes.</summary>
+        Bytes = RgenOutputMode.RGEN_OUTPUT_BYTES,
+    }
+
+    /// <summary>A named, typed, hinted value. Content is a string, a long or a byte
+    /// array.</summary>
+    public sealed class Value
+    {
+        /// <summary>A text, which stands in the report as it is, "&amp;" included.</summary>
+        public Value(string name, string text) : this(name, Checked(text), Hint.Generic, false)
+        {
+        }
+
+        /// <summary>A number.</summary>
+        public Value(string name, long number, Hint hint = Hint.Generic)
+            : this(name, (object)number, hint, false)
+        {
+        }
+
+        /// <summary>An unsigned number. The library's numbers are signed: one above long.MaxValue
+        /// needs Hint.Address, which shows it in full.</summary>
+        public Value(string name, ulong number, Hint hint = Hint.Generic)
+            : this(name, (object)Signed(number, hint), hint, false)
+        {
+        }
+
+        /// <summary>A time; a report shows it as local time.</summary>
+        public Value(string name, DateTimeOffset time, Hint hint = Hint.DateTime)
+            : this(name, (object)time.ToUnixTimeSeconds(), hint, false)
+        {
+        }
+
+        /// <summary>Bytes, shown as a hex dump. They are not copied before the report is
+        /// made.</summary>
+        public Value(string name, byte[] bytes) : this(name, Checked(bytes), Hint.Dump, false)
+        {
+        }
+
+        private Value(string name, object content, Hint hint, bool isMarkup)
+        {
+            Name = name ?? throw new ArgumentNullException(nameof(name));
+            Content = content;
+            Hint = hint;
+            IsMarkup = isMarkup;
+        }
+
+        /// <summary>The name, its key among the values.</summary>
+        public string Name { get; }
+
+        /// <summary>A string, a long or a byte array.</summary>
+        public object Content { get; }
+
+        /// <summary>How a number is shown.</summary>
+        public Hint Hint { get; }
+
+        /// <summary>Whether a text is XML content and goes to the library as it is.</summary>
+        public bool IsMarkup { get; }
+
+        /// <summary>A text that is XML content in the sense of TEXTS in rgen.h.</summary>
+        public static Value Markup(string name, string content)
+        {
+            return new Value(name, Checked(content), Hint.Generic, true);
+        }
+
+        private static long Signed(ulong number, Hint hint)
+        {
+            if (number > long.MaxValue && hint != Hint.Address)
+            {
+                throw new ArgumentOutOfRangeException(nameof(number));
+            }
+            return unchecked((long)number);
+        }
+
+        private static object Checked(object content)
+        {
+            return content ?? throw new ArgumentNullException(nameof(content));
+        }
+    }
+
+    /// <summary>A name and a text.</summary>
+    public sealed class Pair
+    {
+        /// <summary>A text, which stands in the report as it is, "&amp;" included.</summary>
+        public Pair(string name, string text) : this(name, text, false)
+        {
+        }
+
+        private Pair(string name, string text, bool isMarkup)
+        {
+            Name = name ?? throw new ArgumentNullException(nameof(name));
+            Text = text ?? throw new ArgumentNullException(nameof(text));
+            IsMarkup = isMarkup;
+        }
+
+        /// <summary>The name, its key among the pairs.</summary>
+        public string Name { get; }
+
+        /// <summary>The text.</summary>
+        public string Text { get; }
+
+        /// <summary>Whether the text is XML content and goes to the library as it is.</summary>
+        public bool IsMarkup { get; }
+
+        /// <summary>A text that is XML content in the sense of TEXTS in rgen.h.</summary>
+        public static Pair Markup(string name, string content)
+        {
+            return new Pair(name, content, true);
+        }
+    }
+
+    /// <summary>The input of one report. It can be used again, by several threads at once, too, as
+    /// long as nobody changes it.</summary>
+    public sealed class Request
+    {
+        private string converterBase = "";
+
+        /// <summary>A request for a report of this type in "html", "pdf" or "txt".</summary>
+        public Request(Guid type, string format)
+        {
+            Type = type;
+            Format = format ?? throw new ArgumentNullException(nameof(format));
+            Values = new List<Value>();
+            Pairs = new List<Pair>();
+            Convert = true;
+        }
+
+        /// <summary>The report type.</summary>
+        public Guid Type { get; }
+
+        /// <summary>"html", "pdf" or "txt"; also names the template's folder.</summary>
+        public string Format { get; }
+
+        /// <summary>Typed values; they win over pairs and persistent data of the same name, a later
+        /// one over an earlier.</summary>
+        public List<Value> Values { get; }
+
+        /// <summary>Name/text pairs; they win over persistent data of the same name.</summary>
+        public List<Pair> Pairs { get; }
+
+        /// <summary>False: a "pdf" report is written as the template made it, without the
+        /// converter.</summary>
+        public bool Convert { get; set; }
+
+        /// <summary>Handed to the converter as its base. No double quote in it.</summary>
+        public string ConverterBase
+        {
+            get { return converterBase; }
+            set { converterBase = value ?? throw new ArgumentNullException(nameof(value)); }
+        }
+    }
+}

@@ -1,0 +1,156 @@
+// Texts on their way to the library and back: UTF-8, and XML content.
+//
+// SPDX-License-Identifier: MIT
+using System;
+using System.Globalization;
+using System.Runtime.InteropServices;
+using System.Text;
+using System.Text.RegularExpressions;
+
+namespace StrataRepgenlib
+{
+    internal static class ReportTexts
+    {
+        private static readonly UTF8Encoding Utf8 = new UTF8Encoding(false, true);
+        private static readonly char[] Blanks = { ' ', '\t', '\r', '\n' };
+        /// <summary>What the library reads of one text of a file.</summary>
+        private const int LongestStoredText = 10000000;
+        /// <summary>A name stands in an attribute, where a character takes up to six bytes of
+        /// those.</summary>
+        private const int LongestStoredName = 1000000;
+        private static readonly Regex Reference = new Regex(
+            "&(?:(?<name>amp|lt|gt|quot|apos)|#x(?<hex>[0-9A-Fa-f]{1,8})|#(?<decimal>[0-9]{1,8}));",
+            RegexOptions.CultureInvariant);
+
+        /// <summary>UTF-8 with a zero byte at the end. Raises an ArgumentException for half a
+        /// surrogate pair, and for a zero inside, where the library would cut the text.</summary>
+        internal static byte[] ToUtf8(string text, string what)
+        {
+            if (text.IndexOf('\0') >= 0) throw new ArgumentException(what + " holds a zero");
+            byte[] bytes = new byte[Utf8.GetByteCount(text) + 1];
+            Utf8.GetBytes(text, 0, text.Length, bytes, 0);
+            return bytes;
+        }
+
+        /// <summary>The text of so many bytes; what is no UTF-8 becomes U+FFFD.</summary>
+        internal static string FromUtf8(IntPtr bytes, int length)
+        {
+            if (bytes == IntPtr.Zero || length == 0) return "";
+            byte[] copy = new byte[length];
+            Marshal.Copy(bytes, copy, 0, length);
+            return Encoding.UTF8.GetString(copy);
+        }
+
+        /// <summary>The text of bytes that end with a zero byte.</summary>
+        internal static string FromUtf8(IntPtr bytes)
+        {
+            int length = 0;
+            while (Marshal.ReadByte(bytes, length) != 0) ++length;
+            return FromUtf8(bytes, length);
+        }
+
+        /// <summary>As the library reads it once, on its way into a report.</summary>
+        internal static string Escaped(string text)
+        {
+            return text.Replace("&", "&amp;");
+        }
+
+        /// <summary>The name of a persistent text. Raises an ArgumentException when it is too
+        /// long.</summary>
+        internal static string StoredName(string name)
+        {
+            if (Utf8.GetByteCount(name) > LongestStoredName)
+            {
+                throw new ArgumentException(
+                    "the name of a persistent text has more than 1,000,000 bytes");
+            }
+            return WithoutNoncharacters(name);
+        }
+
+        /// <summary>A persistent text as the library is given it. Raises an ArgumentException when
+        /// the library would cut it.</summary>
+        internal static string Stored(string name, string text, bool isMarkup)
+        {
+            text = WithoutNoncharacters(text);
+            string read = isMarkup ? WithoutReferences(text) : EscapedWithEdges(text);
+            RequireStorable(name, Utf8.GetByteCount(read));
+            return isMarkup ? text : Escaped(read);
+        }
+
+        /// <summary>Bytes are stored as a hex dump.</summary>
+        internal static void RequireStorable(string name, byte[] bytes)
+        {
+            RequireStorable(name, 3L * bytes.Length);
+        }
+
+        private static void RequireStorable(string name, long length)
+        {
+            if (length <= LongestStoredText) return;
+            throw new ArgumentException(
+                "the persistent text " + name +
+                " has more than 10,000,000 bytes, \"&\" counted as \"&amp;\"");
+        }
+
+        /// <summary>A file with U+FFFE or U+FFFF is no XML: all other texts would suffer. Control
+        /// characters become U+FFFD as well, which the library does.</summary>
+        private static string WithoutNoncharacters(string text)
+        {
+            return text.Replace('\uFFFE', '\uFFFD').Replace('\uFFFF', '\uFFFD');
+        }
+
+        /// <summary>What persistent data is, which the library reads twice, after the first
+        /// reading. It cuts white space at the edges then, which references save.</summary>
+        private static string EscapedWithEdges(string text)
+        {
+            string start = text.Substring(0, text.Length - text.TrimStart(Blanks).Length);
+            string rest = text.Substring(start.Length);
+            string middle = rest.TrimEnd(Blanks);
+            return References(start) + Escaped(middle) +
+                   References(rest.Substring(middle.Length));
+        }
+
+        private static string References(string blanks)
+        {
+            StringBuilder text = new StringBuilder();
+            foreach (char blank in blanks) text.Append("&#").Append((int)blank).Append(';');
+            return text.ToString();
+        }
+
+        /// <summary>The text that XML content stands for; what is no reference stays.</summary>
+        internal static string WithoutReferences(string content)
+        {
+            return Reference.Replace(content, match => Meaning(match) ?? match.Value);
+        }
+
+        private static string Meaning(Match match)
+        {
+            switch (match.Groups["name"].Value)
+            {
+                case "amp": return "&";
+                case "lt": return "<";
+                case "gt": return ">";
+                case "quot": return "\"";
+                case "apos": return "'";
+            }
+            bool isHex = match.Groups["hex"].Success;
+            string digits = match.Groups[isHex ? "hex" : "decimal"].Value;
+            NumberStyles style = isHex ? NumberStyles.AllowHexSpecifier : NumberStyles.None;
+            uint number = uint.Parse(digits, style, CultureInfo.InvariantCulture);
+            bool isSurrogate = number >= 0xD800 && number <= 0xDFFF;
+            return number == 0 || number > 0x10FFFF || isSurrogate
+                ? null
+                : char.ConvertFromUtf32((int)number);
+        }
+
+        /// <summary>A translation becomes part of a template. What looks like markup in it is meant
+        /// as such only if the original has it, too.</summary>
+        internal static string AsMarkup(string original, string translation)
+        {
+            if (original.IndexOf('&') < 0) translation = Escaped(translation);
+            if (original.IndexOf('<') < 0) translation = translation.Replace("<", "&lt;");
+            // A marker in an attribute stands between single quotes.
+            if (original.IndexOf('\'') < 0) translation = translation.Replace("'", "&#39;");
+            return translation;
+        }
+    }
+}

@@ -1,0 +1,85 @@
+// The translate callback: the delegate that the library calls, the text that it gave last, and what
+// the translator raised.
+//
+// SPDX-License-Identifier: MIT
+using System;
+using System.Runtime.ExceptionServices;
+using System.Runtime.InteropServices;
+
+namespace StrataRepgenlib
+{
+    internal sealed class Translation
+    {
+        /// <summary>What a translator raised on this thread, which generates.</summary>
+        [ThreadStatic]
+        private static ExceptionDispatchInfo raised;
+
+        /// <summary>Kept here, so that it lives as long as the library may call it.</summary>
+        internal readonly RgenTranslateFunction Function;
+
+        private readonly Func<string, string> translate;
+        private readonly bool isMarkup;
+        private IntPtr text;
+
+        internal Translation(Func<string, string> translate, bool isMarkup)
+        {
+            this.translate = translate;
+            this.isMarkup = isMarkup;
+            Function = Call;
+        }
+
+        /// <summary>Makes a call of the library; gives its result, and what a translator raised
+        /// meanwhile. It may be made inside a translator of another generator, which has raised
+        /// nothing by then.</summary>
+        internal static int Watch(Func<int> call, out ExceptionDispatchInfo raisedInside)
+        {
+            try
+            {
+                return call();
+            }
+            finally
+            {
+                raisedInside = raised;
+                raised = null;
+            }
+        }
+
+        /// <summary>The generator keeps this object as long as a call runs.</summary>
+        ~Translation()
+        {
+            Marshal.FreeHGlobal(text);
+        }
+
+        /// <summary>No exception may cross the library: the text stays as it is then.</summary>
+        private IntPtr Call(IntPtr original, IntPtr context)
+        {
+            if (raised != null) return original;
+            try
+            {
+                Keep(Translated(ReportTexts.FromUtf8(original)));
+                return text;
+            }
+            catch (Exception exception)
+            {
+                raised = ExceptionDispatchInfo.Capture(exception);
+                return original;
+            }
+        }
+
+        private byte[] Translated(string original)
+        {
+            string translation = translate(original) ?? original;
+            if (!isMarkup) translation = ReportTexts.AsMarkup(original, translation);
+            return ReportTexts.ToUtf8(translation, "a translation");
+        }
+
+        /// <summary>The library copies a text before it asks for the next one.</summary>
+        private void Keep(byte[] bytes)
+        {
+            Marshal.FreeHGlobal(text);
+            text = IntPtr.Zero;
+            text = Marshal.AllocHGlobal(bytes.Length);
+            Marshal.Copy(bytes, 0, text, bytes.Length);
+        }
+    }
+}

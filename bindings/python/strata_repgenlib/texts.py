@@ -1,0 +1,101 @@
+"""Texts on their way to the library, which reads them as XML content, and back.
+
+SPDX-License-Identifier: MIT
+"""
+
+from __future__ import annotations
+
+import re
+
+_NAMED = {"amp": "&", "lt": "<", "gt": ">", "quot": '"', "apos": "'"}
+_REFERENCE = re.compile(r"&(amp|lt|gt|quot|apos|#[0-9]{1,8}|#x[0-9a-fA-F]{1,7});")
+_NUMBER = re.compile(r"&#(?:x([0-9a-fA-F]+)|([0-9]+));")
+_EDGES = re.compile(r"\A[ \t\r\n]+|[ \t\r\n]+\Z")
+
+
+def escaped(text: str) -> str:
+    """What the library has to be given, so that a report shows the text as it is."""
+    return text.replace("&", "&amp;")
+
+
+def escaped_twice(text: str) -> str:
+    """The same for persistent data, which is read twice. The library also cuts white space at the
+    edges, which references save."""
+    def references(match: re.Match[str]) -> str:
+        return "".join(f"&#{ord(letter)};" for letter in match[0])
+
+    return escaped(_EDGES.sub(references, escaped(text)))
+
+
+# What XML cannot hold. Surrogates do not come so far.
+_UNSTORABLE = re.compile("[\x01-\x08\x0b\x0c\x0e-\x1f\ufffe\uffff]")
+
+# The library keeps no more bytes of a persistent text, and cuts the rest without a word.
+LONGEST_STORED = 10_000_000
+# It loses a persistent name that takes so much in its file, where a letter becomes up to six.
+LONGEST_STORED_NAME = 1_000_000
+
+
+def storable(text: str) -> str:
+    """What the file of persistent data cannot hold becomes U+FFFD: there a single such character
+    would make the library lose references in all entries behind it."""
+    return _UNSTORABLE.sub("\ufffd", text)
+
+
+def storable_markup(content: str) -> str:
+    """The same for markup, whose references may mean such a character."""
+    def meant(match: re.Match[str]) -> str:
+        # No number of Python's has that many digits; leading zeros have no meaning.
+        digits = (match[1] or match[2]).lstrip("0")[:8]
+        number = int(digits or "0", 16 if match[1] else 10)
+        is_character = number <= 0x10FFFF and not 0xD800 <= number <= 0xDFFF
+        is_kept = number and is_character and storable(chr(number)) == chr(number)
+        return match[0] if is_kept else "&#xFFFD;"
+
+    return _NUMBER.sub(meant, storable(content))
+
+
+def require_storable(length: int, longest: int, what: str) -> None:
+    if length > longest:
+        raise ValueError(f"{what} is too long for persistent data: {length:,} of {longest:,} bytes")
+
+
+def as_markup(original: str, translation: str) -> str:
+    """A translation becomes part of a template. What looks like markup in it is meant as such only
+    if the original has it, too."""
+    if "&" not in original:
+        translation = escaped(translation)
+    if "<" not in original:
+        translation = translation.replace("<", "&lt;")
+    # A marked text with its two quotes can only stand in an attribute between apostrophes.
+    if "'" not in original:
+        translation = translation.replace("'", "&#39;")
+    return translation
+
+
+def without_references(content: str) -> str:
+    """The text that XML content stands for; what is no reference stays."""
+    def meant(match: re.Match[str]) -> str:
+        name = match[1]
+        if name in _NAMED:
+            return _NAMED[name]
+        number = int(name[2:], 16) if name.startswith("#x") else int(name[1:])
+        is_character = 0 < number <= 0x10FFFF and not 0xD800 <= number <= 0xDFFF
+        return chr(number) if is_character else match[0]
+
+    return _REFERENCE.sub(meant, content)
+
+
+def encoded(text: str, what: str) -> bytes:
+    """The text in UTF-8. UnicodeEncodeError for lone surrogates, which are no UTF-8; ValueError for
+    a zero byte, where the library would cut the text."""
+    if not isinstance(text, str):
+        raise TypeError(f"{what} must be a str, not {type(text).__name__}")
+    if "\0" in text:
+        raise ValueError(f"{what} holds a zero byte: {text!r}")
+    return text.encode("utf-8")
+
+
+def decoded(content: bytes) -> str:
+    """Bytes of the library as a text; what is no UTF-8 in a file of somebody is not lost."""
+    return content.decode("utf-8", "surrogateescape")

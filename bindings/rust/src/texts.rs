@@ -1,0 +1,194 @@
+// Texts on their way to the library and back: zero-terminated UTF-8, and XML content.
+//
+// SPDX-License-Identifier: MIT
+use std::ffi::{CStr, CString};
+use std::path::Path;
+
+use crate::error::Error;
+use crate::rgen_native::{CChar, RgenAnsiString};
+
+const BLANKS: [char; 4] = [' ', '\t', '\r', '\n'];
+/// "&#x0010FFFF;" is the longest reference that means something.
+const LONGEST_REFERENCE: usize = 12;
+/// What the library reads of one text of a file.
+const LONGEST_STORED_TEXT: usize = 10_000_000;
+/// A name stands in an attribute, where a character takes up to six bytes of those.
+const LONGEST_STORED_NAME: usize = 1_000_000;
+
+/// The library would cut a text at a zero byte.
+pub(crate) fn to_native(text: &str, what: &str) -> Result<CString, Error> {
+    CString::new(text).map_err(|_| Error::Text(format!("{what} holds a zero byte")))
+}
+
+pub(crate) fn path_text(path: &Path) -> Result<&str, Error> {
+    let problem = |what| Error::Text(format!("{}: the path {what}", path.display()));
+    let text = path.to_str().ok_or_else(|| problem("is no UTF-8"))?;
+    if text.contains('\0') {
+        return Err(problem("holds a zero byte"));
+    }
+    Ok(text)
+}
+
+/// What is no UTF-8 becomes U+FFFD.
+pub(crate) fn from_record(record: &RgenAnsiString) -> String {
+    if record.data.is_null() {
+        return String::new();
+    }
+    let bytes =
+        unsafe { std::slice::from_raw_parts(record.data as *const u8, record.length as usize) };
+    String::from_utf8_lossy(bytes).into_owned()
+}
+
+/// The text must end with a zero byte.
+pub(crate) unsafe fn from_native(text: *const CChar) -> String {
+    CStr::from_ptr(text.cast()).to_string_lossy().into_owned()
+}
+
+/// As the library reads it once, on its way into a report.
+pub(crate) fn escaped(text: &str) -> String {
+    text.replace('&', "&amp;")
+}
+
+/// The name of a persistent text.
+pub(crate) fn stored_name(name: &str) -> Result<String, Error> {
+    if name.len() > LONGEST_STORED_NAME {
+        let problem = "the name of a persistent text has more than 1,000,000 bytes";
+        return Err(Error::Text(problem.to_string()));
+    }
+    Ok(without_noncharacters(name))
+}
+
+/// A plain persistent text as the library is given it.
+pub(crate) fn stored_text(name: &str, text: &str) -> Result<String, Error> {
+    let read = escaped_with_edges(&without_noncharacters(text));
+    require_storable(name, read.len())?;
+    Ok(escaped(&read))
+}
+
+/// The same for XML content.
+pub(crate) fn stored_markup(name: &str, content: &str) -> Result<String, Error> {
+    let markup = without_noncharacters(content);
+    require_storable(name, without_references(&markup).len())?;
+    Ok(markup)
+}
+
+/// Fails for more than the library would read again.
+pub(crate) fn require_storable(name: &str, length: usize) -> Result<(), Error> {
+    if length <= LONGEST_STORED_TEXT {
+        return Ok(());
+    }
+    let limit = "has more than 10,000,000 bytes, \"&\" counted as \"&amp;\"";
+    Err(Error::Text(format!("the persistent text {name} {limit}")))
+}
+
+/// A file with U+FFFE or U+FFFF is no XML: all other texts would suffer. Control characters become
+/// U+FFFD as well, which the library does.
+fn without_noncharacters(text: &str) -> String {
+    text.replace(['\u{FFFE}', '\u{FFFF}'], "\u{FFFD}")
+}
+
+/// What persistent data is, which the library reads twice, after the first reading. It cuts white
+/// space at the edges then, which references save.
+fn escaped_with_edges(text: &str) -> String {
+    let rest = text.trim_start_matches(BLANKS);
+    let middle = rest.trim_end_matches(BLANKS);
+    let start = &text[..text.len() - rest.len()];
+    references(start) + &escaped(middle) + &references(&rest[middle.len()..])
+}
+
+fn references(blanks: &str) -> String {
+    blanks.bytes().map(|blank| format!("&#{blank};")).collect()
+}
+
+/// The text that XML content stands for; what is no reference stays.
+pub(crate) fn without_references(content: &str) -> String {
+    let mut text = String::new();
+    let mut rest = content;
+    while let Some(at) = rest.find('&') {
+        text.push_str(&rest[..at]);
+        rest = &rest[at..];
+        let end = rest.bytes().take(LONGEST_REFERENCE).position(|byte| byte == b';');
+        match end.and_then(|end| Some((end, meaning(&rest[1..end])?))) {
+            Some((end, letter)) => {
+                text.push(letter);
+                rest = &rest[end + 1..];
+            }
+            None => {
+                text.push('&');
+                rest = &rest[1..];
+            }
+        }
+    }
+    text + rest
+}
+
+/// The character of "amp" or "#65" or "#x41".
+fn meaning(name: &str) -> Option<char> {
+    match name {
+        "amp" => return Some('&'),
+        "lt" => return Some('<'),
+        "gt" => return Some('>'),
+        "quot" => return Some('"'),
+        "apos" => return Some('\''),
+        _ => (),
+    }
+    let number = name.strip_prefix('#')?;
+    let (digits, base) = match number.strip_prefix('x') {
+        Some(digits) => (digits, 16),
+        None => (number, 10),
+    };
+    if !digits.chars().all(|digit| digit.is_digit(base)) {
+        return None;
+    }
+    char::from_u32(u32::from_str_radix(digits, base).ok()?).filter(|letter| *letter != '\0')
+}
+
+/// A translation becomes part of a template. What looks like markup in it is meant as such only if
+/// the original has it, too.
+pub(crate) fn as_markup(original: &str, translation: String) -> String {
+    let mut markup = translation;
+    if !original.contains('&') {
+        markup = escaped(&markup);
+    }
+    if !original.contains('<') {
+        markup = markup.replace('<', "&lt;");
+    }
+    // A marker in an attribute stands between single quotes.
+    if !original.contains('\'') {
+        markup = markup.replace('\'', "&#39;");
+    }
+    markup
+}
+
+#[cfg(test)]
+mod texts_tests {
+    use super::*;
+
+    #[test]
+    fn references_become_characters() {
+        let rows = [
+            ("a &amp; b", "a & b"),
+            ("&lt;&gt;&quot;&apos;", "<>\"'"),
+            ("&#65;&#x42;&#x1F4D6;", "AB\u{1F4D6}"),
+            ("&amp;amp;", "&amp;"),
+            ("&", "&"),
+            (
+                "&;&#;&#x;&#+5;&#0;&#xD800;&#x110000;&copy;",
+                "&;&#;&#x;&#+5;&#0;&#xD800;&#x110000;&copy;",
+            ),
+            ("&слово; &amp слово", "&слово; &amp слово"),
+            ("&сло;", "&сло;"),
+        ];
+        for (content, text) in rows {
+            assert_eq!(text, without_references(content));
+        }
+    }
+
+    #[test]
+    fn stored_texts_keep_their_edges() {
+        let stored = |text| stored_text("a", text).expect("a short text");
+        assert_eq!("&amp;#32;&amp;#10;a &amp;amp; b&amp;#9;", stored(" \na & b\t"));
+        assert_eq!("&amp;#32;", stored(" "));
+        assert_eq!("", stored(""));
+    }
+}

@@ -1,0 +1,76 @@
+// The translate callback: the closure that the library calls, the text that it gave last, and what
+// it raised.
+//
+// SPDX-License-Identifier: MIT
+use std::any::Any;
+use std::cell::RefCell;
+use std::ffi::{c_void, CString};
+use std::panic::{catch_unwind, AssertUnwindSafe};
+
+use crate::rgen_native::CChar;
+use crate::texts::{as_markup, from_native};
+
+type Payload = Box<dyn Any + Send>;
+
+thread_local! {
+    /// What a translator raised on this thread, which generates.
+    static RAISED: RefCell<Option<Payload>> = RefCell::new(None);
+}
+
+/// A translator and the text that it gave last: the library copies it before it asks again. The
+/// library holds the generator's lock meanwhile, so nobody else is here.
+pub(crate) struct Translation {
+    translate: Box<dyn FnMut(&str) -> String + Send>,
+    is_markup: bool,
+    text: CString,
+}
+
+impl Translation {
+    pub(crate) fn new(
+        translate: Box<dyn FnMut(&str) -> String + Send>,
+        is_markup: bool,
+    ) -> Translation {
+        Translation { translate, is_markup, text: CString::default() }
+    }
+
+    fn translated(&mut self, original: &str) -> CString {
+        let mut translation = (self.translate)(original);
+        if !self.is_markup {
+            translation = as_markup(original, translation);
+        }
+        CString::new(translation).expect("a translation holds no zero byte")
+    }
+}
+
+/// What the library calls, with a [`Translation`] as its context. No panic may cross the library:
+/// the text stays as it is then.
+pub(crate) unsafe extern "C" fn translate(
+    text: *const CChar,
+    context: *mut c_void,
+) -> *const CChar {
+    let work = AssertUnwindSafe(|| {
+        if RAISED.with(|raised| raised.borrow().is_some()) {
+            return text;
+        }
+        let translation = &mut *context.cast::<Translation>();
+        translation.text = translation.translated(&from_native(text));
+        translation.text.as_ptr().cast()
+    });
+    catch_unwind(work).unwrap_or_else(|payload| {
+        // A thread that ends has no place for it any more.
+        let _ = RAISED.try_with(|raised| raised.replace(Some(payload)));
+        text
+    })
+}
+
+/// What the library calls when there is no translator.
+pub(crate) unsafe extern "C" fn same(text: *const CChar, _context: *mut c_void) -> *const CChar {
+    text
+}
+
+/// Makes a call of the library; gives its result, and what a translator raised meanwhile. It may be
+/// made inside a translator of another generator, which has raised nothing by then.
+pub(crate) fn watch<T>(call: impl FnOnce() -> T) -> (T, Option<Payload>) {
+    let result = call();
+    (result, RAISED.with(RefCell::take))
+}

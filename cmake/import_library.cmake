@@ -1,0 +1,31 @@
+# SPDX-License-Identifier: MIT
+# The import library for compilers that link like Microsoft's, made from the list of exports. It has
+# the short import format, which those linkers expect; the one that MinGW makes has another.
+
+find_program(
+    RGEN_DLLTOOL
+    NAMES llvm-dlltool-${RGEN_CLANG_FUZZER_VERSION} llvm-dlltool-${RGEN_CLANG_TOOLS_VERSION}
+          llvm-dlltool
+    DOC "Makes the import library strata_repgenlib.lib")
+
+if(NOT RGEN_DLLTOOL)
+    # The build goes on without it; an installation without it would be a broken one.
+    message(WARNING "llvm-dlltool is missing, so this build cannot be installed; scripts/setup "
+                    "package installs it.")
+    install(CODE "message(FATAL_ERROR \"strata_repgenlib.lib was not made, since llvm-dlltool was \
+missing when the build was configured. Run scripts/setup package, then configure and build again.\")"
+            COMPONENT development)
+    return()
+endif()
+
+set(definitions ${PROJECT_SOURCE_DIR}/src/api/exports.def)
+set(import_library ${PROJECT_BINARY_DIR}/lib/strata_repgenlib.lib)
+add_custom_command(
+    OUTPUT ${import_library}
+    COMMAND ${RGEN_DLLTOOL} --machine i386:x86-64 --input-def ${definitions}
+            --dllname strata_repgenlib.dll --output-lib ${import_library}
+    DEPENDS ${definitions}
+    COMMENT "Making the import library for other compilers"
+    VERBATIM)
+add_custom_target(strata_repgenlib_import_library ALL DEPENDS ${import_library})
+install(FILES ${import_library} DESTINATION ${CMAKE_INSTALL_LIBDIR} COMPONENT development)

@@ -1,0 +1,99 @@
+# SPDX-License-Identifier: MIT
+# What "cmake --install" puts where, in the components library, development, tools, templates and
+# documentation. No installed file names a folder of the building machine, so the tree can be moved.
+
+include(CMakePackageConfigHelpers)
+
+foreach(folder BINDIR LIBDIR INCLUDEDIR DATAROOTDIR DOCDIR MANDIR)
+    if(IS_ABSOLUTE "${CMAKE_INSTALL_${folder}}")
+        message(FATAL_ERROR "CMAKE_INSTALL_${folder} is ${CMAKE_INSTALL_${folder}}, but has to be "
+                            "relative to the prefix: an installation can be moved. Set "
+                            "CMAKE_INSTALL_PREFIX instead.")
+    endif()
+endforeach()
+set(install_data_dir ${CMAKE_INSTALL_DATAROOTDIR}/strata_repgenlib)
+set(install_package_dir ${CMAKE_INSTALL_LIBDIR}/cmake/strata_repgenlib)
+
+# ---- library ------------------------------------------------------------------------------------
+
+install(
+    TARGETS strata_repgenlib
+    EXPORT strata_repgenlibTargets
+    RUNTIME COMPONENT library
+    LIBRARY COMPONENT library NAMELINK_COMPONENT development
+    ARCHIVE COMPONENT development
+    INCLUDES DESTINATION ${CMAKE_INSTALL_INCLUDEDIR})
+install(FILES LICENSE DESTINATION ${CMAKE_INSTALL_DOCDIR} COMPONENT library)
+
+# ---- development --------------------------------------------------------------------------------
+
+install(DIRECTORY include/strata_repgenlib DESTINATION ${CMAKE_INSTALL_INCLUDEDIR}
+        COMPONENT development)
+if(WIN32)
+    include(cmake/import_library.cmake)
+    install(FILES src/api/exports.def DESTINATION ${CMAKE_INSTALL_LIBDIR}
+            RENAME strata_repgenlib.def COMPONENT development)
+endif()
+
+# The major number changes with every incompatible change, as docs/abi.md says.
+set(package_files ${PROJECT_BINARY_DIR}/package)
+write_basic_package_version_file(${package_files}/strata_repgenlibConfigVersion.cmake
+                                 COMPATIBILITY SameMajorVersion)
+file(RELATIVE_PATH install_package_to_prefix /${install_package_dir} /)
+configure_package_config_file(
+    cmake/package/strata_repgenlibConfig.cmake.in ${package_files}/strata_repgenlibConfig.cmake
+    INSTALL_DESTINATION ${install_package_dir}
+    PATH_VARS CMAKE_INSTALL_LIBDIR install_data_dir)
+install(FILES ${package_files}/strata_repgenlibConfig.cmake
+              ${package_files}/strata_repgenlibConfigVersion.cmake
+        DESTINATION ${install_package_dir} COMPONENT development)
+install(EXPORT strata_repgenlibTargets NAMESPACE strata_repgenlib::
+        DESTINATION ${install_package_dir} COMPONENT development)
+
+file(RELATIVE_PATH install_pc_to_prefix /${CMAKE_INSTALL_LIBDIR}/pkgconfig /)
+string(REGEX REPLACE "/$" "" install_pc_to_prefix "${install_pc_to_prefix}")
+configure_file(cmake/package/strata_repgenlib.pc.in ${package_files}/strata_repgenlib.pc @ONLY)
+install(FILES ${package_files}/strata_repgenlib.pc
+        DESTINATION ${CMAKE_INSTALL_LIBDIR}/pkgconfig COMPONENT development)
+
+# Sources for hosts: what tests and builds leave beside them stays behind.
+set(left_out
+    PATTERN tests EXCLUDE PATTERN "*_test.*" EXCLUDE PATTERN "test_*.py" EXCLUDE
+    PATTERN __pycache__ EXCLUDE PATTERN "*.egg-info" EXCLUDE PATTERN ".*" EXCLUDE
+    REGEX "/python/(build|dist)$" EXCLUDE REGEX "/csharp/(.+/)?(bin|obj)$" EXCLUDE
+    REGEX "/rust/(target|Cargo\\.lock)$" EXCLUDE REGEX "/examples/build$" EXCLUDE)
+foreach(language python csharp rust)
+    install(DIRECTORY bindings/${language} DESTINATION ${install_data_dir}/bindings
+            COMPONENT development OPTIONAL ${left_out})
+endforeach()
+install(DIRECTORY examples DESTINATION ${install_data_dir} COMPONENT development ${left_out})
+
+# ---- tools --------------------------------------------------------------------------------------
+
+if(RGEN_BUILD_TOOLS)
+    install(TARGETS rgen vellum RUNTIME COMPONENT tools)
+endif()
+if(RGEN_BUILD_TOOLS AND NOT WIN32)
+    install(FILES ${PROJECT_BINARY_DIR}/tools/rgen/rgen.1 ${PROJECT_BINARY_DIR}/tools/vellum/vellum.1
+            DESTINATION ${CMAKE_INSTALL_MANDIR}/man1 COMPONENT tools)
+    include(cmake/completion.cmake)
+endif()
+
+# ---- templates and documentation ----------------------------------------------------------------
+
+install(DIRECTORY templates DESTINATION ${install_data_dir} COMPONENT templates)
+install(FILES README.md CHANGELOG.md CONTRIBUTING.md DESTINATION ${CMAKE_INSTALL_DOCDIR}
+        COMPONENT documentation)
+install(DIRECTORY docs DESTINATION ${CMAKE_INSTALL_DOCDIR} COMPONENT documentation
+        FILES_MATCHING PATTERN "*.md" PATTERN "*.png")
+# Headers and bindings are elsewhere in an installation than in the sources.
+foreach(folder docs .)
+    file(RELATIVE_PATH include /${CMAKE_INSTALL_DOCDIR}/${folder} /${CMAKE_INSTALL_INCLUDEDIR})
+    file(RELATIVE_PATH bindings /${CMAKE_INSTALL_DOCDIR}/${folder} /${install_data_dir}/bindings)
+    set(documents "\$ENV{DESTDIR}\${CMAKE_INSTALL_PREFIX}/${CMAKE_INSTALL_DOCDIR}/${folder}")
+    install(CODE "set(documents \"${documents}\")
+set(to_include \"${include}\")
+set(to_bindings \"${bindings}\")"
+            COMPONENT documentation)
+    install(SCRIPT cmake/installed_links.cmake COMPONENT documentation)
+endforeach()

@@ -1,0 +1,1565 @@
+/*
+ * strata_repgenlib for C++17 and later: owners, exceptions and containers around rgen.h. Nothing
+ * but this header and the library is needed; all of it is inline and stands on the C interface.
+ *
+ *     namespace repgen = strata::repgen;
+ *
+ *     constexpr repgen::Guid acquisition("5a0c6f1e-3b74-4e59-9d21-7c8e0f6a41b2");
+ *     repgen::Generator generator("reports");
+ *     repgen::Request request{acquisition, "html"};
+ *     request.values["Device"] = "Disk 1 & 2";
+ *     request.values["Capacity"] = {500107862016, repgen::Hint::Size};
+ *     request.values["Started"] = std::chrono::system_clock::now();
+ *     generator.generateFile(request, "report.html");
+ *
+ * The contract of rgen.h holds; its headings are referred to. What this header adds:
+ *
+ * TEXTS
+ *   Texts are UTF-8, given as anything that a std::string_view can be made of; from C++20 on also
+ *   as char8_t texts. A text stands in a report as it is: "&" is escaped on the way to the library,
+ *   in persistent data twice. Text::markup() switches that off for one text, which is then XML
+ *   content in the sense of rgen.h. A text, name or path with a zero byte inside raises
+ *   std::invalid_argument, since the library would cut it there.
+ *
+ * PATHS
+ *   A Path is made of a std::filesystem::path or of a text, which is UTF-8 on every system. A
+ *   relative one, that of the data directory as well, counts from the folder that is the current
+ *   one at the time of each call.
+ *
+ * ERRORS
+ *   Every failure is an exception. A negative status becomes a StatusError, a conversion to pdf
+ *   that made no pdf a ConversionError. What a translator raises leaves the call that generates.
+ *   The exceptions of the library itself (see EXCEPTIONS in rgen.h: std::bad_alloc,
+ *   std::range_error, std::runtime_error and what is derived from it) pass through, if the host and
+ *   the library come from the same family of compilers: GCC or Clang with libstdc++ on Linux,
+ *   MinGW-w64 on Windows. Another compiler on Windows does not see them, they end the process.
+ *   Whatever is raised, nothing leaks and the generator can be used on.
+ *
+ * THREADS
+ *   A Generator may be used by several threads at once, as the handle behind it; moving, ending and
+ *   assigning it is for one thread alone. All other objects are plain values.
+ *
+ * SPDX-License-Identifier: MIT
+ */
+#pragma once
+
+#include <algorithm>
+#include <chrono>
+#include <cstddef>
+#include <cstdint>
+#include <cstdio>
+#include <cstring>
+#include <exception>
+#include <filesystem>
+#include <fstream>
+#include <functional>
+#include <initializer_list>
+#include <iterator>
+#include <limits>
+#include <map>
+#include <memory>
+#include <mutex>
+#include <new>
+#include <optional>
+#include <stdexcept>
+#include <string>
+#include <string_view>
+#include <system_error>
+#include <thread>
+#include <tuple>
+#include <type_traits>
+#include <utility>
+#include <variant>
+#include <vector>
+
+#include "strata_repgenlib/rgen.h"
+
+namespace strata::repgen {
+
+/** The bytes of a value or of a report. */
+using Bytes = std::vector<std::uint8_t>;
+
+/** How a 64-bit integer is shown in a report; the numbers are those of RgenHint. */
+enum class Hint : std::uint64_t {
+    Uninitialized = RGEN_HINT_UNINITIALIZED, /**< Counts as Generic. */
+    Generic = RGEN_HINT_GENERIC,             /**< Signed decimal. */
+    Time = RGEN_HINT_TIME,                   /**< Seconds since 1970 UTC, as local "23:59:59". */
+    Date = RGEN_HINT_DATE,                   /**< Same, local date " 1.01.1970". */
+    DateTime = RGEN_HINT_DATE_TIME,          /**< Same, " 1.01.1970 23:59:59". */
+    Size = RGEN_HINT_SIZE,                   /**< Signed decimal. */
+    Address = RGEN_HINT_ADDRESS,             /**< "0x" and lower-case hexadecimal digits. */
+    Speed = RGEN_HINT_SPEED,                 /**< Signed decimal. */
+    Dump = RGEN_HINT_DUMP                    /**< Bytes that come back from the library. */
+};
+
+/** What a Value holds; the numbers are those of RgenVariantType. */
+enum class ValueType : std::uint64_t {
+    Integer = RGEN_TYPE_INT64,
+    Text = RGEN_TYPE_STRING,
+    ByteArray = RGEN_TYPE_BYTE_ARRAY,
+    Handle = RGEN_TYPE_HANDLE
+};
+
+/** Whether a text is meant as it stands, or is XML content already. */
+enum class TextForm { Plain, Markup };
+
+/* ---- Statuses ------------------------------------------------------------------------------- */
+
+/**
+ * The symbolic name of a status, as in rgen_status.h.
+ *
+ * @param status  Any number.
+ * @return        "RGEN_OK", "RGEN_E_BAD_PARAMETER" and so on; empty for a number without a name.
+ *
+ * Threads: any. Exceptions: none.
+ */
+inline std::string_view statusName(RgenStatus status) noexcept {
+    struct Entry {
+        std::uint32_t number;
+        std::string_view name;
+    };
+    static constexpr Entry entries[] = {
+        {0x00000000, "RGEN_OK"},
+        {0xC0000001, "RGEN_E_BAD_PARAMETER"},
+        {0xC0000002, "RGEN_E_DIR_NOT_FOUND"},
+        {0xC0000003, "RGEN_E_CREATE_DIR"},
+        {0xC0000004, "RGEN_E_CREATE_CONFIG"},
+        {0xC0000005, "RGEN_E_OPEN_CONFIG"},
+        {0xC0000006, "RGEN_E_OPEN_PERSIST"},
+        {0xC0000007, "RGEN_E_EMPTY_INPUT"},
+        {0xC0000008, "RGEN_E_GUID_NOT_IN_CONFIG"},
+        {0xC0000009, "RGEN_E_TEMPLATE_NOT_FOUND"},
+        {0xC000000A, "RGEN_E_UNKNOWN_FORMAT"},
+        {0xC000000B, "RGEN_E_OVERWRITE_OUTPUT"},
+        {0xC000000C, "RGEN_E_CREATE_OUTPUT"},
+        {0xC000000D, "RGEN_E_WRITE_OUTPUT"},
+        {0xC000000E, "RGEN_E_UNKNOWN_OUTPUT_MODE"},
+        {0xC000000F, "RGEN_E_WRITE_ALL_OUTPUT"},
+        {0xC0000010, "RGEN_E_DELETE_PERSIST"},
+        {0xC0000011, "RGEN_E_CREATE_PERSIST"},
+        {0xC0000012, "RGEN_E_RUN_EXTERNAL"},
+        {0xC0000013, "RGEN_E_EXTERNAL_FAILED"},
+        {0xC0000014, "RGEN_E_OPEN_SIMULATION"},
+        {0xC0000015, "RGEN_E_DELETE_DUMP"},
+        {0xC0010001, "RGEN_E_XPATH_DOCUMENT"},
+        {0xC0010002, "RGEN_E_XPATH_CONTEXT"},
+        {0xC0010003, "RGEN_E_XPATH_SEARCH"},
+        {0xC0010004, "RGEN_E_NO_PERSIST_IN_CONFIG"},
+        {0xC0010005, "RGEN_E_XPATH_NOT_NODE"},
+        {0xC0010006, "RGEN_E_XPATH_NODE_EMPTY"},
+        {0xC0010007, "RGEN_E_NO_TYPE_MAP"},
+        {0xC0010008, "RGEN_E_NO_VALID_TYPE_MAP"},
+        {0xC0010009, "RGEN_E_NO_PERSIST_VALUES"},
+        {0xC001000A, "RGEN_E_NO_VALID_PERSIST_VALUES"},
+        {0xC0020001, "RGEN_E_XSLT_PARSE"},
+        {0xC0020002, "RGEN_E_XSLT_APPLY"},
+        {0xC0020003, "RGEN_E_XSLT_RESULT"},
+        {0xC000FFFF, "RGEN_E_UNKNOWN"},
+        {0x80000001, "RGEN_CANCELED"},
+    };
+    for (const Entry& entry : entries) {
+        if (entry.number == static_cast<std::uint32_t>(status)) return entry.name;
+    }
+    return {};
+}
+
+/**
+ * A failure that the library reported. what() says all of it: "report.html: Template is not found
+ * in folder (0xC0000009 RGEN_E_TEMPLATE_NOT_FOUND)".
+ */
+class StatusError : public std::runtime_error {
+public:
+    /**
+     * @param subject  What the call was about, for what().
+     * @param status   The status.
+     * @param text     The library's description of it, which lives as long as the library is
+     *                 loaded; see Generator::statusText.
+     */
+    StatusError(std::string_view subject, RgenStatus status, const char* text)
+        : std::runtime_error(message(subject, status, text)), status_(status), text_(text) {}
+
+    /** The status: negative, one of rgen_status.h. */
+    RgenStatus status() const noexcept { return status_; }
+
+    /** Its symbolic name, "RGEN_E_TEMPLATE_NOT_FOUND"; see statusName. */
+    std::string_view name() const noexcept { return statusName(status_); }
+
+    /** The library's description in English. */
+    std::string_view text() const noexcept { return text_; }
+
+    /** Tells whether the generation was cancelled, which is no failure of anything. */
+    bool isCancellation() const noexcept { return name() == "RGEN_CANCELED"; }
+
+private:
+    static std::string message(std::string_view subject, RgenStatus status, const char* text) {
+        char number[16] = {};
+        std::snprintf(number, sizeof number, "0x%08X", static_cast<unsigned>(status));
+        const std::string_view name = statusName(status);
+        std::string words(subject);
+        words.append(": ").append(text).append(" (").append(number);
+        if (!name.empty()) words.append(" ").append(name);
+        return words + ")";
+    }
+
+    RgenStatus status_;
+    const char* text_;
+};
+
+/** The library reported success, but the converter made no pdf, or not a whole one. */
+class ConversionError : public std::runtime_error {
+public:
+    /**
+     * @param path     UTF-8 path of the file that was asked for.
+     * @param problem  What is wrong with it.
+     * @param reason   What the converter says, may be empty.
+     */
+    ConversionError(const std::string& path, const std::string& problem, std::string reason)
+        : std::runtime_error(path + ": " + problem + (reason.empty() ? "" : ": " + reason)),
+          reason_(std::make_shared<std::string>(std::move(reason))) {}
+
+    /** The text of "<path>.error.txt"; empty when the converter left none. */
+    const std::string& reason() const noexcept { return *reason_; }
+
+private:
+    std::shared_ptr<const std::string> reason_;
+};
+
+/* ---- Inside --------------------------------------------------------------------------------- */
+
+/** What the rest of this header stands on; nothing in here is for hosts. */
+namespace detail {
+
+template <typename Source>
+using ElementOf = std::decay_t<decltype(std::declval<const Source&>()[0])>;
+
+template <typename Letter>
+constexpr bool isByte = std::is_same_v<Letter, unsigned char> || std::is_same_v<Letter, std::byte>;
+
+/// char and, where there is one, char8_t; it has no name in C++17.
+template <typename Letter>
+constexpr bool isLetter = std::is_integral_v<Letter> && sizeof(Letter) == 1 && !isByte<Letter> &&
+                          !std::is_same_v<Letter, signed char> && !std::is_same_v<Letter, bool>;
+
+template <typename Letter, typename Source, bool = isLetter<Letter>>
+constexpr bool isViewable = false;
+template <typename Letter, typename Source>
+constexpr bool isViewable<Letter, Source, true> =
+    std::is_convertible_v<const Source&, std::basic_string_view<Letter>>;
+
+template <typename Source, typename = void>
+constexpr bool isText = false;
+template <typename Source>
+constexpr bool isText<Source, std::void_t<ElementOf<Source>>> =
+    isViewable<ElementOf<Source>, Source>;
+
+template <typename Number>
+constexpr bool isNumber =
+    std::is_integral_v<Number> && !std::is_same_v<Number, bool> && !std::is_same_v<Number, char> &&
+    !std::is_same_v<Number, wchar_t> && !std::is_same_v<Number, char16_t> &&
+    !std::is_same_v<Number, char32_t> && (!isLetter<Number> || std::is_same_v<Number, signed char>);
+
+template <typename Range, typename = void>
+constexpr bool isByteRange = false;
+template <typename Range>
+constexpr bool isByteRange<Range, std::void_t<decltype(std::data(std::declval<const Range&>())),
+                                              decltype(std::size(std::declval<const Range&>()))>> =
+    isByte<std::decay_t<decltype(*std::data(std::declval<const Range&>()))>>;
+
+template <typename Range>
+using EntryOf = decltype(*std::begin(std::declval<Range&>()));
+
+template <typename Entry>
+constexpr bool hasTwoParts = std::tuple_size<std::decay_t<Entry>>::value == 2;
+
+/// A range whose entries have two parts, a name and something that an Item can be made of. A view
+/// may be one that cannot be walked through when it is constant.
+template <typename Range, typename Item, typename = void>
+constexpr bool isRangeOf = false;
+template <typename Range, typename Item>
+constexpr bool isRangeOf<Range, Item,
+                         std::void_t<decltype(std::get<1>(std::declval<EntryOf<Range>>())),
+                                     decltype(std::end(std::declval<Range&>())),
+                                     std::enable_if_t<hasTwoParts<EntryOf<Range>>>>> =
+    std::is_convertible_v<decltype(std::get<1>(std::declval<EntryOf<Range>>())), Item>;
+
+template <typename Source>
+std::string toUtf8(const Source& source) {
+    if constexpr (std::is_pointer_v<Source>) {
+        if (source == nullptr) throw std::invalid_argument("a text is a null pointer");
+    }
+    const std::basic_string_view<ElementOf<Source>> view = source;
+    return {reinterpret_cast<const char*>(view.data()), view.size()};
+}
+
+/// `Native` is what u8string() gives, so that the branch of the other language version is not seen.
+template <typename Native = decltype(std::filesystem::path().u8string())>
+std::filesystem::path pathOf(const std::string& utf8) {
+    const Native native(utf8.begin(), utf8.end());
+    if constexpr (std::is_same_v<Native, std::string>) {
+        return std::filesystem::u8path(native);
+    } else {
+        return std::filesystem::path(native);
+    }
+}
+
+inline const std::string& withoutZero(const std::string& text, const char* what) {
+    if (text.find('\0') == std::string::npos) return text;
+    throw std::invalid_argument(std::string(what) + " holds a zero byte");
+}
+
+inline std::string replaced(std::string_view text, char letter, std::string_view replacement) {
+    std::string result;
+    result.reserve(text.size());
+    for (const char each : text) {
+        if (each == letter) {
+            result += replacement;
+        } else {
+            result += each;
+        }
+    }
+    return result;
+}
+
+inline std::string escaped(std::string_view text) {
+    return replaced(text, '&', "&amp;");
+}
+
+/// Tells whether XML may hold the character.
+constexpr bool isXmlCharacter(std::uint32_t character) noexcept {
+    if (character < 0x20) return character == '\t' || character == '\n' || character == '\r';
+    const bool isSurrogate = character >= 0xD800 && character <= 0xDFFF;
+    return character <= 0x10FFFF && !isSurrogate && character != 0xFFFE && character != 0xFFFF;
+}
+
+/// What a text starts with: so many bytes, and whether they are a character that XML may hold.
+struct LeadingCharacter {
+    std::size_t length;
+    bool isForXml;
+};
+
+/// A byte that belongs to no character in UTF-8 stands for itself.
+inline LeadingCharacter leadingCharacter(std::string_view rest) {
+    constexpr std::uint32_t smallest[] = {0, 0, 0x80, 0x800, 0x10000};
+    const auto byteAt = [rest](std::size_t at) { return static_cast<unsigned char>(rest[at]); };
+    const std::uint32_t lead = byteAt(0);
+    if (lead < 0x80) return {1, isXmlCharacter(lead)};
+    std::size_t length = 2;
+    if (lead >= 0xE0) length = lead >= 0xF0 ? 4 : 3;
+    if (lead < 0xC0 || lead >= 0xF8 || rest.size() < length) return {1, false};
+    std::uint32_t character = lead & (0x7FU >> length);
+    for (std::size_t i = 1; i < length; ++i) {
+        if ((byteAt(i) & 0xC0U) != 0x80U) return {1, false};
+        character = character << 6U | (byteAt(i) & 0x3FU);
+    }
+    return {length, character >= smallest[length] && isXmlCharacter(character)};
+}
+
+/// What the file of persistent data cannot hold becomes U+FFFD: there a single such character would
+/// make the library lose references in all entries behind it.
+inline std::string storable(std::string_view text) {
+    std::string result;
+    result.reserve(text.size());
+    while (!text.empty()) {
+        const LeadingCharacter next = leadingCharacter(text);
+        result += next.isForXml ? text.substr(0, next.length) : "\xEF\xBF\xBD";
+        text.remove_prefix(next.length);
+    }
+    return result;
+}
+
+/// As the library reads it twice. It also cuts white space at the edges, which references save.
+inline std::string escapedTwice(const std::string& text) {
+    constexpr std::string_view blanks = " \t\r\n";
+    const std::size_t start = (std::min)(text.find_first_not_of(blanks), text.size());
+    const std::size_t end = (std::max)(start, text.find_last_not_of(blanks) + 1);
+    const auto references = [](std::string_view part) {
+        std::string result;
+        for (const char blank : part)
+            result += "&amp;#" + std::to_string(static_cast<int>(blank)) + ";";
+        return result;
+    };
+    const std::string_view view = text;
+    return references(view.substr(0, start)) + escaped(escaped(view.substr(start, end - start))) +
+           references(view.substr(end));
+}
+
+/// A translation becomes part of a template. What looks like markup in it is meant as such only if
+/// the original has it, too.
+inline std::string asMarkup(std::string_view original, std::string translation) {
+    if (original.find('&') == std::string_view::npos) translation = escaped(translation);
+    if (original.find('<') == std::string_view::npos)
+        translation = replaced(translation, '<', "&lt;");
+    // A marked text with its two quotes can only stand in an attribute between apostrophes.
+    if (original.find('\'') == std::string_view::npos)
+        translation = replaced(translation, '\'', "&#39;");
+    return translation;
+}
+
+inline std::string utf8Character(std::uint32_t character) {
+    const auto byte = [character](unsigned shift, unsigned mark) {
+        return static_cast<char>(mark | ((character >> shift) & 0x3FU));
+    };
+    if (character < 0x80) return {static_cast<char>(character)};
+    if (character < 0x800) return {static_cast<char>(0xC0U | (character >> 6U)), byte(0, 0x80)};
+    if (character < 0x10000) {
+        return {static_cast<char>(0xE0U | (character >> 12U)), byte(6, 0x80), byte(0, 0x80)};
+    }
+    return {static_cast<char>(0xF0U | (character >> 18U)), byte(12, 0x80), byte(6, 0x80),
+            byte(0, 0x80)};
+}
+
+/// The value of a digit of that base, or the base for another character.
+constexpr std::uint32_t digitOf(char letter, std::uint32_t base) noexcept {
+    std::uint32_t digit = base;
+    if (letter >= '0' && letter <= '9') digit = static_cast<std::uint32_t>(letter - '0');
+    if (letter >= 'a' && letter <= 'f') digit = static_cast<std::uint32_t>(letter - 'a') + 10;
+    if (letter >= 'A' && letter <= 'F') digit = static_cast<std::uint32_t>(letter - 'A') + 10;
+    return digit < base ? digit : base;
+}
+
+/// The number of "#65" or "#x41"; nothing for what is no number, 0x110000 for a greater one.
+inline std::optional<std::uint32_t> referencedNumber(std::string_view name) {
+    const bool isHex = name.size() > 1 && name[1] == 'x';
+    const std::uint32_t base = isHex ? 16 : 10;
+    const std::string_view digits = name.substr(isHex ? 2 : 1);
+    if (digits.empty()) return std::nullopt;
+    std::uint32_t number = 0;
+    for (const char letter : digits) {
+        const std::uint32_t digit = digitOf(letter, base);
+        if (digit == base) return std::nullopt;
+        number = (std::min<std::uint32_t>)(number * base + digit, 0x110000);
+    }
+    return number;
+}
+
+/// The character of "#65" or "#x41"; empty for what is none.
+inline std::string numericReference(std::string_view name) {
+    const std::uint32_t number = referencedNumber(name).value_or(0);
+    const bool isSurrogate = number >= 0xD800 && number <= 0xDFFF;
+    if (number == 0 || number > 0x10FFFF || isSurrogate) return {};
+    return utf8Character(number);
+}
+
+inline std::string referencedText(std::string_view name) {
+    if (name == "amp") return "&";
+    if (name == "lt") return "<";
+    if (name == "gt") return ">";
+    if (name == "quot") return "\"";
+    if (name == "apos") return "'";
+    return !name.empty() && name[0] == '#' ? numericReference(name) : std::string();
+}
+
+/// The reference that `rest` starts with, "&amp;"; empty when there is none. No name is longer.
+inline std::string_view referenceAt(std::string_view rest) {
+    constexpr std::size_t longest = 12;
+    const std::size_t end = rest.substr(0, longest).find(';');
+    return end == std::string_view::npos ? std::string_view() : rest.substr(0, end + 1);
+}
+
+/// The text that XML content stands for; what is no reference stays.
+inline std::string withoutReferences(std::string_view content) {
+    std::string text;
+    while (!content.empty()) {
+        const std::size_t plain = (std::min)(content.find('&'), content.size());
+        text += content.substr(0, plain);
+        content.remove_prefix(plain);
+        const std::string_view reference = referenceAt(content);
+        const std::string meant =
+            reference.empty() ? "" : referencedText(reference.substr(1, reference.size() - 2));
+        const std::size_t read = meant.empty() ? 1 : reference.size();
+        text += meant.empty() ? content.substr(0, 1) : std::string_view(meant);
+        content.remove_prefix((std::min)(read, content.size()));
+    }
+    return text;
+}
+
+/// Markup without references to what the file of persistent data cannot hold.
+inline std::string storableMarkup(const std::string& content) {
+    std::string result = storable(content);
+    for (std::size_t at = result.find("&#"); at != std::string::npos; at = result.find("&#", at)) {
+        const std::size_t end = result.find_first_of(";&", ++at);
+        if (end == std::string::npos) break;
+        if (result[end] != ';') continue;
+        const auto number = referencedNumber(std::string_view(result).substr(at, end - at));
+        if (number && !isXmlCharacter(*number)) result.replace(at, end - at, "#xFFFD");
+    }
+    return result;
+}
+
+/// Reads so many bytes of a file from a position on; fewer at its end.
+inline std::string partOf(std::ifstream& file, std::streamoff start, std::size_t length) {
+    std::string part(length, '\0');
+    file.clear();
+    file.seekg(start);
+    file.read(part.data(), static_cast<std::streamsize>(length));
+    part.resize(static_cast<std::size_t>((std::max<std::streamsize>)(0, file.gcount())));
+    return part;
+}
+
+/// Tells whether the file begins with "%PDF-" and has "%%EOF" in its last 1024 bytes.
+inline bool isWholePdf(std::ifstream& file) {
+    constexpr std::size_t searched = 1024;
+    file.seekg(0, std::ios::end);
+    const std::streamoff size = file.tellg();
+    const std::streamoff tail = (std::max<std::streamoff>)(0, size - std::streamoff{searched});
+    return partOf(file, 0, 5) == "%PDF-" &&
+           partOf(file, tail, searched).find("%%EOF") != std::string::npos;
+}
+
+/// Refuses what the converter would take for something else, and removes the text of an earlier
+/// failure, which would be taken for one of this conversion. What cannot be removed stays.
+inline void prepareConversion(const std::string& path, const std::string& base) {
+    if (path.find('"') != std::string::npos || base.find('"') != std::string::npos) {
+        throw std::invalid_argument("the path or base of a pdf holds a double quote");
+    }
+    try {
+        std::error_code ignored;
+        const std::filesystem::path note = pathOf(path + ".error.txt");
+        if (std::filesystem::is_regular_file(note, ignored)) {
+            std::filesystem::remove(note, ignored);
+        }
+    } catch (const std::system_error&) {
+        // The path is no UTF-8, which the library tells.
+    }
+}
+
+/// Checks what the converter made of a successful generation.
+inline void verifyPdf(const std::string& path) {
+    constexpr std::size_t longestReason = 65536;
+    std::ifstream note(pathOf(path + ".error.txt"), std::ios::binary);
+    const bool hasNote = note.is_open();
+    std::string reason = hasNote ? partOf(note, 0, longestReason) : std::string();
+    while (!reason.empty() && (reason.back() == '\n' || reason.back() == '\r'))
+        reason.pop_back();
+    std::ifstream file(pathOf(path), std::ios::binary);
+    if (!file) throw ConversionError(path, "the converter made no file", reason);
+    if (!isWholePdf(file)) {
+        throw ConversionError(path, "the converter's file is not a whole pdf", reason);
+    }
+    // A page about its failure is no report; an older text was removed before the conversion.
+    if (hasNote) throw ConversionError(path, "the converter failed", reason);
+}
+
+// The one question that each system answers in its own way. The declarations are those of the
+// system's headers, which hosts need not have.
+#if defined(_WIN32)
+extern "C" __declspec(dllimport) int __stdcall CloseHandle(void* handle);
+inline void closeHandle(void* handle) noexcept {
+    CloseHandle(handle);
+}
+#else
+extern "C" int close(int descriptor);
+inline void closeHandle(void* handle) noexcept {
+    close(static_cast<int>(reinterpret_cast<std::intptr_t>(handle)));
+}
+#endif
+
+inline void release(RgenAnsiString& record) noexcept {
+    rgen_freeRgenAnsiString(&record);
+}
+inline void release(RgenByteArray& record) noexcept {
+    rgen_freeRgenByteArray(&record);
+}
+inline void release(RgenCVariant& record) noexcept {
+    rgen_freeRgenCVariant(&record);
+}
+inline void release(RgenCVariantSet& record) noexcept {
+    rgen_freeRgenCVariantSet(&record);
+}
+inline void release(RgenCAnsiStringPairSet& record) noexcept {
+    rgen_freeRgenCAnsiStringSet(&record);
+}
+inline void release(RgenCInputParams& record) noexcept {
+    rgen_freeRgenCInputParams(&record);
+}
+
+}  // namespace detail
+
+/* ---- Values --------------------------------------------------------------------------------- */
+
+/**
+ * A record of rgen.h with everything in it, for calls that this header does not wrap. It starts
+ * filled with zeros, can be moved, not copied, and is freed with the matching function of rgen.h.
+ *
+ *     Owned<RgenCVariant> result;
+ *     rgen_generateReport(generator.handle(), &input, result.get());
+ */
+template <typename Record>
+class Owned {
+public:
+    Owned() noexcept = default;
+    ~Owned() { detail::release(record_); }
+    Owned(const Owned&) = delete;
+    Owned& operator=(const Owned&) = delete;
+    /** Takes the record over; the other one is empty then. */
+    Owned(Owned&& other) noexcept : record_(std::exchange(other.record_, Record{})) {}
+    /** Frees the own record and takes the other one over, which is empty then. */
+    Owned& operator=(Owned&& other) noexcept {
+        if (this != &other) {
+            detail::release(record_);
+            record_ = std::exchange(other.record_, Record{});
+        }
+        return *this;
+    }
+
+    /** The record. */
+    Record* get() noexcept { return &record_; }
+    /** The record. */
+    const Record* get() const noexcept { return &record_; }
+    /** The record. */
+    Record& operator*() noexcept { return record_; }
+    /** The record. */
+    const Record& operator*() const noexcept { return record_; }
+    /** The record. */
+    Record* operator->() noexcept { return &record_; }
+    /** The record. */
+    const Record* operator->() const noexcept { return &record_; }
+
+private:
+    Record record_{};
+};
+
+/** A report type's GUID. */
+class Guid {
+public:
+    /** The GUID of zeros. */
+    constexpr Guid() noexcept = default;
+
+    /** The GUID of a record. */
+    constexpr Guid(const RgenGuid& record) noexcept : record_(record) {}
+
+    /**
+     * Reads "5a0c6f1e-3b74-4e59-9d21-7c8e0f6a41b2", in either letter case and also in braces. A
+     * wrong constant does not compile: constexpr Guid type("...").
+     *
+     * Exceptions: std::invalid_argument for another text.
+     */
+    constexpr explicit Guid(std::string_view text) : record_{} {
+        if (!read(text)) throw std::invalid_argument("this is no GUID");
+    }
+
+    /** As the constructor, but gives nothing for another text. Exceptions: none. */
+    static constexpr std::optional<Guid> parse(std::string_view text) noexcept {
+        Guid guid;
+        return guid.read(text) ? std::optional<Guid>(guid) : std::nullopt;
+    }
+
+    /** The 36 characters, in lower case. */
+    std::string text() const {
+        std::string text(shape);
+        std::size_t digit = 0;
+        for (char& letter : text) {
+            if (letter == 'x') letter = "0123456789abcdef"[nibble(digit++)];
+        }
+        return text;
+    }
+
+    /** The record for functions of rgen.h. */
+    constexpr const RgenGuid& record() const noexcept { return record_; }
+
+    /** Compares all that they hold. */
+    friend bool operator==(const Guid& left, const Guid& right) noexcept {
+        return std::memcmp(&left.record_, &right.record_, sizeof left.record_) == 0;
+    }
+    /** The opposite. */
+    friend bool operator!=(const Guid& left, const Guid& right) noexcept {
+        return !(left == right);
+    }
+    /** The order of the texts. */
+    friend bool operator<(const Guid& left, const Guid& right) noexcept {
+        for (std::size_t digit = 0; digit < digits; ++digit) {
+            if (left.nibble(digit) != right.nibble(digit)) {
+                return left.nibble(digit) < right.nibble(digit);
+            }
+        }
+        return false;
+    }
+
+private:
+    static constexpr std::string_view shape = "xxxxxxxx-xxxx-xxxx-xxxx-xxxxxxxxxxxx";
+    static constexpr std::size_t digits = 32;
+
+    constexpr bool read(std::string_view text) noexcept {
+        const bool isInBraces =
+            text.size() == shape.size() + 2 && text[0] == '{' && text[text.size() - 1] == '}';
+        if (isInBraces) text = text.substr(1, shape.size());
+        if (text.size() != shape.size()) return false;
+        std::size_t digit = 0;
+        for (std::size_t i = 0; i < shape.size(); ++i) {
+            const std::uint32_t value = detail::digitOf(text[i], 16);
+            if (shape[i] == '-' ? text[i] != '-' : value == 16) return false;
+            if (shape[i] == 'x') put(digit++, value);
+        }
+        return true;
+    }
+
+    /// Digits come from the left, the highest one of a field first.
+    constexpr void put(std::size_t digit, std::uint32_t value) noexcept {
+        if (digit < 8) {
+            record_.data1 = record_.data1 * 16U + value;
+        } else if (digit < 12) {
+            record_.data2 = static_cast<std::uint16_t>(record_.data2 * 16U + value);
+        } else if (digit < 16) {
+            record_.data3 = static_cast<std::uint16_t>(record_.data3 * 16U + value);
+        } else {
+            std::uint8_t& byte = record_.data4[(digit - 16) / 2];
+            byte = static_cast<std::uint8_t>(byte * 16U + value);
+        }
+    }
+
+    constexpr std::uint32_t nibble(std::size_t digit) const noexcept {
+        if (digit < 8) return record_.data1 >> (4 * (7 - digit)) & 15U;
+        if (digit < 12)
+            return static_cast<std::uint32_t>(record_.data2) >> (4 * (11 - digit)) & 15U;
+        if (digit < 16)
+            return static_cast<std::uint32_t>(record_.data3) >> (4 * (15 - digit)) & 15U;
+        const std::uint32_t byte = record_.data4[(digit - 16) / 2];
+        return (digit % 2 == 0 ? byte >> 4U : byte) & 15U;
+    }
+
+    RgenGuid record_{};
+};
+
+/** The path of a file or folder; see PATHS. */
+class Path {
+public:
+    /** From a text, which is UTF-8, or from whatever a std::filesystem::path can be made of. */
+    template <typename Source, typename = std::enable_if_t<
+                                   !std::is_same_v<Source, Path> &&
+                                   (detail::isText<Source> ||
+                                    std::is_constructible_v<std::filesystem::path, const Source&>)>>
+    Path(const Source& source) {
+        if constexpr (detail::isText<Source>) {
+            utf8_ = detail::toUtf8(source);
+        } else {
+            utf8_ = detail::toUtf8(std::filesystem::path(source).u8string());
+        }
+        detail::withoutZero(utf8_, "a path");
+    }
+
+    /** A null pointer is no path. */
+    Path(std::nullptr_t) = delete;
+
+    /** The path in UTF-8, as the library takes it. */
+    const std::string& utf8() const noexcept { return utf8_; }
+
+    /** The path for the C++ library. */
+    std::filesystem::path native() const { return detail::pathOf(utf8_); }
+
+private:
+    std::string utf8_;
+};
+
+/** A text of a value, pair or persistent entry; see TEXTS. */
+class Text {
+public:
+    Text() = default;
+
+    /** A text that stands in the report as it is. */
+    template <typename Source, typename = std::enable_if_t<detail::isText<Source>>>
+    Text(const Source& plain) : content_(detail::toUtf8(plain)) {}
+
+    /** A null pointer is no text. */
+    Text(std::nullptr_t) = delete;
+
+    /**
+     * XML content, handed to the library as it is: "&#8364;" is a euro sign, a plain "&" is lost.
+     * Persistent data is read twice, see TEXTS in rgen.h.
+     */
+    template <typename Source, typename = std::enable_if_t<detail::isText<Source>>>
+    static Text markup(const Source& content) {
+        Text text(content);
+        text.form_ = TextForm::Markup;
+        return text;
+    }
+
+    /** The text as it was given. */
+    const std::string& content() const noexcept { return content_; }
+    /** Whether it is XML content. */
+    TextForm form() const noexcept { return form_; }
+
+    /** Compares all that they hold. */
+    friend bool operator==(const Text& left, const Text& right) noexcept {
+        return left.content_ == right.content_ && left.form_ == right.form_;
+    }
+    /** The opposite. */
+    friend bool operator!=(const Text& left, const Text& right) noexcept {
+        return !(left == right);
+    }
+
+private:
+    std::string content_;
+    TextForm form_ = TextForm::Plain;
+};
+
+/**
+ * A typed value: text, integer, time, bytes or handle. It is made of what it is to hold:
+ *
+ *     Value("text")                      Value(42)
+ *     Value(4096, Hint::Address)         Value(std::chrono::system_clock::now())
+ *     Value(Bytes{1, 2})                 Value::handle(pointer)
+ *     Value(Text::markup("&#8364;"))
+ *
+ * There is no value of a bool or a single character: neither has a display of its own.
+ */
+class Value {
+public:
+    /** The empty text. */
+    Value() = default;
+
+    /** A text. */
+    Value(Text text) : content_(std::move(text)) {}
+
+    /** A text that stands in the report as it is. */
+    template <typename Source, std::enable_if_t<detail::isText<Source>, int> = 0>
+    Value(const Source& text) : content_(Text(text)) {}
+
+    /** A null pointer is no value. */
+    Value(std::nullptr_t) = delete;
+
+    /**
+     * An integer of any width.
+     *
+     * Exceptions: std::out_of_range for numbers above 2^63 - 1; under Hint::Address they are taken
+     * by their bits.
+     */
+    template <typename Number, std::enable_if_t<detail::isNumber<Number>, int> = 0>
+    Value(Number number, Hint hint = Hint::Generic)
+        : content_(toInteger(number, hint)), hint_(hint) {}
+
+    /** A moment, shown as local time: date and time, unless the hint says Date or Time alone. */
+    template <typename Duration>
+    Value(std::chrono::time_point<std::chrono::system_clock, Duration> moment,
+          Hint hint = Hint::DateTime)
+        : content_(std::int64_t{
+              std::chrono::floor<std::chrono::seconds>(moment).time_since_epoch().count()}),
+          hint_(hint) {}
+
+    /** Bytes: a vector, array, span or view of std::uint8_t or std::byte; they are copied. */
+    template <typename Range, std::enable_if_t<detail::isByteRange<Range>, char> = 0>
+    Value(const Range& bytes)
+        : content_(toBytes(std::data(bytes), std::size(bytes))), hint_(Hint::Dump) {}
+
+    /** A handle. Reports, dumps and persistent data leave it out; it is never closed. */
+    static Value handle(void* handle, Hint hint = Hint::Generic) {
+        Value value;
+        value.content_ = handle;
+        value.hint_ = hint;
+        return value;
+    }
+
+    /** What the value holds. */
+    ValueType type() const noexcept {
+        constexpr ValueType types[] = {ValueType::Text, ValueType::Integer, ValueType::ByteArray,
+                                       ValueType::Handle};
+        return types[content_.index()];
+    }
+    /** For a text always Generic, for bytes Dump. */
+    Hint hint() const noexcept { return hint_; }
+
+    /** The content; each raises std::bad_variant_access for a value of another type. */
+    std::int64_t integer() const { return std::get<std::int64_t>(content_); }
+    /** The text. Exceptions: std::bad_variant_access for another type, here and below. */
+    const std::string& text() const { return std::get<Text>(content_).content(); }
+    /** The text with its form. */
+    const Text& markedText() const { return std::get<Text>(content_); }
+    /** The bytes. */
+    const Bytes& bytes() const { return std::get<Bytes>(content_); }
+    /** The handle. */
+    void* handle() const { return std::get<void*>(content_); }
+
+    /** Compares all that they hold. */
+    friend bool operator==(const Value& left, const Value& right) {
+        return left.content_ == right.content_ && left.hint_ == right.hint_;
+    }
+    /** The opposite. */
+    friend bool operator!=(const Value& left, const Value& right) { return !(left == right); }
+
+private:
+    template <typename Number>
+    static std::int64_t toInteger(Number number, Hint hint) {
+        constexpr auto greatest =
+            static_cast<std::uint64_t>((std::numeric_limits<std::int64_t>::max)());
+        if constexpr (std::is_unsigned_v<Number>) {
+            if (std::uint64_t{number} > greatest && hint != Hint::Address) {
+                throw std::out_of_range("the number does not fit into 64 bits with a sign");
+            }
+        }
+        return static_cast<std::int64_t>(number);
+    }
+
+    template <typename Byte>
+    static Bytes toBytes(const Byte* bytes, std::size_t size) {
+        const auto* const start = reinterpret_cast<const std::uint8_t*>(bytes);
+        return size == 0 ? Bytes() : Bytes(start, start + size);
+    }
+
+    std::variant<Text, std::int64_t, Bytes, void*> content_;
+    Hint hint_ = Hint::Generic;
+};
+
+/**
+ * Named things, sorted by name: the Values and Texts of a request. Of two things of one name the
+ * later counts. Names are plain texts.
+ *
+ *     Values values = {{"Device", "Disk 1"}, {"Size", {512, Hint::Size}}};
+ *     values["Sector"] = bytes;
+ *     values.add(std::map<std::string, int>{{"Heads", 16}, {"Cylinders", 1024}});
+ */
+template <typename Item>
+class Named {
+public:
+    /** How the things are kept. */
+    using Map = std::map<std::string, Item, std::less<>>;
+    /** A name and its thing. */
+    using Entry = std::pair<std::string, Item>;
+
+    Named() = default;
+
+    /** The things of a list. */
+    Named(std::initializer_list<Entry> entries) { add(entries); }
+
+    /** From any range of pairs: a name and something that an Item can be made of. */
+    template <typename Range, std::enable_if_t<!std::is_same_v<std::decay_t<Range>, Named> &&
+                                                   detail::isRangeOf<Range, Item>,
+                                               int> = 0>
+    Named(Range&& entries) {
+        add(entries);
+    }
+
+    /** Adds the entries of a range: a map, a vector of pairs or tuples of two, a view. */
+    template <typename Range, std::enable_if_t<detail::isRangeOf<Range, Item>, int> = 0>
+    Named& add(Range&& entries) {
+        for (auto&& entry : entries)
+            add(std::get<0>(entry), std::get<1>(entry));
+        return *this;
+    }
+
+    /** Adds the entries of a list. */
+    Named& add(std::initializer_list<Entry> entries) {
+        for (const Entry& entry : entries)
+            add(entry.first, entry.second);
+        return *this;
+    }
+
+    /** Adds one thing, or replaces that of its name. */
+    template <typename Name, std::enable_if_t<detail::isText<Name>, int> = 0>
+    Named& add(const Name& name, Item item) {
+        map_.insert_or_assign(detail::toUtf8(name), std::move(item));
+        return *this;
+    }
+
+    /** The thing of that name; a new, empty one when there is none. */
+    template <typename Name, std::enable_if_t<detail::isText<Name>, int> = 0>
+    Item& operator[](const Name& name) {
+        return map_[detail::toUtf8(name)];
+    }
+
+    /** The thing of that name. Exceptions: std::out_of_range when there is none. */
+    const Item& at(std::string_view name) const {
+        const auto found = map_.find(name);
+        if (found == map_.end()) throw std::out_of_range("nothing is named " + std::string(name));
+        return found->second;
+    }
+
+    /** Tells whether something has that name. */
+    bool contains(std::string_view name) const { return map_.find(name) != map_.end(); }
+    /** Number of things. */
+    std::size_t size() const noexcept { return map_.size(); }
+    /** Tells whether there is none. */
+    bool empty() const noexcept { return map_.empty(); }
+    /** The first entry; sorted by name. */
+    auto begin() const noexcept { return map_.begin(); }
+    /** Behind the last entry. */
+    auto end() const noexcept { return map_.end(); }
+    /** All entries. */
+    const Map& map() const noexcept { return map_; }
+
+private:
+    Map map_;
+};
+
+/** Values by name. */
+using Values = Named<Value>;
+/** Texts by name. */
+using Texts = Named<Text>;
+
+/**
+ * What a report is made of. The same request can be used again, by several threads at once, too.
+ *
+ *     Request request{type, "txt", {{"Device", "Disk 1"}}};
+ */
+struct Request {
+    /** The report type. */
+    Guid type{};
+    /** "html", "pdf" or "txt"; also names the template's folder. */
+    std::string format = "html";
+    /** Typed values; they win over pairs and persistent data of the same name. */
+    Values values{};
+    /** Name/text pairs; they win over persistent data of the same name. */
+    Texts pairs{};
+    /** False: a "pdf" report is written as the template made it, without the converter. */
+    bool convert = true;
+    /** UTF-8; handed to the converter as its base. No double quote in it. */
+    std::string converterBase{};
+};
+
+/**
+ * The open file of Generator::generateOpenFile, which the system deletes when it is closed. It can
+ * be moved, not copied.
+ */
+class OpenFile {
+public:
+    OpenFile() noexcept = default;
+    /** Takes the handle over. */
+    explicit OpenFile(void* handle) noexcept : handle_(handle), isOpen_(true) {}
+    ~OpenFile() { close(); }
+    OpenFile(const OpenFile&) = delete;
+    OpenFile& operator=(const OpenFile&) = delete;
+    /** Takes the file over; the other one is closed then. */
+    OpenFile(OpenFile&& other) noexcept
+        : handle_(other.handle_), isOpen_(std::exchange(other.isOpen_, false)) {}
+    /** Closes the own file and takes the other one over, which is closed then. */
+    OpenFile& operator=(OpenFile&& other) noexcept {
+        if (this != &other) {
+            close();
+            handle_ = other.handle_;
+            isOpen_ = std::exchange(other.isOpen_, false);
+        }
+        return *this;
+    }
+
+    /** Tells whether there is an open file. */
+    bool isOpen() const noexcept { return isOpen_; }
+    /** As isOpen. */
+    explicit operator bool() const noexcept { return isOpen_; }
+
+    /** Windows: the HANDLE, for writing only. Linux: the descriptor as a pointer. */
+    void* get() const noexcept { return handle_; }
+
+    /** Linux: the descriptor, which stands behind the report: seek before reading. */
+    int descriptor() const noexcept {
+        return static_cast<int>(reinterpret_cast<std::intptr_t>(handle_));
+    }
+
+    /** Gives the handle away; the caller closes it. */
+    void* release() noexcept {
+        isOpen_ = false;
+        return handle_;
+    }
+
+    /** Closes the file, which deletes it. A closed file stays closed. */
+    void close() noexcept {
+        if (std::exchange(isOpen_, false)) detail::closeHandle(handle_);
+    }
+
+private:
+    void* handle_ = nullptr;
+    bool isOpen_ = false;
+};
+
+/* ---- Records -------------------------------------------------------------------------------- */
+
+namespace detail {
+
+inline void require(bool isThere) {
+    if (!isThere) throw std::bad_alloc();
+}
+
+inline void createText(const std::string& text, RgenAnsiString& record) {
+    require(rgen_createRgenAnsiString(text.c_str(), &record) != 0);
+}
+
+/// On their way in texts go to a report, which reads them once, or to the persistent data.
+enum class Target { Report, Store };
+
+/// The library keeps no more of a persistent text, and cuts the rest without a word.
+constexpr std::size_t longestStored = 10000000;
+/// It loses a persistent name that takes so much in its file, where a letter becomes up to six.
+constexpr std::size_t longestStoredName = 1000000;
+
+inline void requireStorable(bool isShortEnough, const char* what) {
+    if (isShortEnough) return;
+    throw std::invalid_argument(std::string(what) + " is too long for persistent data");
+}
+
+inline std::string nameFor(const std::string& name, Target target) {
+    withoutZero(name, "a name");
+    if (target == Target::Report) return name;
+    std::string stored = storable(name);
+    requireStorable(stored.size() <= longestStoredName, "a name");
+    return stored;
+}
+
+/// The length counts as the first of the two readings leaves it: "&" as "&amp;".
+inline std::string contentForStore(const Text& text) {
+    std::string content = text.form() == TextForm::Markup ? storableMarkup(text.content())
+                                                          : escapedTwice(storable(text.content()));
+    requireStorable(
+        content.size() <= longestStored || withoutReferences(content).size() <= longestStored,
+        "a text");
+    return content;
+}
+
+inline std::string contentFor(const Text& text, Target target) {
+    withoutZero(text.content(), "a text");
+    if (target == Target::Store) return contentForStore(text);
+    return text.form() == TextForm::Markup ? text.content() : escaped(text.content());
+}
+
+inline void createBytes(const char* name, const Bytes& bytes, Target target, RgenCVariant& record) {
+    // A persistent byte is stored as "AB ".
+    requireStorable(target == Target::Report || bytes.size() <= longestStored / 3, "a byte array");
+    // The library wants an address even for no bytes.
+    static constexpr std::uint8_t nothing = 0;
+    const std::uint8_t* const start = bytes.empty() ? &nothing : bytes.data();
+    rgen_createRgenCVariantByteArray(name, start, bytes.size(), RGEN_HINT_DUMP, &record);
+    require(bytes.empty() || record.value.byteArrayValue.data != nullptr);
+}
+
+/// The create functions answer 1 even when memory for a name, text or array is exhausted.
+inline void createValue(const std::string& name, const Value& value, Target target,
+                        RgenCVariant& record) {
+    const std::string used = nameFor(name, target);
+    const char* const key = used.c_str();
+    const auto hint = static_cast<std::uint64_t>(value.hint());
+    if (value.type() == ValueType::Integer) {
+        rgen_createRgenCVariantInt64(key, value.integer(), hint, &record);
+    } else if (value.type() == ValueType::Handle) {
+        rgen_createRgenCVariantHandle(key, value.handle(), hint, &record);
+    } else if (value.type() == ValueType::Text) {
+        const std::string content = contentFor(value.markedText(), target);
+        rgen_createRgenCVariantString(key, content.c_str(), hint, &record);
+        require(record.value.stringValue.data != nullptr);
+    } else {
+        createBytes(key, value.bytes(), target, record);
+    }
+    require(record.name.data != nullptr);
+}
+
+/// A set with an array even for no values: the dump asks for one.
+inline void createValues(const Values& values, Target target, RgenCVariantSet& set) {
+    require(rgen_createRgenCVariantSet(&set, (std::max<std::size_t>)(1, values.size())) != 0);
+    RgenCVariant* record = set.items;
+    for (const auto& [name, value] : values)
+        createValue(name, value, target, *record++);
+    set.count = values.size();
+}
+
+inline void createPairs(const Texts& pairs, Target target, RgenCAnsiStringPairSet& set) {
+    if (pairs.empty()) return;
+    require(rgen_createRgenCAnsiStringpairSet(&set, pairs.size()) != 0);
+    std::size_t index = 0;
+    for (const auto& [name, text] : pairs) {
+        createText(nameFor(name, target), set.keys[index]);
+        createText(contentFor(text, target), set.values[index]);
+        ++index;
+    }
+}
+
+inline Owned<RgenCInputParams> toRecord(const Request& request, RgenOutputMode mode,
+                                        const std::string& output) {
+    Owned<RgenCInputParams> record;
+    createValues(request.values, Target::Report, record->variants);
+    createPairs(request.pairs, Target::Report, record->pairs);
+    record->templateGuid = request.type.record();
+    record->outputMode = static_cast<std::uint64_t>(mode);
+    record->skipExternalConversion = request.convert ? 0 : 1;
+    createText(withoutZero(request.format, "a format"), record->outputFormat);
+    createText(output, record->outputPath);
+    createText(withoutZero(request.converterBase, "a converter base"), record->converterBaseArg);
+    return record;
+}
+
+inline std::string textOf(const RgenAnsiString& record) {
+    require(record.data != nullptr);
+    return {record.data, record.length};
+}
+
+inline Bytes bytesOf(const RgenByteArray& record) {
+    require(record.data != nullptr);
+    return {record.data, record.data + record.size};
+}
+
+inline Value valueOf(const RgenCVariant& record) {
+    if (record.type == RGEN_TYPE_INT64) {
+        return {record.value.int64Value, static_cast<Hint>(record.hint)};
+    }
+    if (record.type == RGEN_TYPE_BYTE_ARRAY) return bytesOf(record.value.byteArrayValue);
+    return textOf(record.value.stringValue);
+}
+
+/// What translators raised, by the thread that generates. A thread has a place from the start of a
+/// call to its end, so that keeping an exception needs no memory.
+class RaisedExceptions {
+public:
+    void open() {
+        const std::lock_guard lock(mutex_);
+        raised_[std::this_thread::get_id()] = nullptr;
+    }
+    bool isEmpty() {
+        const std::lock_guard lock(mutex_);
+        const auto place = raised_.find(std::this_thread::get_id());
+        return place == raised_.end() || !place->second;
+    }
+    void keep(std::exception_ptr exception) {
+        const std::lock_guard lock(mutex_);
+        const auto place = raised_.find(std::this_thread::get_id());
+        if (place != raised_.end()) place->second = std::move(exception);
+    }
+    std::exception_ptr close() {
+        const std::lock_guard lock(mutex_);
+        const auto place = raised_.find(std::this_thread::get_id());
+        if (place == raised_.end()) return nullptr;
+        std::exception_ptr exception = place->second;
+        raised_.erase(place);
+        return exception;
+    }
+
+private:
+    std::mutex mutex_;
+    std::map<std::thread::id, std::exception_ptr> raised_;
+};
+
+/// The place of one call among them.
+class RaisedInCall {
+public:
+    explicit RaisedInCall(RaisedExceptions& exceptions) : exceptions_(exceptions) {
+        exceptions_.open();
+    }
+    ~RaisedInCall() { exceptions_.close(); }
+    RaisedInCall(const RaisedInCall&) = delete;
+    RaisedInCall& operator=(const RaisedInCall&) = delete;
+
+    void rethrow() {
+        const std::exception_ptr exception = exceptions_.close();
+        if (exception) std::rethrow_exception(exception);
+    }
+
+private:
+    RaisedExceptions& exceptions_;
+};
+
+/// A translator and the text that it gave last: the library copies it before it asks again.
+struct Translation {
+    std::function<std::string(std::string_view)> translate;
+    TextForm form;
+    RaisedExceptions& exceptions;
+    std::string text;
+
+    static const char* RGEN_CALL call(const char* text, void* context) noexcept {
+        auto& self = *static_cast<Translation*>(context);
+        if (!self.exceptions.isEmpty()) return text;
+        try {
+            self.text = self.translate(text);
+            withoutZero(self.text, "a translation");
+            if (self.form == TextForm::Plain) self.text = asMarkup(text, std::move(self.text));
+            return self.text.c_str();
+        } catch (...) {
+            self.exceptions.keep(std::current_exception());
+            return text;
+        }
+    }
+
+    static const char* RGEN_CALL same(const char* text, void* /*context*/) noexcept { return text; }
+};
+
+/// What stays at its place when a Generator moves.
+struct GeneratorState {
+    GeneratorState() : handle(rgen_newReportGenerator()) { require(handle != nullptr); }
+    ~GeneratorState() { rgen_freeReportGenerator(handle); }
+    GeneratorState(const GeneratorState&) = delete;
+    GeneratorState& operator=(const GeneratorState&) = delete;
+
+    RaisedExceptions exceptions;
+    std::mutex settings;
+    std::unique_ptr<Translation> translation;
+    RgenReportGenerator* handle;
+};
+
+}  // namespace detail
+
+/* ---- Generator ------------------------------------------------------------------------------ */
+
+/**
+ * A report generator. It can be moved, not copied; a moved-from one can only be assigned or ended.
+ *
+ * Threads: see THREADS, and THREADS AND THE LOCK in rgen.h for what waits for what.
+ * Exceptions: where a function says "those of the library", see ERRORS.
+ */
+class Generator {
+public:
+    /**
+     * A generator without a data directory: name one before anything else.
+     *
+     * Exceptions: std::bad_alloc.
+     */
+    Generator() : state_(std::make_unique<detail::GeneratorState>()) {}
+
+    /** A generator with the data directory "<folder>/.rgen"; see setDataDir. */
+    explicit Generator(const Path& folder) : Generator() { setDataDir(folder); }
+
+    /** The handle for functions of rgen.h; the generator keeps it. */
+    RgenReportGenerator* handle() const noexcept { return state_->handle; }
+
+    /**
+     * Names the folder in which the generator keeps its data directory ".rgen".
+     *
+     * @param folder  An existing folder; nothing is created here.
+     *
+     * Exceptions: StatusError with RGEN_E_DIR_NOT_FOUND (the previous data directory stays in
+     * force); those of the library.
+     */
+    void setDataDir(const Path& folder) {
+        check(rgen_setDataDirPath(handle(), folder.utf8().c_str()), folder.utf8());
+    }
+
+    /**
+     * Sets what translates the marked texts of templates; it is for generations that start to
+     * translate after it.
+     *
+     * @param translator  A callable that takes a std::string_view or std::string, the marked text
+     *                    as it stands in the template, and gives a text of any kind, which is
+     *                    copied at once. It is kept until the next one is set, and called on the
+     *                    generating threads, by one at a time. It must not call this generator; see
+     *                    THE CALLBACK in rgen.h.
+     * @param form        Plain: "&", "<" and "'" in a translation are escaped, each unless the
+     *                    original has it, too. "{" and "}" are not: in attributes of the template
+     *                    they stand for an XPath expression. Markup: the translation becomes part
+     *                    of the template as it is.
+     *
+     * When the translator raises an exception, this and all further texts of the report stay as
+     * they are, and the exception leaves the call that generates after its end; a file may be there
+     * then.
+     *
+     * Threads: waits while a transformation runs on this generator.
+     * Exceptions: std::bad_alloc; those of the library.
+     */
+    template <typename Translator>
+    void setTranslator(Translator translator, TextForm form = TextForm::Plain) {
+        // It may be one that can only be moved, which a std::function does not take.
+        auto kept = std::make_shared<Translator>(std::move(translator));
+        auto translate = [kept = std::move(kept)](std::string_view text) {
+            if constexpr (std::is_invocable_v<Translator&, std::string_view>) {
+                return detail::toUtf8((*kept)(text));
+            } else {
+                return detail::toUtf8((*kept)(std::string(text)));
+            }
+        };
+        std::unique_ptr<detail::Translation> next(
+            new detail::Translation{std::move(translate), form, state_->exceptions, {}});
+        const std::lock_guard lock(state_->settings);
+        rgen_setTranslateFunction(handle(), detail::Translation::call, next.get());
+        std::swap(state_->translation, next);
+    }
+
+    /** Marked texts stay as they are again. Threads, exceptions: as setTranslator. */
+    void clearTranslator() {
+        const std::lock_guard lock(state_->settings);
+        rgen_setTranslateFunction(handle(), detail::Translation::same, nullptr);
+        state_->translation.reset();
+    }
+
+    /**
+     * Generates a report as a file; an existing one is replaced.
+     *
+     * For "pdf" the converter runs, unless the request says otherwise. Since its exit code tells
+     * nothing, the file itself is looked at afterwards: it must begin with "%PDF-" and have "%%EOF"
+     * at its end. What an earlier conversion left as "<output>.error.txt" is removed beforehand.
+     *
+     * @param request  What the report is made of.
+     * @param output   The file. For a "pdf" that is converted it must not contain a double quote.
+     * @return         The path of the file.
+     *
+     * Exceptions: StatusError with the statuses of rgen_generateReport; ConversionError;
+     * std::invalid_argument (see TEXTS; a double quote in the path or the base of a "pdf" that is
+     * converted); what the translator raised; those of the library.
+     */
+    std::filesystem::path generateFile(const Request& request, const Path& output) {
+        const bool isConverted = request.format == "pdf" && request.convert;
+        if (isConverted) detail::prepareConversion(output.utf8(), request.converterBase);
+        generate(request, RGEN_OUTPUT_FILE, output.utf8());
+        if (isConverted) detail::verifyPdf(output.utf8());
+        return output.native();
+    }
+
+    /**
+     * Generates a report in memory, without any conversion.
+     *
+     * @param request  What the report is made of.
+     * @return         The bytes of the report.
+     *
+     * Exceptions: as generateFile, but for ConversionError.
+     */
+    Bytes generateBytes(const Request& request) {
+        const Owned<RgenCVariant> result = generate(request, RGEN_OUTPUT_BYTES, {});
+        return result->type == RGEN_TYPE_BYTE_ARRAY ? detail::bytesOf(result->value.byteArrayValue)
+                                                    : Bytes();
+    }
+
+    /**
+     * Generates a report as a file that the system deletes when it is closed, without conversion.
+     *
+     * @param request  What the report is made of.
+     * @param output   The file. Windows takes the path in the ANSI code page: keep to ASCII.
+     * @return         The open file; on Linux its name is gone already.
+     *
+     * Exceptions: as generateFile, but for ConversionError.
+     */
+    OpenFile generateOpenFile(const Request& request, const Path& output) {
+        const Owned<RgenCVariant> result =
+            generate(request, RGEN_OUTPUT_DELETE_ON_CLOSE, output.utf8());
+        detail::require(result->type == RGEN_TYPE_HANDLE);
+        return OpenFile(result->value.handleValue);
+    }
+
+    /**
+     * Asks all generations that run on this generator to stop. They end with a StatusError whose
+     * isCancellation() is true, unless they are past their last check.
+     *
+     * Threads: for another thread than the generating one; waits while a transformation runs.
+     * Exceptions: those of the library.
+     */
+    void cancel() { rgen_cancel(handle(), nullptr); }
+
+    /** As cancel(), for the generations of one report type. */
+    void cancel(const Guid& type) { rgen_cancel(handle(), &type.record()); }
+
+    /**
+     * Reads the persistent data of a report type.
+     *
+     * The texts are what reports show: what setPersistentData was given comes back. Only entries
+     * without a name or text and white space at the edges of a name are not kept. Control
+     * characters (but for tab, carriage return and line feed), U+FFFE, U+FFFF and what is no UTF-8
+     * come back as U+FFFD.
+     *
+     * @param type  The report type.
+     * @return      Names and texts; none when the file holds none.
+     *
+     * Exceptions: StatusError with RGEN_E_OPEN_PERSIST when nothing was stored yet or the file
+     * cannot be read, or one of the CONFIGURATION STATUSES; those of the library.
+     */
+    std::map<std::string, std::string> persistentData(const Guid& type) const {
+        Owned<RgenCAnsiStringPairSet> pairs;
+        const RgenStatus status = rgen_getPersistentData(handle(), &type.record(), pairs.get());
+        std::map<std::string, std::string> texts;
+        const std::string_view name = statusName(status);
+        if (name == "RGEN_E_NO_PERSIST_VALUES" || name == "RGEN_E_NO_VALID_PERSIST_VALUES") {
+            return texts;
+        }
+        check(status, type.text());
+        detail::require(pairs->count != 0);
+        for (std::uint64_t i = 0; i < pairs->count; ++i) {
+            texts[detail::textOf(pairs->keys[i])] =
+                detail::withoutReferences(detail::textOf(pairs->values[i]));
+        }
+        return texts;
+    }
+
+    /**
+     * Replaces the persistent data of a report type; there is no merging.
+     *
+     * @param type   The report type.
+     * @param texts  Names and texts. A Text::markup is read twice before it stands in a report.
+     *
+     * Exceptions: StatusError with the statuses of rgen_setPersistentDataFromAnsiStringPairSet;
+     * std::invalid_argument (see TEXTS) also for what the store would cut, a text of more than
+     * 10,000,000 bytes ("&" and each white space at an edge count as five) and a name of more than
+     * 1,000,000; those of the library.
+     */
+    void setPersistentData(const Guid& type, const Texts& texts) {
+        Owned<RgenCAnsiStringPairSet> pairs;
+        detail::createPairs(texts, detail::Target::Store, *pairs);
+        check(rgen_setPersistentDataFromAnsiStringPairSet(handle(), &type.record(), pairs.get()),
+              type.text());
+    }
+
+    /**
+     * Replaces the persistent data of a report type by the display texts of typed values; types and
+     * hints are not stored, handles are left out. Otherwise as setPersistentData.
+     */
+    void setPersistentValues(const Guid& type, const Values& values) {
+        Owned<RgenCVariantSet> set;
+        detail::createValues(values, detail::Target::Store, *set);
+        check(rgen_setPersistentDataFromCVariantSet(handle(), &type.record(), set.get()),
+              type.text());
+    }
+
+    /**
+     * Writes values as an XML file of names and display texts, without handles.
+     *
+     * @param values  The values.
+     * @param output  The file, which is replaced.
+     *
+     * Exceptions: StatusError with RGEN_E_DELETE_DUMP or RGEN_E_CREATE_PERSIST;
+     * std::invalid_argument (see TEXTS); those of the library.
+     */
+    void dump(const Values& values, const Path& output) {
+        Owned<RgenCInputParams> input;
+        detail::createValues(values, detail::Target::Report, input->variants);
+        check(rgen_dumpRawInputDataToFile(handle(), input.get(), output.utf8().c_str()),
+              output.utf8());
+    }
+
+    /**
+     * Reads typed values from an XML file of the shape that rgen.h describes, so that a host can
+     * run with simulated input.
+     *
+     * @param input  The file.
+     * @return       The values; none when the file is missing, cannot be read, or holds no valid
+     *               property. The library has no status for these.
+     *
+     * An invalid byte dump in it makes the library write one line to standard output.
+     * Exceptions: those of the library.
+     */
+    Values simulatedInput(const Path& input) const {
+        Owned<RgenCVariantSet> set;
+        Values values;
+        if (rgen_getSimulatedRawDataFromFile(handle(), input.utf8().c_str(), set.get()) == 0) {
+            return values;
+        }
+        for (std::uint64_t i = 0; i < set->count; ++i) {
+            const RgenCVariant& record = set->items[i];
+            if (record.type != RGEN_TYPE_EMPTY) {
+                values.add(detail::textOf(record.name), detail::valueOf(record));
+            }
+        }
+        return values;
+    }
+
+    /**
+     * Describes a status in English.
+     *
+     * @param status  Any number.
+     * @return        A text that lives as long as the library is loaded.
+     *
+     * Exceptions: std::bad_alloc.
+     */
+    const char* statusText(RgenStatus status) const {
+        return rgen_getStatusCodeDescription(handle(), status);
+    }
+
+private:
+    void check(RgenStatus status, std::string_view subject) const {
+        if (status < 0) throw StatusError(subject, status, statusText(status));
+    }
+
+    Owned<RgenCVariant> generate(const Request& request, RgenOutputMode mode,
+                                 const std::string& output) {
+        const Owned<RgenCInputParams> input = detail::toRecord(request, mode, output);
+        Owned<RgenCVariant> result;
+        detail::RaisedInCall raised(state_->exceptions);
+        const RgenStatus status = rgen_generateReport(handle(), input.get(), result.get());
+        // A handle of a report that the host never gets is closed.
+        OpenFile unwanted =
+            result->type == RGEN_TYPE_HANDLE ? OpenFile(result->value.handleValue) : OpenFile();
+        raised.rethrow();
+        check(status, output.empty() ? request.type.text() : output);
+        unwanted.release();
+        return result;
+    }
+
+    std::unique_ptr<detail::GeneratorState> state_;
+};
+
+}  // namespace strata::repgen

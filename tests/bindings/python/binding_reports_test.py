@@ -1,0 +1,171 @@
+"""Reports, persistent data, dumps and simulated input through the Python package.
+
+SPDX-License-Identifier: MIT
+"""
+
+import ctypes
+import datetime
+import os
+import time
+import unittest
+import uuid
+from unittest import mock
+
+from binding_case import LIBRARY, TYPE, BindingCase, value_of
+from strata_repgenlib import Generator, Handle, Hint, Hinted, Markup, Request, records
+from strata_repgenlib.texts import without_references
+
+TEXTS = ("a & b", "&amp;", "&#65;", "&lt;b&gt; <b>", "&;", "&", "\u00e4 \u043e \U0001f600", "]]>",
+         "a;b")
+EDGES = (" ", "\t x \n", "x\n", "a\r\nb", "&\n&", " &amp; ", "&#x41;")
+
+
+class Reports(BindingCase):
+    def test_texts_stand_in_reports_as_they_are(self):
+        for text in TEXTS:
+            with self.subTest(text=text):
+                self.assertEqual(f"[{text}]", self.report_of(text))
+                pairs = Request(TYPE, pairs=[("v", "old"), ("v", text)])
+                self.assertEqual(f"[{text}]", self.own.generate_bytes(pairs).decode())
+
+    def test_markup_is_read_by_the_library(self):
+        self.assertEqual("[A & B]", self.report_of(Markup("&#65; &amp; B")))
+
+    def test_values_are_shown_by_type_and_hint(self):
+        utc = datetime.timezone.utc
+        moment = datetime.datetime(2000, 2, 29, 3, 4, 5, 999999, utc)
+        with mock.patch.dict(os.environ, TZ="EST5EDT"):
+            time.tzset()
+            for value, text in (
+                    (255, "255"), (-1, "-1"), (Hinted(255, Hint.ADDRESS), "0xff"),
+                    (Hinted((1 << 64) - 1, Hint.ADDRESS), "0xffffffffffffffff"),
+                    (Hinted(5, Hint.SIZE), "5"), (moment, "28.02.2000 22:04:05"),
+                    (moment.astimezone().replace(tzinfo=None), "28.02.2000 22:04:05"),
+                    (Hinted(moment, Hint.TIME), "22:04:05"),
+                    (datetime.date(2000, 2, 29), "29.02.2000"),
+                    (b"\x01\xab", "01 AB "), (bytearray(b"\0"), "00 "), (memoryview(b"x"), "78 "),
+                    (b"", ""), ("", ""), (Handle(3), "")):
+                with self.subTest(value=value):
+                    request = Request(TYPE, values={"v": value, "other": 1})
+                    self.assertEqual(f"[{text}]", self.own.generate_bytes(request).decode())
+        time.tzset()
+
+    def test_a_file_is_written_and_its_path_given(self):
+        path = self.folder / "\u043e.html"
+        self.assertEqual(path, self.own.generate_file(Request(TYPE, values={"v": 1}), path))
+        self.assertEqual(b"[1]", path.read_bytes())
+        self.own.generate_file(Request(uuid.UUID(TYPE), values={"v": 2}), str(path))
+        self.assertEqual(b"[2]", path.read_bytes())
+
+    def test_an_open_report_vanishes_with_its_file(self):
+        path = self.folder / "report.html"
+        with self.own.open_report(Request(TYPE, values={"v": "x" * 100000}), path) as file:
+            self.assertFalse(path.exists())
+            self.assertEqual(b"[" + b"x" * 100000 + b"]", file.read())
+            number = file.fileno()
+        with self.assertRaises(OSError):
+            os.fstat(number)
+
+    def test_entries_that_can_be_read_once_are_there_for_every_report(self):
+        request = Request(TYPE, values=iter([("v", 1)]), pairs=zip(["w"], ["x"]))
+        for _ in range(2):
+            self.assertEqual(b"[1]", self.own.generate_bytes(request))
+        self.assertEqual([("w", "x")], request.pairs)
+
+    def test_contents_of_more_than_2_gib_are_read(self):
+        with mock.patch.object(records, "_GREATEST_INT", 2), \
+                mock.patch.object(ctypes, "string_at", side_effect=AssertionError):
+            self.assertEqual(b"[xyz]", self.own.generate_bytes(Request(TYPE, values={"v": "xyz"})))
+
+    def test_a_dump_holds_the_display_texts(self):
+        path = self.folder / "dump.xml"
+        self.own.dump({"a": "x & y", "b": Hinted(255, Hint.ADDRESS)}, path)
+        xml = path.read_text()
+        self.assertIn('name="a">x &amp; y</property>', xml)
+        self.assertIn('name="b">0xff</property>', xml)
+        self.own.dump({}, path)
+        self.assertNotIn("property ", path.read_text())
+
+    def test_simulated_input_comes_back_as_values(self):
+        path = self.folder / "input.xml"
+        path.write_text("<data><properties><property name='s' type='string' hint='Size'>x &amp; y"
+                        "</property><property name='i' type='int64' hint='Size'>5</property>"
+                        "<property name='n' type='int64' hint='Generic'>-6</property>"
+                        "<property name='b' type='byte_array' hint='Dump'>0x01, 0xAB</property>"
+                        "<property name='z' type='real' hint='Dump'>1</property>"
+                        "</properties></data>")
+        values = self.own.simulated_input(path)
+        self.assertEqual({"s": "x & y", "i": Hinted(5, Hint.SIZE), "n": -6, "b": b"\x01\xab"},
+                         values)
+        self.assertEqual("[x & y]", self.report_of(values["s"]))
+        self.assertEqual({}, self.own.simulated_input(self.folder / "missing.xml"))
+
+
+class PersistentData(BindingCase):
+    def test_references_are_undone_once_and_what_is_none_stays(self):
+        for content, text in (
+                ("&amp;amp;", "&amp;"), ("&lt;&gt;&quot;&apos;", "<>\"'"), ("&#65;&#x41;", "AA"),
+                ("&#x1F600;", "\U0001f600"), ("&nbsp;", "&nbsp;"), ("& ; &", "& ; &"),
+                ("&#0;&#x110000;&#99999999;", "&#0;&#x110000;&#99999999;"),
+                ("&#xD800;&#;&#x;&#X41;", "&#xD800;&#;&#x;&#X41;"), ("&&amp;", "&&")):
+            with self.subTest(content=content):
+                self.assertEqual(text, without_references(content))
+
+    def test_it_comes_back_as_it_was_and_reports_show_it(self):
+        texts = {f"n{index}": text for index, text in enumerate(TEXTS + EDGES)}
+        self.own.set_persistent_data(TYPE, texts)
+        self.assertEqual(texts, self.own.persistent_data(TYPE))
+        for name, text in texts.items():
+            self.put_template("[" + value_of(name) + "]")
+            self.assertEqual(f"[{text}]", self.report_of("other"))
+
+    def test_markup_is_read_twice(self):
+        self.own.set_persistent_data(TYPE, {"a": Markup("&amp;#65;"), "b": Markup("&#65;")})
+        self.assertEqual({"a": "A", "b": "A"}, self.own.persistent_data(TYPE))
+
+    def test_what_the_store_cannot_hold_does_no_harm_to_other_entries(self):
+        lost = ["\ufffe", "\uffff", "\x01", Markup("\ufffe"), Markup("&#xFFFE;"), Markup("&#65535;"),
+                Markup("&#xD800;"), Markup("&#00065534;"), Markup("&#1;")]
+        texts = {f"a{index}": text for index, text in enumerate(lost)}
+        kept = {f"k{index}": " Smith & Sons <b> \ufffc\U0001f600" for index in range(50)}
+        for store in (self.own.set_persistent_data, self.own.set_persistent_values):
+            store(TYPE, {**texts, **kept, "name\uffff": "\x02"})
+            self.assertEqual({**{name: "\ufffd" for name in (*texts, "name\ufffd")}, **kept},
+                             self.own.persistent_data(TYPE))
+
+    def test_texts_that_the_store_would_cut_are_refused(self):
+        limit = 10_000_000
+        longest = "x" * (limit - 5) + "&"
+        self.own.set_persistent_data(TYPE, {"a": longest})
+        self.assertTrue(longest == self.own.persistent_data(TYPE)["a"])
+        for name, text in (("a", "x" + longest), ("a", "x" * (limit + 1)),
+                           ("a", "\x01" * (limit // 3 + 1)), ("a", Markup("x" * (limit + 1))),
+                           ("x" * (limit // 10 + 1), "x")):
+            for store in (self.own.set_persistent_data, self.own.set_persistent_values):
+                with self.assertRaisesRegex(ValueError, "too long for persistent data"):
+                    store(TYPE, {name: text})
+        with self.assertRaisesRegex(ValueError, "too long for persistent data"):
+            self.own.set_persistent_values(TYPE, {"a": bytes(limit // 3 + 1)})
+        self.assertEqual(1, len(self.own.persistent_data(TYPE)))
+
+    def test_values_are_stored_as_display_texts(self):
+        self.own.set_persistent_values(TYPE, {"a": Hinted(255, Hint.ADDRESS), "b": "x & y"})
+        self.assertEqual({"a": "0xff", "b": "x & y"}, self.own.persistent_data(TYPE))
+        self.own.set_persistent_data(TYPE, {})
+        self.assertEqual({}, self.own.persistent_data(TYPE))
+
+    def test_another_folder_has_other_data(self):
+        self.own.set_persistent_data(TYPE, {"a": "b"})
+        other = self.folder / "other"
+        (other / ".rgen").mkdir(parents=True)
+        (other / ".rgen/config.xml").write_text((self.folder / ".rgen/config.xml").read_text())
+        with Generator(other, library=LIBRARY) as generator:
+            generator.set_persistent_data(TYPE, {"a": "c"})
+            self.assertEqual({"a": "c"}, generator.persistent_data(TYPE))
+            generator.set_folder(self.folder)
+            self.assertEqual({"a": "b"}, generator.persistent_data(TYPE))
+            self.assertEqual(self.folder, generator.folder)
+
+
+if __name__ == "__main__":
+    unittest.main()

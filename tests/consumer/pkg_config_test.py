@@ -1,0 +1,56 @@
+"""The pkg-config file of an installation: its answers, and hosts that are built with them.
+
+SPDX-License-Identifier: MIT
+"""
+
+from installed_case import (C_COMPILER, CXX_COMPILER, HERE, MAJOR, MINOR, PROGRAM_ENDING, VERSION,
+                            InstalledCase, run_tool)
+from program_case import ON_WINDOWS, search_path
+
+WARNINGS = ["-Wall", "-Wextra", "-Wpedantic", "-Werror"]
+# Behind the answers: what the compiler adds on its own goes into the program.
+WINDOWS = ["-static-libgcc", "-Wl,-Bstatic"]
+
+
+class PkgConfig(InstalledCase):
+
+    def build(self, compiler, standard, source, *options):
+        program = self.folder / (source.partition(".")[0] + PROGRAM_ENDING)
+        self.tool(compiler, f"-std={standard}", *WARNINGS, HERE / "project" / source, "-o", program,
+                  *self.pkg_config("--cflags", "--libs"), *options)
+        return program
+
+    def test_hosts_are_built_and_make_reports(self):
+        options = WINDOWS if ON_WINDOWS else [
+            "-Wl,-rpath," + self.pkg_config("--variable=libdir")[0]]
+        c_program = self.build(C_COMPILER, "c99", "report_in_c.c", *options)
+        cpp_program = self.build(CXX_COMPILER, "c++17", "report_in_cpp.cpp", *options)
+        env = search_path(self.prefix / "bin") if ON_WINDOWS else None
+        self.expect_reports(c_program, cpp_program, env)
+
+    def test_the_answers_name_the_moved_place_and_no_other_library(self):
+        flags = self.pkg_config("--cflags", "--libs")
+        folders = [flag[:2] + str(self.resolved(flag[2:])) if flag[:2] in ("-I", "-L") else flag
+                   for flag in flags]
+        self.assertEqual([f"-I{self.prefix / 'include'}", f"-L{self.library_folder}",
+                          "-lstrata_repgenlib"], folders)
+        self.assertEqual(flags, self.pkg_config("--static", "--cflags", "--libs"))
+        self.assertEqual([VERSION], self.pkg_config("--modversion"))
+        self.assertEqual([], self.pkg_config("--print-requires"))
+        templates = self.resolved(" ".join(self.pkg_config("--variable=templatesdir")))
+        self.assertTrue((templates / "inventory/config.xml").is_file())
+
+    def resolved(self, text):
+        """A folder without "..", which the file uses to find its prefix."""
+        return (self.folder / text).resolve()
+
+    def test_a_later_version_is_refused(self):
+        answer = run_tool("pkg-config", f"strata_repgenlib >= {MAJOR}.{MINOR + 1}",
+                          env={"PKG_CONFIG_LIBDIR": str(self.library_folder / "pkgconfig")})
+        self.assertNotEqual(0, answer.returncode)
+        self.pkg_config(f"--atleast-version={VERSION}")
+
+    def test_the_file_names_no_address(self):
+        text = (self.library_folder / "pkgconfig/strata_repgenlib.pc").read_text()
+        self.assertNotIn("://", text)
+        self.assertIn("\nprefix=${pcfiledir}/", text)

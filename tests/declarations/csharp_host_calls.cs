@@ -1,0 +1,341 @@
+// The cases of the host in C# about outputs, translators, failures and stored data.
+//
+// SPDX-License-Identifier: MIT
+using System;
+using System.Collections.Generic;
+using System.IO;
+using System.Linq;
+using System.Threading;
+using StrataRepgenlib;
+
+internal static partial class CSharpHost
+{
+    // ---- Outputs ------------------------------------------------------------------------------
+
+    private static void CheckOutputs()
+    {
+        Request request = new Request(Type, "html");
+        request.Values.Add(new Value("a", "x & y"));
+        using (ReportGenerator generator = new ReportGenerator("data"))
+        {
+            generator.GenerateFile(request, "отчёт.html");
+            string page = File.ReadAllText("отчёт.html");
+            Equal(true, page.Contains("<p>x &amp; y</p>"));
+            Equal(page, TextReport(generator, request));
+        }
+    }
+
+    private static void CheckOpenFile()
+    {
+        using (ReportGenerator generator = new ReportGenerator("data"))
+        {
+            string descriptor;
+            using (OpenFile file =
+                       generator.GenerateOpenFile(TextRequest(new Value("a", 1)), "open.txt"))
+            {
+                descriptor = "/proc/self/fd/" + file.DangerousGetHandle();
+                Equal(false, File.Exists("open.txt"));
+                Equal(Listing("a=1"), File.ReadAllText(descriptor));
+            }
+            Raised<FileNotFoundException>(() => File.ReadAllText(descriptor));
+        }
+    }
+
+    // ---- Translators --------------------------------------------------------------------------
+
+    private static void CheckTranslation()
+    {
+        Request request = TextRequest(new Value("a", 1));
+        List<string> asked = new List<string>();
+        using (ReportGenerator generator = new ReportGenerator("data"))
+        {
+            generator.SetTranslator(text =>
+            {
+                asked.Add(text);
+                GC.Collect();
+                return text == "End" ? null : "Größe & <слово>";
+            });
+            GC.Collect();
+            Equal("Größe & <слово>\nEnd\n[a=1]\n", TextReport(generator, request));
+            Equal("Values,End", string.Join(",", asked));
+            generator.SetTranslator(text => "&#65;", true);
+            Equal("A\nA\n[a=1]\n", TextReport(generator, request));
+            generator.SetTranslator(null);
+            Equal(Listing("a=1"), TextReport(generator, request));
+            generator.SetTranslator(text => "it's & 'so'");
+            Request attribute = new Request(AttributeType, "txt");
+            attribute.Values.Add(new Value("a", 1));
+            Equal("<p lang=\"it's &amp; 'so'\"></p>", TextReport(generator, attribute).Trim());
+        }
+    }
+
+    private static void CheckRaisingTranslator()
+    {
+        Request request = TextRequest(new Value("a", 1));
+        int calls = 0;
+        using (ReportGenerator inner = new ReportGenerator("data"))
+        using (ReportGenerator generator = new ReportGenerator("data"))
+        {
+            generator.SetTranslator(text =>
+            {
+                ++calls;
+                throw new InvalidOperationException("on purpose");
+            });
+            Equal("on purpose", Raised<InvalidOperationException>(
+                () => generator.GenerateBytes(request)).Message);
+            Equal(1, calls);
+            Raised<InvalidOperationException>(() => generator.GenerateOpenFile(request, "x.txt"));
+            // What one generator's translator raises does not reach the translator of another.
+            inner.SetTranslator(text => "a\0b");
+            generator.SetTranslator(text =>
+            {
+                Raised<ArgumentException>(() => inner.GenerateBytes(request));
+                return text;
+            });
+            Equal(Listing("a=1"), TextReport(generator, request));
+        }
+    }
+
+    // ---- Failures -----------------------------------------------------------------------------
+
+    private static void CheckFailures()
+    {
+        StatusRaised(RgenNative.RGEN_E_DIR_NOT_FOUND, () => new ReportGenerator("nothing here"));
+        Raised<ArgumentException>(() => new ReportGenerator(""));
+        ReportGenerator generator = new ReportGenerator("data");
+        Value value = new Value("a", 1);
+        StatusRaised(RgenNative.RGEN_E_EMPTY_INPUT, () => generator.GenerateBytes(TextRequest()));
+        Request request = new Request(TypeWithoutTemplate, "txt");
+        request.Values.Add(value);
+        StatusRaised(RgenNative.RGEN_E_TEMPLATE_NOT_FOUND, () => generator.GenerateBytes(request));
+        StatusRaised(RgenNative.RGEN_E_GUID_NOT_IN_CONFIG,
+                     () => generator.GetPersistentData(UnknownType));
+        StatusRaised(RgenNative.RGEN_E_OVERWRITE_OUTPUT,
+                     () => generator.GenerateFile(TextRequest(value), "data"));
+        Equal("gone/x.txt: Cannot create output file (0xC000000C RGEN_E_CREATE_OUTPUT)",
+              Raised<StatusException>(
+                  () => generator.GenerateFile(TextRequest(value), "gone/x.txt")).Message);
+        Raised<ArgumentException>(
+            () => generator.GenerateBytes(TextRequest(new Value("a", "zero \0 inside"))));
+        Raised<ArgumentException>(
+            () => generator.GenerateBytes(TextRequest(new Value("a", "half \uD800"))));
+        Raised<ArgumentException>(
+            () => generator.GenerateFile(new Request(Type, "pdf"), "a \" quote.pdf"));
+        RaiseForNothing(generator);
+        generator.Dispose();
+        generator.Dispose();
+        Raised<ObjectDisposedException>(() => generator.GenerateBytes(TextRequest(value)));
+    }
+
+    private static void RaiseForNothing(ReportGenerator generator)
+    {
+        Request request = TextRequest(new Value("a", 1));
+        Action[] calls =
+        {
+            () => new ReportGenerator(null), () => generator.SetDataDir(null),
+            () => generator.GenerateFile(null, "x.txt"),
+            () => generator.GenerateFile(request, null), () => generator.GenerateBytes(null),
+            () => generator.GenerateOpenFile(null, "x.txt"),
+            () => generator.GenerateOpenFile(request, null),
+            () => request.ConverterBase = null, () => generator.SetPersistentData(Type, null),
+            () => generator.SetPersistentValues(Type, null), () => generator.Dump(null, "x.xml"),
+            () => generator.Dump(request.Values, null), () => generator.SimulatedInput(null),
+        };
+        foreach (Action call in calls) Raised<ArgumentNullException>(call);
+    }
+
+    /// <summary>Each of these calls would end the process inside the library.</summary>
+    private static void CheckRefusals()
+    {
+        Raised<UnauthorizedAccessException>(() => new ReportGenerator("closed/inside"));
+        string longName = new string('x', 300);
+        using (ReportGenerator generator = new ReportGenerator("data"))
+        {
+            Request request = TextRequest(new Value("a", 1));
+            Raised<UnauthorizedAccessException>(
+                () => generator.GenerateFile(request, "closed/report.txt"));
+            Raised<PathTooLongException>(() => generator.GenerateFile(request, longName));
+            Raised<UnauthorizedAccessException>(() => generator.SimulatedInput("closed/data.xml"));
+            Raised<UnauthorizedAccessException>(
+                () => generator.Dump(request.Values, "closed/dump.xml"));
+            foreach (string folder in new[] { "closed", "hidden", "sealed" })
+            {
+                generator.SetDataDir(folder);
+                Raised<UnauthorizedAccessException>(() => generator.GenerateBytes(request));
+            }
+            generator.SetDataDir("hidden");
+            Raised<UnauthorizedAccessException>(() => generator.GetPersistentData(Type));
+            generator.SetDataDir("whole.bin");
+            Raised<DirectoryNotFoundException>(() => generator.GenerateBytes(request));
+            foreach (string folder in new[] { "with file", "with fifo", "with link", "with circle",
+                                              "with circled configuration" })
+            {
+                generator.SetDataDir(folder);
+                Raised<IOException>(() => generator.GenerateBytes(request));
+            }
+            Raised<IOException>(() => generator.GenerateFile(request, "circle.txt"));
+            generator.SetDataDir("linked");
+            Equal(Listing("a=1"), TextReport(generator, request));
+            Directory.CreateDirectory("short-lived");
+            Directory.SetCurrentDirectory("short-lived");
+            generator.SetDataDir(".");
+            Directory.Delete("../short-lived");
+            Raised<DirectoryNotFoundException>(() => generator.GenerateBytes(request));
+        }
+    }
+
+    // ---- Stored data --------------------------------------------------------------------------
+
+    private static void CheckPersistentData()
+    {
+        Dictionary<string, string> texts = new Dictionary<string, string>
+        {
+            ["a"] = "x & y", ["b"] = "&amp; &lt;", ["c"] = " edges\n", ["d"] = "&amp;amp; <b>",
+            ["e"] = "Größe", ["f & g"] = "&copy;",
+        };
+        using (ReportGenerator generator = new ReportGenerator("data"))
+        {
+            StatusRaised(RgenNative.RGEN_E_OPEN_PERSIST, () => generator.GetPersistentData(Type));
+            generator.SetPersistentData(Type, texts);
+            Dictionary<string, string> stored = generator.GetPersistentData(Type);
+            Equal(texts.Count, stored.Count);
+            foreach (string name in texts.Keys) Equal(texts[name], stored[name]);
+            string[] lines = texts.OrderBy(text => text.Key, StringComparer.Ordinal)
+                                  .Select(text => text.Key + "=" + text.Value).ToArray();
+            Equal(Listing(lines), TextReport(generator, TextRequest()));
+            generator.SetPersistentValues(
+                Type, new[] { new Value("n", 16, Hint.Address), new Value("t", "x & y") });
+            stored = generator.GetPersistentData(Type);
+            Equal("0x10,x & y", stored["n"] + "," + stored["t"]);
+            generator.SetPersistentData(Type, new Dictionary<string, string>());
+            Equal(0, generator.GetPersistentData(Type).Count);
+        }
+    }
+
+    private static string StoredText(ReportGenerator generator, string name)
+    {
+        Dictionary<string, string> stored = generator.GetPersistentData(Type);
+        Equal("x & y", stored["other"]);
+        return stored[name];
+    }
+
+    /// <summary>What the library would keep only a part of, or lose other texts for.</summary>
+    private static void CheckPersistentLimits()
+    {
+        const int Longest = 10000000;
+        Dictionary<string, string> texts = new Dictionary<string, string>
+        {
+            ["a\uFFFE"] = "\uFFFFa\u0001", ["other"] = "x & y",
+        };
+        Value other = new Value("other", "x & y");
+        using (ReportGenerator generator = new ReportGenerator("data"))
+        {
+            generator.SetPersistentData(Type, texts);
+            Equal("\uFFFDa\uFFFD", StoredText(generator, "a\uFFFD"));
+            generator.SetPersistentValues(
+                Type, new[] { other, Value.Markup("b\uFFFF", "\uFFFE&amp;amp;&#xFFFE;") });
+            Equal("\uFFFD&", StoredText(generator, "b\uFFFD"));
+            texts["long"] = "&" + new string('x', Longest - 5);
+            generator.SetPersistentData(Type, texts);
+            Equal(texts["long"], StoredText(generator, "long"));
+            texts["long"] += "x";
+            Raised<ArgumentException>(() => generator.SetPersistentData(Type, texts));
+            foreach (Value value in new[] { new Value("long", texts["long"]),
+                                            Value.Markup("long", new string('x', Longest + 1)),
+                                            new Value("long", new byte[Longest / 3 + 1]),
+                                            new Value(new string('n', 1000001), 1) })
+            {
+                Raised<ArgumentException>(
+                    () => generator.SetPersistentValues(Type, new[] { value }));
+            }
+            Equal(Longest - 4, StoredText(generator, "long").Length);
+            string name = new string('"', 1000000);
+            generator.SetPersistentValues(
+                Type, new[] { other, new Value(name, new byte[Longest / 3]) });
+            Equal(Longest - 2, StoredText(generator, name).Length);
+        }
+    }
+
+    private static void CheckDumpAndSimulation()
+    {
+        using (ReportGenerator generator = new ReportGenerator("data"))
+        {
+            generator.Dump(new[] { new Value("a", "x & y") }, "dump.xml");
+            Equal(true, File.ReadAllText("dump.xml").Contains("<property name=\"a\">x &amp; y<"));
+            generator.Dump(new Value[0], "empty.xml");
+            Equal(true, File.Exists("empty.xml"));
+            List<Value> values = generator.SimulatedInput("simulated.xml");
+            Equal(3, values.Count);
+            Value number = values.Single(value => value.Name == "Number");
+            Equal(12L, (long)number.Content);
+            Equal(Hint.Size, number.Hint);
+            Equal("a & b", (string)values.Single(value => value.Name == "Text").Content);
+            byte[] bytes = (byte[])values.Single(value => value.Name == "Bytes").Content;
+            Equal("1,171", string.Join(",", bytes));
+            Equal(0, generator.SimulatedInput("nothing.xml").Count);
+        }
+    }
+
+    /// <summary>Each report has a MiB of the library's; 40 of them would show.</summary>
+    private static void CheckMemory()
+    {
+        Request request = TextRequest(new Value("a", new string('x', 1 << 18)),
+                                      new Value("b", new byte[1 << 16]));
+        request.Pairs.Add(new Pair("c", new string('y', 1 << 18)));
+        Dictionary<string, string> texts = new Dictionary<string, string>
+        {
+            ["d"] = new string('z', 1 << 18),
+        };
+        long before = 0;
+        using (ReportGenerator generator = new ReportGenerator("data"))
+        {
+            for (int i = 0; i < 50; ++i)
+            {
+                if (i == 10) before = ResidentPages();
+                generator.SetTranslator(text => new string('t', 1 << 18));
+                generator.SetPersistentData(Type, texts);
+                generator.GetPersistentData(Type);
+                generator.GenerateBytes(request);
+            }
+        }
+        long growth = ResidentPages() - before;
+        if (growth > 6 * 256) throw new Exception("grown by so many pages: " + growth);
+    }
+
+    private static long ResidentPages()
+    {
+        GC.Collect();
+        GC.WaitForPendingFinalizers();
+        return long.Parse(File.ReadAllText("/proc/self/statm").Split(' ')[1]);
+    }
+
+    private static void CheckThreads()
+    {
+        List<Exception> failures = new List<Exception>();
+        using (ReportGenerator generator = new ReportGenerator("data"))
+        {
+            generator.SetTranslator(text => text);
+            Thread[] threads = Enumerable.Range(0, 4).Select(
+                number => new Thread(() => MakeReports(generator, number, failures))).ToArray();
+            foreach (Thread thread in threads) thread.Start();
+            foreach (Thread thread in threads) thread.Join();
+        }
+        Equal("", string.Join("\n", failures));
+    }
+
+    private static void MakeReports(ReportGenerator generator, int number, List<Exception> failures)
+    {
+        try
+        {
+            for (int i = 0; i < 50; ++i)
+            {
+                Value value = new Value("a", number * 1000 + i);
+                Equal(Listing("a=" + value.Content), TextReport(generator, TextRequest(value)));
+            }
+        }
+        catch (Exception exception)
+        {
+            lock (failures) failures.Add(exception);
+        }
+    }
+}

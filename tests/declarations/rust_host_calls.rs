@@ -1,0 +1,365 @@
+// The cases of the host in Rust about outputs, translators, failures and stored data.
+//
+// SPDX-License-Identifier: MIT
+use std::collections::BTreeMap;
+use std::fs;
+use std::io::{ErrorKind, Read, Seek, SeekFrom};
+use std::panic::{catch_unwind, set_hook, AssertUnwindSafe};
+use std::path::Path;
+use std::sync::{Arc, Mutex};
+use std::thread;
+
+use super::*;
+
+fn one() -> Request {
+    text_request(vec![("a", Value::from(1))])
+}
+
+// ---- Outputs -----------------------------------------------------------------------------------
+
+pub fn check_outputs() {
+    let mut request = Request::new(TYPE, "html");
+    request.add("a", "x & y");
+    let generator = open();
+    generator.generate_file(&request, "отчёт.html").expect("a file");
+    let page = fs::read_to_string("отчёт.html").expect("a page");
+    assert!(page.contains("<p>x &amp; y</p>"));
+    assert_eq!(page, text_report(&generator, &request));
+}
+
+pub fn check_open_file() {
+    let mut file = open().generate_open_file(&one(), "open.txt").expect("a file");
+    assert!(!Path::new("open.txt").exists());
+    let mut text = String::new();
+    file.seek(SeekFrom::Start(0)).expect("a start");
+    file.read_to_string(&mut text).expect("a text");
+    assert_eq!(listing(&["a=1"]), text);
+}
+
+// ---- Translators -------------------------------------------------------------------------------
+
+pub fn check_translation() {
+    let asked = Arc::new(Mutex::new(Vec::new()));
+    let list = asked.clone();
+    let mut generator = open();
+    generator.set_translator(move |text| {
+        list.lock().expect("a list").push(text.to_string());
+        if text == "End" {
+            text.to_string()
+        } else {
+            "Größe & <слово>".to_string()
+        }
+    });
+    let generator = Box::new(generator);
+    assert_eq!("Größe & <слово>\nEnd\n[a=1]\n", text_report(&generator, &one()));
+    assert_eq!(vec!["Values", "End"], *asked.lock().expect("a list"));
+    let mut generator = *generator;
+    generator.set_markup_translator(|_| "&#65;".to_string());
+    assert_eq!("A\nA\n[a=1]\n", text_report(&generator, &one()));
+    generator.clear_translator();
+    assert_eq!(listing(&["a=1"]), text_report(&generator, &one()));
+    assert_eq!(1, Arc::strong_count(&asked));
+    let list = asked.clone();
+    generator.set_translator(move |text| {
+        list.lock().expect("a list").push(text.to_string());
+        "it's & 'so'".to_string()
+    });
+    let mut request = Request::new(guid("22222222-3333-4444-5555-666666666666"), "txt");
+    request.add("a", 1);
+    let page = text_report(&generator, &request);
+    assert_eq!("<p lang=\"it's &amp; 'so'\"></p>", page.trim());
+    drop(generator);
+    assert_eq!(1, Arc::strong_count(&asked));
+}
+
+fn panic_of<T>(call: impl FnOnce() -> T) -> String {
+    match catch_unwind(AssertUnwindSafe(call)) {
+        Ok(_) => String::new(),
+        Err(payload) => payload.downcast_ref::<&str>().unwrap_or(&"a longer text").to_string(),
+    }
+}
+
+pub fn check_raising_translator() {
+    set_hook(Box::new(|_| ()));
+    let calls = Arc::new(Mutex::new(0));
+    let counter = calls.clone();
+    let mut generator = open();
+    generator.set_translator(move |_| {
+        *counter.lock().expect("a number") += 1;
+        panic!("on purpose")
+    });
+    assert_eq!("on purpose", panic_of(|| generator.generate_bytes(&one())));
+    assert_eq!(1, *calls.lock().expect("a number"));
+    assert_eq!("on purpose", panic_of(|| generator.generate_open_file(&one(), "x.txt")));
+    // What one generator's translator raises does not reach the translator of another.
+    let mut inner = open();
+    inner.set_translator(|_| "a\0b".to_string());
+    generator.set_translator(move |text| {
+        assert_eq!("a longer text", panic_of(|| inner.generate_bytes(&one())));
+        text.to_string()
+    });
+    assert_eq!(listing(&["a=1"]), text_report(&generator, &one()));
+}
+
+// ---- Failures ----------------------------------------------------------------------------------
+
+pub fn check_failures() {
+    expect_status(RGEN_E_DIR_NOT_FOUND, Generator::new("nothing here"));
+    expect_text_error(Generator::new(""));
+    let generator = open();
+    expect_status(RGEN_E_EMPTY_INPUT, generator.generate_bytes(&text_request(vec![])));
+    let mut request = Request::new(guid("11111111-2222-3333-4444-555555555555"), "txt");
+    request.add("a", 1);
+    expect_status(RGEN_E_TEMPLATE_NOT_FOUND, generator.generate_bytes(&request));
+    let unknown = guid("66666666-7777-8888-9999-aaaaaaaaaaaa");
+    expect_status(RGEN_E_GUID_NOT_IN_CONFIG, generator.persistent_data(&unknown));
+    expect_status(RGEN_E_OVERWRITE_OUTPUT, generator.generate_file(&one(), "data"));
+    let error = generator.generate_file(&one(), "gone/x.txt").expect_err("no folder");
+    assert_eq!(
+        "gone/x.txt: Cannot create output file (0xC000000C RGEN_E_CREATE_OUTPUT)",
+        error.to_string()
+    );
+    assert_eq!(Some(RGEN_E_CREATE_OUTPUT), error.status());
+    let zero = text_request(vec![("a", "zero \0 inside".into())]);
+    expect_text_error(generator.generate_bytes(&zero));
+    expect_text_error(generator.generate_bytes(&text_request(vec![("a\0b", 1.into())])));
+    expect_text_error(generator.generate_file(&Request::new(TYPE, "pdf"), "a \" quote.pdf"));
+    use std::os::unix::ffi::OsStrExt;
+    let no_utf8 = std::ffi::OsStr::from_bytes(b"a \xFF b");
+    expect_text_error(generator.generate_file(&one(), no_utf8));
+    expect_text_error(generator.generate_file(&one(), "a\0b"));
+    expect_text_error(generator.simulated_input("a\0b"));
+    expect_text_error(Generator::new("a\0b"));
+}
+
+fn expect_io<T>(result: Result<T, Error>) -> ErrorKind {
+    match result {
+        Err(Error::Io(error)) => error.kind(),
+        Err(error) => panic!("another error: {error}"),
+        Ok(_) => panic!("no error"),
+    }
+}
+
+/// Each of these calls would end the process inside the library.
+pub fn check_refusals() {
+    let denied = ErrorKind::PermissionDenied;
+    assert_eq!(denied, expect_io(Generator::new("closed/inside")));
+    let mut generator = open();
+    assert_eq!(denied, expect_io(generator.generate_file(&one(), "closed/report.txt")));
+    expect_io(generator.generate_file(&one(), "x".repeat(300)));
+    assert_eq!(denied, expect_io(generator.simulated_input("closed/data.xml")));
+    assert_eq!(denied, expect_io(generator.dump(&one().values, "closed/dump.xml")));
+    for folder in ["closed", "sealed", "hidden"] {
+        generator.set_data_dir(folder).expect("a folder");
+        assert_eq!(denied, expect_io(generator.generate_bytes(&one())));
+    }
+    assert_eq!(denied, expect_io(generator.persistent_data(&TYPE)));
+    let odd = ["file", "fifo", "link", "circle", "circled configuration"];
+    for folder in odd.map(|name| format!("with {name}")).iter().chain(&["whole.bin".to_string()]) {
+        generator.set_data_dir(folder).expect("a folder or file");
+        expect_io(generator.generate_bytes(&one()));
+    }
+    expect_io(generator.generate_file(&one(), "circle.txt"));
+    generator.set_data_dir("linked").expect("a folder");
+    assert_eq!(listing(&["a=1"]), text_report(&generator, &one()));
+    fs::create_dir("short-lived").expect("a folder");
+    std::env::set_current_dir("short-lived").expect("a folder");
+    generator.set_data_dir(".").expect("a folder");
+    fs::remove_dir("../short-lived").expect("no folder");
+    assert_eq!(ErrorKind::NotFound, expect_io(generator.generate_bytes(&one())));
+    expect_io(Generator::new("."));
+}
+
+// ---- Stored data -------------------------------------------------------------------------------
+
+pub fn check_persistent_data() {
+    let rows = [
+        ("a", "x & y"),
+        ("b", "&amp; &lt;"),
+        ("c", " edges\n"),
+        ("d", "&amp;amp; <b>"),
+        ("e", "Größe"),
+        ("f & g", "&copy;"),
+    ];
+    let texts: BTreeMap<String, String> =
+        rows.iter().map(|(name, text)| (name.to_string(), text.to_string())).collect();
+    let generator = open();
+    expect_status(RGEN_E_OPEN_PERSIST, generator.persistent_data(&TYPE));
+    generator.set_persistent_data(&TYPE, rows).expect("stored");
+    assert_eq!(texts, generator.persistent_data(&TYPE).expect("texts"));
+    let lines: Vec<String> = texts.iter().map(|(name, text)| format!("{name}={text}")).collect();
+    let lines: Vec<&str> = lines.iter().map(String::as_str).collect();
+    assert_eq!(listing(&lines), text_report(&generator, &text_request(vec![])));
+    let values =
+        [("n".to_string(), Value::Integer(16, Hint::Address)), ("t".to_string(), "x & y".into())];
+    generator.set_persistent_values(&TYPE, &values).expect("stored");
+    let stored = generator.persistent_data(&TYPE).expect("texts");
+    assert_eq!(("0x10", "x & y"), (stored["n"].as_str(), stored["t"].as_str()));
+    generator.set_persistent_data(&TYPE, BTreeMap::<String, String>::new()).expect("stored");
+    assert!(generator.persistent_data(&TYPE).expect("texts").is_empty());
+}
+
+fn stored_text(generator: &Generator, name: &str) -> String {
+    let mut stored = generator.persistent_data(&TYPE).expect("texts");
+    assert_eq!("x & y", stored["other"]);
+    stored.remove(name).expect("a text")
+}
+
+/// What the library would keep only a part of, or lose other texts for.
+pub fn check_persistent_limits() {
+    const LONGEST: usize = 10_000_000;
+    let generator = open();
+    let other = ("other".to_string(), Value::from("x & y"));
+    let texts = [("a\u{FFFE}", "\u{FFFF}a\u{1}"), ("other", "x & y")];
+    generator.set_persistent_data(&TYPE, texts).expect("stored");
+    assert_eq!("\u{FFFD}a\u{FFFD}", stored_text(&generator, "a\u{FFFD}"));
+    let markup = Value::Markup("\u{FFFE}&amp;amp;&#xFFFE;".to_string());
+    let values = [other.clone(), ("b\u{FFFF}".to_string(), markup)];
+    generator.set_persistent_values(&TYPE, &values).expect("stored");
+    assert_eq!("\u{FFFD}&", stored_text(&generator, "b\u{FFFD}"));
+    let text = "&".to_string() + &"x".repeat(LONGEST - 5);
+    let texts = [("long", text.as_str()), ("other", "x & y")];
+    generator.set_persistent_data(&TYPE, texts).expect("stored");
+    assert!(text == stored_text(&generator, "long"));
+    let longer = text.clone() + "x";
+    expect_text_error(generator.set_persistent_data(&TYPE, [("long", longer.as_str())]));
+    for (name, value) in [
+        ("long".to_string(), Value::Text(longer)),
+        ("long".to_string(), Value::Markup("x".repeat(LONGEST + 1))),
+        ("long".to_string(), Value::Bytes(vec![0; LONGEST / 3 + 1])),
+        ("n".repeat(1_000_001), Value::from(1)),
+    ] {
+        expect_text_error(generator.set_persistent_values(&TYPE, &[(name, value)]));
+    }
+    assert!(text == stored_text(&generator, "long"));
+    let name = "\"".repeat(1_000_000);
+    let values = [other, (name.clone(), Value::Bytes(vec![0; LONGEST / 3]))];
+    generator.set_persistent_values(&TYPE, &values).expect("stored");
+    assert_eq!(LONGEST - 2, stored_text(&generator, &name).len());
+}
+
+pub fn check_dump_and_simulation() {
+    let generator = open();
+    generator.dump(&[("a".to_string(), "x & y".into())], "dump.xml").expect("a dump");
+    let dump = fs::read_to_string("dump.xml").expect("a text");
+    assert!(dump.contains("<property name=\"a\">x &amp; y<"));
+    generator.dump(&[], "empty.xml").expect("an empty dump");
+    let values: BTreeMap<String, Value> =
+        generator.simulated_input("simulated.xml").expect("values").into_iter().collect();
+    assert_eq!(3, values.len());
+    assert_eq!(Value::Integer(12, Hint::Size), values["Number"]);
+    assert_eq!(Value::from("a & b"), values["Text"]);
+    assert_eq!(Value::Bytes(vec![1, 0xAB]), values["Bytes"]);
+    assert!(generator.simulated_input("nothing.xml").expect("nothing").is_empty());
+}
+
+fn resident_pages() -> i64 {
+    let text = fs::read_to_string("/proc/self/statm").expect("figures");
+    text.split(' ').nth(1).and_then(|pages| pages.parse().ok()).expect("a number")
+}
+
+/// Each report has a MiB of the library's; 40 of them would show.
+pub fn check_memory() {
+    let mut request = text_request(vec![
+        ("a", "x".repeat(1 << 18).into()),
+        ("b", Value::Bytes(vec![0; 1 << 16])),
+    ]);
+    request.pairs.push(Pair::new("c", "y".repeat(1 << 18)));
+    let mut before = 0;
+    let mut generator = open();
+    for i in 0..50 {
+        if i == 10 {
+            before = resident_pages();
+        }
+        generator.set_translator(|_| "t".repeat(1 << 18));
+        generator.set_persistent_data(&TYPE, [("d", "z".repeat(1 << 18))]).expect("stored");
+        generator.persistent_data(&TYPE).expect("texts");
+        generator.generate_bytes(&request).expect("a report");
+    }
+    let growth = resident_pages() - before;
+    assert!(growth <= 6 * 256, "grown by so many pages: {growth}");
+}
+
+pub fn check_threads() {
+    let mut generator = open();
+    generator.set_translator(|text| text.to_string());
+    thread::scope(|scope| {
+        for number in 0..4 {
+            let generator = &generator;
+            scope.spawn(move || {
+                for i in 0..50 {
+                    let value = number * 1000 + i;
+                    let request = text_request(vec![("a", value.into())]);
+                    let line = format!("a={value}");
+                    assert_eq!(listing(&[&line]), text_report(generator, &request));
+                }
+            });
+        }
+    });
+}
+
+// ---- The converter -----------------------------------------------------------------------------
+
+fn make_pdf(output: &str, convert: bool) -> Result<(), Error> {
+    let mut request = Request::new(TYPE, "pdf");
+    request.add("a", 1);
+    request.convert = convert;
+    open().generate_file(&request, output)
+}
+
+pub fn check_whole_pdf() {
+    make_pdf("whole.pdf", true).expect("a pdf");
+    make_pdf("page.pdf", false).expect("a page");
+    assert!(fs::read_to_string("page.pdf").expect("a page").contains("<p>1</p>"));
+}
+
+pub fn check_missing_pdf() {
+    match make_pdf("missing.pdf", true).expect_err("no pdf") {
+        Error::Conversion(error) => {
+            assert_eq!("no engine is there", error.reason());
+            let text = "missing.pdf: the converter made no file: no engine is there";
+            assert_eq!(text, error.to_string());
+        }
+        error => panic!("another error: {error}"),
+    }
+}
+
+pub fn check_broken_pdf() {
+    let text = "broken.pdf: the converter's file is not a whole pdf";
+    assert_eq!(text, make_pdf("broken.pdf", true).expect_err("no pdf").to_string());
+}
+
+pub fn check_noted_pdf() {
+    let text = "noted.pdf: the converter failed: a page about a failure";
+    assert_eq!(text, make_pdf("noted.pdf", true).expect_err("no pdf").to_string());
+}
+
+/// What an earlier conversion left does not speak against this one.
+pub fn check_noted_before() {
+    fs::write("whole.pdf.error.txt", "an earlier failure").expect("a note");
+    make_pdf("whole.pdf", true).expect("a pdf");
+    assert!(!Path::new("whole.pdf.error.txt").exists());
+}
+
+pub fn check_no_converter() {
+    expect_status(RGEN_E_RUN_EXTERNAL, make_pdf("none.pdf", true));
+}
+
+pub fn check_cancellation() {
+    let mut request = Request::new(TYPE, "pdf");
+    request.add("a", 1);
+    let generator = open();
+    thread::scope(|scope| {
+        let running = scope.spawn(|| generator.generate_file(&request, "never.pdf"));
+        while !Path::new("started.log").exists() {
+            thread::yield_now();
+        }
+        generator.cancel_type(&guid("66666666-7777-8888-9999-aaaaaaaaaaaa"));
+        generator.cancel_type(&TYPE);
+        match running.join().expect("no panic").expect_err("cancelled") {
+            Error::Status(error) => assert!(error.is_cancellation()),
+            error => panic!("another error: {error}"),
+        }
+    });
+    generator.cancel();
+}
