@@ -36,6 +36,7 @@ class OtherLinker(InstalledCase):
     def test_cmake_chooses_the_library_for_that_compiler(self):
         options = {"CMAKE_SYSTEM_NAME": "Windows", "CMAKE_C_COMPILER": CLANG[0],
                    "CMAKE_C_COMPILER_TARGET": TARGET, "CMAKE_PREFIX_PATH": self.prefix,
+                   "CMAKE_RC_COMPILER": f"llvm-rc-{TOOLS_VERSION}",
                    "CMAKE_TRY_COMPILE_TARGET_TYPE": "STATIC_LIBRARY",
                    "CMAKE_C_STANDARD_LIBRARIES": ""}
         folder = self.folder / "build"

@@ -3,8 +3,6 @@
 SPDX-License-Identifier: MIT
 """
 
-import shutil
-
 PRELUDES = {
     "c": "#include <stdio.h>\n#include <string.h>\n"
          "#include <strata_repgenlib/rgen.h>\n#include <guarded_calls.h>\n",
@@ -36,17 +34,16 @@ def native_commands(compiler, source, surroundings):
 
 
 def commands_for(language, source, surroundings):
-    """The commands that compile the source; none where there is no compiler."""
+    """The commands that compile the source."""
     if language == "c":
         return native_commands(["gcc", "-xc", "-std=c99"], source, surroundings)
     if language == "cpp":
         return native_commands(["g++", "-xc++", "-std=c++17"], source, surroundings)
     if language == "csharp":
         wrapper = sorted((surroundings.bindings / "csharp").glob("*.cs"))
-        return [["mcs", "-target:library", f"-out:{source.with_suffix('.dll')}", *wrapper, source]
-                ] if shutil.which("mcs") else []
+        return [["mcs", "-target:library", f"-out:{source.with_suffix('.dll')}", *wrapper, source]]
     crate = source.with_name("libstrata_repgenlib.rmeta")
     main = surroundings.bindings / "rust/src/lib.rs"
     return [[*RUST, "--crate-name", "strata_repgenlib", "-o", crate, main],
-            [*RUST, "--extern", f"strata_repgenlib={crate}", "-o", source.with_suffix(".rmeta"), source]
-            ] if shutil.which("rustc") else []
+            [*RUST, "--extern", f"strata_repgenlib={crate}", "-o", source.with_suffix(".rmeta"),
+             source]]

@@ -8,7 +8,7 @@ from __future__ import annotations
 import contextvars
 import ctypes
 import threading
-from contextlib import contextmanager
+from contextlib import contextmanager, suppress
 from typing import Callable, Iterator, Optional, TypeVar
 
 from .library import TranslateFunction
@@ -97,14 +97,18 @@ class Calls:
 def interruptible(function: Callable[[], Result], interrupt: Callable[[], None]) -> Result:
     """What the function gives. On the main thread, the only one that Ctrl-C reaches, another thread
     runs it, since Python hears nothing while it is inside the library: then a KeyboardInterrupt
-    calls `interrupt`, waits for the end and goes on; a second one goes on at once."""
+    calls `interrupt` until the function ends, and goes on; a second one goes on at once."""
     if threading.current_thread() is not threading.main_thread():
         return function()
     results: list[Result] = []
     raised: list[BaseException] = []
     done = threading.Event()
+    # Whoever takes it first decides whether the function is called: Ctrl-C may come at any moment.
+    decision = threading.Lock()
 
     def run() -> None:
+        if not decision.acquire(blocking=False):
+            return
         try:
             results.append(function())
         except BaseException as exception:
@@ -114,12 +118,15 @@ def interruptible(function: Callable[[], Result], interrupt: Callable[[], None])
 
     # Context variables are the caller's there, too.
     context = contextvars.copy_context()
-    threading.Thread(target=context.run, args=(run,), name="strata_repgenlib").start()
     try:
+        threading.Thread(target=context.run, args=(run,), name="strata_repgenlib").start()
         _wait(done)
     except KeyboardInterrupt:
+        if decision.acquire(blocking=False):
+            raise
         # It may have to wait itself, for a template that runs.
-        threading.Thread(target=interrupt, name="strata_repgenlib_interrupt").start()
+        threading.Thread(target=_interrupt, args=(interrupt, done),
+                         name="strata_repgenlib_interrupt").start()
         _wait(done)
         for unwanted in results:
             _discard(unwanted)
@@ -127,6 +134,14 @@ def interruptible(function: Callable[[], Result], interrupt: Callable[[], None])
     if raised:
         raise raised[0]
     return results[0]
+
+
+def _interrupt(interrupt: Callable[[], None], done: threading.Event) -> None:
+    """Again and again: a call that the library does not know yet hears nothing of it."""
+    with suppress(ValueError):  # The generator may be closed meanwhile.
+        while not done.is_set():
+            interrupt()
+            done.wait(0.1)
 
 
 def _discard(result: object) -> None:

@@ -18,6 +18,7 @@ from unittest import mock
 
 from binding_case import LIBRARY, ROOT, TYPE, BindingCase, marked, value_of
 from strata_repgenlib import Cancelled, Generator, Request
+from strata_repgenlib.calls import interruptible
 
 HOST = """
 import sys
@@ -130,7 +131,45 @@ class Translators(BindingCase):
         self.assertIsNone(watched())
 
 
+def interrupted_start(entered=None):
+    """Ctrl-C comes while the thread of a call is started: when the call has begun, or too early."""
+    class Interrupted(threading.Thread):
+        def start(self):
+            if self.name != "strata_repgenlib":
+                super().start()
+                return
+            if entered:
+                super().start()
+                entered.wait(60)
+            raise KeyboardInterrupt
+
+    return mock.patch("strata_repgenlib.calls.threading.Thread", Interrupted)
+
+
 class Interrupts(BindingCase):
+    def test_a_call_that_has_begun_is_cancelled_until_it_ends(self):
+        entered, cancelled = threading.Event(), threading.Event()
+        calls = []
+
+        def function():
+            entered.set()
+            calls.append(cancelled.wait(60))
+
+        def cancel():
+            calls.append("cancel")
+            if calls == ["cancel", "cancel"]:
+                cancelled.set()
+
+        with interrupted_start(entered), self.assertRaises(KeyboardInterrupt):
+            interruptible(function, cancel)
+        self.assertEqual(["cancel", "cancel", True], calls[:3])
+
+    def test_a_call_that_has_not_begun_never_does(self):
+        called = []
+        with interrupted_start(), self.assertRaises(KeyboardInterrupt):
+            interruptible(lambda: called.append("function"), lambda: called.append("cancel"))
+        self.assertEqual([], called)
+
     def test_an_open_report_that_nobody_takes_is_closed(self):
         main = threading.main_thread().ident
         interrupted = threading.Event()
