@@ -138,6 +138,8 @@ std::vector<TextRow> ampersandRows() {
             {"undefined entity", "&undefined;", ""},
             {"undefined entity of Cyrillic letters", "&\xD0\xBD\xD0\xB0;", ""},
             {"blank in an entity name", "&a b;", ""},
+            {"blank in an entity name, with text around", "x &a b; y", "x  y"},
+            {"ampersand and a semicolon far behind", "AT&T; x", "AT x"},
             {"digit as entity name", "&1;", ""},
             {"percent as entity name", "&%;", ""},
             {"decimal reference", "&#65;", "A"},
@@ -239,6 +241,26 @@ TEST_F(ValueInReport, BytesThatAreNoCharactersGoIntoReportsAsTheyAre) {
     putTemplate(textStylesheet("[" + valueOf("v") + "]"));
     for (const std::string text : {"\x01", "\xFF", "\xC3", "\xE2\x82", "\xC0\x80", "\xEE\xF2"}) {
         EXPECT_EQ(reportOf("[" + text + "]"), reportOfValue(text));
+    }
+}
+
+TEST_F(ValueInReport, ControlCharactersAreReplacedInXmlOutputAlone) {
+    const struct {
+        const char* given;
+        const char* inXml;
+    } rows[] = {
+        {"a\x01z", "a&#xFFFD;z"}, {"a\x0Bz", "a&#xFFFD;z"}, {"a\x1Fz", "a&#xFFFD;z"},
+        {"&#1;", "&#xFFFD;"},     {"a\rz", "a&#13;z"},      {"a\xFFz", "a\xFFz"},
+        {"a\tz\n", "a\tz\n"},     {"\x7F", "\x7F"},         {"\xEF\xBF\xBE", "\xEF\xBF\xBE"}};
+    const std::string body = "<xsl:template match=\"/\"><p>" + valueOf("v") + "</p></xsl:template>";
+    for (const auto& row : rows) {
+        SCOPED_TRACE(row.inXml);
+        putTemplate(
+            stylesheet("method=\"xml\" encoding=\"UTF-8\" omit-xml-declaration=\"yes\"", body));
+        EXPECT_EQ(reportOf("<p>" + std::string(row.inXml) + "</p>\n"), reportOfValue(row.given));
+        if (row.given[0] == '&') continue;
+        putTemplate(stylesheet("method=\"html\" encoding=\"UTF-8\"", body));
+        EXPECT_EQ(reportOf("<p>" + std::string(row.given) + "</p>\n"), reportOfValue(row.given));
     }
 }
 

@@ -201,6 +201,9 @@ INSTANTIATE_TEST_SUITE_P(
                     typeElement(wantedGuid, fileElements("p1.xml", "t1.xsl")) +
                     "</reportTypes></config>",
                 RGEN_E_NO_TYPE_MAP),
+        served("file elements of any name space",
+               withInner("<persistDataFile xmlns=\"urn:x\">p1.xml</persistDataFile>"
+                         "<a:reportTypeFile xmlns:a=\"urn:y\">t1.xsl</a:reportTypeFile>")),
         refused("no types", inReportTypes(""), RGEN_E_NO_TYPE_MAP),
         refused("root alone", "<config/>", RGEN_E_NO_TYPE_MAP),
         refused("files too deep",

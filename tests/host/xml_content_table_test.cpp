@@ -126,6 +126,7 @@ INSTANTIATE_TEST_SUITE_P(
         value("undefined", "&undefined;", "&undefined;", nullptr),
         value("undefined in Cyrillic", "&n\xD0\xB0;", "&n\xD0\xB0;", nullptr),
         value("blank inside", "&a b;", "&a b;", "b;"), value("digit", "&1;", "&1;", "1;"),
+        value("blank inside, text around", "x &a b; y", "x &a b; y", "x  b; y"),
         value("percent sign", "&%;", "&%;", "%;")));
 
 INSTANTIATE_TEST_SUITE_P(
