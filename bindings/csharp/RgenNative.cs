@@ -178,7 +178,7 @@ namespace StrataRepgenlib
         /// <summary>Path of the output file in modes 0 and 1; not looked at in mode 2. For a "pdf"
         /// that is converted it must not contain a double quote.</summary>
         public RgenAnsiString outputPath;
-        /// <summary>Handed to the converter behind " -b "; it must not contain a double
+        /// <summary>Handed to the converter after " -b "; it must not contain a double
         /// quote.</summary>
         public RgenAnsiString converterBaseArg;
     }

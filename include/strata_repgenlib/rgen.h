@@ -16,24 +16,42 @@
  *
  * RECORDS AND WHO FREES
  *   A host owns every record (usually on its stack). The buffers inside a record come from the
- *   library's own heap: create them with the rgen_create... functions or let the library fill them,
- *   and give them back with the matching rgen_free... function, never with the host's allocator.
+ *   process heap (malloc of the C runtime that the library uses): create them with the
+ *   rgen_create... functions or let the library fill them, and give them back with the matching
+ *   rgen_free... function, never with the host's allocator, which may be another one.
  *   A create function does not free what its target held before; creating into a filled record
  *   leaks. The same holds for records that an operation fills: they are overwritten, not freed
  *   first. A zero-filled record is a valid empty one and may be freed.
  *
  * TEXTS
  *   Texts are byte strings, read up to their terminating zero byte; the length field of a record is
- *   not consulted on the way in. Paths and XML are UTF-8. A path that is not valid UTF-8 raises an
- *   exception (see EXCEPTIONS). A null text pointer inside a record is the empty text; a null
- *   buffer of a byte array is an empty array; a null array is an empty set.
+ *   not consulted on the way in. Paths and XML are UTF-8. A path that is not valid UTF-8 throws an
+ *   exception (see EXCEPTIONS) before its file is touched; two output paths are not checked, that
+ *   of mode 2, which is not looked at, and that of mode 1 on Windows, which is taken in the ANSI
+ *   code page. A null text pointer inside a record is the empty text; a null buffer of a byte array
+ *   is an empty array; a null array is an empty set.
+ *
  *   The text of a value or pair is read as XML content: "&" starts an entity or character
- *   reference, so a plain "&" must be written "&amp;", or it is lost. "<" and ">" are safe.
+ *   reference, so a plain "&" must be written "&amp;". "<" and ">" are safe. Names are taken as
+ *   they are. What stands between "&" and the next ";" is the name of the reference, whatever it
+ *   holds: in a report "x &a b; y" becomes "x  y". Without a ";" the "&" alone is lost (of "&#12"
+ *   the digits, too). A reference with "<" in its name, such as "&<b>;", is taken out everywhere:
+ *   of reports, persistent data and dumps, which would hold it as markup.
+ *
  *   Persistent data goes through this twice before it stands in a report, once when it is stored
  *   and once with the other values, so there "&" must be written "&amp;amp;"; what
- *   rgen_getPersistentData gives is one level less ("&amp;"). What stands between "&" and the next
- *   ";" is the name of a reference, markup included, and is lost when it names nothing. Control
- *   characters and bytes that are not valid UTF-8 go into reports as they are.
+ *   rgen_getPersistentData gives is one level less ("&amp;"). A reference that XML does not know is
+ *   written to persistent data and dumps as it stands and damages them: "x &a b; y" is read back as
+ *   "x  b; y", and every reference after it in the file is lost, those of other entries included
+ *   ("1 < 2 &amp;amp; 3" is read back as "1  2 amp; 3"). The same damage is done by bytes that are
+ *   not valid UTF-8, by U+FFFE and U+FFFF, in names as well, and in texts by references to these two
+ *   or to surrogates ("&#xFFFE;", "&#xD800;"). The library stores all of them with status 0: a host
+ *   that stores texts of others checks them first.
+ *
+ *   Control characters and bytes that are not valid UTF-8 go into text and HTML output as they are.
+ *   XML output, persistent data and dumps have U+FFFD in the place of a control character (tab and
+ *   line feed stay, a carriage return becomes "&#13;"); bytes that are not valid UTF-8 go into
+ *   these, too.
  *
  * STATUSES AND THE SUCCESS TEST
  *   A status that is zero or positive is success, a negative one is failure (cancellation too).
@@ -54,7 +72,7 @@
  *
  * THE CALLBACK
  *   The translate callback runs on the generating thread with the generator's lock held. It must
- *   not call the library for the same generator (that would wait for ever), must not raise an
+ *   not call the library for the same generator (that would wait for ever), must not throw an
  *   exception and must not return null. Callbacks that use other generators do so in one order on
  *   all threads: two that use each other's generator wait for ever.
  *
@@ -66,7 +84,23 @@
  *   std::system_error (the lock). A C++ host that is built with the same compiler family may catch
  *   them; a host in another language is ended by them. To avoid them: call rgen_setDataDirPath
  *   before anything else, pass valid UTF-8, and have the rights to read and write the data
- *   directory. A function whose comment says "Exceptions: none" never raises one.
+ *   directory. A function whose comment says "Exceptions: none" never throws one.
+ *
+ *   Where host and library have a C++ runtime each, every exception of the library that the host
+ *   catches lowers the host's std::uncaught_exceptions() by one, for good: compare two counts, do
+ *   not compare one with 0. That is so on Windows, and on Linux in a host with a static runtime
+ *   (-static-libstdc++) which loads the library with dlopen or hides the runtime's symbols. A Linux
+ *   host that is linked with both -static-libstdc++ and -static-libgcc cannot catch the exceptions:
+ *   they abort it.
+ *
+ * FILES
+ *   The output of mode 0, persistent data and dumps replace what stands at their path: it is removed
+ *   first, and the new file is written in its place. Nothing is atomic.
+ *   Linux: a pipe, device or socket in the place of a file is never waited for. Where a file is
+ *   read, it cannot be opened: as config.xml it gives RGEN_E_OPEN_CONFIG, as persistent data
+ *   RGEN_E_OPEN_PERSIST (a report goes on without persistent data), as template RGEN_E_XSLT_PARSE,
+ *   as simulated input no values. Where a file is replaced, it cannot be removed and stays:
+ *   RGEN_E_OVERWRITE_OUTPUT, RGEN_E_DELETE_PERSIST, RGEN_E_DELETE_DUMP.
  *
  * CONFIGURATION STATUSES
  *   Functions that take a report type's GUID first load the configuration: they create the data
@@ -157,7 +191,9 @@ enum RgenVariantType {
  * Values of RgenCVariant::hint: how a 64-bit integer is shown in a report.
  *
  * Hints 2 to 7 are kept on the way into a report, every other one counts as RGEN_HINT_GENERIC.
- * Texts and bytes do not depend on the hint: bytes are always shown as a hex dump ("01 AB ").
+ * Times below 0 and after the year 3000 UTC (above 32535215999) are shown as
+ * "ERROR: BAD TIME_T INPUT". Texts and bytes do not depend on the hint: bytes are always shown as a
+ * hex dump ("01 AB ").
  */
 enum RgenHint {
     RGEN_HINT_UNINITIALIZED = 0, /**< That of a zero-filled or freed record. */
@@ -243,7 +279,7 @@ typedef struct RgenCInputParams {
      * converted it must not contain a double quote.
      */
     RgenAnsiString outputPath;
-    /** Handed to the converter behind " -b "; it must not contain a double quote. */
+    /** Handed to the converter after " -b "; it must not contain a double quote. */
     RgenAnsiString converterBaseArg;
 } RgenCInputParams;
 
@@ -309,7 +345,7 @@ RGEN_API RgenStatus RGEN_CALL rgen_setDataDirPath(RgenReportGenerator* generator
  * Sets the callback that translates the marked texts of templates.
  *
  * A marked text is written QT_TRANSLATE_NOOP("QObject", "text") in a template, with exactly one
- * blank behind the comma. Before a template is compiled, every such call is replaced by what the
+ * blank after the comma. Before a template is compiled, every such call is replaced by what the
  * callback returns for text. The setting applies to generations that start to translate after it.
  *
  * @param generator  The handle; with null nothing happens.
@@ -349,16 +385,20 @@ RGEN_API void RGEN_CALL rgen_cancel(RgenReportGenerator* generator, const RgenGu
  * Merges persistent data, pairs and values (later ones win), applies the template
  * "templates/<format>/<file>" of the data directory and delivers the result as outputMode says:
  *
- * Mode 0 replaces an existing file. For "pdf" the program "vellum", found by the system's program
+ * Mode 0 replaces an existing file, which is removed before anything is written: it is gone when a
+ * later step of the delivery fails. For "pdf" the program "vellum", found by the system's program
  * search, converts the temporary file outputPath + ".html", which is removed afterwards. Its exit
- * code is not examined: look for the file. Writing is not atomic, and a full disk goes unnoticed.
+ * code is not examined: look for the file. A cancel during the conversion removes what the
+ * converter has written to outputPath until then. Writing is not atomic, and a full disk goes
+ * unnoticed.
  *
  * Mode 1 creates outputPath as a file that the system deletes when its handle is closed. Windows:
  * the handle is for writing only and not shared, and the path is taken in the ANSI code page.
- * Linux: a descriptor open for reading and writing, closed on exec, which stands behind the report
- * (seek before reading) and whose name is gone already; other names of an existing file that is
- * overwritten (hard links, the target of a symbolic link) stay, and so does a pipe or device, whose
- * descriptor does not wait (O_NONBLOCK): a pipe gets what it has room for at once.
+ * Linux: a descriptor open for reading and writing, closed on exec, whose file offset is at the end
+ * of the report (lseek to 0 before reading) and whose name is gone already; other names of an
+ * existing file that is overwritten (hard links, the target of a symbolic link) stay, and so does a
+ * pipe or device, whose descriptor does not wait (O_NONBLOCK): a pipe gets what it has room for at
+ * once.
  *
  * Mode 2 returns the bytes; outputPath is not looked at. Modes 1 and 2 never convert.
  *
@@ -393,7 +433,7 @@ RGEN_API RgenStatus RGEN_CALL rgen_generateReport(RgenReportGenerator* generator
  * Reads the persistent data of a report type.
  *
  * Names and texts come back without white space at their edges; entries without a name or text are
- * left out. The order of the entries is not defined.
+ * left out. The order of the entries is not defined. One bad entry damages others, see TEXTS.
  *
  * @param generator  The handle; null gives RGEN_E_BAD_PARAMETER.
  * @param guid       The report type; must not be null (not checked).
@@ -416,8 +456,10 @@ RGEN_API RgenStatus RGEN_CALL rgen_getPersistentData(RgenReportGenerator* genera
 /**
  * Replaces the persistent data of a report type by name/text pairs.
  *
- * The stored set becomes exactly the given one; there is no merging. The old file is removed before
- * the new one is written. Report types whose configuration names the same file share their data.
+ * The stored set becomes exactly the given one; there is no merging. The old file, or an empty
+ * folder at its path, is removed before the new one is written. Report types whose configuration
+ * names the same file share their data. Texts are not checked: see TEXTS for those that damage the
+ * whole set.
  *
  * @param generator  The handle; must not be null (not checked).
  * @param guid       The report type; must not be null (not checked).
@@ -454,16 +496,19 @@ RGEN_API RgenStatus RGEN_CALL rgen_setPersistentDataFromCVariantSet(
 /**
  * Writes the typed values of a request as an XML file of names and display texts.
  *
- * Pairs, GUID and output fields are not written, handles are left out. The file carries no types
- * and hints, so rgen_getSimulatedRawDataFromFile finds no values in it.
+ * Pairs, GUID and output fields are not written, handles are left out. The order of the values is
+ * not defined. The file carries no types and hints, so rgen_getSimulatedRawDataFromFile finds no
+ * values in it.
  *
  * @param generator  The handle; null gives RGEN_E_BAD_PARAMETER.
  * @param input      The request, read only; null, or a null variants.items, gives
  *                   RGEN_E_BAD_PARAMETER.
- * @param path       UTF-8 path of the file, which is replaced; null gives RGEN_E_BAD_PARAMETER.
- * @return           RGEN_OK; RGEN_E_BAD_PARAMETER; RGEN_E_DELETE_DUMP when an existing file cannot
- *                   be removed; RGEN_E_CREATE_PERSIST when the file cannot be written (an old one
- *                   is gone by then).
+ * @param path       UTF-8 path of the file, which is replaced, as is an empty folder; null gives
+ *                   RGEN_E_BAD_PARAMETER.
+ * @return           RGEN_OK; RGEN_E_BAD_PARAMETER; RGEN_E_DELETE_DUMP when what exists there cannot
+ *                   be removed (Linux: also a pipe, device or socket, which stays);
+ *                   RGEN_E_CREATE_PERSIST when the file cannot be written (an old one is gone by
+ *                   then).
  *
  * Threads: any; no lock is taken.
  * Exceptions: std::bad_alloc, std::range_error, boost::filesystem::filesystem_error.
@@ -477,18 +522,22 @@ RGEN_API RgenStatus RGEN_CALL rgen_dumpRawInputDataToFile(RgenReportGenerator* g
  *
  * The file is <data><properties><property name="n" type="t" hint="h">text</property>...: type is
  * "string", "int64" or "byte_array" (text such as "0x01, 0xAB"), hint one of the names of RgenHint:
- * "Generic", "Time", "Date", "DateTime", "Size", "Address", "Speed", "Dump". Properties that do not
- * fit are skipped. An invalid byte array writes "input byte dump string is invalid" to standard
- * output, the only thing this library ever prints.
+ * "Generic", "Time", "Date", "DateTime", "Size", "Address", "Speed", "Dump". All four are trimmed
+ * of white space. Properties that do not fit, or are empty then, are skipped; of two with one name
+ * the later that fits wins. A number is read by the rules of strtoll, base 10: "12:30:00" is 12,
+ * letters are 0, and what does not fit into 64 bits becomes the nearest number that does. An
+ * invalid byte array writes "input byte dump string is invalid" to standard output, the only thing
+ * this library ever prints.
  *
  * @param generator  The handle; null gives 0.
  * @param path       UTF-8 path of the file; null gives 0.
  * @param variants   Receives the values on success, otherwise untouched (null and 0 when memory for
  *                   them is exhausted; a name, text or byte array for which memory is exhausted is
  *                   left empty); null gives 0. The order of the entries is not defined.
- *                   Texts come with hint 1 and bytes with hint 8, whatever the file says.
- * @return           1 when the set was filled, 0 when it was not (a missing or unreadable file, or
- *                   no valid property). Not a status.
+ *                   Texts come with hint 1 and bytes with hint 8, whatever the file says, and an
+ *                   integer with "Dump" comes with hint 1.
+ * @return           1 when the set was filled, 0 when it was not (a missing or unreadable file,
+ *                   Linux: also a pipe, device or socket; or no valid property). Not a status.
  *
  * Ownership: free a filled set with rgen_freeRgenCVariantSet.
  * Threads: any; no lock is taken.

@@ -90,11 +90,15 @@ TEST_F(PersistentRecovery, WhatXmlCannotHoldTakesTheReferencesAfterIt) {
 }
 
 TEST_F(PersistentRecovery, ANameThatXmlCannotHoldDoesSo) {
-    store("a\xFFz", "text");
-    const PersistentData data = persistentData(generator, defaultGuid());
-    for (const Place& place : places()) {
-        if (place.isAfter) {
-            EXPECT_EQ(readDamaged, data.pairs.at(place.name)) << place.name;
+    // U+FFFE in a name takes the references of all entries.
+    for (const char* name : {"a\xFFz", "\xED\xA0\x80", "\xEF\xBF\xBE", "\xEF\xBF\xBF"}) {
+        SCOPED_TRACE(name);
+        store(name, "text");
+        const PersistentData data = persistentData(generator, defaultGuid());
+        for (const Place& place : places()) {
+            if (place.isAfter) {
+                EXPECT_EQ(readDamaged, data.pairs.at(place.name)) << place.name;
+            }
         }
     }
     store("&foo; \x01 &#xD800;", "text");

@@ -284,7 +284,7 @@ pub struct RgenCInputParams {
     /// Path of the output file in modes 0 and 1; not looked at in mode 2. For a "pdf" that is
     /// converted it must not contain a double quote.
     pub outputPath: RgenAnsiString,
-    /// Handed to the converter behind " -b "; it must not contain a double quote.
+    /// Handed to the converter after " -b "; it must not contain a double quote.
     pub converterBaseArg: RgenAnsiString,
 }
 
