@@ -12,7 +12,7 @@ from contextlib import contextmanager, suppress
 from typing import Callable, Iterator, Optional, TypeVar
 
 from .library import TranslateFunction
-from .texts import as_markup, decoded
+from .texts import as_markup, checked_markup, decoded
 
 Result = TypeVar("Result")
 Translate = Callable[[str], str]
@@ -52,9 +52,11 @@ class Translation:
                     raise TypeError(f"a translation must be a str, not {translated!r}")
                 if "\0" in translated:
                     raise ValueError(f"a translation holds a zero byte: {translated!r}")
-                if not is_markup:
-                    translated = as_markup(original, translated)
-                buffer = ctypes.create_string_buffer(translated.encode("utf-8", "surrogateescape"))
+                if translated == original:
+                    return text
+                translated = (checked_markup(translated, "a translation") if is_markup
+                              else as_markup(original, translated))
+                buffer = ctypes.create_string_buffer(translated.encode("utf-8"))
                 return ctypes.addressof(buffer)
             # Nothing may cross the library; it is raised behind the call.
             except BaseException as exception:

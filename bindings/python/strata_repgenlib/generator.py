@@ -89,10 +89,13 @@ class Generator:
     def set_translator(self, translate: Optional[Translate], *, markup: bool = False) -> None:
         """Sets what translates the marked texts of templates, or nothing with None.
 
-        It is given the text as it stands in the template and gives another str. "&", "<" and "'" in
-        that are escaped, each unless the original has it, too; "{" and "}" are not: in attributes
-        of the template they stand for an XPath expression. With `markup` the translation becomes
-        part of the template as it is. It runs on the generating threads, one at a time, and must
+        It is given the text as it stands in the template and gives another str. "&", "<", ">" and
+        "'" in that are escaped, each unless the original has it, too; "]]>" and an "&" that starts
+        no reference of XML are escaped in any case. "{" and "}" are not: in attributes of the
+        template they stand for an XPath expression. With `markup` the translation becomes part of
+        the template as it is; ValueError for a reference that XML does not know. What XML cannot
+        hold becomes U+FFFD in both forms; a text that is given back unchanged stays as it is. It
+        runs on the generating threads, one at a time, and must
         not call this generator. When it raises, this and all further texts of the report stay as
         they are, and the exception leaves the method that generates, after its end.
         """
@@ -169,7 +172,9 @@ class Generator:
         """Replaces the persistent data of a report type by names and texts; no merging.
 
         ValueError for what the store would cut: a text of more than 10,000,000 bytes ("&" and each
-        white space at an edge count as five), a name of more than 1,000,000.
+        white space at an edge count as five), a name of more than 1,000,000. ValueError as well for
+        a Markup with a reference that XML does not know, which would damage other entries; what XML
+        cannot hold becomes U+FFFD.
         """
         check_data_dir(self._folder)
         guid = guid_record(report_type)

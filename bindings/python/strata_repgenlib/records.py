@@ -12,8 +12,8 @@ from contextlib import contextmanager
 from typing import Any, Callable, Iterator, Union
 
 from . import library as c
-from .texts import (LONGEST_STORED, LONGEST_STORED_NAME, decoded, encoded, escaped, escaped_twice,
-                    require_storable, storable, storable_markup, without_references)
+from .texts import (LONGEST_STORED, LONGEST_STORED_NAME, checked_markup, decoded, encoded, escaped,
+                    escaped_twice, require_storable, storable, without_references)
 from .values import (Entries, Handle, Hint, Hinted, Markup, ReportType, Request, Text, Value,
                      as_dict, as_guid, as_integer)
 
@@ -69,7 +69,7 @@ def _content(text: Text, target: Target) -> bytes:
 
 def _stored_content(text: Text) -> bytes:
     """The length counts as the first of the two readings leaves it: "&" as "&amp;"."""
-    content = (storable_markup(text.content) if isinstance(text, Markup)
+    content = (checked_markup(text.content, "a text") if isinstance(text, Markup)
                else escaped_twice(storable(text)))
     encoded_content = content.encode()
     if len(encoded_content) > LONGEST_STORED:

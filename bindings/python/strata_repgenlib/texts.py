@@ -10,6 +10,10 @@ import re
 _NAMED = {"amp": "&", "lt": "<", "gt": ">", "quot": '"', "apos": "'"}
 _REFERENCE = re.compile(r"&(amp|lt|gt|quot|apos|#[0-9]{1,8}|#x[0-9a-fA-F]{1,7});")
 _NUMBER = re.compile(r"&#(?:x([0-9a-fA-F]+)|([0-9]+));")
+# "&", with the whole reference where one begins.
+_AMPERSAND = re.compile(r"&((?:#[0-9]+|#x[0-9a-fA-F]+|[^#&;< \t\r\n][^&;< \t\r\n]*);)?")
+# To the library a name goes up to the next ";", whatever is in between.
+_UNKNOWN = re.compile(r"&(?!#|(?:amp|lt|gt|quot|apos);)[^;]*;")
 _EDGES = re.compile(r"\A[ \t\r\n]+|[ \t\r\n]+\Z")
 
 
@@ -27,8 +31,8 @@ def escaped_twice(text: str) -> str:
     return escaped(_EDGES.sub(references, escaped(text)))
 
 
-# What XML cannot hold. Surrogates do not come so far.
-_UNSTORABLE = re.compile("[\x01-\x08\x0b\x0c\x0e-\x1f\ufffe\uffff]")
+# What XML cannot hold. The surrogates are bytes of a template that are no UTF-8.
+_UNSTORABLE = re.compile("[\x01-\x08\x0b\x0c\x0e-\x1f\udc80-\udcff\ufffe\uffff]")
 
 # The library keeps no more bytes of a persistent text, and cuts the rest without a word.
 LONGEST_STORED = 10_000_000
@@ -37,12 +41,12 @@ LONGEST_STORED_NAME = 1_000_000
 
 
 def storable(text: str) -> str:
-    """What the file of persistent data cannot hold becomes U+FFFD: there a single such character
-    would make the library lose references in all entries behind it."""
+    """What XML cannot hold becomes U+FFFD: in the file of persistent data or in a template a single
+    such character would make the library lose all references after it."""
     return _UNSTORABLE.sub("\ufffd", text)
 
 
-def storable_markup(content: str) -> str:
+def _held_markup(content: str) -> str:
     """The same for markup, whose references may mean such a character."""
     def meant(match: re.Match[str]) -> str:
         # No number of Python's has that many digits; leading zeros have no meaning.
@@ -55,6 +59,16 @@ def storable_markup(content: str) -> str:
     return _NUMBER.sub(meant, storable(content))
 
 
+def checked_markup(content: str, what: str) -> str:
+    """The same; ValueError for a reference that XML does not know, which would do that damage,
+    too."""
+    held = _held_markup(content)
+    unknown = _UNKNOWN.search(held, 0, held.rfind(";") + 1)
+    if unknown:
+        raise ValueError(f"{what} holds the unknown reference {unknown[0][:80]!r}")
+    return held
+
+
 def require_storable(length: int, longest: int, what: str) -> None:
     if length > longest:
         raise ValueError(f"{what} is too long for persistent data: {length:,} of {longest:,} bytes")
@@ -62,11 +76,22 @@ def require_storable(length: int, longest: int, what: str) -> None:
 
 def as_markup(original: str, translation: str) -> str:
     """A translation becomes part of a template. What looks like markup in it is meant as such only
-    if the original has it, too."""
+    if the original has it, too, and nothing in it may damage the template behind it."""
+    def reference(match: re.Match[str]) -> str:
+        if not match[1]:
+            return "&amp;"
+        is_known = match[1][0] == "#" or match[1][:-1] in _NAMED
+        return match[0] if is_known else "&amp;" + match[1]
+
     if "&" not in original:
         translation = escaped(translation)
+    translation = _held_markup(_AMPERSAND.sub(reference, translation))
     if "<" not in original:
         translation = translation.replace("<", "&lt;")
+    if ">" not in original:
+        translation = translation.replace(">", "&gt;")
+    elif "]]>" not in original:
+        translation = translation.replace("]]>", "]]&gt;")
     # A marked text with its two quotes can only stand in an attribute between apostrophes.
     if "'" not in original:
         translation = translation.replace("'", "&#39;")

@@ -38,7 +38,8 @@ class Hinted:
 class Markup:
     """A text that is XML content already: Markup("&#8364;") is a euro sign, a plain "&" is lost.
 
-    In persistent data such a text is read twice before it stands in a report.
+    In persistent data such a text is read twice before it stands in a report; a reference that XML
+    does not know is refused there.
     """
 
     content: str

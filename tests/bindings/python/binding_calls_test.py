@@ -53,6 +53,41 @@ class Translators(BindingCase):
         self.own.set_translator(lambda text: "&#65;", markup=True)
         self.assertEqual("A|A", self.report())
 
+    def test_no_translation_damages_what_follows_it(self):
+        rows = (("a]]>b", "a]]>b"), ("a > b", "a > b"), ("\a\b\v\f", "\ufffd" * 4),
+                ("\ufffe\uffff", "\ufffd\ufffd"), ("&foo; &#xD800; & x;", "&foo; &#xD800; & x;"),
+                ("a\tb\r\nc\x7f", "a\tb\nc\x7f"))
+        for translation, shown in rows:
+            with self.subTest(translation=translation):
+                self.put_template(marked("a") + "|&lt; &amp; &gt;")
+                self.own.set_translator(lambda text: translation)
+                self.assertEqual(f"{shown}|< & >", self.report())
+
+    def test_what_the_original_has_is_markup_but_no_damage(self):
+        rows = (("&amp; &lt;", "&lt; & &foo; &#1; &#65; &amp ;", "< & &foo; \ufffd A &amp ;"),
+                ("<b>a</b>", "<b>]]></b>", "]]>"), ("a &gt; >", "&gt; ]]> >", "> ]]> >"))
+        for original, translation, shown in rows:
+            with self.subTest(original=original):
+                self.put_template(marked(original) + "|&lt; &amp; &gt;")
+                self.own.set_translator(lambda text: translation)
+                self.assertEqual(f"{shown}|< & >", self.report())
+        self.own.set_translator(lambda text: "\x01 &#xFFFE; &#65;<x/>", markup=True)
+        self.assertEqual("\ufffd \ufffd A|< & >", self.report())
+        for markup in ("&foo;", "a & b; c", "&nbsp;"):
+            self.own.set_translator(lambda text: markup, markup=True)
+            with self.assertRaisesRegex(ValueError, "a translation holds the unknown reference"):
+                self.report()
+
+    def test_a_text_that_comes_back_unchanged_stays_as_it_is(self):
+        self.put_template(marked("]]&gt; &lt; > &amp; it's"))
+        for markup in (False, True):
+            self.own.set_translator(lambda text: text, markup=markup)
+            self.assertEqual("]]> < > & it's", self.report())
+        self.put_template(marked("a&foo;b"))
+        for translate in (None, lambda text: text):
+            self.own.set_translator(translate)
+            self.assertEqual("ab", self.report())
+
     def test_an_apostrophe_ends_no_attribute(self):
         original = "it's"
         self.put_template(f"<p title='{marked('a')}'>{marked(original)}</p>")

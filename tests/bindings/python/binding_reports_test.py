@@ -3,8 +3,10 @@
 SPDX-License-Identifier: MIT
 """
 
+import contextlib
 import ctypes
 import datetime
+import itertools
 import os
 import time
 import unittest
@@ -13,7 +15,7 @@ from unittest import mock
 
 from binding_case import LIBRARY, TYPE, BindingCase, value_of
 from strata_repgenlib import Generator, Handle, Hint, Hinted, Markup, Request, records
-from strata_repgenlib.texts import without_references
+from strata_repgenlib.texts import checked_markup, without_references
 
 TEXTS = ("a & b", "&amp;", "&#65;", "&lt;b&gt; <b>", "&;", "&", "\u00e4 \u043e \U0001f600", "]]>",
          "a;b")
@@ -132,6 +134,30 @@ class PersistentData(BindingCase):
             store(TYPE, {**texts, **kept, "name\uffff": "\x02"})
             self.assertEqual({**{name: "\ufffd" for name in (*texts, "name\ufffd")}, **kept},
                              self.own.persistent_data(TYPE))
+
+    def test_markup_with_unknown_references_is_refused(self):
+        self.own.set_persistent_data(TYPE, {"a": "kept"})
+        for content in ("&foo;", "&f oo;", "&nbsp;", "&AMP;", "&1;", "&;", "& amp;", "a & b; c",
+                        "&&amp;", "&lt;&foo;", "&a&lt;", "&<b>;", "&amp&#65;"):
+            for store in (self.own.set_persistent_data, self.own.set_persistent_values):
+                with self.subTest(content=content), \
+                        self.assertRaisesRegex(ValueError, "unknown reference"):
+                    store(TYPE, {"a": Markup(content)})
+        self.assertEqual({"a": "kept"}, self.own.persistent_data(TYPE))
+
+    def test_no_markup_that_is_taken_does_harm(self):
+        """All short sequences of pieces: they are refused, or leave the other entries alone."""
+        pieces = ("&", "amp", ";", "#", "x", "D800", "65", "<", "\x01", "\ufffe", "a")
+        kept = {f"k{index}": "Smith & Sons <b>" for index in range(10)}
+        taken = {}
+        for number, parts in enumerate(itertools.chain.from_iterable(
+                itertools.product(pieces, repeat=length) for length in (1, 2, 3, 4))):
+            with contextlib.suppress(ValueError):
+                taken[f"a{number}"] = Markup(checked_markup("".join(parts), "a text"))
+        self.assertGreater(len(taken), 10_000)
+        self.own.set_persistent_data(TYPE, {**taken, **kept, "z": Markup("&amp;amp;")})
+        stored = self.own.persistent_data(TYPE)
+        self.assertEqual({**kept, "z": "&"}, {name: stored[name] for name in (*kept, "z")})
 
     def test_texts_that_the_store_would_cut_are_refused(self):
         limit = 10_000_000
