@@ -52,7 +52,9 @@ namespace StrataRepgenlib
         /// <summary>Sets what translates the marked texts of templates, null for nothing. It must
         /// not call this generator. What it raises leaves the function that generates, after the
         /// report. Plain translations are escaped; with isMarkup they become part of the template
-        /// as they are. Waits while a transformation runs.</summary>
+        /// as they are, and a reference that XML does not know is an ArgumentException. What XML
+        /// cannot hold becomes U+FFFD; null or the text itself leave it as it is. Waits while a
+        /// transformation runs.</summary>
         public void SetTranslator(Func<string, string> translate, bool isMarkup = false)
         {
             Translation next = new Translation(translate ?? (text => text), isMarkup);
@@ -171,7 +173,9 @@ namespace StrataRepgenlib
         }
 
         /// <summary>Replaces the persistent data of a report type by what reports show for values;
-        /// types and hints are not kept. Otherwise as SetPersistentData.</summary>
+        /// types and hints are not kept. An ArgumentException for markup with a reference that XML
+        /// does not know, which would damage other entries. Otherwise as
+        /// SetPersistentData.</summary>
         public void SetPersistentValues(Guid type, IReadOnlyList<Value> values)
         {
             if (values == null) throw new ArgumentNullException(nameof(values));

@@ -22,6 +22,14 @@ namespace StrataRepgenlib
             "&(?:(?<name>amp|lt|gt|quot|apos)|#x(?<hex>[0-9A-Fa-f]{1,8})|#(?<decimal>[0-9]{1,8}));",
             RegexOptions.CultureInvariant);
 
+        /// <summary>"&amp;", with the whole reference where one begins.</summary>
+        private static readonly Regex Ampersand = new Regex(
+            "&((?:#[0-9]+|#x[0-9A-Fa-f]+|[^#&;< \\t\\r\\n][^&;< \\t\\r\\n]*);)?",
+            RegexOptions.CultureInvariant);
+        private static readonly Regex Unstorable = new Regex(
+            "[\\u0001-\\u0008\\u000B\\u000C\\u000E-\\u001F\\uFFFE\\uFFFF]",
+            RegexOptions.CultureInvariant);
+
         /// <summary>UTF-8 with a zero byte at the end. Raises an ArgumentException for half a
         /// surrogate pair, and for a zero inside, where the library would cut the text.</summary>
         internal static byte[] ToUtf8(string text, string what)
@@ -64,14 +72,14 @@ namespace StrataRepgenlib
                 throw new ArgumentException(
                     "the name of a persistent text has more than 1,000,000 bytes");
             }
-            return WithoutNoncharacters(name);
+            return HeldByXml(name);
         }
 
         /// <summary>A persistent text as the library is given it. Raises an ArgumentException when
-        /// the library would cut it.</summary>
+        /// the library would cut it, and for markup that would damage other texts.</summary>
         internal static string Stored(string name, string text, bool isMarkup)
         {
-            text = WithoutNoncharacters(text);
+            text = isMarkup ? CheckedMarkup(text, "the persistent text " + name) : HeldByXml(text);
             string read = isMarkup ? WithoutReferences(text) : EscapedWithEdges(text);
             RequireStorable(name, Utf8.GetByteCount(read));
             return isMarkup ? text : Escaped(read);
@@ -91,11 +99,46 @@ namespace StrataRepgenlib
                 " has more than 10,000,000 bytes, \"&\" counted as \"&amp;\"");
         }
 
-        /// <summary>A file with U+FFFE or U+FFFF is no XML: all other texts would suffer. Control
-        /// characters become U+FFFD as well, which the library does.</summary>
-        private static string WithoutNoncharacters(string text)
+        /// <summary>What XML cannot hold becomes U+FFFD: in the file of persistent data or in a
+        /// template a single such character would make the library lose all references after
+        /// it.</summary>
+        private static string HeldByXml(string text)
         {
-            return text.Replace('\uFFFE', '\uFFFD').Replace('\uFFFF', '\uFFFD');
+            return Unstorable.Replace(text, "\uFFFD");
+        }
+
+        /// <summary>A reference that XML knows, as a document may hold it; null for another
+        /// one.</summary>
+        private static string HeldReference(Match ampersand)
+        {
+            string name = ampersand.Groups[1].Value;
+            if (name.Length == 0) return null;
+            if (name[0] != '#') return Reference.IsMatch(ampersand.Value) ? ampersand.Value : null;
+            bool isHex = name[1] == 'x';
+            string digits = name.Substring(isHex ? 2 : 1).TrimEnd(';').TrimStart('0');
+            string meaning = Character(digits, isHex);
+            bool isHeld = meaning != null && !Unstorable.IsMatch(meaning);
+            return isHeld ? ampersand.Value : "&#xFFFD;";
+        }
+
+        /// <summary>Markup that damages nothing after it. Raises an ArgumentException for a
+        /// reference that XML does not know. To the library a name goes up to the next ";",
+        /// whatever is in between, and without one just the "&amp;" is lost.</summary>
+        internal static string CheckedMarkup(string content, string what)
+        {
+            string text = HeldByXml(content);
+            int lastEnd = text.LastIndexOf(';');
+            return Ampersand.Replace(text, match =>
+            {
+                string held = HeldReference(match);
+                if (held != null) return held;
+                bool isNumeric = match.Index + 1 < text.Length && text[match.Index + 1] == '#';
+                if (isNumeric || match.Index > lastEnd) return match.Value;
+                int end = text.IndexOf(';', match.Index);
+                throw new ArgumentException(
+                    what + " holds the unknown reference " +
+                    text.Substring(match.Index, Math.Min(80, end + 1 - match.Index)));
+            });
         }
 
         /// <summary>What persistent data is, which the library reads twice, after the first
@@ -133,9 +176,16 @@ namespace StrataRepgenlib
                 case "apos": return "'";
             }
             bool isHex = match.Groups["hex"].Success;
-            string digits = match.Groups[isHex ? "hex" : "decimal"].Value;
+            return Character(match.Groups[isHex ? "hex" : "decimal"].Value, isHex);
+        }
+
+        /// <summary>The character of so many digits; null for none.</summary>
+        private static string Character(string digits, bool isHex)
+        {
             NumberStyles style = isHex ? NumberStyles.AllowHexSpecifier : NumberStyles.None;
-            uint number = uint.Parse(digits, style, CultureInfo.InvariantCulture);
+            uint number;
+            bool isNumber = uint.TryParse(digits, style, CultureInfo.InvariantCulture, out number);
+            if (!isNumber) return null;
             bool isSurrogate = number >= 0xD800 && number <= 0xDFFF;
             return number == 0 || number > 0x10FFFF || isSurrogate
                 ? null
@@ -143,11 +193,17 @@ namespace StrataRepgenlib
         }
 
         /// <summary>A translation becomes part of a template. What looks like markup in it is meant
-        /// as such only if the original has it, too.</summary>
+        /// as such only if the original has it, too, and nothing in it may damage the template
+        /// behind it.</summary>
         internal static string AsMarkup(string original, string translation)
         {
+            translation = HeldByXml(translation);
             if (original.IndexOf('&') < 0) translation = Escaped(translation);
+            translation = Ampersand.Replace(
+                translation, match => HeldReference(match) ?? Escaped(match.Value));
             if (original.IndexOf('<') < 0) translation = translation.Replace("<", "&lt;");
+            if (original.IndexOf('>') < 0) translation = translation.Replace(">", "&gt;");
+            else if (!original.Contains("]]>")) translation = translation.Replace("]]>", "]]&gt;");
             // A marker in an attribute stands between single quotes.
             if (original.IndexOf('\'') < 0) translation = translation.Replace("'", "&#39;");
             return translation;

@@ -56,7 +56,9 @@ namespace StrataRepgenlib
             if (raised != null) return original;
             try
             {
-                Keep(Translated(ReportTexts.FromUtf8(original)));
+                byte[] translated = Translated(ReportTexts.FromUtf8(original));
+                if (translated == null) return original;
+                Keep(translated);
                 return text;
             }
             catch (Exception exception)
@@ -66,10 +68,13 @@ namespace StrataRepgenlib
             }
         }
 
+        /// <summary>Null for a text that stays as it is.</summary>
         private byte[] Translated(string original)
         {
-            string translation = translate(original) ?? original;
-            if (!isMarkup) translation = ReportTexts.AsMarkup(original, translation);
+            string translation = translate(original);
+            if (translation == null || translation == original) return null;
+            translation = isMarkup ? ReportTexts.CheckedMarkup(translation, "a translation")
+                                   : ReportTexts.AsMarkup(original, translation);
             return ReportTexts.ToUtf8(translation, "a translation");
         }
 

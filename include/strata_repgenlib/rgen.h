@@ -44,9 +44,9 @@
  *   written to persistent data and dumps as it stands and damages them: "x &a b; y" is read back as
  *   "x  b; y", and every reference after it in the file is lost, those of other entries included
  *   ("1 < 2 &amp;amp; 3" is read back as "1  2 amp; 3"). The same damage is done by bytes that are
- *   not valid UTF-8, by U+FFFE and U+FFFF, in names as well, and in texts by references to these two
- *   or to surrogates ("&#xFFFE;", "&#xD800;"). The library stores all of them with status 0: a host
- *   that stores texts of others checks them first.
+ *   not valid UTF-8, by U+FFFE and U+FFFF, in names as well, and in texts by references to these
+ *   two or to surrogates ("&#xFFFE;", "&#xD800;"). The library stores all of them with status 0: a
+ *   host that stores texts of others checks them first.
  *
  *   Control characters and bytes that are not valid UTF-8 go into text and HTML output as they are.
  *   XML output, persistent data and dumps have U+FFFD in the place of a control character (tab and
@@ -75,6 +75,9 @@
  *   not call the library for the same generator (that would wait for ever), must not throw an
  *   exception and must not return null. Callbacks that use other generators do so in one order on
  *   all threads: two that use each other's generator wait for ever.
+ *   What it returns becomes part of the template: "&", "<" and ">" must be escaped. An unknown
+ *   reference, "]]>" or a control character in it takes the references ("&lt;", "&amp;") of all
+ *   that follows in the template, with status 0.
  *
  * EXCEPTIONS
  *   Failures that have no status leave a function as C++ exceptions: std::bad_alloc (memory),
@@ -94,8 +97,8 @@
  *   they abort it.
  *
  * FILES
- *   The output of mode 0, persistent data and dumps replace what stands at their path: it is removed
- *   first, and the new file is written in its place. Nothing is atomic.
+ *   The output of mode 0, persistent data and dumps replace what stands at their path: it is
+ *   removed first, and the new file is written in its place. Nothing is atomic.
  *   Linux: a pipe, device or socket in the place of a file is never waited for. Where a file is
  *   read, it cannot be opened: as config.xml it gives RGEN_E_OPEN_CONFIG, as persistent data
  *   RGEN_E_OPEN_PERSIST (a report goes on without persistent data), as template RGEN_E_XSLT_PARSE,

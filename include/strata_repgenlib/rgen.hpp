@@ -324,6 +324,13 @@ inline std::string escaped(std::string_view text) {
     return replaced(text, '&', "&amp;");
 }
 
+/// "]]>" is nothing that a text of a template may hold.
+inline std::string withoutSectionEnds(std::string text) {
+    for (std::size_t at = text.find("]]>"); at != std::string::npos; at = text.find("]]>", at))
+        text.replace(at + 2, 1, "&gt;");
+    return text;
+}
+
 /// Tells whether XML may hold the character.
 constexpr bool isXmlCharacter(std::uint32_t character) noexcept {
     if (character < 0x20) return character == '\t' || character == '\n' || character == '\r';
@@ -354,8 +361,8 @@ inline LeadingCharacter leadingCharacter(std::string_view rest) {
     return {length, character >= smallest[length] && isXmlCharacter(character)};
 }
 
-/// What the file of persistent data cannot hold becomes U+FFFD: there a single such character would
-/// make the library lose references in all entries behind it.
+/// What XML cannot hold becomes U+FFFD: in the file of persistent data or in a template a single
+/// such character would make the library lose all references after it.
 inline std::string storable(std::string_view text) {
     std::string result;
     result.reserve(text.size());
@@ -381,18 +388,6 @@ inline std::string escapedTwice(const std::string& text) {
     const std::string_view view = text;
     return references(view.substr(0, start)) + escaped(escaped(view.substr(start, end - start))) +
            references(view.substr(end));
-}
-
-/// A translation becomes part of a template. What looks like markup in it is meant as such only if
-/// the original has it, too.
-inline std::string asMarkup(std::string_view original, std::string translation) {
-    if (original.find('&') == std::string_view::npos) translation = escaped(translation);
-    if (original.find('<') == std::string_view::npos)
-        translation = replaced(translation, '<', "&lt;");
-    // A marked text with its two quotes can only stand in an attribute between apostrophes.
-    if (original.find('\'') == std::string_view::npos)
-        translation = replaced(translation, '\'', "&#39;");
-    return translation;
 }
 
 inline std::string utf8Character(std::uint32_t character) {
@@ -473,17 +468,79 @@ inline std::string withoutReferences(std::string_view content) {
     return text;
 }
 
-/// Markup without references to what the file of persistent data cannot hold.
-inline std::string storableMarkup(const std::string& content) {
-    std::string result = storable(content);
-    for (std::size_t at = result.find("&#"); at != std::string::npos; at = result.find("&#", at)) {
-        const std::size_t end = result.find_first_of(";&", ++at);
-        if (end == std::string::npos) break;
-        if (result[end] != ';') continue;
-        const auto number = referencedNumber(std::string_view(result).substr(at, end - at));
-        if (number && !isXmlCharacter(*number)) result.replace(at, end - at, "#xFFFD");
+/// The reference that `rest` starts with, "&amp;", or "&" alone where none begins.
+inline std::string_view ampersandAt(std::string_view rest) {
+    const bool isNumeric = rest.size() > 1 && rest[1] == '#';
+    const std::size_t nameStart = isNumeric ? 2 : 1;
+    const std::size_t end = rest.find_first_of("&;#< \t\r\n", nameStart);
+    if (end == std::string_view::npos || rest[end] != ';' || end == nameStart) {
+        return rest.substr(0, 1);
     }
-    return result;
+    const std::string_view name = rest.substr(1, end - 1);
+    return isNumeric && !referencedNumber(name) ? rest.substr(0, 1) : rest.substr(0, end + 1);
+}
+
+/// A reference that XML knows, as a document may hold it; empty for another one.
+inline std::string heldReference(std::string_view reference) {
+    if (reference.size() == 1) return {};
+    const std::string_view name = reference.substr(1, reference.size() - 2);
+    if (name[0] != '#') return referencedText(name).empty() ? "" : std::string(reference);
+    return isXmlCharacter(*referencedNumber(name)) ? std::string(reference) : "&#xFFFD;";
+}
+
+/// A text in which `meant` decides what stands in the place of each "&": it is given the reference
+/// that starts there, or "&" alone, and how much of the text is left from there on.
+template <typename Meant>
+std::string mapAmpersands(std::string_view text, Meant meant) {
+    std::string result;
+    result.reserve(text.size());
+    for (std::size_t start = text.find('&'); start != std::string_view::npos;
+         start = text.find('&')) {
+        result += text.substr(0, start);
+        text.remove_prefix(start);
+        const std::string_view reference = ampersandAt(text);
+        result += meant(reference, text.size());
+        text.remove_prefix(reference.size());
+    }
+    return result.append(text);
+}
+
+/// Markup that damages nothing after it; refuses references that XML does not know. To the library
+/// a name goes up to the next ";", whatever is in between, and without one just the "&" is lost.
+inline std::string checkedMarkup(const std::string& content, const char* what) {
+    const std::string text = storable(content);
+    const std::size_t lastEnd = text.rfind(';') + 1;
+    return mapAmpersands(text, [&](std::string_view reference, std::size_t left) {
+        std::string held = heldReference(reference);
+        const std::size_t start = text.size() - left;
+        const bool isNumeric = left > 1 && text[start + 1] == '#';
+        if (!held.empty() || isNumeric || start >= lastEnd) {
+            return held.empty() ? std::string(reference) : held;
+        }
+        const std::size_t length = (std::min<std::size_t>)(80, text.find(';', start) + 1 - start);
+        throw std::invalid_argument(std::string(what) + " holds the unknown reference " +
+                                    text.substr(start, length));
+    });
+}
+
+/// A translation becomes part of a template. What looks like markup in it is meant as such only if
+/// the original has it, too, and nothing in it may damage the template behind it.
+inline std::string asMarkup(std::string_view original, std::string translation) {
+    const auto has = [original](std::string_view part) {
+        return original.find(part) != std::string_view::npos;
+    };
+    translation = storable(translation);
+    if (!has("&")) translation = escaped(translation);
+    translation = mapAmpersands(translation, [](std::string_view reference, std::size_t /*left*/) {
+        const std::string held = heldReference(reference);
+        return held.empty() ? "&amp;" + std::string(reference.substr(1)) : held;
+    });
+    if (!has("<")) translation = replaced(translation, '<', "&lt;");
+    if (!has(">")) translation = replaced(translation, '>', "&gt;");
+    if (!has("]]>")) translation = withoutSectionEnds(std::move(translation));
+    // A marked text with its two quotes can only stand in an attribute between apostrophes.
+    if (!has("'")) translation = replaced(translation, '\'', "&#39;");
+    return translation;
 }
 
 /// Reads so many bytes of a file from a position on; fewer at its end.
@@ -1093,7 +1150,7 @@ inline std::string nameFor(const std::string& name, Target target) {
 
 /// The length counts as the first of the two readings leaves it: "&" as "&amp;".
 inline std::string contentForStore(const Text& text) {
-    std::string content = text.form() == TextForm::Markup ? storableMarkup(text.content())
+    std::string content = text.form() == TextForm::Markup ? checkedMarkup(text.content(), "a text")
                                                           : escapedTwice(storable(text.content()));
     requireStorable(
         content.size() <= longestStored || withoutReferences(content).size() <= longestStored,
@@ -1253,7 +1310,9 @@ struct Translation {
         try {
             self.text = self.translate(text);
             withoutZero(self.text, "a translation");
-            if (self.form == TextForm::Plain) self.text = asMarkup(text, std::move(self.text));
+            if (self.text == text) return text;
+            self.text = self.form == TextForm::Plain ? asMarkup(text, std::move(self.text))
+                                                     : checkedMarkup(self.text, "a translation");
             return self.text.c_str();
         } catch (...) {
             self.exceptions.keep(std::current_exception());
@@ -1323,10 +1382,13 @@ public:
      *                    copied at once. It is kept until the next one is set, and called on the
      *                    generating threads, by one at a time. It must not call this generator; see
      *                    THE CALLBACK in rgen.h.
-     * @param form        Plain: "&", "<" and "'" in a translation are escaped, each unless the
-     *                    original has it, too. "{" and "}" are not: in attributes of the template
+     * @param form        Plain: "&", "<", ">" and "'" in a translation are escaped, each unless the
+     *                    original has it, too; "]]>" and an "&" that starts no reference of XML are
+     *                    escaped in any case. "{" and "}" are not: in attributes of the template
      *                    they stand for an XPath expression. Markup: the translation becomes part
-     *                    of the template as it is.
+     *                    of the template as it is; a reference that XML does not know is an
+     *                    std::invalid_argument. What XML cannot hold becomes U+FFFD in both forms;
+     *                    a text that is given back unchanged stays as it is.
      *
      * When the translator raises an exception, this and all further texts of the report stay as
      * they are, and the exception leaves the call that generates after its end; a file may be there
@@ -1461,11 +1523,13 @@ public:
      *
      * @param type   The report type.
      * @param texts  Names and texts. A Text::markup is read twice before it stands in a report.
+     *               What XML cannot hold becomes U+FFFD.
      *
      * Exceptions: StatusError with the statuses of rgen_setPersistentDataFromAnsiStringPairSet;
      * std::invalid_argument (see TEXTS) also for what the store would cut, a text of more than
      * 10,000,000 bytes ("&" and each white space at an edge count as five) and a name of more than
-     * 1,000,000; those of the library.
+     * 1,000,000, and for a Text::markup with a reference that XML does not know, which would damage
+     * other entries; those of the library.
      */
     void setPersistentData(const Guid& type, const Texts& texts) {
         Owned<RgenCAnsiStringPairSet> pairs;

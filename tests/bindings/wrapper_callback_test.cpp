@@ -54,6 +54,60 @@ TEST_F(WrapperTranslator, PlainTranslationsAreEscapedAndMarkupIsNot) {
     EXPECT_EQ("A|A", report());
 }
 
+TEST_F(WrapperTranslator, NoTranslationDamagesWhatFollowsIt) {
+    putTemplate(textStylesheet("QT_TRANSLATE_NOOP(\"QObject\", \"a\")|&lt; &amp; &gt;"));
+    const std::string replacement = "\xEF\xBF\xBD";
+    const std::pair<std::string, std::string> rows[] = {
+        {"a]]>b", "a]]>b"},
+        {"]]]>>", "]]]>>"},
+        {"a > b", "a > b"},
+        {"\a\b", replacement + replacement},
+        {"\xEF\xBF\xBE", replacement},
+        {"\xFF", replacement},
+        {"&foo; &#xD800; & x;", "&foo; &#xD800; & x;"},
+        {"a\tb\x7F", "a\tb\x7F"}};
+    for (const auto& [translation, shown] : rows) {
+        own.setTranslator([text = translation](std::string_view) { return text; });
+        EXPECT_EQ(shown + "|< & >", report());
+    }
+}
+
+TEST_F(WrapperTranslator, WhatTheOriginalHasIsMarkupButNoDamage) {
+    const struct {
+        const char* original;
+        const char* translation;
+        const char* shown;
+    } rows[] = {{"&amp; &lt;", "&lt; & &foo; &#1; &#65; &amp ; &#; &#xZ; &",
+                 "< & &foo; \xEF\xBF\xBD A &amp ; &#; &#xZ; &"},
+                {"<b>a</b>", "<b>]]></b>", "]]>"},
+                {"a &gt; >", "&gt; ]]> >", "> ]]> >"}};
+    for (const auto& row : rows) {
+        putTemplate(textStylesheet("QT_TRANSLATE_NOOP(\"QObject\", \"" + std::string(row.original) +
+                                   "\")|&lt; &amp; &gt;"));
+        own.setTranslator([&row](std::string_view) { return row.translation; });
+        EXPECT_EQ(std::string(row.shown) + "|< & >", report());
+    }
+}
+
+TEST_F(WrapperTranslator, MarkupWithUnknownReferencesIsRefused) {
+    putTemplate(textStylesheet("QT_TRANSLATE_NOOP(\"QObject\", \"a\")|&lt; &amp; &gt;"));
+    own.setTranslator([](std::string_view) { return "\x01 &#xFFFE; &#65;<x/>"; },
+                      repgen::TextForm::Markup);
+    EXPECT_EQ("\xEF\xBF\xBD \xEF\xBF\xBD A|< & >", report());
+    for (const char* markup : {"&foo;", "a & b; c", "&nbsp;"}) {
+        own.setTranslator([markup](std::string_view) { return markup; }, repgen::TextForm::Markup);
+        EXPECT_THROW(report(), std::invalid_argument);
+    }
+}
+
+TEST_F(WrapperTranslator, ATextThatComesBackUnchangedStaysAsItIs) {
+    putTemplate(textStylesheet("QT_TRANSLATE_NOOP(\"QObject\", \"]]&gt; &lt; > &amp; a&foo;b\")"));
+    for (const auto form : {repgen::TextForm::Plain, repgen::TextForm::Markup}) {
+        own.setTranslator([](std::string_view text) { return text; }, form);
+        EXPECT_EQ("]]> < > & ab", report());
+    }
+}
+
 TEST_F(WrapperTranslator, AnApostropheEndsNoAttribute) {
     putTemplate(
         "<xsl:stylesheet version='1.0' xmlns:xsl='http://www.w3.org/1999/XSL/Transform'>"

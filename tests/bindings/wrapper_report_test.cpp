@@ -167,6 +167,51 @@ TEST_F(WrapperTest, WhatTheStoreCannotHoldDoesNoHarmToOtherEntries) {
     EXPECT_EQ(kept, own.persistentData(type)["k0"]);
 }
 
+TEST_F(WrapperTest, PersistentMarkupWithUnknownReferencesIsRefused) {
+    own.setPersistentData(type, {{"a", "kept"}});
+    for (const char* markup :
+         {"&foo;", "&f oo;", "&nbsp;", "&AMP;", "&1;", "&;", "& amp;", "&amp ;", "a & b; c",
+          "&&amp;", "&lt;&foo;", "&a&lt;", "&<b>;", "&amp&#65;"}) {
+        SCOPED_TRACE(markup);
+        EXPECT_THROW(own.setPersistentData(type, {{"a", Text::markup(markup)}}),
+                     std::invalid_argument);
+        EXPECT_THROW(own.setPersistentValues(type, {{"a", Text::markup(markup)}}),
+                     std::invalid_argument);
+    }
+    EXPECT_EQ("kept", own.persistentData(type)["a"]);
+}
+
+// All short sequences of pieces: they are refused, or leave the other entries alone.
+TEST_F(WrapperTest, NoPersistentMarkupThatIsTakenDoesHarm) {
+    const std::string pieces[] = {"&",  "amp", ";",    "#",    "x", "D800",
+                                  "65", "<",   "\x01", "\xFF", "a"};
+    std::vector<std::string> sequences = {""};
+    std::size_t first = 0;
+    for (int length = 1; length <= 4; ++length) {
+        const std::size_t end = sequences.size();
+        for (; first < end; ++first) {
+            for (const std::string& piece : pieces)
+                sequences.push_back(sequences[first] + piece);
+        }
+    }
+    repgen::Texts texts;
+    for (const std::string& sequence : sequences) {
+        try {
+            texts.add("a" + std::to_string(texts.size()),
+                      Text::markup(repgen::detail::checkedMarkup(sequence, "a text")));
+        } catch (const std::invalid_argument&) {
+            continue;
+        }
+    }
+    EXPECT_GT(texts.size(), 10000U);
+    for (int i = 0; i < 10; ++i)
+        texts.add("k" + std::to_string(i), "Smith & Sons <b>");
+    own.setPersistentData(type, texts);
+    for (const auto& [name, text] : own.persistentData(type)) {
+        EXPECT_TRUE(name[0] != 'k' || text == "Smith & Sons <b>") << name << ": " << text;
+    }
+}
+
 TEST_F(WrapperTest, PersistentTextsThatWouldBeCutAreRefused) {
     const std::size_t limit = 10000000;
     own.setPersistentData(type, {{"a", std::string(limit - 5, 'x') + "&"}});

@@ -60,6 +60,11 @@ internal static partial class CSharpHost
             Equal("Values,End", string.Join(",", asked));
             generator.SetTranslator(text => "&#65;", true);
             Equal("A\nA\n[a=1]\n", TextReport(generator, request));
+            generator.SetTranslator(text => "a&nbsp;b", true);
+            Raised<ArgumentException>(() => generator.GenerateBytes(request));
+            generator.SetTranslator(text => "]]>\a&nbsp;" + text);
+            Equal("]]>\uFFFD&nbsp;Values\n]]>\uFFFD&nbsp;End\n[a=1]\n",
+                  TextReport(generator, request));
             generator.SetTranslator(null);
             Equal(Listing("a=1"), TextReport(generator, request));
             generator.SetTranslator(text => "it's & 'so'");
@@ -219,6 +224,28 @@ internal static partial class CSharpHost
         return stored[name];
     }
 
+    /// <summary>Markup that is refused, and markup that is taken, which does no harm to the other
+    /// text.</summary>
+    private static void CheckPersistentMarkup(ReportGenerator generator)
+    {
+        Value other = new Value("other", "x & y");
+        foreach (string content in new[] { "&foo;", "&f oo;", "&nbsp;", "&AMP;", "&1;", "&;",
+                                           "&&amp;", "& amp;", "a & b; c", "&lt;&foo;", "&a&lt;",
+                                           "&<b>;" })
+        {
+            Raised<ArgumentException>(() => generator.SetPersistentValues(
+                Type, new[] { other, Value.Markup("b", content) }));
+        }
+        foreach (string[] row in new[] { new[] { "&#xD800;", "\uFFFD" },
+                                         new[] { "&#99999999999;", "\uFFFD" },
+                                         new[] { "&#00065;", "A" }, new[] { "\u0001", "\uFFFD" },
+                                         new[] { "&#xZ; AT&T", "Z; ATT" } })
+        {
+            generator.SetPersistentValues(Type, new[] { Value.Markup("b", row[0]), other });
+            Equal(row[1], StoredText(generator, "b"));
+        }
+    }
+
     /// <summary>What the library would keep only a part of, or lose other texts for.</summary>
     private static void CheckPersistentLimits()
     {
@@ -234,7 +261,8 @@ internal static partial class CSharpHost
             Equal("\uFFFDa\uFFFD", StoredText(generator, "a\uFFFD"));
             generator.SetPersistentValues(
                 Type, new[] { other, Value.Markup("b\uFFFF", "\uFFFE&amp;amp;&#xFFFE;") });
-            Equal("\uFFFD&", StoredText(generator, "b\uFFFD"));
+            Equal("\uFFFD&\uFFFD", StoredText(generator, "b\uFFFD"));
+            CheckPersistentMarkup(generator);
             texts["long"] = "&" + new string('x', Longest - 5);
             generator.SetPersistentData(Type, texts);
             Equal(texts["long"], StoredText(generator, "long"));

@@ -56,6 +56,9 @@ pub fn check_translation() {
     let mut generator = *generator;
     generator.set_markup_translator(|_| "&#65;".to_string());
     assert_eq!("A\nA\n[a=1]\n", text_report(&generator, &one()));
+    generator.set_translator(|text| format!("]]>\u{7}&nbsp;{text}"));
+    let expected = "]]>\u{FFFD}&nbsp;Values\n]]>\u{FFFD}&nbsp;End\n[a=1]\n";
+    assert_eq!(expected, text_report(&generator, &one()));
     generator.clear_translator();
     assert_eq!(listing(&["a=1"]), text_report(&generator, &one()));
     assert_eq!(1, Arc::strong_count(&asked));
@@ -75,7 +78,10 @@ pub fn check_translation() {
 fn panic_of<T>(call: impl FnOnce() -> T) -> String {
     match catch_unwind(AssertUnwindSafe(call)) {
         Ok(_) => String::new(),
-        Err(payload) => payload.downcast_ref::<&str>().unwrap_or(&"a longer text").to_string(),
+        Err(payload) => match payload.downcast::<String>() {
+            Ok(text) => *text,
+            Err(other) => other.downcast_ref::<&str>().unwrap_or(&"a longer text").to_string(),
+        },
     }
 }
 
@@ -91,11 +97,13 @@ pub fn check_raising_translator() {
     assert_eq!("on purpose", panic_of(|| generator.generate_bytes(&one())));
     assert_eq!(1, *calls.lock().expect("a number"));
     assert_eq!("on purpose", panic_of(|| generator.generate_open_file(&one(), "x.txt")));
+    generator.set_markup_translator(|_| "a&nbsp;b".to_string());
+    assert!(panic_of(|| generator.generate_bytes(&one())).contains("unknown reference"));
     // What one generator's translator raises does not reach the translator of another.
     let mut inner = open();
     inner.set_translator(|_| "a\0b".to_string());
     generator.set_translator(move |text| {
-        assert_eq!("a longer text", panic_of(|| inner.generate_bytes(&one())));
+        assert!(panic_of(|| inner.generate_bytes(&one())).contains("zero byte"));
         text.to_string()
     });
     assert_eq!(listing(&["a=1"]), text_report(&generator, &one()));
@@ -216,7 +224,11 @@ pub fn check_persistent_limits() {
     let markup = Value::Markup("\u{FFFE}&amp;amp;&#xFFFE;".to_string());
     let values = [other.clone(), ("b\u{FFFF}".to_string(), markup)];
     generator.set_persistent_values(&TYPE, &values).expect("stored");
-    assert_eq!("\u{FFFD}&", stored_text(&generator, "b\u{FFFD}"));
+    assert_eq!("\u{FFFD}&\u{FFFD}", stored_text(&generator, "b\u{FFFD}"));
+    for content in ["&foo;", "&f oo;", "a & b; c"] {
+        let unknown = ("b".to_string(), Value::Markup(content.to_string()));
+        expect_text_error(generator.set_persistent_values(&TYPE, &[unknown]));
+    }
     let text = "&".to_string() + &"x".repeat(LONGEST - 5);
     let texts = [("long", text.as_str()), ("other", "x & y")];
     generator.set_persistent_data(&TYPE, texts).expect("stored");

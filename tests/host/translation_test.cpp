@@ -290,6 +290,25 @@ TEST_F(Translation, ATranslationThatIsNotUtf8IsRepaired) {
     EXPECT_EQ(reportOf("[a\xEF\xBF\xBDz]"), reportOfText(marker("b")));
 }
 
+TEST_F(Translation, ADamagedTranslationTakesTheReferencesAfterIt) {
+    useTranslator();
+    const std::string rest = "|&lt; &amp; &gt;";
+    for (const char* damaged : {"]]>", "\a", "\b", "\v", "\f", "\xFF", "\xEF\xBF\xBE", "&foo;",
+                                "& ", "&nbsp;", "&#1;", "&#xD800;"}) {
+        SCOPED_TRACE(damaged);
+        translator_.answer = damaged;
+        const Report report = reportOfText(marker("a") + rest);
+        EXPECT_EQ(statusHex(RGEN_OK), report.status);
+        EXPECT_EQ("|  ]", report.bytes.substr(report.bytes.find('|')));
+    }
+    for (const char* harmless : {"]]&gt;", "a > b", "\t\r\n", "&#65;", "\x7F"}) {
+        SCOPED_TRACE(harmless);
+        translator_.answer = harmless;
+        const Report report = reportOfText(marker("a") + rest);
+        EXPECT_EQ("|< & >]", report.bytes.substr(report.bytes.find('|')));
+    }
+}
+
 TEST_F(Translation, ATranslationOfTenMegabytesIsTaken) {
     useTranslator();
     translator_.answer.clear();

@@ -65,12 +65,15 @@ impl Generator {
     }
 
     /// Sets what translates the marked texts of templates. It gets the text as it stands in the
-    /// template. Translations are escaped: "&", "<" and "'", each unless the original has it, too.
+    /// template. Translations are escaped: "&", "<", ">" and "'", each unless the original has it,
+    /// too; "]]>" and an "&" that starts no reference of XML in any case. What XML cannot hold
+    /// becomes U+FFFD, and a text that is given back unchanged stays as it is.
     pub fn set_translator(&mut self, translate: impl FnMut(&str) -> String + Send + 'static) {
         self.set_translation(Translation::new(Box::new(translate), false));
     }
 
-    /// As `set_translator`; the translations become part of the template as they are.
+    /// As `set_translator`; the translations become part of the template as they are. One with a
+    /// reference that XML does not know panics.
     pub fn set_markup_translator(
         &mut self,
         translate: impl FnMut(&str) -> String + Send + 'static,
@@ -185,7 +188,8 @@ impl Generator {
     }
 
     /// Replaces the persistent data of a report type by what reports show for values; types and
-    /// hints are not kept. Otherwise as `set_persistent_data`.
+    /// hints are not kept. A [`Value::Markup`] with a reference that XML does not know, which would
+    /// damage other entries, is an [`Error::Text`]. Otherwise as `set_persistent_data`.
     pub fn set_persistent_values(
         &self,
         report_type: &Guid,

@@ -55,19 +55,19 @@ pub(crate) fn stored_name(name: &str) -> Result<String, Error> {
         let problem = "the name of a persistent text has more than 1,000,000 bytes";
         return Err(Error::Text(problem.to_string()));
     }
-    Ok(without_noncharacters(name))
+    Ok(held_by_xml(name))
 }
 
 /// A plain persistent text as the library is given it.
 pub(crate) fn stored_text(name: &str, text: &str) -> Result<String, Error> {
-    let read = escaped_with_edges(&without_noncharacters(text));
+    let read = escaped_with_edges(&held_by_xml(text));
     require_storable(name, read.len())?;
     Ok(escaped(&read))
 }
 
 /// The same for XML content.
 pub(crate) fn stored_markup(name: &str, content: &str) -> Result<String, Error> {
-    let markup = without_noncharacters(content);
+    let markup = checked_markup(content, "a persistent text")?;
     require_storable(name, without_references(&markup).len())?;
     Ok(markup)
 }
@@ -81,10 +81,75 @@ pub(crate) fn require_storable(name: &str, length: usize) -> Result<(), Error> {
     Err(Error::Text(format!("the persistent text {name} {limit}")))
 }
 
-/// A file with U+FFFE or U+FFFF is no XML: all other texts would suffer. Control characters become
-/// U+FFFD as well, which the library does.
-fn without_noncharacters(text: &str) -> String {
-    text.replace(['\u{FFFE}', '\u{FFFF}'], "\u{FFFD}")
+fn is_held_by_xml(letter: char) -> bool {
+    match letter {
+        '\t' | '\n' | '\r' => true,
+        _ => letter >= ' ' && letter != '\u{FFFE}' && letter != '\u{FFFF}',
+    }
+}
+
+/// What XML cannot hold becomes U+FFFD: in the file of persistent data or in a template a single
+/// such character would make the library lose all references after it.
+fn held_by_xml(text: &str) -> String {
+    text.chars().map(|letter| if is_held_by_xml(letter) { letter } else { '\u{FFFD}' }).collect()
+}
+
+/// The reference that the text starts with, "&amp;", or "&" alone where none begins.
+fn ampersand_at(rest: &str) -> &str {
+    let start = if rest[1..].starts_with('#') { 2 } else { 1 };
+    let end = match rest[start..].find(['&', ';', '#', '<', ' ', '\t', '\r', '\n']) {
+        Some(length) if length > 0 && rest[start + length..].starts_with(';') => start + length,
+        _ => return "&",
+    };
+    if start == 2 && number_digits(&rest[1..end]).is_none() {
+        return "&";
+    }
+    &rest[..=end]
+}
+
+/// The digits of "#65" or "#x41", and their base.
+fn number_digits(name: &str) -> Option<(&str, u32)> {
+    let number = name.strip_prefix('#')?;
+    let (digits, base) = match number.strip_prefix('x') {
+        Some(digits) => (digits, 16),
+        None => (number, 10),
+    };
+    let is_number = !digits.is_empty() && digits.chars().all(|digit| digit.is_digit(base));
+    is_number.then_some((digits, base))
+}
+
+/// A reference that XML knows, as a document may hold it.
+fn held_reference(reference: &str) -> Option<&str> {
+    let name = reference[1..].strip_suffix(';')?;
+    match number_digits(name) {
+        Some(_) if meaning(name).map_or(false, is_held_by_xml) => Some(reference),
+        Some(_) => Some("&#xFFFD;"),
+        None => meaning(name).map(|_| reference),
+    }
+}
+
+/// Markup that damages nothing after it; fails for references that XML does not know. To the
+/// library a name goes up to the next ";", whatever is in between, and without one just the "&" is
+/// lost.
+pub(crate) fn checked_markup(content: &str, what: &str) -> Result<String, Error> {
+    let text = held_by_xml(content);
+    let last_end = text.rfind(';').map_or(0, |last| last + 1);
+    let mut markup = String::with_capacity(text.len());
+    let mut start = 0;
+    while let Some(plain) = text[start..].find('&') {
+        let at = start + plain;
+        markup.push_str(&text[start..at]);
+        let reference = ampersand_at(&text[at..]);
+        let held = held_reference(reference);
+        let is_unknown = held.is_none() && !text[at + 1..].starts_with('#') && at < last_end;
+        if is_unknown {
+            let name: String = text[at..].chars().take(40).collect();
+            return Err(Error::Text(format!("{what} holds the unknown reference at {name}")));
+        }
+        markup.push_str(held.unwrap_or(reference));
+        start = at + reference.len();
+    }
+    Ok(markup + &text[start..])
 }
 
 /// What persistent data is, which the library reads twice, after the first reading. It cuts white
@@ -132,26 +197,41 @@ fn meaning(name: &str) -> Option<char> {
         "apos" => return Some('\''),
         _ => (),
     }
-    let number = name.strip_prefix('#')?;
-    let (digits, base) = match number.strip_prefix('x') {
-        Some(digits) => (digits, 16),
-        None => (number, 10),
-    };
-    if !digits.chars().all(|digit| digit.is_digit(base)) {
-        return None;
-    }
+    let (digits, base) = number_digits(name)?;
     char::from_u32(u32::from_str_radix(digits, base).ok()?).filter(|letter| *letter != '\0')
 }
 
+/// Escapes each "&" that starts no reference that XML knows.
+fn with_known_references(text: &str) -> String {
+    let mut markup = String::with_capacity(text.len());
+    let mut rest = text;
+    while let Some(at) = rest.find('&') {
+        markup.push_str(&rest[..at]);
+        let reference = ampersand_at(&rest[at..]);
+        match held_reference(reference) {
+            Some(held) => markup.push_str(held),
+            None => markup = markup + "&amp;" + &reference[1..],
+        }
+        rest = &rest[at + reference.len()..];
+    }
+    markup + rest
+}
+
 /// A translation becomes part of a template. What looks like markup in it is meant as such only if
-/// the original has it, too.
-pub(crate) fn as_markup(original: &str, translation: String) -> String {
-    let mut markup = translation;
+/// the original has it, too, and nothing in it may damage the template behind it.
+pub(crate) fn as_markup(original: &str, translation: &str) -> String {
+    let mut markup = held_by_xml(translation);
     if !original.contains('&') {
         markup = escaped(&markup);
     }
+    markup = with_known_references(&markup);
     if !original.contains('<') {
         markup = markup.replace('<', "&lt;");
+    }
+    if !original.contains('>') {
+        markup = markup.replace('>', "&gt;");
+    } else if !original.contains("]]>") {
+        markup = markup.replace("]]>", "]]&gt;");
     }
     // A marker in an attribute stands between single quotes.
     if !original.contains('\'') {
@@ -181,6 +261,55 @@ mod texts_tests {
         ];
         for (content, text) in rows {
             assert_eq!(text, without_references(content));
+        }
+    }
+
+    #[test]
+    fn translations_damage_nothing() {
+        let rows = [
+            ("a", "x]]>y > & < '", "x]]&gt;y &gt; &amp; &lt; &#39;"),
+            ("a", "\u{7}\u{B}\u{FFFE}", "\u{FFFD}\u{FFFD}\u{FFFD}"),
+            ("a", "&foo;", "&amp;foo;"),
+            (
+                "&amp;",
+                "&lt; & &foo; &f oo; &#1; &#65;&",
+                "&lt; &amp; &amp;foo; &amp;f oo; &#xFFFD; &#65;&amp;",
+            ),
+            ("<b>", "<b>]]></b>", "<b>]]&gt;</b>"),
+            ("]]>", "]]>", "]]>"),
+        ];
+        for (original, translation, markup) in rows {
+            assert_eq!(markup, as_markup(original, translation));
+        }
+    }
+
+    #[test]
+    fn unknown_references_are_no_markup() {
+        for content in [
+            "&foo;",
+            "&f oo;",
+            "&nbsp;",
+            "&AMP;",
+            "&1;",
+            "&;",
+            "& amp;",
+            "&amp ;",
+            "a & b; c",
+            "&&amp;",
+            "&lt;&foo;",
+            "&a&lt;",
+            "&<b>;",
+            "&amp&#65;",
+            "&слово;",
+        ] {
+            assert!(checked_markup(content, "a text").is_err(), "{content}");
+        }
+        for (content, markup) in [
+            ("&amp;&#65;&#x41; <b> & AT&T", "&amp;&#65;&#x41; <b> & AT&T"),
+            ("&#1;&#xFFFE;&#xD800;&#99999999999;\u{1}", "&#xFFFD;&#xFFFD;&#xFFFD;&#xFFFD;\u{FFFD}"),
+            ("&#xZ; &#; &#", "&#xZ; &#; &#"),
+        ] {
+            assert_eq!(markup, checked_markup(content, "a text").expect("markup"));
         }
     }
 

@@ -8,7 +8,7 @@ use std::ffi::{c_void, CString};
 use std::panic::{catch_unwind, AssertUnwindSafe};
 
 use crate::rgen_native::CChar;
-use crate::texts::{as_markup, from_native};
+use crate::texts::{as_markup, checked_markup, from_native};
 
 type Payload = Box<dyn Any + Send>;
 
@@ -33,12 +33,21 @@ impl Translation {
         Translation { translate, is_markup, text: CString::default() }
     }
 
-    fn translated(&mut self, original: &str) -> CString {
-        let mut translation = (self.translate)(original);
-        if !self.is_markup {
-            translation = as_markup(original, translation);
+    /// Nothing for a text that stays as it is.
+    fn translated(&mut self, original: &str) -> Option<CString> {
+        let translation = (self.translate)(original);
+        if translation == original {
+            return None;
         }
-        CString::new(translation).expect("a translation holds no zero byte")
+        let zero = "a translation holds a zero byte";
+        let native = CString::new(translation).expect(zero);
+        let text = native.to_str().expect("UTF-8");
+        let markup = if self.is_markup {
+            checked_markup(text, "a translation").unwrap_or_else(|error| panic!("{error}"))
+        } else {
+            as_markup(original, text)
+        };
+        Some(CString::new(markup).expect(zero))
     }
 }
 
@@ -53,8 +62,13 @@ pub(crate) unsafe extern "C" fn translate(
             return text;
         }
         let translation = &mut *context.cast::<Translation>();
-        translation.text = translation.translated(&from_native(text));
-        translation.text.as_ptr().cast()
+        match translation.translated(&from_native(text)) {
+            Some(translated) => {
+                translation.text = translated;
+                translation.text.as_ptr().cast()
+            }
+            None => text,
+        }
     });
     catch_unwind(work).unwrap_or_else(|payload| {
         // A thread that ends has no place for it any more.
