@@ -7,11 +7,11 @@
 
 namespace rgen {
 
-/// The description of `status`, or one of the fixed texts for numbers that have none. Static; the
-/// same pointer for the same number each time.
-const char* statusText(Status status);
+/// The description of `status`, or one of the fixed texts for numbers that have none. Constant data
+/// that lives as long as the library; the same pointer for the same number each time.
+const char* statusText(Status status) noexcept;
 
 /// The last step of statusText, for numbers without a description and without a failure bit.
-const char* unknownCodeText(Status status);
+const char* unknownCodeText(Status status) noexcept;
 
 }  // namespace rgen

@@ -1,36 +1,63 @@
-// The two name tables. Each is built once, on first use, and only read afterwards.
+// The two name tables: constant data, so that a value can be read at any time of the process, its
+// exit functions and the destructors of a host's global objects included.
 //
 // SPDX-License-Identifier: MIT
 #include "variant/variant_names.h"
 
-#include <unordered_map>
+#include <algorithm>
+#include <cstddef>
+#include <iterator>
+#include <string_view>
 
 namespace rgen {
+namespace {
+
+struct NamedHint {
+    std::string_view name;
+    VariantHint hint;
+};
+
+constexpr NamedHint hints[] = {
+    {"Uninitialized", VariantHint::Uninitialized},
+    {"Generic", VariantHint::Generic},
+    {"Time", VariantHint::Time},
+    {"Date", VariantHint::Date},
+    {"DateTime", VariantHint::DateTime},
+    {"Size", VariantHint::Size},
+    {"Address", VariantHint::Address},
+    {"Speed", VariantHint::Speed},
+    {"Dump", VariantHint::Dump},
+};
+
+struct NamedType {
+    std::string_view name;
+    const char* canonicalName;
+};
+
+constexpr NamedType types[] = {
+    {"string", "std::string"},
+    {"int64", "int64_t"},
+    {"byte_array", "std::vector<uint8_t>"},
+};
+
+/// The row of that name, or null.
+template <typename Row, std::size_t count>
+const Row* findRow(const Row (&rows)[count], const std::string& name) {
+    const Row* found = std::find_if(std::begin(rows), std::end(rows),
+                                    [&name](const Row& row) { return row.name == name; });
+    return found == std::end(rows) ? nullptr : found;
+}
+
+}  // namespace
 
 VariantHint hintFromName(const std::string& name) {
-    static const std::unordered_map<std::string, VariantHint> hints = {
-        {"Uninitialized", VariantHint::Uninitialized},
-        {"Generic", VariantHint::Generic},
-        {"Time", VariantHint::Time},
-        {"Date", VariantHint::Date},
-        {"DateTime", VariantHint::DateTime},
-        {"Size", VariantHint::Size},
-        {"Address", VariantHint::Address},
-        {"Speed", VariantHint::Speed},
-        {"Dump", VariantHint::Dump},
-    };
-    const auto found = hints.find(name);
-    return found == hints.end() ? VariantHint::Uninitialized : found->second;
+    const NamedHint* found = findRow(hints, name);
+    return found == nullptr ? VariantHint::Uninitialized : found->hint;
 }
 
 std::string canonicalTypeName(const std::string& typeName) {
-    static const std::unordered_map<std::string, std::string> canonicalNames = {
-        {"string", "std::string"},
-        {"int64", "int64_t"},
-        {"byte_array", "std::vector<uint8_t>"},
-    };
-    const auto found = canonicalNames.find(typeName);
-    return found == canonicalNames.end() ? std::string() : found->second;
+    const NamedType* found = findRow(types, typeName);
+    return found == nullptr ? std::string() : found->canonicalName;
 }
 
 }  // namespace rgen

@@ -3,9 +3,11 @@
 // SPDX-License-Identifier: MIT
 #include <gtest/gtest.h>
 
+#include <cstddef>
 #include <cstdint>
 #include <string>
 
+#include "faults/allocation_faults.h"
 #include "faults/allocation_sweep.h"
 
 namespace rgen_test {
@@ -64,6 +66,20 @@ class FailingAllocationsInRecords : public testing::Test {
 protected:
     FaultFolder files;
 };
+
+// The only call of this program that describes: it is the first one of the process.
+TEST(StatusDescription, TakesNoMemory) {
+    const Generator generator;
+    const char* text = nullptr;
+    std::size_t count = 0;
+    {
+        const FailingAllocation none(1, FailureForm::AllFrom);
+        text = rgen_getStatusCodeDescription(generator.get(), RGEN_E_CREATE_DIR);
+        count = none.count();
+    }
+    EXPECT_STREQ("Cannot create directory", text);
+    EXPECT_EQ(0U, count);
+}
 
 TEST_F(FailingAllocationsInRecords, NamedValues) {
     FaultScenario number = namedValue("named integer");

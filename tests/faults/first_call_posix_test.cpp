@@ -181,18 +181,6 @@ TEST_F(FirstCalls, ReportOnAnotherThread) {
     sweep(first);
 }
 
-TEST_F(FirstCalls, GetStatusCodeDescription) {
-    FirstCall first;
-    first.mayRaise = true;
-    first.call = [] {
-        static int anything = 0;
-        const auto* generator = reinterpret_cast<const RgenReportGenerator*>(&anything);
-        const std::string expected = "Cannot create directory";
-        return expected == rgen_getStatusCodeDescription(generator, RGEN_E_CREATE_DIR);
-    };
-    sweep(first);
-}
-
 TEST_F(FirstCalls, SimulatedInput) {
     writeFile(files.file("in.xml"),
               "<data><properties><property name=\"n\" type=\"int64\" hint=\"Size\">1</property>"
