@@ -63,6 +63,14 @@ void fillVariant(const char* name, const Variant& variant, RgenCVariant& record)
     }
 }
 
+/// False for a named value that lacks what there was no memory for.
+bool isComplete(const RgenCVariant& record) {
+    if (record.name.data == nullptr) return false;
+    if (record.type == RGEN_TYPE_STRING) return record.value.stringValue.data != nullptr;
+    if (record.type == RGEN_TYPE_BYTE_ARRAY) return record.value.byteArrayValue.data != nullptr;
+    return true;
+}
+
 }  // namespace
 
 Guid toGuid(const RgenGuid& guid) {
@@ -121,23 +129,34 @@ void fillResult(const Variant& result, RgenCVariant* record) {
 }
 
 bool fillVariantSet(const VariantMap& values, RgenCVariantSet& set) {
-    if (rgen_createRgenCVariantSet(&set, values.size()) == 0) return false;
-    RgenCVariant* record = set.items;
-    // On purpose: an entry that cannot be shown to the host keeps its zero-filled record.
-    for (const auto& [name, value] : values)
-        fillVariant(name.c_str(), value, *record++);
-    return true;
+    RgenCVariantSet made = {};
+    if (rgen_createRgenCVariantSet(&made, values.size()) == 0) return false;
+    bool isWhole = true;
+    RgenCVariant* record = made.items;
+    for (const auto& [name, value] : values) {
+        fillVariant(name.c_str(), value, *record);
+        // On purpose: an entry that cannot be shown to the host keeps its zero-filled record.
+        isWhole = isWhole && (record->type == RGEN_TYPE_EMPTY || isComplete(*record));
+        ++record;
+    }
+    if (!isWhole) rgen_freeRgenCVariantSet(&made);
+    if (isWhole) set = made;
+    return isWhole;
 }
 
 bool fillPairSet(const PropertyMap& properties, RgenCAnsiStringPairSet& set) {
-    if (rgen_createRgenCAnsiStringpairSet(&set, properties.size()) == 0) return false;
+    RgenCAnsiStringPairSet made = {};
+    if (rgen_createRgenCAnsiStringpairSet(&made, properties.size()) == 0) return false;
+    bool isWhole = true;
     std::size_t i = 0;
     for (const auto& [name, text] : properties) {
-        rgen_createRgenAnsiString(name.c_str(), &set.keys[i]);
-        rgen_createRgenAnsiString(text.c_str(), &set.values[i]);
+        isWhole = isWhole && rgen_createRgenAnsiString(name.c_str(), &made.keys[i]) != 0 &&
+                  rgen_createRgenAnsiString(text.c_str(), &made.values[i]) != 0;
         ++i;
     }
-    return true;
+    if (!isWhole) rgen_freeRgenCAnsiStringSet(&made);
+    if (isWhole) set = made;
+    return isWhole;
 }
 
 }  // namespace rgen

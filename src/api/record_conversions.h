@@ -29,7 +29,7 @@ InputParams toInputParams(const RgenCInputParams& input);
 void fillResult(const Variant& result, RgenCVariant* record);
 
 /// Create `set` with one entry for each element, in the map's own order. False, and the set
-/// untouched, for an empty map; false for exhausted memory.
+/// untouched, for an empty map or when memory is exhausted anywhere: a host never sees half a set.
 bool fillVariantSet(const VariantMap& values, RgenCVariantSet& set);
 bool fillPairSet(const PropertyMap& properties, RgenCAnsiStringPairSet& set);
 

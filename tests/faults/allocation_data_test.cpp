@@ -16,20 +16,27 @@ namespace {
 
 constexpr const char* storedFile = "main/.rgen/persist_data.xml";
 
-// One line for each pair that lacks neither name nor text.
+// What the host's records hold before a call; memory that ends during the call leaves them so.
+constexpr std::uint64_t oldCount = 77;
+const RgenCAnsiStringPairSet oldPairs = {nullptr, nullptr, oldCount};
+const RgenCVariantSet oldValues = {nullptr, oldCount};
+
+// One line for each pair; nothing when the record was left alone.
 std::string takePairs(FaultSubject& subject) {
+    const bool isOld = subject.pairs.keys == nullptr && subject.pairs.values == nullptr;
+    if (isOld) return subject.pairs.count == oldCount ? "" : "overwritten with nothing";
     std::set<std::string> lines;
     for (std::uint64_t i = 0; i < subject.pairs.count; ++i) {
         const RgenAnsiString& name = subject.pairs.keys[i];
         const RgenAnsiString& text = subject.pairs.values[i];
-        if (name.data == nullptr || text.data == nullptr) continue;
-        lines.insert(std::string(name.data) + "=" + text.data + "\n");
+        const bool isWhole = name.data != nullptr && text.data != nullptr;
+        lines.insert(isWhole ? std::string(name.data) + "=" + text.data + "\n" : "half a pair\n");
     }
     rgen_freeRgenCAnsiStringSet(&subject.pairs);
     return std::accumulate(lines.begin(), lines.end(), std::string());
 }
 
-// What a value shows; empty when memory for it was exhausted.
+// What a value shows; empty without memory for it.
 std::string valueText(const RgenCVariant& record) {
     if (record.type == RGEN_TYPE_INT64) return std::to_string(record.value.int64Value);
     if (record.type == RGEN_TYPE_BYTE_ARRAY) {
@@ -39,14 +46,16 @@ std::string valueText(const RgenCVariant& record) {
     return record.value.stringValue.data == nullptr ? "" : record.value.stringValue.data;
 }
 
-// One line for each value that lacks neither name nor content.
+// One line for each value; nothing when the record was left alone.
 std::string takeValues(FaultSubject& subject) {
+    if (subject.values.items == nullptr)
+        return subject.values.count == oldCount ? "" : "overwritten with nothing";
     std::set<std::string> lines;
     for (std::uint64_t i = 0; i < subject.values.count; ++i) {
         const RgenCVariant& record = subject.values.items[i];
         const std::string text = valueText(record);
-        if (record.name.data == nullptr || text.empty()) continue;
-        lines.insert(std::string(record.name.data) + "=" + text + "\n");
+        const bool isWhole = record.name.data != nullptr && !text.empty();
+        lines.insert(isWhole ? record.name.data + ("=" + text + "\n") : "half a value\n");
     }
     rgen_freeRgenCVariantSet(&subject.values);
     return std::accumulate(lines.begin(), lines.end(), std::string());
@@ -98,6 +107,7 @@ TEST_F(FailingAllocationsInData, GetPersistentData) {
     FaultScenario scenario;
     scenario.name = "reading persistent data";
     scenario.call = [](FaultSubject& subject) {
+        subject.pairs = oldPairs;
         return rgen_getPersistentData(subject.generator(), &subject.guid, &subject.pairs);
     };
     scenario.take = takePairs;
@@ -167,6 +177,7 @@ TEST_F(FailingAllocationsInData, SimulatedInput) {
     FaultScenario scenario;
     scenario.name = "simulated input";
     scenario.call = [](FaultSubject& subject) {
+        subject.values = oldValues;
         return rgen_getSimulatedRawDataFromFile(
             subject.generator(), subject.files.file("in.xml").c_str(), &subject.values);
     };

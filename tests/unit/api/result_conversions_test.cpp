@@ -186,15 +186,6 @@ TEST(FillVariantSet, EmptyMapLeavesTheSetUntouched) {
     EXPECT_EQ(77U, set.count);
 }
 
-TEST(FillVariantSet, ExhaustedMemoryGivesFalse) {
-    rgen::VariantMap values;
-    values["a"] = Variant(std::int64_t{1}, VariantHint::Generic);
-    RgenCVariantSet set = {};
-    const FailingCall failure(Call::Calloc);
-    EXPECT_FALSE(rgen::fillVariantSet(values, set));
-    EXPECT_EQ(nullptr, set.items);
-}
-
 TEST(FillPairSet, EveryElementHasAPairInTheOrderOfTheMap) {
     const rgen::PropertyMap properties = {{"a", "1"}, {"", "no name"}, {"b", ""}};
     RgenCAnsiStringPairSet set = {};
@@ -218,15 +209,6 @@ TEST(FillPairSet, EmptyMapLeavesTheSetUntouched) {
     EXPECT_EQ(&text, set.keys);
     EXPECT_EQ(&text, set.values);
     EXPECT_EQ(77U, set.count);
-}
-
-TEST(FillPairSet, ExhaustedMemoryGivesFalse) {
-    RgenCAnsiStringPairSet set = {};
-    for (const int number : {1, 2}) {
-        const FailingCall failure(Call::Calloc, number);
-        EXPECT_FALSE(rgen::fillPairSet({{"a", "1"}}, set));
-        EXPECT_TRUE(failure.reached());
-    }
 }
 
 }  // namespace
