@@ -8,12 +8,12 @@
 #include <mutex>
 #include <string>
 
+#include "memory/malloc_allocated.h"
 #include "memory/pool_slot.h"
+#include "store/xml_context_reference.h"
 #include "strata_repgenlib/rgen.h"
 
 namespace rgen {
-
-class XmlParserContext;
 
 namespace sync {
 class CancellationTokenSource;
@@ -24,7 +24,7 @@ class CancellationTokenSource;
 /// rewriting `dataDirPath`, the whole configuration load, the whole transformation with its
 /// translate callbacks, and each access to `cancellationRegistry`. It is never held across
 /// delivery, and persistent data files are read and written without it.
-struct ReportGenerator {
+struct ReportGenerator : memory::MallocAllocated {
     std::mutex mutex;
 
     /// UTF-8. Empty until a data directory is set, otherwise it ends in ".rgen" and a separator.
@@ -34,7 +34,7 @@ struct ReportGenerator {
     std::multimap<std::string, std::shared_ptr<sync::CancellationTokenSource>> cancellationRegistry;
 
     /// Keeps the XML libraries initialised while the handle lives.
-    std::shared_ptr<XmlParserContext> parserContext;
+    XmlParserContextReference parserContext;
 
     /// Memory for the XML work of the next report.
     memory::PoolSlot poolSlot;

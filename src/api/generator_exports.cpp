@@ -35,11 +35,8 @@ RgenReportGenerator* rgen_newReportGenerator(void) {
     rgen::platform::reapAbandonedProcesses();
     std::unique_ptr<rgen::ReportGenerator> generator(new (std::nothrow) rgen::ReportGenerator);
     if (!generator) return nullptr;
-    try {
-        generator->parserContext = rgen::sharedXmlParserContext();
-    } catch (const std::bad_alloc&) {
-        return nullptr;
-    }
+    generator->parserContext = rgen::sharedXmlParserContext();
+    if (!generator->parserContext) return nullptr;
     return reinterpret_cast<RgenReportGenerator*>(generator.release());
 }
 

@@ -9,11 +9,13 @@
 #include <cstddef>
 #include <cstdint>
 
+#include "memory/malloc_allocated.h"
+
 namespace rgen::memory {
 
 /// Blocks of up to `largestBlock` bytes, cut from chunks of the C heap. A block that is released is
 /// the next one of its size, as the pool rounds it, to be handed out. Used by one thread at a time.
-class Pool {
+class Pool : public MallocAllocated {
 public:
     /// Larger blocks come from the C heap, which can grow them in place.
     static constexpr std::size_t largestBlock = std::size_t{64} * 1024 - 8;

@@ -18,11 +18,12 @@ Pool* poolInUse() {
 
 PoolScope::PoolScope(PoolSlot& slot) : slot_(slot), outerPool_(platform::threadPointer()) {
     if (poolsAreUsed) pool_ = slot.take();
-    platform::setThreadPointer(pool_.get());
+    // Work without a pool is slower and comes to the same.
+    if (!platform::setThreadPointer(pool_.get()) && pool_) slot.giveBack(std::move(pool_));
 }
 
 PoolScope::~PoolScope() {
-    platform::setThreadPointer(outerPool_);
+    static_cast<void>(platform::setThreadPointer(outerPool_));
     if (!pool_) return;
     if (pool_->blocksInUse() == 0) {
         pool_->rewind();

@@ -5,30 +5,16 @@
 #include "memory/reserve.h"
 
 #include <new>
-#include <thread>
+
+#include "memory/spin_lock.h"
 
 namespace rgen::memory {
-
-/// A mutex of the C++ library may need memory itself when it is first used.
-class Reserve::Lock {
-public:
-    explicit Lock(std::atomic_flag& isBusy) : isBusy_(isBusy) {
-        while (isBusy_.test_and_set(std::memory_order_acquire))
-            std::this_thread::yield();
-    }
-    ~Lock() { isBusy_.clear(std::memory_order_release); }
-    Lock(const Lock&) = delete;
-    Lock& operator=(const Lock&) = delete;
-
-private:
-    std::atomic_flag& isBusy_;
-};
 
 void* Reserve::take(std::size_t blockSize) noexcept {
     if (blockSize > size) return nullptr;
     constexpr std::size_t unit = sizeof(Header);
     const std::size_t needed = unit + (blockSize + unit - 1) / unit * unit;
-    const Lock lock(isBusy_);
+    const SpinLock lock(isBusy_);
     if (needed > size - used_) return nullptr;
     auto* header = ::new (bytes_.data() + used_) Header{blockSize, 0};
     used_ += needed;
@@ -37,7 +23,7 @@ void* Reserve::take(std::size_t blockSize) noexcept {
 }
 
 void Reserve::give(void* /*block*/) noexcept {
-    const Lock lock(isBusy_);
+    const SpinLock lock(isBusy_);
     if (--blocksInUse_ == 0) used_ = 0;
 }
 

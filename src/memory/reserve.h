@@ -28,7 +28,6 @@ public:
     static std::size_t sizeOf(const void* block) noexcept;
 
 private:
-    class Lock;
     struct alignas(std::max_align_t) Header {
         std::uint64_t size;
         std::uint64_t owner;

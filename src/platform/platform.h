@@ -78,9 +78,11 @@ void reapAbandonedProcesses();
 /// written again.
 void offerPages(void* pages, std::size_t size);
 
-/// A pointer that each thread has for itself; null until the thread sets it.
+/// A pointer that each thread has for itself; null until the thread sets it. Reading it needs no
+/// memory. The first setting on a thread may; false when there is none, or when the process has no
+/// slot left for such pointers, and the pointer then stays null.
 void* threadPointer();
-void setThreadPointer(void* pointer);
+bool setThreadPointer(void* pointer);
 
 /// Lowest address of the calling thread's stack, or null when the system does not tell it. Raises
 /// std::bad_alloc when memory is too short for asking.

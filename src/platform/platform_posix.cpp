@@ -4,7 +4,6 @@
 // SPDX-License-Identifier: MIT
 #include <fcntl.h>
 #include <poll.h>
-#include <pthread.h>
 #include <spawn.h>
 #include <sys/mman.h>
 #include <sys/stat.h>
@@ -12,10 +11,10 @@
 #include <sys/wait.h>
 #include <unistd.h>
 
-#include <algorithm>
 #include <atomic>
 #include <cerrno>
 #include <csignal>
+#include <cstdlib>
 #include <mutex>
 #include <new>
 #include <vector>
@@ -27,8 +26,6 @@ namespace rgen::platform {
 namespace {
 
 constexpr std::int64_t lastAcceptedSecond = 32535215999;
-
-thread_local void* pointerOfThread = nullptr;
 
 int asDescriptor(FileHandle file) {
     return static_cast<int>(reinterpret_cast<std::intptr_t>(file));
@@ -125,23 +122,27 @@ ChildState collect(pid_t process, int descriptor, std::uint32_t& exitCode) {
     return ChildState::Ended;
 }
 
+/// The list has nothing to destroy: the exit functions of a host may come after the destructors of
+/// this library's static objects.
 struct AbandonedProcess {
     pid_t process;
     int descriptor;
+    AbandonedProcess* next;
 };
 
 std::mutex abandonedMutex;
-std::vector<AbandonedProcess> abandonedProcesses;
+AbandonedProcess* abandonedProcesses = nullptr;
 std::atomic<bool> anyAbandoned = false;
 
 void abandon(pid_t process, int descriptor) {
-    const std::lock_guard lock(abandonedMutex);
-    try {
-        abandonedProcesses.push_back({process, descriptor});
-        anyAbandoned = true;
-    } catch (const std::bad_alloc&) {
+    void* room = std::malloc(sizeof(AbandonedProcess));
+    if (room == nullptr) {
         if (descriptor != noDescriptor) close(descriptor);
+        return;
     }
+    const std::lock_guard lock(abandonedMutex);
+    abandonedProcesses = ::new (room) AbandonedProcess{process, descriptor, abandonedProcesses};
+    anyAbandoned = true;
 }
 
 /// True when the process is gone or can never be collected; its descriptor is closed then.
@@ -150,6 +151,16 @@ bool disposeIfEnded(pid_t process, int descriptor) {
     if (collect(process, descriptor, exitCode) == ChildState::Running) return false;
     if (descriptor != noDescriptor) close(descriptor);
     return true;
+}
+
+/// The library is unloaded, or the process ends: nobody will collect them any more.
+[[gnu::destructor]] void forgetAbandonedProcesses() {
+    while (AbandonedProcess* abandoned = abandonedProcesses) {
+        if (abandoned->descriptor != noDescriptor) close(abandoned->descriptor);
+        abandonedProcesses = abandoned->next;
+        std::free(abandoned);
+    }
+    anyAbandoned = false;
 }
 
 /// Stands in for the process descriptor when the system refuses one: looks every 20 ms.
@@ -163,27 +174,6 @@ bool runsForAnother(pid_t process, std::uint32_t milliseconds) {
         poll(nullptr, 0, step);
     }
     return true;
-}
-
-struct StackBounds {
-    const char* lowest = nullptr;
-    const char* highest = nullptr;
-};
-
-StackBounds readStackBounds() {
-    StackBounds bounds;
-    pthread_attr_t attributes;
-    const int outcome = pthread_getattr_np(pthread_self(), &attributes);
-    if (outcome == ENOMEM) throw std::bad_alloc();
-    if (outcome != 0) return bounds;
-    void* lowest = nullptr;
-    std::size_t size = 0;
-    if (pthread_attr_getstack(&attributes, &lowest, &size) == 0) {
-        bounds.lowest = static_cast<const char*>(lowest);
-        bounds.highest = bounds.lowest + size;
-    }
-    pthread_attr_destroy(&attributes);
-    return bounds;
 }
 
 }  // namespace
@@ -302,32 +292,20 @@ bool ChildProcess::queryExitCode(std::uint32_t& exitCode) {
 void reapAbandonedProcesses() {
     if (!anyAbandoned) return;
     const std::lock_guard lock(abandonedMutex);
-    const auto firstGone =
-        std::remove_if(abandonedProcesses.begin(), abandonedProcesses.end(),
-                       [](const AbandonedProcess& abandoned) {
-                           return disposeIfEnded(abandoned.process, abandoned.descriptor);
-                       });
-    abandonedProcesses.erase(firstGone, abandonedProcesses.end());
-    anyAbandoned = !abandonedProcesses.empty();
+    AbandonedProcess** link = &abandonedProcesses;
+    while (AbandonedProcess* abandoned = *link) {
+        if (disposeIfEnded(abandoned->process, abandoned->descriptor)) {
+            *link = abandoned->next;
+            std::free(abandoned);
+        } else {
+            link = &abandoned->next;
+        }
+    }
+    anyAbandoned = abandonedProcesses != nullptr;
 }
 
 void offerPages(void* pages, std::size_t size) {
     madvise(pages, size, MADV_FREE);
-}
-
-void* threadPointer() {
-    return pointerOfThread;
-}
-
-void setThreadPointer(void* pointer) {
-    pointerOfThread = pointer;
-}
-
-const char* stackLimit() {
-    thread_local const StackBounds bounds = readStackBounds();
-    const auto* frame = static_cast<const char*>(__builtin_frame_address(0));
-    const bool onThreadStack = frame >= bounds.lowest && frame < bounds.highest;
-    return onThreadStack ? bounds.lowest : nullptr;
 }
 
 }  // namespace rgen::platform

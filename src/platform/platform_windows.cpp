@@ -129,8 +129,8 @@ void* threadPointer() {
     return TlsGetValue(threadSlot);
 }
 
-void setThreadPointer(void* pointer) {
-    TlsSetValue(threadSlot, pointer);
+bool setThreadPointer(void* pointer) {
+    return TlsSetValue(threadSlot, pointer) != FALSE;
 }
 
 const char* stackLimit() {

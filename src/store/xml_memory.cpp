@@ -103,8 +103,14 @@ void installXmlMemory() {
     xmlMemSetup(releaseForXml, allocateForXml, reallocateForXml, copyForXml);
 }
 
+bool hasXmlThreadState() noexcept {
+    // On purpose: twice. libxml2 does not look whether the system had the memory to keep what it has
+    // made for the thread; if not, it makes it again, where it can.
+    return xmlCheckThreadLocalStorage() == 0 && xmlCheckThreadLocalStorage() == 0;
+}
+
 void requireXmlThreadState() {
-    if (xmlCheckThreadLocalStorage() != 0) throw std::bad_alloc();
+    if (!hasXmlThreadState()) throw std::bad_alloc();
 }
 
 XmlMemoryWatch::XmlMemoryWatch() : failedBefore_(failedXmlAllocations()) {

@@ -12,8 +12,11 @@ namespace rgen {
 /// Gives libxml2 and libxslt their memory functions. Called before anything else of theirs.
 void installXmlMemory();
 
-/// Makes what libxml2 keeps for each thread, once for each. Raises std::bad_alloc without memory,
-/// where libxml2 by itself would end the process.
+/// Makes what libxml2 keeps for each thread, once for each. False without memory, where libxml2 by
+/// itself would end the process.
+bool hasXmlThreadState() noexcept;
+
+/// The same; throws std::bad_alloc without memory.
 void requireXmlThreadState();
 
 /// How often the C heap has had no memory for the XML libraries: for the work of the pool in use,

@@ -1,4 +1,5 @@
-// XmlParserContext and XmlSilence. libxml2's handlers belong to a thread and are swapped in and
+// XmlParserContext and XmlSilence. References are counted by hand: a host may make a generator in an
+// exit function, when static objects are gone already. libxml2's handlers belong to a thread and are swapped in and
 // out; libxslt's handler belongs to the process and is set once, since setting it later would
 // be a race.
 //
@@ -11,8 +12,8 @@
 #include <libxslt/xsltutils.h>
 
 #include <cstddef>
-#include <new>
 
+#include "memory/spin_lock.h"
 #include "store/xml_handles.h"
 #include "store/xml_memory.h"
 #include "store/xslt_stack_guard.h"
@@ -37,33 +38,73 @@ void makeLocaleList() {
     xsltFreeLocale(xsltNewLocale(xmlText(""), upperCaseFirst));
 }
 
-}  // namespace
-
-XmlParserContext::XmlParserContext() {
+/// False when memory is exhausted; everything is then as before.
+bool startXmlLibraries() noexcept {
     installXmlMemory();
     const std::size_t failedBefore = failedXmlAllocations();
     xmlInitParser();
-    requireXmlThreadState();
+    if (!hasXmlThreadState()) return false;
     xmlCheckVersion(builtForXmlVersion);
     xsltInit();
     xsltSetGenericErrorFunc(nullptr, ignoreMessage);
     makeLocaleList();
     installStackGuard();
-    if (failedXmlAllocations() != failedBefore) {
-        // libxslt would lack what it could not register; and the reserve gets its blocks back.
-        xsltCleanupGlobals();
-        xmlCleanupParser();
-        throw std::bad_alloc();
-    }
-}
-
-XmlParserContext::~XmlParserContext() {
+    if (failedXmlAllocations() == failedBefore) return true;
+    // libxslt would lack what it could not register; and the reserve gets its blocks back.
     xsltCleanupGlobals();
+    xmlCleanupParser();
+    return false;
 }
 
-std::shared_ptr<XmlParserContext> sharedXmlParserContext() {
-    static const auto context = std::make_shared<XmlParserContext>();
-    return context;
+XmlParserContext processContext;
+
+/// The reference of the process itself. Nobody reads it, only its end counts.
+struct ProcessReference {
+    ProcessReference() { static_cast<void>(processContext.acquire().release()); }
+    ~ProcessReference() { processContext.releaseAtEnd(); }
+    ProcessReference(const ProcessReference&) = delete;
+    ProcessReference& operator=(const ProcessReference&) = delete;
+};
+
+}  // namespace
+
+XmlParserContextReference XmlParserContext::acquire() noexcept {
+    const memory::SpinLock lock(isBusy_);
+    if (references_ == 0 && !startXmlLibraries()) return {};
+    ++references_;
+    return XmlParserContextReference(this);
+}
+
+void XmlParserContext::release() noexcept {
+    const memory::SpinLock lock(isBusy_);
+    dropReference();
+}
+
+void XmlParserContext::releaseAtEnd() noexcept {
+    if (isBusy_.test_and_set(std::memory_order_acquire)) return;
+    dropReference();
+    isBusy_.clear(std::memory_order_release);
+}
+
+void XmlParserContext::dropReference() noexcept {
+    if (--references_ == 0) xsltCleanupGlobals();
+}
+
+std::size_t XmlParserContext::references() noexcept {
+    const memory::SpinLock lock(isBusy_);
+    return references_;
+}
+
+void XmlParserContextRelease::operator()(XmlParserContext* context) const noexcept {
+    context->release();
+}
+
+XmlParserContextReference sharedXmlParserContext() noexcept {
+    XmlParserContextReference reference = processContext.acquire();
+    if (reference) {
+        static const ProcessReference keptByTheProcess;
+    }
+    return reference;
 }
 
 XmlSilence::XmlSilence() {

@@ -5,25 +5,45 @@
 
 #include <libxml/xmlerror.h>
 
-#include <memory>
+#include <atomic>
+#include <cstddef>
+
+#include "store/xml_context_reference.h"
 
 namespace rgen {
 
-/// Initialises libxml2 and libxslt while it lives; on its end libxslt's globals are released. The
-/// libxml2 parser is never cleaned up, since a host may load the library again.
+/// Keeps libxml2 and libxslt initialised while there are references to it; with the last one,
+/// libxslt's globals are released. The libxml2 parser is not cleaned up, since a host may come back.
+/// The object is constant data with nothing to destroy, so references may be made and ended at any
+/// time of the process, in its exit functions, too.
 class XmlParserContext {
 public:
-    XmlParserContext();
-    ~XmlParserContext();
+    constexpr XmlParserContext() = default;
     XmlParserContext(const XmlParserContext&) = delete;
     XmlParserContext& operator=(const XmlParserContext&) = delete;
+
+    /// A new reference. Empty when memory is exhausted; no exception passes even inside.
+    XmlParserContextReference acquire() noexcept;
+    void release() noexcept;
+    /// As release() at the end of the process, when a thread that is no more may hold the lock:
+    /// does not wait for it.
+    void releaseAtEnd() noexcept;
+
+    std::size_t references() noexcept;
+
+private:
+    void dropReference() noexcept;
+
+    std::atomic_flag isBusy_ = ATOMIC_FLAG_INIT;
+    std::size_t references_ = 0;
 };
 
-/// The one context of the process, made by the first call. Safe from several threads at once.
-std::shared_ptr<XmlParserContext> sharedXmlParserContext();
+/// A reference to the one context of the process, which keeps a reference itself from the first call
+/// until it ends. Safe from several threads at once. Empty when memory is exhausted.
+XmlParserContextReference sharedXmlParserContext() noexcept;
 
 /// While it lives, libxml2 prints nothing on the calling thread. The previous handlers come back
-/// afterwards. Raises std::bad_alloc on a thread for which libxml2 gets no memory. Everything that
+/// afterwards. Throws std::bad_alloc on a thread for which libxml2 gets no memory. Everything that
 /// uses XML keeps one on its stack.
 class XmlSilence {
 public:

@@ -68,10 +68,6 @@ void* realRealloc(void* block, std::size_t size) __asm__("__real_realloc");
 void* wrappedRealloc(void* block, std::size_t size) __asm__("__wrap_realloc");
 void* realNew(std::size_t size) __asm__("__real_" RGEN_NEW);
 void* wrappedNew(std::size_t size) __asm__("__wrap_" RGEN_NEW);
-void* realNothrowNew(std::size_t size, const std::nothrow_t&) noexcept
-    __asm__("__real_" RGEN_NOTHROW_NEW);
-void* wrappedNothrowNew(std::size_t size, const std::nothrow_t&) noexcept
-    __asm__("__wrap_" RGEN_NOTHROW_NEW);
 
 bool realCreateDirectory(const boost::filesystem::path& path,
                          const boost::filesystem::path* existing,
@@ -142,10 +138,6 @@ void* wrappedNew(std::size_t size) {
     return realNew(size);
 }
 
-void* wrappedNothrowNew(std::size_t size, const std::nothrow_t& tag) noexcept {
-    return failsNow(Call::NothrowNew) ? nullptr : realNothrowNew(size, tag);
-}
-
 bool wrappedCreateDirectory(const boost::filesystem::path& path,
                             const boost::filesystem::path* existing,
                             boost::system::error_code* error) {
@@ -212,13 +204,13 @@ int wrappedSaveResult(xmlChar** text, int* length, xmlDoc* result, xsltStyleshee
 
 }  // namespace
 
-using SharedContext = std::shared_ptr<rgen::XmlParserContext>;
+using SharedContext = rgen::XmlParserContextReference;
 
 SharedContext realShareContext() __asm__("__real_" RGEN_SHARE_XML_CONTEXT);
 SharedContext wrappedShareContext() __asm__("__wrap_" RGEN_SHARE_XML_CONTEXT);
 
 SharedContext wrappedShareContext() {
-    if (failsNow(Call::ShareXmlContext)) throw std::bad_alloc();
+    if (failsNow(Call::ShareXmlContext)) return {};
     return realShareContext();
 }
 

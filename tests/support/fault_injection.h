@@ -18,8 +18,7 @@ enum class Call {
     Calloc,                 // gives null
     Realloc,                // gives null and leaves the block as it is
     New,                    // raises std::bad_alloc
-    NothrowNew,             // gives null
-    ShareXmlContext,        // sharedXmlParserContext: raises std::bad_alloc
+    ShareXmlContext,        // sharedXmlParserContext: gives no reference
     CreateDirectory,        // Boost.Filesystem: gives false and creates nothing
     ReadXmlFile,            // xmlReadFile: gives null
     NewXmlDocument,         // xmlNewDoc: gives null
@@ -46,6 +45,7 @@ enum class Call {
                             // fill: fails
     ReadThreadAttributes,   // pthread_getattr_np: fails
     ReadThreadStack,        // pthread_attr_getstack: fails
+    SetThreadPointer,       // pthread_setspecific: fails with ENOMEM
     LockMutex               // pthread_mutex_lock, for an InterceptedCall: it does not fail
 };
 

@@ -59,8 +59,14 @@ int realReadStack(const pthread_attr_t* attributes, void** lowest,
                   std::size_t* size) __asm__("__real_pthread_attr_getstack");
 int wrappedReadStack(const pthread_attr_t* attributes, void** lowest,
                      std::size_t* size) __asm__("__wrap_pthread_attr_getstack");
+int realSetPointer(pthread_key_t key, const void* pointer) __asm__("__real_pthread_setspecific");
+int wrappedSetPointer(pthread_key_t key, const void* pointer) __asm__("__wrap_pthread_setspecific");
 int realLock(pthread_mutex_t* mutex) __asm__("__real_pthread_mutex_lock");
 int wrappedLock(pthread_mutex_t* mutex) __asm__("__wrap_pthread_mutex_lock");
+
+int wrappedSetPointer(pthread_key_t key, const void* pointer) {
+    return failsNow(Call::SetThreadPointer) ? ENOMEM : realSetPointer(key, pointer);
+}
 
 ssize_t wrappedWrite(int descriptor, const void* bytes, std::size_t size) {
     if (failsNow(Call::WriteFileShort)) return realWrite(descriptor, bytes, size / 2);

@@ -3,7 +3,6 @@
 // SPDX-License-Identifier: MIT
 #include "unit/unit_fixture.h"
 
-#include <memory>
 #include <mutex>
 
 #include "platform/platform.h"
@@ -13,7 +12,7 @@ namespace rgen_test {
 namespace {
 
 // The XML libraries have their memory functions before any case uses them.
-const std::shared_ptr<rgen::XmlParserContext> parserContext = rgen::sharedXmlParserContext();
+const rgen::XmlParserContextReference parserContext = rgen::sharedXmlParserContext();
 
 }  // namespace
 

@@ -51,7 +51,7 @@ TEST(PoolSlot, GivesAnotherPoolWhileTheFirstIsInUse) {
 
 TEST(PoolSlot, GivesNoneWhenMemoryIsExhausted) {
     PoolSlot slot;
-    const FailingCall noMemory(Call::NothrowNew);
+    const FailingCall noMemory(Call::Malloc);
     EXPECT_EQ(nullptr, slot.take());
     EXPECT_TRUE(noMemory.reached());
 }
@@ -88,7 +88,7 @@ TEST(PoolScope, BelongsToTheThread) {
 TEST(PoolScope, WorksOnWithoutAPoolWhenMemoryIsExhausted) {
     if (!poolsAreUsed) GTEST_SKIP() << "the build for the address sanitizer has no pools";
     PoolSlot slot;
-    const FailingCall noMemory(Call::NothrowNew);
+    const FailingCall noMemory(Call::Malloc);
     const PoolScope scope(slot);
     EXPECT_TRUE(noMemory.reached());
     EXPECT_EQ(nullptr, poolInUse());

@@ -12,6 +12,7 @@
 #include <thread>
 #include <vector>
 
+#include "memory/pool_scope.h"
 #include "platform/platform.h"
 #include "store/xml_handles.h"
 #include "store/xslt_stack_guard.h"
@@ -85,6 +86,52 @@ TEST(StackLimit, IsAskedForAgainAfterMemoryWasShort) {
             EXPECT_TRUE(failure.reached());
         }
         EXPECT_NE(nullptr, platform::stackLimit());
+    }).join();
+}
+
+// The C library has room for the pointers of a thread in its record; where it has none left, memory
+// may be short.
+TEST(StackLimit, IsReadAgainWhereItCannotBeKept) {
+    std::thread([] {
+        const char* first = nullptr;
+        {
+            const FailingCall lowest(Call::SetThreadPointer);
+            const FailingCall highest(Call::SetThreadPointer);
+            first = platform::stackLimit();
+            EXPECT_TRUE(lowest.reached());
+        }
+        EXPECT_NE(nullptr, first);
+        const InterceptedCall reading(Call::ReadThreadAttributes, [] {});
+        EXPECT_EQ(first, platform::stackLimit());
+        EXPECT_TRUE(reading.reached());
+        const InterceptedCall readingAgain(Call::ReadThreadAttributes, [] {});
+        EXPECT_EQ(first, platform::stackLimit());
+        EXPECT_FALSE(readingAgain.reached());
+    }).join();
+}
+
+TEST(ThreadPointer, SaysThatItCannotBeSet) {
+    std::thread([] {
+        int target = 0;
+        {
+            const FailingCall failure(Call::SetThreadPointer);
+            EXPECT_FALSE(platform::setThreadPointer(&target));
+        }
+        EXPECT_EQ(nullptr, platform::threadPointer());
+        EXPECT_TRUE(platform::setThreadPointer(&target));
+        EXPECT_EQ(&target, platform::threadPointer());
+    }).join();
+}
+
+TEST(PoolScope, WorksOnWithoutAPoolWhereThePointerCannotBeSet) {
+    if (!rgen::memory::poolsAreUsed)
+        GTEST_SKIP() << "the build for the address sanitizer has no pools";
+    rgen::memory::PoolSlot slot;
+    std::thread([&slot] {
+        const FailingCall failure(Call::SetThreadPointer);
+        const rgen::memory::PoolScope scope(slot);
+        EXPECT_TRUE(failure.reached());
+        EXPECT_EQ(nullptr, rgen::memory::poolInUse());
     }).join();
 }
 

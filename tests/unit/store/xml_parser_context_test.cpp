@@ -5,8 +5,9 @@
 
 #include <gtest/gtest.h>
 #include <libxml/parser.h>
+#include <libxslt/extensions.h>
+#include <libxslt/extra.h>
 
-#include <memory>
 #include <thread>
 #include <vector>
 
@@ -29,7 +30,7 @@ void parseBadText() {
 }
 
 TEST(SharedXmlParserContext, IsOneForTheProcess) {
-    std::vector<std::shared_ptr<rgen::XmlParserContext>> contexts(4);
+    std::vector<rgen::XmlParserContextReference> contexts(4);
     std::vector<std::thread> threads;
     for (auto& context : contexts) {
         threads.emplace_back([&context] { context = rgen::sharedXmlParserContext(); });
@@ -38,6 +39,34 @@ TEST(SharedXmlParserContext, IsOneForTheProcess) {
         thread.join();
     for (const auto& context : contexts)
         EXPECT_EQ(rgen::sharedXmlParserContext(), context);
+}
+
+// References of a context of its own: the process keeps one of the other, so that its libraries
+// never end here.
+TEST(XmlParserContext, LastReferenceEndsTheLibraryAndTheNextStartsItAgain) {
+    rgen::XmlParserContext context;
+    for (int round = 0; round < 3; ++round) {
+        EXPECT_EQ(0U, context.references());
+        rgen::XmlParserContextReference first = context.acquire();
+        const rgen::XmlParserContextReference second = context.acquire();
+        EXPECT_EQ(first, second);
+        EXPECT_EQ(2U, context.references());
+        first.reset();
+        EXPECT_NE(nullptr,
+                  xsltExtModuleFunctionLookup(rgen::xmlText("node-set"), XSLT_LIBXSLT_NAMESPACE));
+    }
+    EXPECT_EQ(0U, context.references());
+    // It was the library's end for everybody.
+    static rgen::XmlParserContext again;
+    static_cast<void>(again.acquire().release());
+}
+
+TEST(XmlParserContext, ReferenceOfTheProcessEndsWithoutWaiting) {
+    rgen::XmlParserContext context;
+    static_cast<void>(context.acquire().release());
+    static_cast<void>(context.acquire().release());
+    context.releaseAtEnd();
+    EXPECT_EQ(1U, context.references());
 }
 
 TEST(XmlSilence, NothingIsPrintedWhileItLives) {

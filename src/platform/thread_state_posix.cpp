@@ -1,0 +1,107 @@
+// What each thread has for itself on Linux. The library has no thread-local variables: the system
+// makes those of a library that is loaded at run time with the first use on each thread, and ends
+// the process where memory is exhausted; in the room that it sets aside for all libraries together
+// (static thread storage) they could keep the library, or others, from being loaded.
+//
+// SPDX-License-Identifier: MIT
+#include <pthread.h>
+
+#include <cerrno>
+#include <climits>
+#include <cstddef>
+#include <initializer_list>
+#include <new>
+#include <utility>
+
+#include "platform/platform.h"
+
+namespace rgen::platform {
+namespace {
+
+/// A pointer of each thread. The C library has room for the first 32 such slots of a process in
+/// each thread's own record; for others a thread needs memory with its first pointer.
+class ThreadSlot {
+public:
+    void open() {
+        if (pthread_key_create(&key_, nullptr) != 0) key_ = none;
+    }
+    void close() {
+        if (key_ != none) pthread_key_delete(std::exchange(key_, none));
+    }
+    void* get() const { return key_ != none ? pthread_getspecific(key_) : nullptr; }
+    bool set(const void* pointer) const {
+        return key_ != none && pthread_setspecific(key_, pointer) == 0;
+    }
+
+private:
+    static constexpr pthread_key_t none = PTHREAD_KEYS_MAX;
+
+    pthread_key_t key_ = none;
+};
+
+ThreadSlot pointerSlot;
+ThreadSlot lowestStackSlot;
+ThreadSlot highestStackSlot;
+
+[[gnu::constructor]] void openSlots() {
+    for (ThreadSlot* slot : {&pointerSlot, &lowestStackSlot, &highestStackSlot})
+        slot->open();
+}
+
+/// Runs after all exit functions, or when the library is unloaded.
+[[gnu::destructor]] void closeSlots() {
+    for (ThreadSlot* slot : {&pointerSlot, &lowestStackSlot, &highestStackSlot})
+        slot->close();
+}
+
+struct StackBounds {
+    const char* lowest = nullptr;
+    const char* highest = nullptr;
+};
+
+StackBounds readStackBounds() {
+    StackBounds bounds;
+    pthread_attr_t attributes;
+    const int outcome = pthread_getattr_np(pthread_self(), &attributes);
+    if (outcome == ENOMEM) throw std::bad_alloc();
+    if (outcome != 0) return bounds;
+    void* lowest = nullptr;
+    std::size_t size = 0;
+    if (pthread_attr_getstack(&attributes, &lowest, &size) == 0) {
+        bounds.lowest = static_cast<const char*>(lowest);
+        bounds.highest = bounds.lowest + size;
+    }
+    pthread_attr_destroy(&attributes);
+    return bounds;
+}
+
+/// Read once for each thread, if there is memory to keep them: for the main thread the system has to
+/// read its list of memory regions.
+StackBounds stackBounds() {
+    StackBounds bounds = {static_cast<const char*>(lowestStackSlot.get()),
+                          static_cast<const char*>(highestStackSlot.get())};
+    if (bounds.lowest != nullptr && bounds.highest != nullptr) return bounds;
+    bounds = readStackBounds();
+    static_cast<void>(lowestStackSlot.set(bounds.lowest));
+    static_cast<void>(highestStackSlot.set(bounds.highest));
+    return bounds;
+}
+
+}  // namespace
+
+void* threadPointer() {
+    return pointerSlot.get();
+}
+
+bool setThreadPointer(void* pointer) {
+    return pointerSlot.set(pointer);
+}
+
+const char* stackLimit() {
+    const StackBounds bounds = stackBounds();
+    const auto* frame = static_cast<const char*>(__builtin_frame_address(0));
+    const bool onThreadStack = frame >= bounds.lowest && frame < bounds.highest;
+    return onThreadStack ? bounds.lowest : nullptr;
+}
+
+}  // namespace rgen::platform
