@@ -307,6 +307,9 @@ typedef const char*(RGEN_CALL* RgenTranslateFunction)(const char* text, void* co
  * Between two reports a generator keeps the memory of the last one for the next: at most 32 MiB,
  * and up to 256 MiB after larger reports, which the system may take back from it at any time.
  *
+ * A generator may be made, used and ended until the process is gone: in exit functions and in the
+ * destructors of global objects, too, whether or not other generators exist then.
+ *
  * @return  The handle, or null when memory is exhausted.
  *
  * Ownership: the caller ends the handle with rgen_freeReportGenerator.
@@ -411,7 +414,8 @@ RGEN_API void RGEN_CALL rgen_cancel(RgenReportGenerator* generator, const RgenGu
  * @param result     Receives the result of modes 1 and 2 on success, under the name
  *                   "Return stub name": mode 1 a handle (hint 1), mode 2 a byte array (hint 8).
  *                   Untouched in mode 0, on failure, and in mode 2 for a report without bytes, so
- *                   zero it before the call; when memory for it is exhausted it comes back empty.
+ *                   zero it before the call. When memory for the record is exhausted, the name or
+ *                   the bytes are left empty (data is null); a handle arrives all the same.
  *                   Null gives RGEN_E_BAD_PARAMETER.
  * @return           RGEN_OK; RGEN_E_BAD_PARAMETER; one of the CONFIGURATION STATUSES;
  *                   RGEN_E_EMPTY_INPUT; RGEN_E_TEMPLATE_NOT_FOUND (also for an unknown or empty
@@ -440,9 +444,8 @@ RGEN_API RgenStatus RGEN_CALL rgen_generateReport(RgenReportGenerator* generator
  *
  * @param generator  The handle; null gives RGEN_E_BAD_PARAMETER.
  * @param guid       The report type; must not be null (not checked).
- * @param pairs      Receives the pairs when there is at least one, otherwise untouched; may
- *                   be null. Null, null and 0 when memory for them is exhausted; a name or text for
- *                   which memory is exhausted is left empty.
+ * @param pairs      Receives the pairs when there is at least one; may be null. Untouched
+ *                   otherwise, also when memory for any part of them is exhausted.
  * @return           RGEN_OK; RGEN_E_BAD_PARAMETER; one of the CONFIGURATION STATUSES;
  *                   RGEN_E_OPEN_PERSIST (missing or unreadable file), RGEN_E_NO_PERSIST_VALUES,
  *                   RGEN_E_NO_VALID_PERSIST_VALUES.
@@ -534,13 +537,13 @@ RGEN_API RgenStatus RGEN_CALL rgen_dumpRawInputDataToFile(RgenReportGenerator* g
  *
  * @param generator  The handle; null gives 0.
  * @param path       UTF-8 path of the file; null gives 0.
- * @param variants   Receives the values on success, otherwise untouched (null and 0 when memory for
- *                   them is exhausted; a name, text or byte array for which memory is exhausted is
- *                   left empty); null gives 0. The order of the entries is not defined.
+ * @param variants   Receives the values on success, otherwise untouched; null gives 0. The order of
+ *                   the entries is not defined.
  *                   Texts come with hint 1 and bytes with hint 8, whatever the file says, and an
  *                   integer with "Dump" comes with hint 1.
  * @return           1 when the set was filled, 0 when it was not (a missing or unreadable file,
- *                   Linux: also a pipe, device or socket; or no valid property). Not a status.
+ *                   Linux: also a pipe, device or socket; no valid property; or no memory for any
+ *                   part of the set). Not a status.
  *
  * Ownership: free a filled set with rgen_freeRgenCVariantSet.
  * Threads: any; no lock is taken.
@@ -558,10 +561,12 @@ RGEN_API int32_t RGEN_CALL rgen_getSimulatedRawDataFromFile(RgenReportGenerator*
  * @param status     Any number. Numbers without a description give "Undescribed error" when one of
  *                   the two highest bits is set and "Unknown code." otherwise.
  * @return           A static, zero-terminated text; the same pointer for the same number each time.
+ *                   Never fails and takes no memory.
  *
- * Ownership: the library's; the text lives as long as the library is loaded.
+ * Ownership: the library's; the text is constant and lives as long as the library is loaded, in exit
+ * functions and in the destructors of global objects, too.
  * Threads: any, at any time; touches no generator.
- * Exceptions: std::bad_alloc, until the first call that succeeds.
+ * Exceptions: none.
  */
 RGEN_API const char* RGEN_CALL rgen_getStatusCodeDescription(const RgenReportGenerator* generator,
                                                              RgenStatus status);
@@ -629,8 +634,8 @@ RGEN_API int32_t RGEN_CALL rgen_createRgenCVariantSet(RgenCVariantSet* target, u
  * @param value   The number; seconds since 1970 UTC under the hints time, date and date-time.
  * @param hint    One of RgenHint; stored as the smaller of it and 9.
  * @param target  Overwritten; null gives 0.
- * @return        1, or 0 for a null target. If memory for the name is exhausted the result is 1 and
- *                the name empty.
+ * @return        1, or 0 for a null target. When memory for the name is exhausted, the result is 1
+ *                and the name empty (data is null).
  *
  * Ownership: free with rgen_freeRgenCVariant.
  * Threads: any. Exceptions: none.
@@ -660,8 +665,8 @@ RGEN_API int32_t RGEN_CALL rgen_createRgenCVariantHandle(const char* name, void*
  * @param text    Zero-terminated, copied; must not be null (not checked). See TEXTS for "&".
  * @param hint    Accepted and ignored; RGEN_HINT_GENERIC is stored.
  * @param target  Overwritten; null gives 0.
- * @return        1, or 0 for a null target. A text for which memory is exhausted is left empty,
- *                with the result 1.
+ * @return        1, or 0 for a null target. A name or text for which memory is exhausted is left
+ *                empty (data is null), with the result 1.
  *
  * Ownership: free with rgen_freeRgenCVariant.
  * Threads: any. Exceptions: none.
@@ -677,8 +682,8 @@ RGEN_API int32_t RGEN_CALL rgen_createRgenCVariantString(const char* name, const
  * @param size    Number of bytes; all are copied, the record's size keeps the low 32 bits.
  * @param hint    Accepted and ignored; RGEN_HINT_DUMP is stored.
  * @param target  Overwritten; null gives 0.
- * @return        1, or 0 for a null target or null bytes. An array for which memory is exhausted is
- *                left empty, with the result 1.
+ * @return        1, or 0 for a null target or null bytes. A name or array for which memory is
+ *                exhausted is left empty (data is null), with the result 1.
  *
  * Ownership: free with rgen_freeRgenCVariant.
  * Threads: any. Exceptions: none. Units: bytes.

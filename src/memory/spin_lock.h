@@ -8,8 +8,8 @@
 
 namespace rgen::memory {
 
-/// Holds `isBusy` while it lives. A mutex of the C++ library may need memory itself when it is first
-/// used, and this one is needed where memory is exhausted.
+/// Holds `isBusy` while it lives. A mutex of the C++ library may need memory itself when it is
+/// first used, and this one is needed where memory is exhausted.
 class SpinLock {
 public:
     explicit SpinLock(std::atomic_flag& isBusy) : isBusy_(isBusy) {

@@ -28,7 +28,8 @@ public:
     void close() {
         if (key_ != none) pthread_key_delete(std::exchange(key_, none));
     }
-    void* get() const { return key_ != none ? pthread_getspecific(key_) : nullptr; }
+    /// The C library gives null for a key that it cannot have; this is asked for each allocation.
+    void* get() const { return pthread_getspecific(key_); }
     bool set(const void* pointer) const {
         return key_ != none && pthread_setspecific(key_, pointer) == 0;
     }
@@ -75,8 +76,8 @@ StackBounds readStackBounds() {
     return bounds;
 }
 
-/// Read once for each thread, if there is memory to keep them: for the main thread the system has to
-/// read its list of memory regions.
+/// Read once for each thread, if there is memory to keep them: for the main thread the system has
+/// to read its list of memory regions.
 StackBounds stackBounds() {
     StackBounds bounds = {static_cast<const char*>(lowestStackSlot.get()),
                           static_cast<const char*>(highestStackSlot.get())};

@@ -104,8 +104,8 @@ void installXmlMemory() {
 }
 
 bool hasXmlThreadState() noexcept {
-    // On purpose: twice. libxml2 does not look whether the system had the memory to keep what it has
-    // made for the thread; if not, it makes it again, where it can.
+    // On purpose: twice. libxml2 does not look whether the system had the memory to keep what it
+    // has made for the thread; if not, it makes it again, where it can.
     return xmlCheckThreadLocalStorage() == 0 && xmlCheckThreadLocalStorage() == 0;
 }
 

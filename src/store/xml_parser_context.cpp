@@ -1,7 +1,7 @@
-// XmlParserContext and XmlSilence. References are counted by hand: a host may make a generator in an
-// exit function, when static objects are gone already. libxml2's handlers belong to a thread and are swapped in and
-// out; libxslt's handler belongs to the process and is set once, since setting it later would
-// be a race.
+// XmlParserContext and XmlSilence. References are counted by hand: a host may make a generator in
+// an exit function, when static objects are gone already. libxml2's handlers belong to a thread and
+// are swapped in and out; libxslt's handler belongs to the process and is set once, since setting
+// it later would be a race.
 //
 // SPDX-License-Identifier: MIT
 #include "store/xml_parser_context.h"

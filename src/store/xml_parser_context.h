@@ -13,9 +13,9 @@
 namespace rgen {
 
 /// Keeps libxml2 and libxslt initialised while there are references to it; with the last one,
-/// libxslt's globals are released. The libxml2 parser is not cleaned up, since a host may come back.
-/// The object is constant data with nothing to destroy, so references may be made and ended at any
-/// time of the process, in its exit functions, too.
+/// libxslt's globals are released. The libxml2 parser is not cleaned up, since a host may come
+/// back. The object is constant data with nothing to destroy, so references may be made and ended
+/// at any time of the process, in its exit functions, too.
 class XmlParserContext {
 public:
     constexpr XmlParserContext() = default;
@@ -38,8 +38,8 @@ private:
     std::size_t references_ = 0;
 };
 
-/// A reference to the one context of the process, which keeps a reference itself from the first call
-/// until it ends. Safe from several threads at once. Empty when memory is exhausted.
+/// A reference to the one context of the process, which keeps a reference itself from the first
+/// call until it ends. Safe from several threads at once. Empty when memory is exhausted.
 XmlParserContextReference sharedXmlParserContext() noexcept;
 
 /// While it lives, libxml2 prints nothing on the calling thread. The previous handlers come back

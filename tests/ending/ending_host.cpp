@@ -3,9 +3,9 @@
 // program and of a library. Everything it needs for that itself has nothing to destroy. Each moment
 // writes a line into the file "moments" of the folder.
 //
-// Arguments: folder, use, library, late library ("-" for none). The use is one of "held" (the global
-// object has a generator from main), "freed" (all are freed in main) and "unused" (main calls
-// nothing).
+// Arguments: folder, use, library, late library ("-" for none). The use is one of "held" (the
+// global object has a generator from main), "freed" (all are freed in main) and "unused" (main
+// calls nothing).
 //
 // SPDX-License-Identifier: MIT
 #include <cstdint>

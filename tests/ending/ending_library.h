@@ -33,7 +33,8 @@ struct EndingLibrary {
 #undef RGEN_TEST_MEMBER
 };
 
-// Finds all functions; false when one is missing. `path` names the library for a host that loads it.
+// Finds all functions; false when one is missing. `path` names the library for a host that loads
+// it.
 bool openLibrary(const char* path, EndingLibrary& library);
 
 // Loads the library at `path`, whose end calls `function`; false when it cannot be loaded.

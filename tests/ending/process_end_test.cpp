@@ -4,6 +4,8 @@
 // SPDX-License-Identifier: MIT
 #include <gtest/gtest.h>
 
+#include <set>
+#include <sstream>
 #include <string>
 
 #include "ending/ending_moments.h"
@@ -11,26 +13,37 @@
 namespace rgen_test {
 namespace {
 
-const std::string inMain = "main: right\n";
-const std::string held = "held generator: right\n";
-const std::string atEnd = "end of the program: right\n";
-const std::string lastThenFirst =
-    "exit function registered last: right\nexit function registered first: right\n";
-const std::string inDestructor = "destructor: right\n";
+// The lines in the order of the alphabet: systems differ in what comes first at the end.
+std::set<std::string> linesOf(const std::string& text) {
+    std::istringstream stream(text);
+    std::set<std::string> lines;
+    for (std::string line; std::getline(stream, line);)
+        lines.insert(line);
+    return lines;
+}
 
-class ProcessEnd : public testing::TestWithParam<const char*> {};
+const std::set<std::string> momentsOfTheEnd = {"destructor: right", "end of the program: right",
+                                               "exit function registered first: right",
+                                               "exit function registered last: right"};
+
+class ProcessEnd : public testing::TestWithParam<const char*> {
+protected:
+    void expectMoments(std::set<std::string> expected, const std::string& use) const {
+        expected.insert(momentsOfTheEnd.begin(), momentsOfTheEnd.end());
+        EXPECT_EQ(expected, linesOf(momentsOf(GetParam(), use, "-")));
+    }
+};
 
 TEST_P(ProcessEnd, EverythingWorksAfterAllHandlesWereFreed) {
-    EXPECT_EQ(inMain + lastThenFirst + inDestructor + atEnd, momentsOf(GetParam(), "freed", "-"));
+    expectMoments({"main: right"}, "freed");
 }
 
 TEST_P(ProcessEnd, EverythingWorksWithAGeneratorOfAGlobalObject) {
-    EXPECT_EQ(inMain + lastThenFirst + held + inDestructor + atEnd,
-              momentsOf(GetParam(), "held", "-"));
+    expectMoments({"main: right", "held generator: right"}, "held");
 }
 
 TEST_P(ProcessEnd, EverythingWorksWhenTheEndIsTheFirstUse) {
-    EXPECT_EQ(lastThenFirst + inDestructor + atEnd, momentsOf(GetParam(), "unused", "-"));
+    expectMoments({}, "unused");
 }
 
 INSTANTIATE_TEST_SUITE_P(Host, ProcessEnd, testing::Values("ending_host", "loading_host"),

@@ -1,8 +1,9 @@
 /*
  * A host that loads many other libraries beside the report library.
  *
- * Arguments: library, folder, order ("first", "last": when the library is loaded; "full": last, after
- * the others have used up what the system has for static thread storage), the other libraries.
+ * Arguments: library, folder, order ("first", "last": when the library is loaded; "full": last,
+ * after the others have used up what the system has for static thread storage), the other
+ * libraries.
  *
  * SPDX-License-Identifier: MIT
  */

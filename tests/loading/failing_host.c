@@ -1,12 +1,12 @@
 /*
- * A host that loads the library and calls it once for each allocation of the call, which fails, alone
- * or with all later ones. Every attempt is the first use of a process of its own, which this one
- * forks. Where the host is in C, the C++ library comes in with the library, too.
+ * A host that loads the library and calls it once for each allocation of the call, which fails,
+ * alone or with all later ones. Every attempt is the first use of a process of its own, which this
+ * one forks. Where the host is in C, the C++ library comes in with the library, too.
  *
- * Arguments: library, folder, call ("new", "report", "persist", "simulate"), thread ("main", "other":
- * on a thread that has not used the library yet), number of thread keys that are taken before.
- * Writes the number of attempts into the file "points" of the folder; the exit code is 0 when all
- * were right.
+ * Arguments: library, folder, call ("new", "report", "persist", "simulate"), thread ("main",
+ * "other": on a thread that has not used the library yet), number of thread keys that are taken
+ * before. Writes the number of attempts into the file "points" of the folder; the exit code is 0
+ * when all were right.
  *
  * SPDX-License-Identifier: MIT
  */

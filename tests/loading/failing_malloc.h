@@ -1,6 +1,6 @@
 /*
- * The C library's allocation functions for a whole process: a program that defines them replaces them
- * in every library, in the dynamic loader, too.
+ * The C library's allocation functions for a whole process: a program that defines them replaces
+ * them in every library, in the dynamic loader, too.
  *
  * SPDX-License-Identifier: MIT
  */
