@@ -5,13 +5,13 @@
 
 #include <map>
 #include <memory>
-#include <mutex>
 #include <string>
 
 #include "memory/malloc_allocated.h"
 #include "memory/pool_slot.h"
 #include "store/xml_context_reference.h"
 #include "strata_repgenlib/rgen.h"
+#include "sync/priority_mutex.h"
 
 namespace rgen {
 
@@ -23,9 +23,10 @@ class CancellationTokenSource;
 /// recursive and is held for these stretches only: storing the translate callback, reading or
 /// rewriting `dataDirPath`, the whole configuration load, the whole transformation with its
 /// translate callbacks, and each access to `cancellationRegistry`. It is never held across
-/// delivery, and persistent data files are read and written without it.
+/// delivery, and persistent data files are read and written without it. Cancellers take it by a
+/// CancellerLock, which precedes all others.
 struct ReportGenerator : memory::MallocAllocated {
-    std::mutex mutex;
+    sync::PriorityMutex mutex;
 
     /// UTF-8. Empty until a data directory is set, otherwise it ends in ".rgen" and a separator.
     std::string dataDirPath;

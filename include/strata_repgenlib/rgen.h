@@ -63,7 +63,10 @@
  *   translate callback included), and for moments to read or store settings, to register and to
  *   cancel. So every function of a generator but the dump, the simulated input, the status
  *   description and the free may wait for a transformation that runs on it. A transformation takes
- *   as long as its template does and cannot be cancelled. The lock is not held while a report is
+ *   as long as its template does and cannot be cancelled. Whoever waits in rgen_cancel gets the
+ *   lock before all others that wait, so it waits for at most one transformation or one reading of
+ *   the configuration; cancels without a pause keep the generator from all other work. The others
+ *   get the lock in no particular order. The lock is not held while a report is
  *   delivered: several reports can be generated on one generator at once, and a waiting converter
  *   blocks nobody. Transformations on one generator run one after the other; use one generator for
  *   each thread to run them side by side. Record functions touch their arguments only.
@@ -370,15 +373,17 @@ RGEN_API void RGEN_CALL rgen_setTranslateFunction(RgenReportGenerator* generator
  * Asks running generations of a generator to stop.
  *
  * Cancellation is cooperative: a generation that sees the request at its next check ends with
- * RGEN_CANCELED, one that is past its last check returns its own status. While the converter runs,
+ * RGEN_CANCELED, one that is past its last check returns its own status. A request that is made
+ * while a generation reads its configuration is always seen by it. While the converter runs,
  * the request is seen within about one second; the converter itself is not ended and may still
- * write its file afterwards. Generations that start later are not affected.
+ * write its file afterwards. Generations that start later are not affected, nor is one that still
+ * waits for the lock to begin with.
  *
  * @param generator  The handle; with null nothing happens.
  * @param guid       Stops the generations of this report type, or null: all of this generator.
  *
- * Threads: made to be called from another thread than the generating one; waits while a
- * transformation runs on the same generator.
+ * Threads: made to be called from another thread than the generating one; waits for at most one
+ * transformation that runs on the same generator, and precedes everything else that waits for it.
  * Exceptions: std::bad_alloc, std::system_error.
  */
 RGEN_API void RGEN_CALL rgen_cancel(RgenReportGenerator* generator, const RgenGuid* guid);

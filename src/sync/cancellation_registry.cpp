@@ -1,5 +1,7 @@
 // The registry of running generations. All of it runs under the generator's mutex, for the length
-// of one insertion, one removal or one walk.
+// of one insertion, one removal or one walk. A cancellation precedes whoever else waits for the
+// mutex: a generation that has not reached its last check takes it again only afterwards, and then
+// sees the request.
 //
 // SPDX-License-Identifier: MIT
 #include "sync/cancellation_registry.h"
@@ -44,13 +46,13 @@ void unregisterGeneration(ReportGenerator& generator, const std::string& key,
 }
 
 void cancelGenerations(ReportGenerator& generator, const Guid& guid) {
-    const std::lock_guard lock(generator.mutex);
+    const CancellerLock lock(generator.mutex);
     const auto [first, last] = generator.cancellationRegistry.equal_range(formatGuid(guid));
     cancelRange(generator.cancellationRegistry, first, last);
 }
 
 void cancelAllGenerations(ReportGenerator& generator) {
-    const std::lock_guard lock(generator.mutex);
+    const CancellerLock lock(generator.mutex);
     Registry& registry = generator.cancellationRegistry;
     cancelRange(registry, registry.begin(), registry.end());
 }

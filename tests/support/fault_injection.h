@@ -46,7 +46,7 @@ enum class Call {
     ReadThreadAttributes,   // pthread_getattr_np: fails
     ReadThreadStack,        // pthread_attr_getstack: fails
     SetThreadPointer,       // pthread_setspecific: fails with ENOMEM
-    LockMutex               // pthread_mutex_lock, for an InterceptedCall: it does not fail
+    LockMutex               // pthread_mutex_lock: fails with EAGAIN
 };
 
 // While it lives, one call fails: the first one of that kind from now on, or the one with the given

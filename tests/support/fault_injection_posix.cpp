@@ -129,8 +129,7 @@ int wrappedReadStack(const pthread_attr_t* attributes, void** lowest, std::size_
 }
 
 int wrappedLock(pthread_mutex_t* mutex) {
-    static_cast<void>(failsNow(Call::LockMutex));
-    return realLock(mutex);
+    return failsNow(Call::LockMutex) ? EAGAIN : realLock(mutex);
 }
 
 // The library makes one system call of its own, pidfd_open, which takes two arguments.

@@ -6,6 +6,7 @@
 
 #include <functional>
 #include <string>
+#include <system_error>
 
 #include "platform/platform.h"
 #include "store/data_directory.h"
@@ -86,6 +87,51 @@ TEST_F(LockTest, GenerationsAreCancelledBehindIt) {
         EXPECT_EQ(0U, entries());
     }
     EXPECT_TRUE(isUnlocked(generator));
+}
+
+// A canceller asks for two mutexes: for its turn, and for the one that everybody asks for.
+TEST_F(LockTest, RefusedToACancellerIsAnExceptionAndLeavesNothingHeld) {
+    for (int number = 1; number <= 2; ++number) {
+        const FailingCall refused(Call::LockMutex, number);
+        EXPECT_THROW(rgen_cancel(handle(), nullptr), std::system_error);
+        EXPECT_TRUE(refused.reached());
+        EXPECT_EQ(0U, generator.mutex.cancellers());
+        EXPECT_TRUE(isUnlocked(generator));
+    }
+    rgen_cancel(handle(), nullptr);
+    EXPECT_TRUE(isUnlocked(generator));
+}
+
+TEST_F(LockTest, RefusedToAnyoneElseIsAnExceptionAndLeavesNothingHeld) {
+    {
+        const FailingCall refused(Call::LockMutex);
+        EXPECT_THROW(rgen::dataDirPathOf(generator), std::system_error);
+        EXPECT_TRUE(refused.reached());
+    }
+    EXPECT_TRUE(isUnlocked(generator));
+}
+
+// The canceller is announced and does not wait yet.
+TEST_F(LockTest, IsNotTakenFromAnAnnouncedCanceller) {
+    expectLock([this] { rgen_cancel(handle(), nullptr); },
+               [this] {
+                   EXPECT_EQ(1U, generator.mutex.cancellers());
+                   EXPECT_FALSE(isUnlocked(generator));
+               });
+    EXPECT_TRUE(isUnlocked(generator));
+}
+
+// Others get the mutex, return it to the announced canceller, wait for its turn and ask again.
+TEST_F(LockTest, RefusedToSomeoneWhoMakesWayIsAnExceptionAndLeavesNothingHeld) {
+    for (int number = 2; number <= 3; ++number) {
+        expectLock([this] { rgen_cancel(handle(), nullptr); },
+                   [&] {
+                       const FailingCall refused(Call::LockMutex, number);
+                       EXPECT_THROW(generator.mutex.lock(), std::system_error);
+                       EXPECT_TRUE(refused.reached());
+                   });
+        EXPECT_TRUE(isUnlocked(generator));
+    }
 }
 
 TEST_F(LockTest, AbandonedProcessesAreKeptAndCollectedBehindOneOfTheirOwn) {

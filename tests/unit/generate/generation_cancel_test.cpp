@@ -1,0 +1,168 @@
+// Cancels that wait for the generator's lock. The lock itself tells that a canceller waits, so every
+// cancel that counts here was called before what it has to precede.
+//
+// SPDX-License-Identifier: MIT
+#include <atomic>
+#include <functional>
+#include <mutex>
+#include <string>
+#include <thread>
+#include <vector>
+
+#include "generate/generation_driver.h"
+#include "strata_repgenlib/rgen.h"
+#include "support/fault_injection.h"
+#include "unit/unit_fixture.h"
+
+namespace rgen_test {
+namespace {
+
+const std::string marker = "QT_TRANSLATE_NOOP(\"QObject\", \"a\")";
+
+class CancelTest : public UnitTest {
+protected:
+    CancelTest() {
+        putConfig();
+        putTemplate(textTemplate(marker));
+    }
+
+    rgen::Status generate() {
+        rgen::InputParams request = {};
+        request.templateGuid = rgen::defaultReportTypeGuid;
+        request.outputMode = rgen::output_mode::bytes;
+        request.outputFormat = "html";
+        request.variants = {{"a", rgen::Variant(std::string("v"), rgen::VariantHint::Generic)}};
+        rgen::Variant result;
+        return rgen::generate(generator, request, result);
+    }
+
+    // As a host does: by the GUID of the report type or for all.
+    void cancel(bool all = true) {
+        const RgenGuid guid = {0xDEADBABE, 0, 0, {}};
+        rgen_cancel(reinterpret_cast<RgenReportGenerator*>(&generator), all ? nullptr : &guid);
+    }
+
+    void awaitCancellers(unsigned count) const {
+        while (generator.mutex.cancellers() != count)
+            std::this_thread::yield();
+    }
+
+    // Generates; while the given call of the generation runs, that many cancels begin to wait.
+    rgen::Status generateCancelledAt(Call call, unsigned cancels) {
+        std::vector<std::thread> cancelling;
+        const InterceptedCall step(call, [&] {
+            for (unsigned number = 0; number < cancels; ++number)
+                cancelling.emplace_back([this, number] { cancel(number % 2 == 0); });
+            awaitCancellers(cancels);
+        });
+        const rgen::Status status = generate();
+        for (std::thread& thread : cancelling)
+            thread.join();
+        EXPECT_TRUE(step.reached());
+        return status;
+    }
+};
+
+TEST_F(CancelTest, NoneOfAThousandThatWaitForTheLookupIsLost) {
+    int lost = 0;
+    for (int round = 0; round < 1000; ++round) {
+        const Call call = round % 2 == 0 ? Call::ReadXmlFile : Call::EvaluateXPath;
+        lost += generateCancelledAt(call, 1) == RGEN_CANCELED ? 0 : 1;
+    }
+    EXPECT_EQ(0, lost);
+    EXPECT_TRUE(generator.cancellationRegistry.empty());
+}
+
+TEST_F(CancelTest, SeveralThatWaitForTheLookupAllReturnBeforeTheTransformation) {
+    std::atomic<int> begun{0};
+    generator.translateContext = &begun;
+    generator.translateFunction = [](const char* text, void* context) {
+        ++*static_cast<std::atomic<int>*>(context);
+        return text;
+    };
+    for (int round = 0; round < 100; ++round)
+        ASSERT_EQ(RGEN_CANCELED, generateCancelledAt(Call::ReadXmlFile, 3));
+    EXPECT_EQ(0, begun);
+}
+
+TEST_F(CancelTest, ThatWaitsReachesNoGenerationThatRegistersAfterwards) {
+    for (int round = 0; round < 200; ++round) {
+        rgen::Status status = RGEN_CANCELED;
+        std::unique_lock held(generator.mutex);
+        std::thread cancelling([this] { cancel(); });
+        awaitCancellers(1);
+        std::thread generating([&] { status = generate(); });
+        held.unlock();
+        cancelling.join();
+        generating.join();
+        ASSERT_EQ(RGEN_OK, status);
+    }
+}
+
+TEST_F(CancelTest, ThatWaitsForTheEndOfItsGenerationDoesNoHarm) {
+    for (int round = 0; round < 200; ++round) {
+        // The last mutex-guarded step that still works for the generation is its transformation.
+        ASSERT_EQ(RGEN_OK, generateCancelledAt(Call::SaveTransformResult, 2));
+        ASSERT_TRUE(generator.cancellationRegistry.empty());
+        ASSERT_TRUE(isUnlocked(generator));
+    }
+}
+
+// Three threads generate on one generator and one cancels. The callback of a transformation waits
+// until the canceller does; no other transformation may begin before that cancel has been served.
+class CancelAmongThreads : public CancelTest {
+protected:
+    CancelAmongThreads() {
+        generator.translateContext = this;
+        generator.translateFunction = [](const char* text, void* context) {
+            static_cast<CancelAmongThreads*>(context)->beginTransformation();
+            return text;
+        };
+    }
+
+    void beginTransformation() {
+        if (cancelWaits && generator.mutex.cancellers() != 0) ++overtaken;
+        if (!wanted.exchange(false)) return;
+        mayCancel = true;
+        awaitCancellers(1);
+        cancelWaits = true;
+    }
+
+    void cancelOften(int rounds) {
+        for (int round = 0; round < rounds; ++round) {
+            wanted = true;
+            while (!mayCancel.exchange(false))
+                std::this_thread::yield();
+            cancel(round % 2 == 0);
+            cancelWaits = false;
+        }
+    }
+
+    void generateUntilDone() {
+        while (!done) {
+            const rgen::Status status = generate();
+            EXPECT_TRUE(status == RGEN_OK || status == RGEN_CANCELED) << statusHex(status);
+        }
+    }
+
+    std::atomic<bool> wanted{false};
+    std::atomic<bool> mayCancel{false};
+    std::atomic<bool> cancelWaits{false};
+    std::atomic<bool> done{false};
+    std::atomic<int> overtaken{0};
+};
+
+TEST_F(CancelAmongThreads, WaitsForOneTransformationAtMost) {
+    std::vector<std::thread> generating;
+    for (int thread = 0; thread < 3; ++thread)
+        generating.emplace_back([this] { generateUntilDone(); });
+    cancelOften(1000);
+    done = true;
+    for (std::thread& thread : generating)
+        thread.join();
+    EXPECT_EQ(0, overtaken);
+    EXPECT_EQ(RGEN_OK, generate());
+}
+
+}  // namespace
+}  // namespace rgen_test
