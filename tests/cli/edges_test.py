@@ -66,13 +66,43 @@ class Languages(CliCase):
 
 class Outputs(CliCase):
 
-    @linux_only
     def test_nobody_reads(self):
-        reading, writing = os.pipe()
-        os.close(reading)
-        result = self.start("explain", "--json", stdout=writing).finish()
-        self.assertEqual((4, ["rgen: cannot write standard output: Broken pipe; check where it "
-                              "leads to"]), (result.code, result.messages))
+        """The end is as quiet as that of other tools, for every command that prints."""
+        given = ["-d", "case", "--set", "A=1"]
+        for arguments in (["explain"], ["explain", "--json"], ["--help"], ["report", "--help"],
+                          ["--version"], ["types", "-d", "case"], ["doctor", "-d", "case"],
+                          ["completion", "bash"], ["persist", "get", "-d", "case"],
+                          ["init", "new", "-q"], ["report", *given, "-f", "txt", "-o", "-"],
+                          ["report", *given, "-o", "report.txt", "--json", "-q"],
+                          ["report", *given, "-o", "report.txt", "--show-data"],
+                          ["dump", "--set", "A=1", "-o", "-"],
+                          ["simulate", "--set", "A=1", "-o", "-"]):
+            with self.subTest(arguments=arguments):
+                self.write(STORE, '<data><properties><property name="A">1</property>'
+                           "</properties></data>")
+                reading, writing = os.pipe()
+                os.close(reading)
+                result = self.start(*arguments, stdout=writing).finish()
+                self.assertEqual((141, ""), (result.code, result.err))
+
+    @linux_only
+    def test_standard_output_that_is_full(self):
+        for arguments in (["explain"], ["explain", "--json"], ["--help"], ["types", "-d", "case"],
+                          ["completion", "bash"]):
+            with self.subTest(arguments=arguments):
+                full = os.open("/dev/full", os.O_WRONLY)
+                result = self.start(*arguments, stdout=full).finish()
+                self.assertEqual((4, ["rgen: cannot write standard output: No space left on "
+                                      "device; check where it leads to"]),
+                                 (result.code, result.messages))
+
+    @linux_only
+    def test_streams_that_are_closed(self):
+        """No file takes their place: what is printed must not get into a report."""
+        closed = ["/bin/sh", "-c", 'exec "$0" "$@" <&- >&- 2>&-']
+        self.assertEqual(0, self.report("--set", "A=1", prefix=closed).code)
+        self.assertEqual(b"[A=1]\n", self.read("report.txt"))
+        self.assertEqual(4, self.rgen("explain", prefix=closed).code)
 
     @linux_only
     def test_a_failure_that_nobody_reads_keeps_its_code(self):

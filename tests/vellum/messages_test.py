@@ -23,6 +23,14 @@ class Input(VellumCase):
             self.expect_error_like(result, 3, f'cannot read "{path}": {NO_SUCH_FILE}; '
                                    "check the path given to -i")
 
+    def test_a_path_that_forges_lines(self):
+        """The message stays one line, on standard error and in the text beside the output."""
+        result = self.vellum("-i", "x\nvellum: forged\x1b[2J\u009b31m\u202e.html", "-b",
+                             "\nvellum: forged", "-o", "no\nfolder/report.pdf")
+        self.assertEqual(1, result.err.count("\n"), result)
+        self.assertNotRegex(result.err.rstrip("\n"), "[\x00-\x1f\x7f-\x9f\u202a-\u202e]")
+        self.assertIn("\\n", result.err)
+
     def test_lines_of_the_system_are_plain(self):
         result = self.vellum("-i", "x.html", "-o", "report.pdf")
         self.assertEqual(1, result.err.count("\n"))

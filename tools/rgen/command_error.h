@@ -19,7 +19,9 @@ enum class ExitCode {
     Usage = 2,
     Unverified = 4,
     Environment = 5,
-    Interrupted = 130
+    Interrupted = 130,
+    /// As a shell counts a program that ended by writing into a pipe without a reader.
+    ClosedPipe = 141
 };
 
 /// The end of a command. what() says what, where and why; the hint says what to do.

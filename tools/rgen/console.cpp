@@ -11,9 +11,13 @@
 
 #include "command_error.h"
 #include "host_system.h"
+#include "plain_text.h"
 
 namespace cli {
 namespace {
+
+/// What rgen itself puts into texts of several lines; texts from outside have lost theirs before.
+constexpr const char* ownLayout = "\n\t";
 
 bool isSet(const char* variable) {
     const char* const value = std::getenv(variable);
@@ -22,22 +26,6 @@ bool isSet(const char* variable) {
 
 bool isContinuation(char byte) {
     return (static_cast<unsigned char>(byte) & 0xC0U) == 0x80U;
-}
-
-std::string escaped(char letter) {
-    switch (letter) {
-        case '\n':
-            return "\\n";
-        case '\r':
-            return "\\r";
-        case '\t':
-            return "\\t";
-        default: {
-            char text[5] = {};
-            std::snprintf(text, sizeof text, "\\x%02x", static_cast<unsigned char>(letter));
-            return text;
-        }
-    }
 }
 
 }  // namespace
@@ -54,7 +42,7 @@ void Console::write(const std::string& line) {
 
 void Console::note(const std::string& text) {
     notes_.push_back(place_ + text);
-    if (!quiet_) write("rgen: note: " + notes_.back());
+    if (!quiet_) write("rgen: note: " + inOneLine(notes_.back()));
 }
 
 void Console::beginNotes(const std::string& place) {
@@ -63,7 +51,7 @@ void Console::beginNotes(const std::string& place) {
 }
 
 void Console::say(const std::string& text) {
-    if (!quiet_) write("rgen: " + text);
+    if (!quiet_) write("rgen: " + inOneLine(text));
 }
 
 void Console::error(const CommandError& error) {
@@ -72,11 +60,11 @@ void Console::error(const CommandError& error) {
 
 void Console::errorLine(const std::string& text, const std::string& command) {
     const std::string program = command.empty() ? "rgen:" : "rgen " + command + ":";
-    write((colour_ ? "\033[31m" + program + "\033[0m " : program + " ") + text);
+    write((colour_ ? "\033[31m" + program + "\033[0m " : program + " ") + inOneLine(text));
 }
 
 void Console::plain(const std::string& text) {
-    write(text);
+    write(tools::printable(text, ownLayout));
 }
 
 void Console::progress(const std::string& wanted) {
@@ -93,9 +81,17 @@ void printData(std::string_view bytes) {
     const bool written = std::fwrite(bytes.data(), 1, bytes.size(), stdout) == bytes.size() &&
                          std::fflush(stdout) == 0;
     if (written) return;
-    const std::string reason = std::generic_category().message(errno);
-    throw CommandError(ExitCode::Unverified, "cannot write standard output: " + reason,
+    const int reason = errno;
+    if (isWithoutReader(reason)) {
+        throw CommandError(ExitCode::ClosedPipe, "nobody reads standard output");
+    }
+    throw CommandError(ExitCode::Unverified,
+                       "cannot write standard output: " + std::generic_category().message(reason),
                        "check where it leads to");
+}
+
+void printLines(const std::string& lines) {
+    printData(standardOutputIsTerminal() ? tools::printable(lines, ownLayout) : lines);
 }
 
 std::string errorText(const CommandError& error) {
@@ -104,12 +100,7 @@ std::string errorText(const CommandError& error) {
 }
 
 std::string inOneLine(const std::string& text) {
-    std::string line;
-    for (const char letter : text) {
-        const bool isControl = static_cast<unsigned char>(letter) < 0x20 || letter == 0x7F;
-        line += isControl ? escaped(letter) : std::string(1, letter);
-    }
-    return line;
+    return tools::printable(text);
 }
 
 std::string shortened(const std::string& text, std::size_t longest) {

@@ -1,4 +1,5 @@
-// What rgen says: data on standard output; errors, notes and progress on standard error.
+// What rgen says: data on standard output; errors, notes and progress on standard error. Whatever
+// goes to standard error is made printable here, wherever its words come from.
 //
 // SPDX-License-Identifier: MIT
 #pragma once
@@ -27,7 +28,7 @@ public:
     void error(const CommandError& error);
     /// An error line on its own: "rgen: TEXT", or "rgen COMMAND: TEXT".
     void errorLine(const std::string& text, const std::string& command = {});
-    /// A line without "rgen: " on standard error.
+    /// Lines without "rgen: " on standard error.
     void plain(const std::string& text);
 
     /// Replaces the progress line; shown on a terminal only. The empty text removes it.
@@ -44,13 +45,17 @@ private:
     std::vector<std::string> notes_;
 };
 
-/// Writes bytes to standard output. Raises a CommandError when they cannot be written.
+/// Writes bytes to standard output. Throws a CommandError when they cannot be written, that of a
+/// closed pipe when their reader has gone.
 void printData(std::string_view bytes);
+
+/// Writes lines for people or for a program: as they are, or printable when a terminal shows them.
+void printLines(const std::string& lines);
 
 /// One line of an error: the message and the hint behind a semicolon.
 std::string errorText(const CommandError& error);
 
-/// `text` in one line: line ends and other control characters as "\n", "\t", "\x01".
+/// `text` in one printable line: line ends and other control characters as "\n", "\t", "\x01".
 std::string inOneLine(const std::string& text);
 
 /// inOneLine, cut at `longest` characters with "..." in their place.

@@ -9,17 +9,24 @@
 
 namespace cli {
 
-/// Makes standard output and error binary and UTF-8.
+/// Makes standard output and error binary and UTF-8. A stream that was closed stays unusable, and
+/// no file that is opened later takes its place.
 void prepareStreams();
 
 bool standardErrorIsTerminal();
+bool standardOutputIsTerminal();
 
 /// Tells whether standard error is a terminal that takes colour sequences.
 bool standardErrorHasColour();
 
+/// Tells, directly after a write to standard output failed for `reason`, whether it is a pipe whose
+/// reader has gone.
+bool isWithoutReader(int reason);
+
 /// Calls `handler` on a thread of its own, once for each Ctrl-C or request to end; with true when
 /// the process is about to be ended anyway. Requests that the process was started to ignore stay
-/// ignored. Writing into a closed pipe becomes an ordinary failure.
+/// ignored. Writing into a closed pipe, or beyond the size that files may have, becomes an ordinary
+/// failure.
 void watchInterrupts(void (*handler)(bool mustEnd));
 
 /// While it lives, what the process prints to standard output goes to standard error.

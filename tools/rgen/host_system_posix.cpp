@@ -2,11 +2,13 @@
 //
 // SPDX-License-Identifier: MIT
 #include <dlfcn.h>
+#include <fcntl.h>
 #include <pthread.h>
 #include <signal.h>
 #include <sys/stat.h>
 #include <unistd.h>
 
+#include <cerrno>
 #include <cstdio>
 #include <cstdlib>
 #include <filesystem>
@@ -34,18 +36,34 @@ std::string versionInFileName(const std::filesystem::path& path) {
 
 }  // namespace
 
-void prepareStreams() {}
+void prepareStreams() {
+    // Opened for the wrong direction, so that using it fails as it would without.
+    for (int stream = STDIN_FILENO; stream <= STDERR_FILENO; ++stream) {
+        if (fcntl(stream, F_GETFD) >= 0 || errno != EBADF) continue;
+        const int direction = stream == STDIN_FILENO ? O_WRONLY : O_RDONLY;
+        static_cast<void>(open("/dev/null", direction));  // It takes the lowest free number.
+    }
+}
 
 bool standardErrorIsTerminal() {
     return isatty(STDERR_FILENO) == 1;
+}
+
+bool standardOutputIsTerminal() {
+    return isatty(STDOUT_FILENO) == 1;
 }
 
 bool standardErrorHasColour() {
     return standardErrorIsTerminal();
 }
 
+bool isWithoutReader(int reason) {
+    return reason == EPIPE;
+}
+
 void watchInterrupts(void (*handler)(bool)) {
     signal(SIGPIPE, SIG_IGN);
+    signal(SIGXFSZ, SIG_IGN);
     sigset_t watched;
     sigemptyset(&watched);
     for (const int signalNumber : {SIGINT, SIGTERM, SIGHUP}) {

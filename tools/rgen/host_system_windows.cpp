@@ -6,6 +6,7 @@
 #include <fcntl.h>
 #include <io.h>
 
+#include <cerrno>
 #include <cstdio>
 #include <cstdlib>
 #include <filesystem>
@@ -79,6 +80,11 @@ bool standardErrorIsTerminal() {
     return GetConsoleMode(GetStdHandle(STD_ERROR_HANDLE), &mode) != 0;
 }
 
+bool standardOutputIsTerminal() {
+    DWORD mode = 0;
+    return GetConsoleMode(GetStdHandle(STD_OUTPUT_HANDLE), &mode) != 0;
+}
+
 bool standardErrorHasColour() {
     // Consoles older than Windows 10 refuse the mode.
     constexpr DWORD processSequences = 0x0004;
@@ -86,6 +92,13 @@ bool standardErrorHasColour() {
     DWORD mode = 0;
     return GetConsoleMode(console, &mode) != 0 &&
            SetConsoleMode(console, mode | processSequences) != 0;
+}
+
+/// The C runtime does not have a word for each of the system's reasons.
+bool isWithoutReader(int reason) {
+    const auto systemReason = static_cast<DWORD>(_doserrno);
+    return reason == EPIPE || systemReason == ERROR_BROKEN_PIPE || systemReason == ERROR_NO_DATA ||
+           systemReason == ERROR_PIPE_NOT_CONNECTED;
 }
 
 void watchInterrupts(void (*handler)(bool)) {

@@ -103,7 +103,7 @@ ExitCode runInit(const Arguments& arguments, Console& console, JsonDocument& doc
     document.set("next", commands);
     if (arguments.json) return ExitCode::Done;
     for (const std::string& path : paths)
-        printData(path + "\n");
+        printLines(path + "\n");
     console.say("made a data directory with the report type acquisition; next:");
     for (const std::string& command : commands)
         console.say("  " + command);

@@ -256,13 +256,13 @@ const Value& findValue(const std::vector<Value>& values, const std::string& name
 void printValues(const std::vector<std::string>& names,
                  const std::map<std::string, std::string>& texts) {
     if (names.size() == 1) {
-        printData(texts.at(names.front()) + "\n");
+        printLines(texts.at(names.front()) + "\n");
         return;
     }
     std::string lines;
     for (const auto& [name, text] : texts)
         lines.append(name).append("=").append(text).append("\n");
-    printData(lines);
+    printLines(lines);
 }
 
 }  // namespace

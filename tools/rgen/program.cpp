@@ -36,8 +36,10 @@ const std::map<std::string, Command>& commands() {
     return all;
 }
 
-/// Says what went wrong; what the document holds already stays in it.
+/// Says what went wrong; what the document holds already stays in it. Nothing is said when the
+/// reader of standard output has gone: it has seen enough.
 ExitCode fail(const CommandError& error, bool json, Console& console, JsonDocument& document) {
+    if (error.exitCode == ExitCode::ClosedPipe) return error.exitCode;
     console.error(error);
     if (!json) return error.exitCode;
     describeFailure(error, document);

@@ -58,8 +58,8 @@ std::string shownTable(const std::vector<ShownValue>& values) {
     constexpr std::size_t longestText = 100;
     std::string table = tableRow("name", "from", "hint", "text");
     for (const ShownValue& shown : values) {
-        table += tableRow(inOneLine(shown.value.name), shown.value.source, hintWord(shown.value),
-                          shortened(shown.text, longestText));
+        table += tableRow(inOneLine(shown.value.name), inOneLine(shown.value.source),
+                          hintWord(shown.value), shortened(shown.text, longestText));
     }
     return table;
 }

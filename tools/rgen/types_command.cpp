@@ -43,8 +43,8 @@ ExitCode runTypes(const Arguments& arguments, Console& console, JsonDocument& do
         row.set("formats", formats);
         row.set("languages", languages);
         rows.push_back(std::move(row));
-        lines += type.name + "\t" + type.guidText + "\t" + column(formats) + "\t" +
-                 column(languages) + "\n";
+        lines += inOneLine(type.name) + "\t" + type.guidText + "\t" + column(formats) + "\t" +
+                 inOneLine(column(languages)) + "\n";
     }
     document.set("dataDir", directory.path(""));
     document.set("types", rows);

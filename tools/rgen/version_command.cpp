@@ -18,8 +18,8 @@ ExitCode runVersion(const Arguments& arguments, JsonDocument& document) {
     document.set("library", library.version);
     document.set("path", library.path);
     if (arguments.json) return ExitCode::Done;
-    printData("rgen " + ownVersion() + "\nstrata_repgenlib " + library.version + " (" +
-              library.path + ")\n");
+    printLines("rgen " + ownVersion() + "\nstrata_repgenlib " + library.version + " (" +
+               library.path + ")\n");
     return ExitCode::Done;
 }
 

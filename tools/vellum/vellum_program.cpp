@@ -14,6 +14,7 @@
 #include "failure.h"
 #include "options.h"
 #include "output_file.h"
+#include "plain_text.h"
 
 namespace vellum {
 namespace {
@@ -88,7 +89,8 @@ ExitCode run(const Options& options) {
 }
 
 /// Nobody sees the error output of a converter that the library started.
-int fail(ExitCode code, const std::string& message, const Options& options) {
+int fail(ExitCode code, const std::string& words, const Options& options) {
+    const std::string message = tools::printable(words);
     std::fputs(("vellum: " + message + "\n").c_str(), stderr);
     // A page that is gone before it was read: the library has cancelled.
     std::error_code ignored;
