@@ -6,6 +6,7 @@ SPDX-License-Identifier: MIT
 import json
 import os
 import pty
+import re
 import threading
 
 from cli_case import IS_A_FOLDER, NO_SUCH_FILE, CliCase, linux_only
@@ -252,3 +253,129 @@ class FailingLines(BatchCase):
         result = self.batch("--set", "A=1")
         self.assertIn(result.code, (1, 2), result)
         self.assertRegex(result.err, r'(?m)^rgen: batch\.ndjson:1:.*"sett".*"set"')
+
+    def test_standard_output_has_room_for_one_report(self):
+        self.write_batch({"output": "-", "set": {"A": "1"}}, {"set": {"A": "1"}})
+        result = self.batch()
+        self.assertEqual((1, b""), (result.code, result.out))
+        self.assertEqual(['rgen: batch.ndjson:1: "output" cannot be standard output, which has room '
+                          "for one report; name the file to write",
+                          'rgen: batch.ndjson:2: "output" is missing; name the file to write',
+                          "rgen: 2 reports: 0 done, 2 failed"], result.messages)
+
+    def test_batches_without_a_report(self):
+        for content in ("", "\n \r\n\t\n", "\ufeff"):
+            with self.subTest(content=content):
+                self.write("batch.ndjson", content)
+                self.expect_error(self.batch(), 2, "rgen: batch.ndjson: there is no report in it; "
+                                  "write one JSON object in each line")
+                document = self.batch("--json").document
+                self.assertEqual((False, 2), (document["ok"], document["error"]["exitCode"]))
+        self.expect_error(self.rgen("report", "-d", "case", "--batch", "-", stdin=b""), 2,
+                          "rgen: standard input: there is no report in it; write one JSON object in "
+                          "each line")
+
+    def test_names_that_end_early(self):
+        """What follows the zero is not cut off: no file of another name appears."""
+        for member in ("output", "data", "lang", "type", "base"):
+            with self.subTest(member=member):
+                self.write_json("q", {"A": "1"})
+                self.write_batch({"output": "a.txt", "set": {"A": "1"}},
+                                 {"output": "b.txt", "set": {"A": "1"}, member: "q\0.txt"})
+                before = self.contents()
+                result = self.batch()
+                self.assertIn(result.code, (1, 2), result)
+                self.assertRegex(result.messages[0], r"^rgen: batch\.ndjson:2: .*(zero character|"
+                                 "Invalid argument|cannot read)")
+                if member == "output":
+                    self.assertEqual((2, before), (result.code, self.contents()))
+                self.assertNotIn("b.txt", self.names())
+
+
+class OutputsThatAreInputs(BatchCase):
+    """Nothing is written then, whichever line reads the file and by whichever name."""
+
+    def expect_refusal(self, *lines, line=1, output="item.json", args=()):
+        self.write_batch(*lines)
+        before = self.contents()
+        result = self.batch(*args)
+        self.expect_error_like(
+            result, 2, rf'^rgen: batch\.ndjson:{line}: .*{re.escape(output)}: reports are made from '
+            'this file, ".+"; name another output$')
+        self.assertEqual(before, self.contents())
+
+    def setUp(self):
+        super().setUp()
+        self.write_json("item.json", {"A": "1"})
+        self.write("de.po", catalogue({"A": "B"}))
+        self.good = {"output": "good.txt", "set": {"A": "1"}}
+
+    def line(self, output="item.json", **members):
+        return {"output": output, "format": "txt", "data": "item.json", **members}
+
+    def test_its_own_data_file(self):
+        for mode in ("file", "bytes"):
+            for output in ("item.json", "./item.json", "case/../item.json"):
+                self.expect_refusal(self.good, self.line(output, mode=mode), line=2, output=output)
+
+    def test_one_of_several_data_files(self):
+        self.write_json("other.json", {"A": "1"})
+        self.expect_refusal(self.line(data=["other.json", "item.json"]))
+
+    def test_the_data_file_of_another_line(self):
+        other = {"output": "item.json", "format": "txt", "set": {"A": "1"}}
+        self.expect_refusal(other, self.line("b.txt"))
+        self.expect_refusal(self.line("b.txt"), other, line=2)
+
+    def test_the_data_file_of_the_command_line(self):
+        self.expect_refusal({"output": "item.json", "format": "txt"}, args=("--data", "item.json"))
+
+    def test_a_data_file_that_does_not_exist_yet(self):
+        self.expect_refusal({"output": "new.json", "format": "txt", "set": {"A": "1"}},
+                            self.line("b.txt", data="new.json"), output="new.json")
+
+    def test_the_batch_file(self):
+        self.expect_refusal(self.line("batch.ndjson"), output="batch.ndjson")
+
+    def test_a_catalogue(self):
+        self.expect_refusal(self.line("de.po", lang="de.po"), output="de.po")
+
+    def test_files_of_the_data_directory(self):
+        self.write("case/.rgen/translations/de.po", catalogue({"A": "B"}))
+        self.write("case/.rgen/acquisition_data.xml", "<data/>")
+        for name in ("config.xml", "templates/txt/acquisition.xsl", "acquisition_data.xml",
+                     "translations/de.po"):
+            output = "case/.rgen/" + name
+            self.expect_refusal(self.line(output), output=output)
+
+    def test_other_names_of_a_data_file(self):
+        os.link(self.folder / "item.json", self.folder / "hard.json")
+        (self.folder / "soft.json").symlink_to("item.json")
+        for name in ("hard.json", "soft.json"):
+            self.expect_refusal(self.line(name), output=name)
+
+    def test_bytes_that_a_value_comes_from(self):
+        """Known when the line is read only: the line fails, the file stays."""
+        self.write("dump.bin", "bytes")
+        self.write_json("item.json", {"A:bytes": "@dump.bin"})
+        self.write_batch(self.good, self.line("dump.bin"))
+        result = self.batch()
+        self.assertEqual(1, result.code, result)
+        self.assertIn("batch.ndjson:2: dump.bin: reports are made from this file", result.err)
+        self.assertEqual(b"bytes", self.read("dump.bin"))
+        self.assertEqual({"A": "1"}, self.listing("good.txt"))
+
+    def test_single_reports(self):
+        before = self.contents()
+        for args, output in ((("--data", "item.json"), "item.json"),
+                             (("--set", "A=1", "--lang", "de.po"), "de.po"),
+                             (("--set", "A=1"), "case/.rgen/config.xml")):
+            result = self.report(*args, "-f", "txt", output=output)
+            self.expect_error_like(result, 2, f"^rgen: {re.escape(output)}: reports are made from "
+                                   'this file, ".+"; name another output$')
+        self.assertEqual(before, self.contents())
+
+    def test_an_older_report_is_no_input(self):
+        for _ in range(2):
+            self.write_batch(self.line("a.txt"), self.line("b.txt"))
+            self.expect_done(self.batch())

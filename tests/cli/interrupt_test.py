@@ -23,13 +23,13 @@ ENDLESS = stylesheet(
 class Interruption(ConversionCase):
 
     def interrupt(self, conversion):
-        """Interrupts, waits for the end of rgen, then lets the converter go."""
+        """Interrupts; the page that goes tells the converter to end, and rgen waits for it."""
         page = conversion.page
         self.assertTrue(page.exists())
         conversion.running.interrupt()
-        result = conversion.running.finish()
-        self.assertFalse(page.exists())
+        wait_for(page, conversion.running, is_gone=True)
         conversion.release()
+        result = conversion.running.finish()
         self.remove_traces(conversion.number)
         return result
 
@@ -69,10 +69,21 @@ class Interruption(ConversionCase):
         given = ("--set", "A=1", "--batch", "batch.ndjson")
         result = self.interrupt(self.convert(*given, output=None))
         self.assertEqual((130, b""), (result.code, result.out), result)
-        self.assertIn("interrupted", result.err)
+        self.assertEqual(["rgen: 3 reports: 1 done, 0 failed, 1 interrupted, 1 not begun",
+                          "rgen: interrupted"], result.messages)
         after = self.contents()
         self.assertEqual(b"[A=1]\n", after.pop("first.txt"))
         self.assertEqual(before, after)
+
+    def test_the_document_of_a_batch_counts_what_was_not_begun(self):
+        self.write("batch.ndjson", "".join(
+            json.dumps({"output": f"{number}." + ("pdf" if number == 2 else "txt")}) + "\n"
+            for number in range(1, 8)))
+        result = self.interrupt(self.convert("--set", "A=1", "--batch", "batch.ndjson", "--json",
+                                             output=None))
+        document = result.document
+        self.assertEqual((130, False, 1, 0, 5), (result.code, document["ok"], document["done"],
+                                                 document["failed"], document["notBegun"]))
 
     def test_a_template_ends_by_the_second_interrupt(self):
         self.put_template(ENDLESS)

@@ -5,7 +5,8 @@ SPDX-License-Identifier: MIT
 
 import shutil
 
-from cli_case import CONVERTER_FOLDER, CliCase, copy_program, converter_name, search_path
+from cli_case import (CONVERTER_FOLDER, CliCase, copy_program, converter_name, from_native,
+                      search_path)
 from cli_converter import WHOLE_PDF, ConversionCase
 
 SET = ("--set", "A=ä & ж")
@@ -66,16 +67,24 @@ class Verification(ConversionCase):
 
 class Arguments(ConversionCase):
 
-    def test_the_page_is_beside_the_report_and_goes(self):
+    def test_the_page_is_beside_the_report_in_a_folder_that_goes(self):
         (self.folder / "Отчёты für 2026").mkdir()
         conversion = self.convert(*SET, output="Отчёты für 2026/Größe 1.pdf")
         folder = self.folder / "Отчёты für 2026"
-        self.assertEqual((folder, folder), (conversion.page.parent, conversion.output.parent))
+        self.assertEqual(conversion.page.parent, conversion.output.parent)
+        self.assertEqual(folder, conversion.page.parent.parent)
+        self.assertRegex(conversion.page.parent.name, r"^rgen\.part-[a-z2-7]{10}$")
         page = conversion.page.read_text(encoding="utf-8")
-        self.assertRegex(conversion.output.name, r"^Größe 1\.part-[0-9A-Za-z]+\.pdf$")
         self.expect_done(conversion.finish(WHOLE_PDF))
         self.assertIn("ä &amp; ж", page)
         self.assertEqual(["Größe 1.pdf"], sorted(path.name for path in folder.iterdir()))
+
+    def test_relative_links_count_from_the_folder_of_the_report(self):
+        (self.folder / "Größe").mkdir()
+        conversion = self.convert(*SET, output="Größe/report.pdf")
+        base = conversion.option("-b")
+        self.expect_done(conversion.finish(WHOLE_PDF))
+        self.assertEqual(self.folder / "Größe", from_native(base, self.folder))
 
     def test_the_base_is_handed_over(self):
         conversion = self.convert(*SET, "--base", "https://example.org/a b/")

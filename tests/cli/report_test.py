@@ -114,8 +114,13 @@ class Delivery(CliCase):
     def test_a_report_through_a_link(self):
         self.write("real.txt", "older")
         (self.folder / "link.txt").symlink_to("real.txt")
-        self.expect_done(self.report("--set", "A=1", output="link.txt"))
-        self.assertEqual(b"[A=1]\n", self.read("link.txt"))
+        for mode in ("file", "bytes"):
+            self.expect_done(self.report("--set", "A=1", "--mode", mode, output="link.txt"))
+            self.assertEqual(b"[A=1]\n", self.read("link.txt"))
+            self.assertFalse((self.folder / "link.txt").is_symlink())
+            self.assertEqual(b"older", self.read("real.txt"))
+            (self.folder / "link.txt").unlink()
+            (self.folder / "link.txt").symlink_to("real.txt")
 
 
 class Refusals(CliCase):

@@ -76,12 +76,14 @@ def unprivileged():
     return command
 
 
-def with_small_files(limit):
-    """The command that starts a program whose files cannot grow beyond that many bytes."""
+def with_small_files(limit, signal_is="ignored"):
+    """The command that starts a program whose files cannot grow beyond that many bytes; the system's
+    signal about it is ignored or has its default action, which ends the program."""
     tools = [shutil.which("env"), shutil.which("prlimit")]
     if None in tools:
         raise unittest.SkipTest("there are no env and prlimit")
-    return [tools[0], "--ignore-signal=XFSZ", tools[1], f"--fsize={limit}:{limit}"]
+    option = {"ignored": "--ignore-signal=XFSZ", "default": "--default-signal=XFSZ"}[signal_is]
+    return [tools[0], option, tools[1], f"--fsize={limit}:{limit}"]
 
 
 class Result:

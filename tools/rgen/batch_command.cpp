@@ -28,6 +28,7 @@ public:
           console_(console),
           surroundings_{generator_, openDataDirectory(arguments.dataDir), console,
                         arguments.values.raw} {
+        surroundings_.inputs.addDataDirectory(surroundings_.directory);
         generator_.setDataDir(surroundings_.directory.folder);
     }
 
@@ -35,6 +36,9 @@ public:
     ExitCode finish(JsonDocument& document) const;
 
 private:
+    std::string placeOf(std::size_t line) const;
+    void requireOtherFiles(const std::vector<std::pair<std::size_t, std::string>>& lines);
+    std::string summary(std::size_t done, std::size_t notBegun) const;
     void runLine(const std::string& text, std::size_t line, std::size_t number, std::size_t all);
     void makeOne(const BatchLine& line, JsonDocument& report);
     void fail(std::size_t line, const std::string& output, const CommandError& error,
@@ -48,8 +52,15 @@ private:
     std::vector<JsonDocument> reports_;
     /// "batch.ndjson:17: item-17.html: ..."
     std::vector<std::string> failures_;
+    /// Number of lines with a report.
+    std::size_t all_ = 0;
+    /// One report was begun and not finished.
     bool interrupted_ = false;
 };
+
+std::string Batch::placeOf(std::size_t line) const {
+    return inputName(arguments_.batch) + ":" + std::to_string(line) + ":";
+}
 
 void Batch::makeOne(const BatchLine& line, JsonDocument& report) {
     std::error_code failure;
@@ -79,7 +90,7 @@ void Batch::fail(std::size_t line, const std::string& output, const CommandError
                  JsonDocument& report) {
     describeFailure(error, report);
     report.set("output", output);
-    const std::string place = inputName(arguments_.batch) + ":" + std::to_string(line) + ":";
+    const std::string place = placeOf(line);
     const std::string text = errorText(error);
     failures_.push_back(text.rfind(place, 0) == 0 ? text : place + " " + text);
 }
@@ -89,7 +100,7 @@ void Batch::runLine(const std::string& text, std::size_t line, std::size_t numbe
     JsonDocument report;
     report.set("line", static_cast<std::int64_t>(line));
     std::string output;
-    console_.beginNotes(inputName(arguments_.batch) + ":" + std::to_string(line) + ": ");
+    console_.beginNotes(placeOf(line) + " ");
     try {
         const BatchLine order = readBatchLine(text, line, arguments_);
         output = order.report.output;
@@ -109,6 +120,34 @@ void Batch::runLine(const std::string& text, std::size_t line, std::size_t numbe
     reports_.push_back(std::move(report));
 }
 
+/// Before anything is written: no report may take the place of what this or another line reads, or
+/// of a file whose name is the beginning of its own.
+void Batch::requireOtherFiles(const std::vector<std::pair<std::size_t, std::string>>& lines) {
+    std::vector<std::pair<std::string, std::string>> outputs;
+    if (arguments_.batch != "-") surroundings_.inputs.add(arguments_.batch);
+    for (const auto& [number, text] : lines) {
+        try {
+            const BatchLine line = readBatchLine(text, number, arguments_);
+            for (const std::string& file : line.values.data)
+                surroundings_.inputs.add(file);
+            if (namesCatalogueFile(line.report.lang)) surroundings_.inputs.add(line.report.lang);
+            outputs.emplace_back(placeOf(number), line.report.output);
+        } catch (const CommandError&) {
+            // The line fails in its turn.
+        }
+    }
+    for (const auto& [place, output] : outputs) {
+        if (output.find('\0') != std::string::npos) {
+            throw usageError(place + " \"output\" has a zero character", "take out \\u0000");
+        }
+        try {
+            requireOtherFile(surroundings_.inputs, output);
+        } catch (const CommandError& error) {
+            throw CommandError(error.exitCode, place + " " + error.what(), error.hint);
+        }
+    }
+}
+
 void Batch::run() {
     const std::string content = readInputFile(arguments_.batch, "check the path given to --batch");
     std::vector<std::pair<std::size_t, std::string>> lines;
@@ -120,6 +159,12 @@ void Batch::run() {
             lines.emplace_back(number, line);
         }
     }
+    if (lines.empty()) {
+        throw usageError(inputName(arguments_.batch) + ": there is no report in it",
+                         "write one JSON object in each line");
+    }
+    requireOtherFiles(lines);
+    all_ = lines.size();
     const InterruptGuard guard;
     try {
         for (std::size_t i = 0; i < lines.size(); ++i)
@@ -130,13 +175,20 @@ void Batch::run() {
     }
 }
 
+std::string Batch::summary(std::size_t done, std::size_t notBegun) const {
+    std::string text = countText(all_, "report") + ": " + std::to_string(done) + " done, " +
+                       std::to_string(failures_.size()) + " failed";
+    if (interrupted_) text += ", 1 interrupted, " + std::to_string(notBegun) + " not begun";
+    return text;
+}
+
 ExitCode Batch::finish(JsonDocument& document) const {
     console_.progress({});
     for (const std::string& failure : failures_)
         console_.errorLine(failure);
     const std::size_t done = reports_.size() - failures_.size();
-    console_.say(countText(reports_.size(), "report") + ": " + std::to_string(done) + " done, " +
-                 std::to_string(failures_.size()) + " failed");
+    const std::size_t notBegun = all_ - reports_.size() - (interrupted_ ? 1 : 0);
+    console_.say(summary(done, notBegun));
     const CommandError interruption(ExitCode::Interrupted, "interrupted");
     if (interrupted_) console_.error(interruption);
     if (interrupted_) {
@@ -147,6 +199,7 @@ ExitCode Batch::finish(JsonDocument& document) const {
     }
     document.set("done", static_cast<std::int64_t>(done));
     document.set("failed", static_cast<std::int64_t>(failures_.size()));
+    document.set("notBegun", static_cast<std::int64_t>(notBegun));
     document.set("reports", reports_);
     if (interrupted_) return ExitCode::Interrupted;
     return failures_.empty() ? ExitCode::Done : ExitCode::Refused;

@@ -36,8 +36,10 @@ public:
         if (!object.is_object()) fail("a JSON object is expected", "write { \"output\": ... }");
         for (const auto& [name, value] : object.items())
             take(name, value);
-        if (line_.report.output.empty() || line_.report.output == "-") {
-            fail("\"output\" is missing", "name the file to write");
+        if (line_.report.output.empty()) fail("\"output\" is missing", "name the file to write");
+        if (line_.report.output == "-") {
+            fail("\"output\" cannot be standard output, which has room for one report",
+                 "name the file to write");
         }
         return std::move(line_);
     }
@@ -64,7 +66,12 @@ private:
 
     std::string textOf(const std::string& name, const Json& value) const {
         if (!value.is_string()) fail("\"" + name + "\" must be a text", "put it in quotes");
-        return value.get<std::string>();
+        std::string text = value.get<std::string>();
+        // The system would end a name there. An output like that ends the whole run.
+        if (name != "output" && text.find('\0') != std::string::npos) {
+            fail("\"" + name + "\" has a zero character", "take out \\u0000");
+        }
+        return text;
     }
 
     static void checkChoice(const LineReader& reader, const std::string& name,

@@ -160,8 +160,7 @@ void Syntax::addReport() {
           "One name/text pair; a value of its name wins");
     addValues(command);
     text(command, "--lang", report.lang, "LANG|FILE.po", "Translate the template's texts");
-    text(command, "--mode", report.mode, "MODE",
-         "How the library delivers: file, bytes, delete-on-close");
+    text(command, "--mode", report.mode, "MODE", "What is delivered: file, bytes, delete-on-close");
     text(command, "--base", report.base, "ARG", "Base of relative links for the pdf converter");
     command.add_flag("--no-convert", report.noConvert, "Write a pdf report unconverted");
     command.add_flag("--show-data", line_.arguments.showData,

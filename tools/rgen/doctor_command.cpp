@@ -42,7 +42,8 @@ public:
         rows_.push_back(std::move(row));
         if (result == Result::Failed) ++failed_;
         if (!arguments_.json) {
-            printData(word + std::string(6 - word.size(), ' ') + name + ": " + text + "\n");
+            printData(word + std::string(6 - word.size(), ' ') + inOneLine(name + ": " + text) +
+                      "\n");
         }
     }
 
@@ -101,8 +102,9 @@ bool makesReport(std::string& found) {
     Request request;
     request.setValues({value});
     request.record.templateGuid = findReportType({folder}, guid).guid;
-    ReportOutput output({folder + "/check.txt", RGEN_OUTPUT_FILE, false});
-    const RgenStatus status = output.generate(generator, request, "txt", "");
+    ReportOutput output({folder + "/check.txt", Delivery::File, false, ""});
+    RgenStatus status = output.generate(generator, request, "txt");
+    if (status >= 0) status = output.prepare();
     if (status < 0) {
         found = generator.statusText(status) + " (" + Generator::statusWord(status) + ")";
         return false;

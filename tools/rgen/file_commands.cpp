@@ -2,6 +2,7 @@
 //
 // SPDX-License-Identifier: MIT
 #include <memory>
+#include <system_error>
 
 #include "commands.h"
 #include "generator.h"
@@ -10,6 +11,7 @@
 #include "report_input.h"
 #include "report_output.h"
 #include "report_run.h"
+#include "safe_files.h"
 #include "xml_content.h"
 #include "xml_documents.h"
 
@@ -70,6 +72,32 @@ void noteDifferences(const ValueSet& wanted, const Generator& generator, const s
     }
 }
 
+CommandError unwritable(const std::string& path, const std::system_error& error) {
+    return {ExitCode::Unverified, "cannot write \"" + path + "\": " + error.code().message(),
+            "check that the folder exists, may be written and has room"};
+}
+
+/// The folder that the library writes a dump to.
+std::unique_ptr<TemporaryFolder> folderFor(const std::string& output, const Generator& generator) {
+    if (output == "-") return std::make_unique<TemporaryFolder>();
+    try {
+        return std::make_unique<TemporaryFolder>(output);
+    } catch (const std::system_error& error) {
+        if (isFullDisk(error.code())) throw unwritable(output, error);
+        throw generator.failure(output, RGEN_E_CREATE_PERSIST,
+                                "check that the folder exists and may be written");
+    }
+}
+
+/// For reading it back before anything is written to the output.
+void writeCopy(const std::string& path, const std::string& bytes) {
+    try {
+        writeNewFile(path, bytes);
+    } catch (const std::system_error& error) {
+        throw unwritable(path, error);
+    }
+}
+
 }  // namespace
 
 ExitCode runDump(const Arguments& arguments, Console& console, JsonDocument& document) {
@@ -82,18 +110,17 @@ ExitCode runDump(const Arguments& arguments, Console& console, JsonDocument& doc
                            "cannot write \"" + output + "\": it is no ordinary file",
                            "write to - and lead standard output there");
     }
-    std::unique_ptr<TemporaryFolder> folder;
-    if (output == "-") folder = std::make_unique<TemporaryFolder>();
-    TemporaryFile file(folder ? folder->file("dump.xml") : temporaryPathBeside(output));
-    const RgenStatus status = generator.dump(inOrder(values), file.path());
+    const std::unique_ptr<TemporaryFolder> folder = folderFor(output, generator);
+    const std::string file = folder->file("dump.xml");
+    const RgenStatus status = generator.dump(inOrder(values), file);
     if (status < 0) {
         throw generator.failure(outputName(output), status,
-                                "check that the folder exists and may be written");
+                                "check that the folder exists, may be written and has room");
     }
     if (output == "-") {
-        printData(readInputFile(file.path(), "try again"));
+        printData(readInputFile(file, "try again"));
     } else {
-        file.renameTo(output);
+        folder->deliver(file, output);
     }
     finish(arguments, values.size(), console, document);
     return ExitCode::Done;
@@ -107,7 +134,7 @@ ExitCode runSimulate(const Arguments& arguments, Console& console, JsonDocument&
     const std::string& output = arguments.report.output;
     const TemporaryFolder folder;
     const std::string copy = folder.file("simulated.xml");
-    writeOutputFile(copy, bytes);
+    writeCopy(copy, bytes);
     noteDifferences(values, generator, copy, console);
     writeOutput(output, bytes);
     finish(arguments, values.size(), console, document);

@@ -21,7 +21,7 @@ constexpr CommandExamples allExamples[] = {
      "  rgen report -d case --data case/acquisition.json -o report.html\n"
      "  rgen report -d case --data case/acquisition.json -o bericht.html --lang de\n\n"
      "Exit codes: 0 done, 1 the library refused, 2 usage, 4 output not verified,\n"
-     "5 surroundings (no data directory, no converter), 130 interrupted\n\n"},
+     "5 surroundings (no data directory, no converter), 130 interrupted, 141 nobody reads\n\n"},
     {"report",
      "Examples:\n"
      "  rgen report -d case --data case/acquisition.json -o report.html\n"

@@ -12,6 +12,8 @@
 #include <vector>
 
 #include "command_error.h"
+#include "input_files.h"
+#include "plain_text.h"
 
 namespace cli {
 namespace {
@@ -33,25 +35,12 @@ std::string wholeStream(std::istream& stream) {
     return content;
 }
 
-/// Length of the UTF-8 sequence at the start of `bytes`, 0 when there is no valid one.
-std::size_t sequenceLength(const unsigned char* bytes, std::size_t available) {
-    const unsigned char first = bytes[0];
-    if (first < 0x80) return 1;
-    const std::size_t length = first >= 0xF0 ? 4 : first >= 0xE0 ? 3 : 2;
-    if (first < 0xC2 || first > 0xF4 || length > available) return 0;
-    const unsigned char lowest = first == 0xE0 ? 0xA0 : first == 0xF0 ? 0x90 : 0x80;
-    const unsigned char highest = first == 0xED ? 0x9F : first == 0xF4 ? 0x8F : 0xBF;
-    if (bytes[1] < lowest || bytes[1] > highest) return 0;
-    for (std::size_t i = 2; i < length; ++i) {
-        if (bytes[i] < 0x80 || bytes[i] > 0xBF) return 0;
-    }
-    return length;
-}
-
 }  // namespace
 
 std::string readInputFile(const std::string& path, const std::string& hint) {
     if (path == "-") return wholeStream(std::cin);
+    // The system would end the name there and open another file.
+    if (path.find('\0') != std::string::npos) throw unreadable(path, EINVAL, hint);
     const std::filesystem::path file = std::filesystem::u8path(path);
     std::error_code ignored;
     if (std::filesystem::is_directory(file, ignored)) throw unreadable(path, EISDIR, hint);
@@ -60,6 +49,7 @@ std::string readInputFile(const std::string& path, const std::string& hint) {
     if (!stream) throw unreadable(path, errno == 0 ? EIO : errno, hint);
     std::string content = wholeStream(stream);
     if (stream.bad()) throw unreadable(path, EIO, hint);
+    filesRead().add(path);
     return content;
 }
 
@@ -87,10 +77,9 @@ std::string placeText(const std::string& file, const TextPosition& position) {
 }
 
 bool isPlainUtf8(const std::string& text) {
-    const auto* bytes = reinterpret_cast<const unsigned char*>(text.data());
     for (std::size_t i = 0; i < text.size();) {
-        const std::size_t length = sequenceLength(bytes + i, text.size() - i);
-        if (length == 0 || bytes[i] == 0) return false;
+        const std::size_t length = tools::sequenceLength(std::string_view(text).substr(i));
+        if (length == 0 || text[i] == '\0') return false;
         i += length;
     }
     return true;

@@ -11,9 +11,10 @@
 #include <set>
 #include <system_error>
 
-#include "child_process.h"
 #include "command_error.h"
 #include "host_system.h"
+#include "input_file.h"
+#include "safe_files.h"
 
 namespace cli {
 namespace {
@@ -25,7 +26,7 @@ struct State {
     bool interrupted = false;
     int guards = 0;
     std::set<std::string> temporaryFiles;
-    std::set<std::string> temporaryFolders;
+    std::set<OwnFolder*> temporaryFolders;
 };
 
 State& state() {
@@ -38,19 +39,9 @@ void removeQuietly(const std::string& path) {
     std::filesystem::remove(std::filesystem::u8path(path), ignored);
 }
 
-void removeFolderQuietly(const std::string& path) {
-    std::error_code ignored;
-    std::filesystem::remove_all(std::filesystem::u8path(path), ignored);
-}
-
-std::string makeFolder() {
-    try {
-        return tools::makePrivateFolder("rgen").u8string();
-    } catch (const std::system_error& error) {
-        throw CommandError(ExitCode::Environment,
-                           "cannot make a temporary folder: " + error.code().message(),
-                           "check the folder that TMPDIR names");
-    }
+/// The folder that the TemporaryFolder without a target is made in.
+std::string systemFolder() {
+    return std::filesystem::temp_directory_path().u8string();
 }
 
 void cancelAll(RgenReportGenerator* generator) {
@@ -70,8 +61,8 @@ void handleInterrupt(bool mustEnd) {
     if (mayEndInOrder) return;
     for (const std::string& path : shared.temporaryFiles)
         removeQuietly(path);
-    for (const std::string& path : shared.temporaryFolders)
-        removeFolderQuietly(path);
+    for (OwnFolder* const folder : shared.temporaryFolders)
+        folder->remove();
     std::fputs("rgen: interrupted\n", stderr);
     std::_Exit(static_cast<int>(ExitCode::Interrupted));
 }
@@ -86,6 +77,11 @@ void listenForInterrupts() {
 void throwIfInterrupted() {
     const std::lock_guard lock(state().mutex);
     if (state().interrupted) throw CommandError(ExitCode::Interrupted, "interrupted");
+}
+
+bool isInterrupted() {
+    const std::lock_guard lock(state().mutex);
+    return state().interrupted;
 }
 
 InterruptGuard::InterruptGuard(RgenReportGenerator* generator) : generator_(generator) {
@@ -137,46 +133,45 @@ void TemporaryFile::keep() {
     state().temporaryFiles.erase(path_);
 }
 
-void TemporaryFile::renameTo(const std::string& finalPath) {
+TemporaryFolder::TemporaryFolder() try : folder_(systemFolder()) {
     const std::lock_guard lock(state().mutex);
-    const std::filesystem::path target = std::filesystem::u8path(finalPath);
-    std::error_code failure;
-    const std::filesystem::file_status old = std::filesystem::status(target, failure);
-    if (std::filesystem::is_regular_file(old)) {
-        std::filesystem::permissions(std::filesystem::u8path(path_), old.permissions(), failure);
-    }
-    std::filesystem::rename(std::filesystem::u8path(path_), target, failure);
-    if (failure) {
-        throw CommandError(ExitCode::Unverified,
-                           "cannot write \"" + finalPath + "\": " + failure.message(),
-                           "check whether the file may be replaced");
-    }
-    state().temporaryFiles.erase(path_);
+    state().temporaryFolders.insert(&folder_);
+} catch (const std::system_error& error) {
+    throw CommandError(ExitCode::Environment,
+                       "cannot make a temporary folder: " + error.code().message(),
+                       "check the folder that TMPDIR names");
 }
 
-TemporaryFolder::TemporaryFolder() : path_(makeFolder()) {
+TemporaryFolder::TemporaryFolder(const std::string& target) : folder_(folderOf(target)) {
     const std::lock_guard lock(state().mutex);
-    state().temporaryFolders.insert(path_);
+    state().temporaryFolders.insert(&folder_);
 }
 
 TemporaryFolder::~TemporaryFolder() {
     const std::lock_guard lock(state().mutex);
-    state().temporaryFolders.erase(path_);
-    removeFolderQuietly(path_);
+    state().temporaryFolders.erase(&folder_);
+    folder_.remove();
 }
 
-std::string TemporaryFolder::file(const std::string& name) const {
-    return (std::filesystem::u8path(path_) / std::filesystem::u8path(name)).u8string();
-}
-
-std::string temporaryPathBeside(const std::string& path) {
-    const std::filesystem::path name = std::filesystem::u8path(path).filename();
-    const std::string folder = path.substr(0, path.size() - name.u8string().size());
-    // Names have at most 255 bytes, and the converter's are longer still.
-    constexpr std::size_t longest = 200;
-    const std::string stem = name.u8string().size() > longest ? "report" : name.stem().u8string();
-    return folder + stem + ".part-" + std::to_string(tools::processNumber()) +
-           name.extension().u8string();
+void TemporaryFolder::deliver(const std::string& file, const std::string& target) const {
+    namespace fs = std::filesystem;
+    const fs::path place = fs::u8path(target);
+    try {
+        flushFile(file);
+        std::error_code ignored;
+        const fs::file_status old = fs::symlink_status(place, ignored);
+        if (fs::is_regular_file(old)) {
+            fs::permissions(fs::u8path(file), old.permissions() & fs::perms(0777), ignored);
+        }
+        // Under the lock: an interruption comes before, or when the file is in its place.
+        const std::lock_guard lock(state().mutex);
+        if (state().interrupted) throw CommandError(ExitCode::Interrupted, "interrupted");
+        fs::rename(fs::u8path(file), place);
+    } catch (const std::system_error& error) {
+        throw CommandError(ExitCode::Unverified,
+                           "cannot write \"" + target + "\": " + error.code().message(),
+                           "check that the file may be replaced and that the disk has room");
+    }
 }
 
 }  // namespace cli

@@ -10,6 +10,7 @@
 #include <string>
 #include <thread>
 
+#include "own_folder.h"
 #include "strata_repgenlib/rgen.h"
 
 namespace cli {
@@ -17,8 +18,9 @@ namespace cli {
 /// Starts to listen; to be called once, before any thread is started.
 void listenForInterrupts();
 
-/// Raises the CommandError of an interruption when there was one.
+/// Throws the CommandError of an interruption when there was one.
 void throwIfInterrupted();
+bool isInterrupted();
 
 /// Marks a stretch that ends in order. With a generator, its generations are cancelled on Ctrl-C.
 class InterruptGuard {
@@ -36,8 +38,7 @@ private:
     std::thread canceller_;
 };
 
-/// A file that is removed when this goes, and when the program is interrupted, unless it was
-/// renamed to its final name before.
+/// A file that is removed when this goes, and when the program is interrupted, unless it is kept.
 class TemporaryFile {
 public:
     /// `path` is UTF-8; the file need not exist yet.
@@ -51,29 +52,32 @@ public:
     /// Lets the file stay.
     void keep();
 
-    /// Gives the file its final name, in place of one that is there. Raises a CommandError.
-    void renameTo(const std::string& finalPath);
-
 private:
     std::string path_;
 };
 
-/// A new folder for temporary files, which goes with everything in it in the same way.
+/// A new folder for files that are not finished, which goes with everything in it in the same way,
+/// or with a later run when the program is killed.
 class TemporaryFolder {
 public:
+    /// In the system's folder for temporary files. Throws a CommandError.
     TemporaryFolder();
+    /// Beside `target`, so that a file in it can take that name in one step. Throws
+    /// std::system_error.
+    explicit TemporaryFolder(const std::string& target);
     ~TemporaryFolder();
     TemporaryFolder(const TemporaryFolder&) = delete;
     TemporaryFolder& operator=(const TemporaryFolder&) = delete;
 
     /// The UTF-8 path of a file in it.
-    std::string file(const std::string& name) const;
+    std::string file(const std::string& name) const { return folder_.file(name); }
+
+    /// Gives a file of this folder its final name, in place of a file or link that is there; the
+    /// rights of an older file stay. Throws a CommandError.
+    void deliver(const std::string& file, const std::string& target) const;
 
 private:
-    std::string path_;
+    OwnFolder folder_;
 };
-
-/// `path` with a mark of this process before its ending: "report.part-4711.html".
-std::string temporaryPathBeside(const std::string& path);
 
 }  // namespace cli

@@ -75,8 +75,9 @@ ExitCode runReport(const Arguments& arguments, Console& console, JsonDocument& d
         return std::chrono::duration<double, std::milli>(Clock::now() - start).count();
     };
     Generator generator;
-    const ReportSurroundings surroundings{generator, openDataDirectory(arguments.dataDir), console,
-                                          arguments.values.raw};
+    ReportSurroundings surroundings{generator, openDataDirectory(arguments.dataDir), console,
+                                    arguments.values.raw};
+    surroundings.inputs.addDataDirectory(surroundings.directory);
     generator.setDataDir(surroundings.directory.folder);
     const ReportType type = findReportType(surroundings.directory, arguments.type);
     const ReportOrder order{type, arguments.report,

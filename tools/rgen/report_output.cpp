@@ -1,17 +1,20 @@
-// The library writes under a temporary name beside the target; the rename at the end makes the
-// report appear. A target that is no ordinary file is left to the library.
+// Everything is written in a folder of rgen's own beside the target; the rename at the end makes
+// the report appear.
 //
 // SPDX-License-Identifier: MIT
 #include "report_output.h"
 
-#include <cerrno>
 #include <filesystem>
 #include <fstream>
+#include <system_error>
 
+#include "child_process.h"
 #include "console.h"
+#include "converter.h"
 #include "host_system.h"
 #include "input_file.h"
 #include "pdf_file.h"
+#include "safe_files.h"
 #include "xml_content.h"
 
 namespace cli {
@@ -19,12 +22,18 @@ namespace {
 
 namespace fs = std::filesystem;
 
-/// The first line that the converter left about its failure.
+/// The first line of a file that has words in it.
 std::string firstLine(const std::string& path) {
     std::ifstream file(fs::u8path(path), std::ios::binary);
-    std::string line;
-    std::getline(file, line);
-    return trimmed(line);
+    for (std::string line; std::getline(file, line);) {
+        if (!trimmed(line).empty()) return trimmed(line);
+    }
+    return {};
+}
+
+CommandError unwritable(const std::string& target, const std::error_code& reason) {
+    return {ExitCode::Unverified, "cannot write \"" + target + "\": " + reason.message(),
+            "check that the folder exists, may be written and has room"};
 }
 
 }  // namespace
@@ -36,103 +45,118 @@ bool isSpecialFile(const std::string& path) {
     return fs::exists(status) && !fs::is_regular_file(status);
 }
 
-ReportOutput::ReportOutput(OutputPlan plan) : plan_(std::move(plan)) {
-    if (plan_.mode == RGEN_OUTPUT_BYTES) return;
-    if (plan_.target == "-") {
-        folder_ = std::make_unique<TemporaryFolder>();
-        path_ = folder_->file("report.pdf");
-    } else if (isSpecialFile(plan_.target)) {
-        path_ = plan_.target;
-    } else {
-        path_ = temporaryPathBeside(plan_.target);
-        file_ = std::make_unique<TemporaryFile>(path_);
-        if (!plan_.converts) return;
-        html_ = std::make_unique<TemporaryFile>(path_ + ".html");
-        errorText_ = std::make_unique<TemporaryFile>(path_ + ".error.txt");
-    }
-}
+ReportOutput::ReportOutput(OutputPlan plan) : plan_(std::move(plan)) {}
 
 RgenStatus ReportOutput::generate(const Generator& generator, Request& request,
-                                  const std::string& format, const std::string& converterBase) {
-    request.setTexts(format, path_, converterBase);
-    request.record.outputMode = plan_.mode;
-    request.record.skipExternalConversion = plan_.converts ? 0 : 1;
+                                  const std::string& format) {
+    request.record.outputMode = RGEN_OUTPUT_BYTES;
+    request.record.skipExternalConversion = 1;
+    if (plan_.delivery == Delivery::DeleteOnClose) {
+        request.record.outputMode = RGEN_OUTPUT_DELETE_ON_CLOSE;
+        // A folder or device in its place is left to the library.
+        path_ = plan_.target;
+        const RgenStatus status = isSpecialFile(path_) ? RGEN_OK : makeFolder("report");
+        if (status < 0) return status;
+    }
+    request.setTexts(format, path_, plan_.converterBase);
     return rgen_generateReport(generator.handle(), &request.record, &result_);
 }
 
-std::uint64_t ReportOutput::deliver() {
-    if (plan_.mode == RGEN_OUTPUT_BYTES) return deliverBytes();
-    if (plan_.mode == RGEN_OUTPUT_DELETE_ON_CLOSE) {
-        return closeDeleteOnCloseFile(result_.value.handleValue);
-    }
-    return deliverFile();
+std::string_view ReportOutput::bytes() const {
+    if (result_.type != RGEN_TYPE_BYTE_ARRAY || result_.value.byteArrayValue.size == 0) return {};
+    const RgenByteArray& array = result_.value.byteArrayValue;
+    return {reinterpret_cast<const char*>(array.data), array.size};
 }
 
-std::uint64_t ReportOutput::deliverBytes() {
-    std::string_view bytes;
-    if (result_.type == RGEN_TYPE_BYTE_ARRAY && result_.value.byteArrayValue.size > 0) {
-        const RgenByteArray& array = result_.value.byteArrayValue;
-        bytes = {reinterpret_cast<const char*>(array.data), array.size};
+RgenStatus ReportOutput::prepare() {
+    const bool isFile = plan_.delivery != Delivery::DeleteOnClose;
+    if (!isFile || (plan_.target == "-" && !plan_.converts)) return RGEN_OK;
+    if (isSpecialFile(plan_.target)) {
+        return plan_.delivery == Delivery::File ? RGEN_E_OVERWRITE_OUTPUT : RGEN_OK;
     }
-    writeOutput(plan_.target, bytes);
-    return bytes.size();
+    const RgenStatus status = makeFolder(plan_.converts ? "report.pdf" : "report");
+    if (status < 0) return status;
+    const std::string written = plan_.converts ? path_ + ".html" : path_;
+    try {
+        writeNewFile(written, bytes());
+    } catch (const std::system_error& error) {
+        throw unwritable(plan_.target, error.code());
+    }
+    return plan_.converts ? convert(written) : RGEN_OK;
 }
 
-std::uint64_t ReportOutput::deliverFile() {
-    if (plan_.converts) verifyPdf();
-    std::error_code failure;
-    const fs::path file = fs::u8path(path_);
-    const std::uint64_t size = fs::file_size(file, failure);
-    if (failure) {
-        throw CommandError(ExitCode::Unverified,
-                           plan_.target + ": the library wrote no file: " + failure.message(),
-                           "check the folder");
+RgenStatus ReportOutput::makeFolder(const std::string& fileName) {
+    try {
+        folder_ = plan_.target == "-" ? std::make_unique<TemporaryFolder>()
+                                      : std::make_unique<TemporaryFolder>(plan_.target);
+    } catch (const std::system_error& error) {
+        if (plan_.delivery != Delivery::Bytes && !isFullDisk(error.code())) {
+            return RGEN_E_CREATE_OUTPUT;
+        }
+        throw unwritable(plan_.target, error.code());
     }
-    const fs::space_info space = fs::space(file, failure);
-    if (!failure && space.available == 0 && !plan_.converts) {
-        throw CommandError(ExitCode::Unverified,
-                           plan_.target + ": the disk is full, the report may be cut",
-                           "make room and try again");
-    }
-    if (plan_.target == "-") {
-        printData(readInputFile(path_, "try again"));
-    } else if (file_) {
-        file_->renameTo(plan_.target);
-    }
-    return size;
+    path_ = folder_->file(fileName);
+    return RGEN_OK;
 }
 
-void ReportOutput::failAsConverted(const std::string& what) const {
-    const std::string reason = firstLine(path_ + ".error.txt");
+RgenStatus ReportOutput::convert(const std::string& page) {
+    Conversion conversion;
+    conversion.page = page;
+    conversion.output = path_;
+    conversion.said = folder_->file("converter.log");
+    // The page is not where the author looks for pictures from.
+    conversion.base = plan_.converterBase;
+    if (conversion.base.empty() && plan_.target != "-") {
+        conversion.base = tools::absolutePath(fs::u8path(folderOf(plan_.target))).u8string();
+    }
+    if (!runConverter(conversion)) return RGEN_E_RUN_EXTERNAL;
+    verifyPdf(conversion.said);
+    return RGEN_OK;
+}
+
+void ReportOutput::failAsConverted(const std::string& what, const std::string& said) const {
+    std::string reason = firstLine(path_ + ".error.txt");
+    if (reason.empty()) reason = firstLine(said);
     throw CommandError(ExitCode::Unverified, plan_.target + ": " + what,
                        reason.empty() ? "run \"rgen doctor\"" : reason);
 }
 
-void ReportOutput::verifyPdf() const {
-    if (!exists(path_)) failAsConverted("the converter made no file");
+void ReportOutput::verifyPdf(const std::string& said) const {
+    if (!exists(path_)) failAsConverted("the converter made no file", said);
     if (!tools::isWholePdf(fs::u8path(path_))) {
-        failAsConverted("the converter's file is not a whole PDF");
+        failAsConverted("the converter's file is not a whole PDF", said);
     }
     // A page about its failure is no report.
-    if (exists(path_ + ".error.txt")) failAsConverted("the converter failed");
+    if (exists(path_ + ".error.txt")) failAsConverted("the converter failed", said);
+}
+
+std::uint64_t ReportOutput::deliver() {
+    if (plan_.delivery == Delivery::DeleteOnClose) {
+        return closeDeleteOnCloseFile(result_.value.handleValue);
+    }
+    std::error_code ignored;
+    const std::uint64_t size =
+        plan_.converts ? fs::file_size(fs::u8path(path_), ignored) : bytes().size();
+    if (plan_.target == "-") {
+        printData(plan_.converts ? std::string_view(readInputFile(path_, "try again")) : bytes());
+    } else if (folder_) {
+        folder_->deliver(path_, plan_.target);
+    } else {
+        writeOutputFile(plan_.target, bytes());
+    }
+    return size;
 }
 
 void writeOutputFile(const std::string& path, std::string_view bytes) {
-    const bool isSpecial = isSpecialFile(path);
-    std::unique_ptr<TemporaryFile> temporary;
-    if (!isSpecial) temporary = std::make_unique<TemporaryFile>(temporaryPathBeside(path));
-    errno = 0;
-    std::ofstream file(fs::u8path(isSpecial ? path : temporary->path()), std::ios::binary);
-    file.write(bytes.data(), static_cast<std::streamsize>(bytes.size()));
-    file.close();
-    if (!file) {
-        const int reason = errno == 0 ? EIO : errno;
-        throw CommandError(
-            ExitCode::Unverified,
-            "cannot write \"" + path + "\": " + std::generic_category().message(reason),
-            "check that the folder exists, may be written and has room");
+    try {
+        if (isSpecialFile(path)) return writeIntoSpecialFile(path, bytes);
+        const TemporaryFolder folder(path);
+        const std::string part = folder.file("output");
+        writeNewFile(part, bytes);
+        folder.deliver(part, path);
+    } catch (const std::system_error& error) {
+        throw unwritable(path, error.code());
     }
-    if (temporary) temporary->renameTo(path);
 }
 
 void writeOutput(const std::string& path, std::string_view bytes) {

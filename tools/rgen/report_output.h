@@ -6,22 +6,36 @@
 #include <cstdint>
 #include <memory>
 #include <string>
+#include <string_view>
 
 #include "generator.h"
 #include "interruption.h"
 
 namespace cli {
 
+/// How --mode delivers.
+enum class Delivery {
+    /// A file that appears whole.
+    File,
+    /// The same, and into pipes and devices.
+    Bytes,
+    /// A file that the library makes and that vanishes when it is closed.
+    DeleteOnClose
+};
+
 struct OutputPlan {
     /// Where the report is to end up; "-" is standard output.
     std::string target;
-    /// One of RgenOutputMode.
-    std::uint64_t mode = RGEN_OUTPUT_FILE;
+    Delivery delivery = Delivery::File;
     /// The report is converted to pdf.
     bool converts = false;
+    /// What the converter gets as the base of relative links.
+    std::string converterBase;
 };
 
-/// One delivery. Whatever goes wrong, no file of it is left, and an older target is as it was.
+/// One delivery. The library returns the bytes, since it does not notice a full disk when it writes
+/// a file itself; every write of rgen is examined. Whatever goes wrong, no file of it is left, and
+/// an older target is as it was.
 class ReportOutput {
 public:
     explicit ReportOutput(OutputPlan plan);
@@ -30,33 +44,34 @@ public:
     ReportOutput& operator=(const ReportOutput&) = delete;
 
     /// Calls the library with a request that lacks nothing but its texts.
-    RgenStatus generate(const Generator& generator, Request& request, const std::string& format,
-                        const std::string& converterBase);
+    RgenStatus generate(const Generator& generator, Request& request, const std::string& format);
 
-    /// Verifies what a successful call has made and brings it to its target; returns its size in
-    /// bytes. Raises a CommandError.
+    /// Writes what a successful call has returned under a temporary name, and converts it. Gives
+    /// the status that the library has for a target that cannot be made or replaced, and for a
+    /// missing converter; throws a CommandError for what the library would not notice.
+    RgenStatus prepare();
+
+    /// Brings a prepared report to its target; returns its size in bytes. Throws a CommandError.
     std::uint64_t deliver();
 
 private:
-    std::uint64_t deliverFile();
-    std::uint64_t deliverBytes();
-    void verifyPdf() const;
-    [[noreturn]] void failAsConverted(const std::string& what) const;
+    std::string_view bytes() const;
+    RgenStatus makeFolder(const std::string& fileName);
+    RgenStatus convert(const std::string& page);
+    void verifyPdf(const std::string& said) const;
+    [[noreturn]] void failAsConverted(const std::string& what, const std::string& said) const;
 
     OutputPlan plan_;
-    /// The path that the library writes.
-    std::string path_;
     std::unique_ptr<TemporaryFolder> folder_;
-    std::unique_ptr<TemporaryFile> file_;
-    std::unique_ptr<TemporaryFile> html_;
-    std::unique_ptr<TemporaryFile> errorText_;
+    /// The finished file in the folder.
+    std::string path_;
     RgenCVariant result_ = {};
 };
 
 /// Tells whether something is at the path that is no ordinary file: a folder, a pipe, a device.
 bool isSpecialFile(const std::string& path);
 
-/// Writes a file in one step; a pipe or device is written as it is. Raises a CommandError.
+/// Writes a file in one step; a pipe or device is written as it is. Throws a CommandError.
 void writeOutputFile(const std::string& path, std::string_view bytes);
 
 /// Writes to standard output for "-", otherwise as writeOutputFile.

@@ -71,13 +71,11 @@ std::string formatOf(const ReportArguments& arguments) {
 OutputPlan planOf(const ReportArguments& arguments, const std::string& format) {
     OutputPlan plan;
     plan.target = arguments.output;
+    plan.converterBase = arguments.base;
+    if (arguments.mode == "bytes") plan.delivery = Delivery::Bytes;
+    if (arguments.mode == "delete-on-close") plan.delivery = Delivery::DeleteOnClose;
     const bool isPdf = format == "pdf" && !arguments.noConvert;
-    if (arguments.mode == "bytes" || (arguments.output == "-" && !isPdf)) {
-        plan.mode = RGEN_OUTPUT_BYTES;
-    } else if (arguments.mode == "delete-on-close") {
-        plan.mode = RGEN_OUTPUT_DELETE_ON_CLOSE;
-    }
-    plan.converts = isPdf && plan.mode == RGEN_OUTPUT_FILE;
+    plan.converts = isPdf && plan.delivery == Delivery::File;
     if (isPdf && !plan.converts) {
         throw usageErrorOf("report", "--mode " + arguments.mode + " does not convert to pdf",
                            "give --no-convert to get the page itself");
@@ -93,8 +91,7 @@ OutputPlan planOf(const ReportArguments& arguments, const std::string& format) {
 /// The catalogue that --lang names; empty without it.
 std::string chosenCatalogue(const ReportSurroundings& surroundings, const ReportOrder& order) {
     const std::string& lang = order.arguments.lang;
-    const bool isFile = fs::u8path(lang).extension() == ".po" || fs::u8path(lang).has_parent_path();
-    if (lang.empty() || isFile) return lang;
+    if (lang.empty() || namesCatalogueFile(lang)) return lang;
     std::string path = cataloguePath(surroundings.directory, order.type, lang);
     if (!path.empty()) return path;
     const std::string languages = joined(catalogueLanguages(surroundings.directory, order.type));
@@ -161,7 +158,7 @@ RgenStatus callLibrary(const ReportSurroundings& surroundings, const ReportOrder
     request.setPairs(inOrder(order.input.pairs));
     request.record.templateGuid = order.type.guid;
     try {
-        return output.generate(surroundings.generator, request, format, order.arguments.base);
+        return output.generate(surroundings.generator, request, format);
     } catch (const std::bad_alloc&) {
         throw;
     } catch (const std::exception& exception) {
@@ -211,6 +208,18 @@ std::string outputName(const std::string& output) {
     return output == "-" ? "standard output" : output;
 }
 
+bool namesCatalogueFile(const std::string& lang) {
+    const fs::path path = fs::u8path(lang);
+    return path.extension() == ".po" || path.has_parent_path();
+}
+
+void requireOtherFile(const InputFiles& inputs, const std::string& output) {
+    const auto input = inputs.find(output);
+    if (!input) return;
+    throw usageError(output + ": reports are made from this file, \"" + *input + "\"",
+                     "name another output");
+}
+
 std::string millisecondsText(double milliseconds) {
     char text[32] = {};
     std::snprintf(text, sizeof text, "%.1f ms", milliseconds);
@@ -223,14 +232,17 @@ ReportOutcome makeReport(const ReportSurroundings& surroundings, const ReportOrd
     outcome.values = numberOfNames(order.input);
     const std::string catalogue = chosenCatalogue(surroundings, order);
     const TranslationScope translation(surroundings.generator, catalogue, surroundings.raw);
+    requireOtherFile(surroundings.inputs, order.arguments.output);
+    requireOtherFile(filesRead(), order.arguments.output);
     noteDamage(surroundings, order.type);
     const InterruptGuard guard(surroundings.generator.handle());
     throwIfInterrupted();
 
     const Clock::time_point start = Clock::now();
     ReportOutput output(planOf(order.arguments, outcome.format));
-    const RgenStatus status = callLibrary(surroundings, order, output, outcome.format);
+    RgenStatus status = callLibrary(surroundings, order, output, outcome.format);
     throwIfInterrupted();
+    if (status >= 0) status = output.prepare();
     if (status < 0) fail(status, surroundings, order, outcome.format);
     outcome.generateMilliseconds = millisecondsSince(start);
 

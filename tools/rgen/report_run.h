@@ -10,6 +10,7 @@
 
 #include "arguments.h"
 #include "generator.h"
+#include "input_files.h"
 #include "report_input.h"
 #include "report_type.h"
 
@@ -25,6 +26,8 @@ struct ReportSurroundings {
     Console& console;
     /// Translations are taken as they are.
     bool raw = false;
+    /// What no report may be written over, besides the files that were read for it.
+    InputFiles inputs = {};
 };
 
 /// What a report is made from.
@@ -44,7 +47,7 @@ struct ReportOutcome {
     double deliverMilliseconds = 0;
 };
 
-/// Makes a report. Raises a CommandError, after which neither a new nor a temporary file is left.
+/// Makes a report. Throws a CommandError, after which neither a new nor a temporary file is left.
 ReportOutcome makeReport(const ReportSurroundings& surroundings, const ReportOrder& order);
 
 /// Adds what --json tells of a report.
@@ -56,6 +59,12 @@ std::string countText(std::uint64_t count, const std::string& word);
 
 /// "12.3 ms".
 std::string millisecondsText(double milliseconds);
+
+/// Tells whether --lang names a file and no language.
+bool namesCatalogueFile(const std::string& lang);
+
+/// Refuses an output that is a file which reports are made from. Throws a CommandError.
+void requireOtherFile(const InputFiles& inputs, const std::string& output);
 
 /// "report.html", or "standard output" for "-".
 std::string outputName(const std::string& output);

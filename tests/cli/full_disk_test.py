@@ -1,0 +1,157 @@
+"""Disks and files without room: nothing is said to be done that is not, and an older report stays.
+
+A nearly full ext4 takes the first blocks of a report, a nearly full tmpfs as well; a limit of size
+cuts at its own place. The converter must not get half a page.
+
+SPDX-License-Identifier: MIT
+"""
+
+import json
+import os
+
+import small_disks
+from cli_case import linux_only, with_small_files
+from cli_converter import ConversionCase
+from cli_templates import LISTING, PAGE
+
+LARGE = "x" * 120_000
+ROOM = 40_960
+LIMIT = 65_536
+
+
+class WithoutRoom(ConversionCase):
+
+    def setUp(self):
+        super().setUp()
+        for format_name, template in (("txt", LISTING), ("html", PAGE), ("pdf", PAGE)):
+            self.put_template(template, format_name)
+        self.write_json("large.json", {"A": LARGE})
+
+    def expect_no_report(self, place, *args, prefix=()):
+        """Every format and way of delivery fails and leaves the older file."""
+        for name, *mode in (("o.txt",), ("o.html",), ("o.pdf",), ("o.txt", "--mode", "bytes"),
+                            ("o.pdf", "--no-convert")):
+            with self.subTest(name=name, mode=mode):
+                output = f"{place}/{name}"
+                self.write(output, "older")
+                before = self.contents()
+                result = self.report("--data", "large.json", *mode, *args, output=output,
+                                     prefix=prefix,
+                                     env=self.converter_environment(("mark", "converter ran")))
+                (self.folder / "converter.control").unlink()
+                self.expect_error_like(result, 4, f'^rgen: cannot write "{output}": .+; .+$')
+                self.assertEqual(before, self.contents())
+
+    def expect_no_other_file(self, place, prefix=()):
+        for command in ("dump", "simulate"):
+            with self.subTest(command=command):
+                self.write(f"{place}/o.xml", "older")
+                before = self.contents()
+                result = self.rgen(command, "--data", "large.json", "-o", f"{place}/o.xml",
+                                   prefix=prefix)
+                self.assertIn((result.code, result.out), ((1, b""), (4, b"")), result)
+                self.assertEqual(1, len(result.messages), result)
+                self.assertEqual(before, self.contents())
+
+    def expect_no_line(self, place, prefix=()):
+        """In a batch the small report is made and the large ones fail."""
+        lines = [{"output": f"{place}/small.txt", "set": {"A": "1"}},
+                 *({"output": f"{place}/{name}", "data": "large.json", "mode": mode}
+                   for name, mode in (("a.txt", "file"), ("b.txt", "bytes"), ("c.html", "file"),
+                                      ("d.pdf", "file")))]
+        for line in lines:
+            self.write(line["output"], "older")
+        self.write("batch.ndjson", "".join(json.dumps(line) + "\n" for line in lines))
+        result = self.rgen("report", "-d", "case", "--batch", "batch.ndjson", "--json",
+                           prefix=prefix,
+                           env=self.converter_environment(("mark", "converter ran")))
+        document = result.document
+        self.assertEqual((1, 1, 4), (result.code, document["done"], document["failed"]), result)
+        self.assertEqual([4] * 4, [report["error"]["exitCode"]
+                                   for report in document["reports"][1:]])
+        self.assertEqual(b"[A=1]\n", self.read(lines[0]["output"]))
+        for line in lines[1:]:
+            self.assertEqual(b"older", self.read(line["output"]))
+        self.assertNotIn("converter ran", self.names())
+
+    def expect_cut_output_is_noticed(self, place, prefix=()):
+        """Standard output that is a file there."""
+        for name in ("txt", "html"):
+            with self.subTest(name=name):
+                path = self.folder / place / "standard output"
+                result = self.report("--data", "large.json", "-f", name, output="-", prefix=prefix,
+                                     stdout=os.open(path, os.O_CREAT | os.O_WRONLY))
+                path.unlink()
+                self.expect_error_like(result, 4, "^rgen: cannot write standard output: .+; .+$")
+
+    def expect_nothing(self, place, prefix=()):
+        self.expect_no_report(place, prefix=prefix)
+        self.expect_no_other_file(place, prefix)
+        self.expect_no_line(place, prefix)
+        self.expect_cut_output_is_noticed(place, prefix)
+
+
+class FullDisks(WithoutRoom):
+
+    def mounted(self, kind, free=ROOM):
+        """A folder on a nearly full file system of its own."""
+        self.addCleanup(small_disks.mount(kind, self.folder / "disk", 2 * 1024 * 1024))
+        for name in ("o.txt", "o.html", "o.pdf", "o.xml", "small.txt", "a.txt", "b.txt", "c.html",
+                     "d.pdf"):
+            self.write(f"disk/{name}", "older")
+        small_disks.fill(self.folder / "disk", free)
+
+    def names(self):
+        return [name for name in super().names() if "lost+found" not in name]
+
+    def contents(self):
+        return {name: content for name, content in super().contents().items()
+                if name not in ("disk/filler", "disk.img")}
+
+    def test_a_nearly_full_ext4(self):
+        self.mounted("ext4")
+        self.expect_nothing("disk")
+
+    def test_a_nearly_full_tmpfs(self):
+        self.mounted("tmpfs")
+        self.expect_nothing("disk")
+
+    def test_not_even_room_for_a_folder(self):
+        self.mounted("ext4", free=0)
+        self.expect_no_report("disk")
+
+    def test_what_has_room_is_delivered(self):
+        self.mounted("ext4", free=400_000)
+        for name in ("o.txt", "o.html"):
+            self.expect_done(self.report("--data", "large.json", output=f"disk/{name}"))
+            self.assertIn(LARGE.encode(), self.read(f"disk/{name}"))
+
+
+class LimitedFiles(WithoutRoom):
+
+    def setUp(self):
+        super().setUp()
+        (self.folder / "out").mkdir()
+
+    def test_the_signal_is_ignored(self):
+        self.expect_nothing("out", with_small_files(LIMIT))
+
+    @linux_only
+    def test_the_signal_would_end_the_program(self):
+        """rgen ignores it; under Wine the default action ends Wine itself."""
+        self.expect_nothing("out", with_small_files(LIMIT, "default"))
+
+    def test_a_limit_at_every_place_of_the_report(self):
+        """Also one that cuts nothing but the last byte, and none."""
+        self.write_json("large.json", {"A": "x" * 5000})
+        whole = len("[A=" + "x" * 5000 + "]\n")
+        for limit in (1, 4096, whole - 1):
+            with self.subTest(limit=limit):
+                self.write("out/o.txt", "older")
+                result = self.report("--data", "large.json", output="out/o.txt",
+                                     prefix=with_small_files(limit))
+                self.assertEqual(4, result.code, result)
+                self.assertEqual(b"older", self.read("out/o.txt"))
+        self.expect_done(self.report("--data", "large.json", output="out/o.txt",
+                                     prefix=with_small_files(whole)))
+        self.assertEqual(whole, len(self.read("out/o.txt")))

@@ -1,0 +1,66 @@
+// A file is known by its place, and by its identity when it exists.
+//
+// SPDX-License-Identifier: MIT
+#include "input_files.h"
+
+#include <filesystem>
+#include <system_error>
+
+#include "command_error.h"
+#include "report_output.h"
+#include "report_type.h"
+#include "safe_files.h"
+
+namespace cli {
+namespace {
+
+namespace fs = std::filesystem;
+
+std::string placeOf(const std::string& path) {
+    std::error_code failure;
+    const fs::path place = fs::weakly_canonical(fs::absolute(fs::u8path(path)), failure);
+    return "place " + (failure ? path : place.u8string());
+}
+
+}  // namespace
+
+void InputFiles::add(const std::string& path) {
+    names_.emplace(placeOf(path), path);
+    const auto identity = fileIdentity(path);
+    if (identity) names_.emplace("identity " + *identity, path);
+}
+
+void InputFiles::addDataDirectory(const DataDirectory& directory) {
+    add(directory.configPath());
+    for (const char* const folder : {"templates", "translations"}) {
+        std::error_code failure;
+        const fs::path place = fs::u8path(directory.path(folder));
+        for (fs::recursive_directory_iterator entry(place, failure), end; !failure && entry != end;
+             entry.increment(failure)) {
+            std::error_code ignored;
+            if (entry->is_regular_file(ignored)) add(entry->path().u8string());
+        }
+    }
+    try {
+        for (const ReportType& type : reportTypes(directory))
+            add(directory.path(type.persistDataFile));
+    } catch (const CommandError&) {
+        // The command itself says what is wrong with the configuration.
+    }
+}
+
+std::optional<std::string> InputFiles::find(const std::string& path) const {
+    if (path == "-" || isSpecialFile(path)) return std::nullopt;
+    auto found = names_.find(placeOf(path));
+    const auto identity = fileIdentity(path);
+    if (found == names_.end() && identity) found = names_.find("identity " + *identity);
+    if (found == names_.end()) return std::nullopt;
+    return found->second;
+}
+
+InputFiles& filesRead() {
+    static InputFiles files;
+    return files;
+}
+
+}  // namespace cli

@@ -1,0 +1,34 @@
+// Which files a run reads, so that it does not write over them.
+//
+// SPDX-License-Identifier: MIT
+#pragma once
+
+#include <map>
+#include <optional>
+#include <string>
+
+namespace cli {
+
+struct DataDirectory;
+
+/// A set of files, each known by all of its names: other spellings, symbolic and hard links.
+class InputFiles {
+public:
+    /// The file need not exist.
+    void add(const std::string& path);
+
+    /// Configuration, templates, translations and persistent data.
+    void addDataDirectory(const DataDirectory& directory);
+
+    /// The name under which the file at `path` was added, if it was. Pipes and devices never are.
+    std::optional<std::string> find(const std::string& path) const;
+
+private:
+    /// Places and identities, each with the name.
+    std::map<std::string, std::string> names_;
+};
+
+/// The files that readInputFile has read.
+InputFiles& filesRead();
+
+}  // namespace cli

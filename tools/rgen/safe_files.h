@@ -1,0 +1,63 @@
+// Files that are written where other users may write, too: nothing that somebody has planted under
+// their names is opened, and every error of the system is reported. safe_files_posix.cpp and
+// safe_files_windows.cpp are the two sources behind it. Paths are UTF-8; failures are thrown as
+// std::system_error.
+//
+// SPDX-License-Identifier: MIT
+#pragma once
+
+#include <memory>
+#include <optional>
+#include <string>
+#include <string_view>
+#include <system_error>
+
+namespace cli {
+
+/// Makes a folder that nobody else may enter; false when something has the name already.
+bool makeOwnFolder(const std::string& path);
+
+/// Tells whether a folder of this user is at the path itself, not a link to one.
+bool isOwnFolder(const std::string& path);
+
+/// Writes a new file up to the disk. Fails when anything is at the path, a link included.
+void writeNewFile(const std::string& path, std::string_view bytes);
+
+/// Brings what another program or the library has written up to the disk.
+void flushFile(const std::string& path);
+
+/// Writes into something that is there and is no ordinary file: a pipe or a device.
+void writeIntoSpecialFile(const std::string& path, std::string_view bytes);
+
+/// Tells whether a failure means that there is no room: a full disk, a quota, a limit of size.
+bool isFullDisk(const std::error_code& failure);
+
+/// What all names of one existing file have in common; nothing when it cannot be told.
+std::optional<std::string> fileIdentity(const std::string& path);
+
+/// The lock of a folder of temporary files. The system releases it when the process ends, in
+/// whatever way; so a folder whose lock can be taken over has no owner any more.
+class FolderLock {
+public:
+    /// Locks a folder that was just made. Null when another run took it for an abandoned one. On a
+    /// file system without locks the folder has none, and is never taken for abandoned.
+    static std::unique_ptr<FolderLock> make(const std::string& folder);
+
+    /// Takes the lock of a folder whose owner has ended. Null when the owner lives, or when there
+    /// is no lock.
+    static std::unique_ptr<FolderLock> takeOver(const std::string& folder);
+
+    ~FolderLock();
+    FolderLock(const FolderLock&) = delete;
+    FolderLock& operator=(const FolderLock&) = delete;
+
+private:
+    struct State;
+    explicit FolderLock(std::unique_ptr<State> state);
+    std::unique_ptr<State> state_;
+};
+
+/// The file in a folder that is locked.
+inline constexpr const char* lockFileName = "lock";
+
+}  // namespace cli

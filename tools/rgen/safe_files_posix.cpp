@@ -1,0 +1,170 @@
+// Safe files on Linux.
+//
+// SPDX-License-Identifier: MIT
+#include "safe_files.h"
+
+#include <fcntl.h>
+#include <sys/file.h>
+#include <sys/stat.h>
+#include <unistd.h>
+
+#include <cerrno>
+#include <system_error>
+
+namespace cli {
+
+struct FolderLock::State {
+    /// -1 where the file system has no locks.
+    int file = -1;
+
+    ~State() {
+        if (file >= 0) close(file);
+    }
+};
+
+namespace {
+
+[[noreturn]] void fail(const std::string& path, int reason) {
+    throw std::system_error(reason, std::generic_category(), path);
+}
+
+std::string lockPath(const std::string& folder) {
+    return folder + "/" + lockFileName;
+}
+
+/// A descriptor that is closed, and whose closing may fail like a write.
+class File {
+public:
+    File(const std::string& path, int flags, mode_t mode = 0)
+        : path_(path), descriptor_(open(path.c_str(), flags | O_CLOEXEC | O_NOCTTY, mode)) {
+        if (descriptor_ < 0) fail(path_, errno);
+    }
+    ~File() {
+        if (descriptor_ >= 0) close(descriptor_);
+    }
+    File(const File&) = delete;
+    File& operator=(const File&) = delete;
+
+    bool isOrdinary() const {
+        struct stat facts = {};
+        return fstat(descriptor_, &facts) == 0 && S_ISREG(facts.st_mode);
+    }
+
+    void write(std::string_view bytes) const {
+        while (!bytes.empty()) {
+            const ssize_t size = ::write(descriptor_, bytes.data(), bytes.size());
+            if (size < 0 && errno == EINTR) continue;
+            if (size <= 0) fail(path_, size < 0 ? errno : ENOSPC);
+            bytes.remove_prefix(static_cast<std::size_t>(size));
+        }
+    }
+
+    /// Quotas and network file systems report some failures here only.
+    void flush() const {
+        while (fsync(descriptor_) != 0) {
+            const bool isWithoutDisk = errno == EINVAL || errno == ENOTSUP || errno == ENOSYS;
+            if (isWithoutDisk) return;
+            if (errno != EINTR) fail(path_, errno);
+        }
+    }
+
+    void finish() {
+        const int descriptor = descriptor_;
+        descriptor_ = -1;
+        if (close(descriptor) != 0 && errno != EINTR) fail(path_, errno);
+    }
+
+private:
+    const std::string path_;
+    int descriptor_;
+};
+
+/// Locks without waiting. 0, or the reason why not.
+int lockNow(int file) {
+    while (flock(file, LOCK_EX | LOCK_NB) != 0) {
+        if (errno != EINTR) return errno;
+    }
+    return 0;
+}
+
+bool hasName(int file) {
+    struct stat facts = {};
+    return fstat(file, &facts) == 0 && facts.st_nlink > 0;
+}
+
+}  // namespace
+
+bool makeOwnFolder(const std::string& path) {
+    if (mkdir(path.c_str(), S_IRWXU) == 0) return true;
+    if (errno == EEXIST) return false;
+    fail(path, errno);
+}
+
+bool isOwnFolder(const std::string& path) {
+    struct stat facts = {};
+    return lstat(path.c_str(), &facts) == 0 && S_ISDIR(facts.st_mode) && facts.st_uid == geteuid();
+}
+
+void writeNewFile(const std::string& path, std::string_view bytes) {
+    constexpr mode_t asTheMaskSays = 0666;
+    File file(path, O_WRONLY | O_CREAT | O_EXCL | O_NOFOLLOW, asTheMaskSays);
+    file.write(bytes);
+    file.flush();
+    file.finish();
+}
+
+void flushFile(const std::string& path) {
+    File file(path, O_RDONLY | O_NOFOLLOW);
+    file.flush();
+    file.finish();
+}
+
+void writeIntoSpecialFile(const std::string& path, std::string_view bytes) {
+    File file(path, O_WRONLY);
+    // An ordinary file that has come in its place would be cut by a failure.
+    if (file.isOrdinary()) fail(path, EEXIST);
+    file.write(bytes);
+    file.finish();
+}
+
+bool isFullDisk(const std::error_code& failure) {
+    const int reason = failure.value();
+    return reason == ENOSPC || reason == EDQUOT || reason == EFBIG;
+}
+
+std::optional<std::string> fileIdentity(const std::string& path) {
+    struct stat facts = {};
+    if (stat(path.c_str(), &facts) != 0) return std::nullopt;
+    return std::to_string(facts.st_dev) + ":" + std::to_string(facts.st_ino);
+}
+
+FolderLock::FolderLock(std::unique_ptr<State> state) : state_(std::move(state)) {}
+
+FolderLock::~FolderLock() = default;
+
+std::unique_ptr<FolderLock> FolderLock::make(const std::string& folder) {
+    auto state = std::make_unique<State>();
+    const std::string path = lockPath(folder);
+    state->file =
+        open(path.c_str(), O_RDWR | O_CREAT | O_EXCL | O_NOFOLLOW | O_CLOEXEC, S_IRUSR | S_IWUSR);
+    if (state->file < 0 && errno == ENOENT) return nullptr;
+    if (state->file < 0) fail(path, errno);
+    const int reason = lockNow(state->file);
+    const bool isTaken = reason == EWOULDBLOCK || (reason == 0 && !hasName(state->file));
+    if (isTaken) return nullptr;
+    if (reason != 0) {
+        unlink(path.c_str());
+        close(state->file);
+        state->file = -1;
+    }
+    return std::unique_ptr<FolderLock>(new FolderLock(std::move(state)));
+}
+
+std::unique_ptr<FolderLock> FolderLock::takeOver(const std::string& folder) {
+    auto state = std::make_unique<State>();
+    state->file = open(lockPath(folder).c_str(), O_RDWR | O_NOFOLLOW | O_CLOEXEC | O_NONBLOCK);
+    if (state->file < 0 || lockNow(state->file) != 0 || !hasName(state->file)) return nullptr;
+    return std::unique_ptr<FolderLock>(new FolderLock(std::move(state)));
+}
+
+}  // namespace cli
