@@ -4,11 +4,12 @@
 #include "safe_files.h"
 
 #include <fcntl.h>
-#include <sys/file.h>
 #include <sys/stat.h>
 #include <unistd.h>
 
 #include <cerrno>
+#include <mutex>
+#include <set>
 #include <system_error>
 
 namespace cli {
@@ -16,10 +17,10 @@ namespace cli {
 struct FolderLock::State {
     /// -1 where the file system has no locks.
     int file = -1;
+    /// Set for the folder of a lock that was made here.
+    std::string ownFolder;
 
-    ~State() {
-        if (file >= 0) close(file);
-    }
+    ~State();
 };
 
 namespace {
@@ -79,12 +80,41 @@ private:
     int descriptor_;
 };
 
-/// Locks without waiting. 0, or the reason why not.
+/// Locks without waiting. 0, or the reason why not. The lock belongs to this process alone: one of
+/// the other kind would live on in a child that is about to start a program.
 int lockNow(int file) {
-    while (flock(file, LOCK_EX | LOCK_NB) != 0) {
-        if (errno != EINTR) return errno;
+    struct flock whole = {};
+    whole.l_type = F_WRLCK;
+    whole.l_whence = SEEK_SET;
+    while (fcntl(file, F_SETLK, &whole) != 0) {
+        if (errno != EINTR) return errno == EACCES ? EAGAIN : errno;
     }
     return 0;
+}
+
+/// The identities of the folders that this process has locked. A lock does not keep the process
+/// itself out, and opening and closing the file once more would release it.
+struct OwnFolders {
+    std::mutex mutex;
+    std::set<std::string> identities;
+};
+
+OwnFolders& ownFolders() {
+    static OwnFolders& folders = *new OwnFolders;
+    return folders;
+}
+
+bool isLockedHere(const std::string& folder) {
+    const auto identity = fileIdentity(folder);
+    const std::lock_guard lock(ownFolders().mutex);
+    return identity && ownFolders().identities.count(*identity) > 0;
+}
+
+std::string markLocked(const std::string& folder) {
+    const std::string identity = fileIdentity(folder).value_or("");
+    const std::lock_guard lock(ownFolders().mutex);
+    ownFolders().identities.insert(identity);
+    return identity;
 }
 
 bool hasName(int file) {
@@ -138,6 +168,12 @@ std::optional<std::string> fileIdentity(const std::string& path) {
     return std::to_string(facts.st_dev) + ":" + std::to_string(facts.st_ino);
 }
 
+FolderLock::State::~State() {
+    if (file >= 0) close(file);
+    const std::lock_guard lock(ownFolders().mutex);
+    ownFolders().identities.erase(ownFolder);
+}
+
 FolderLock::FolderLock(std::unique_ptr<State> state) : state_(std::move(state)) {}
 
 FolderLock::~FolderLock() = default;
@@ -150,17 +186,19 @@ std::unique_ptr<FolderLock> FolderLock::make(const std::string& folder) {
     if (state->file < 0 && errno == ENOENT) return nullptr;
     if (state->file < 0) fail(path, errno);
     const int reason = lockNow(state->file);
-    const bool isTaken = reason == EWOULDBLOCK || (reason == 0 && !hasName(state->file));
+    const bool isTaken = reason == EAGAIN || (reason == 0 && !hasName(state->file));
     if (isTaken) return nullptr;
     if (reason != 0) {
         unlink(path.c_str());
         close(state->file);
         state->file = -1;
     }
+    state->ownFolder = markLocked(folder);
     return std::unique_ptr<FolderLock>(new FolderLock(std::move(state)));
 }
 
 std::unique_ptr<FolderLock> FolderLock::takeOver(const std::string& folder) {
+    if (isLockedHere(folder)) return nullptr;
     auto state = std::make_unique<State>();
     state->file = open(lockPath(folder).c_str(), O_RDWR | O_NOFOLLOW | O_CLOEXEC | O_NONBLOCK);
     if (state->file < 0 || lockNow(state->file) != 0 || !hasName(state->file)) return nullptr;
