@@ -123,7 +123,7 @@ class Writing(PersistCase):
         self.assertEqual(before, self.contents())
 
     def test_quiet(self):
-        result = self.persist("set", "-q", "A= x ", "Empty=")
+        result = self.persist("set", "-q", "A= x ", "B=\x01")
         self.assertEqual((0, b"", ""), (result.code, result.out, result.err))
 
 
@@ -175,8 +175,27 @@ class WhatTheLibraryDoesNotKeep(PersistCase):
         self.assertIn('" Name "', result.notes[0])
         self.assertEqual({"Name": "x", "Other": "1"}, self.stored())
 
-    def test_empty_texts_are_dropped(self):
-        result = self.persist("set", "Empty=", "Full=1", "More=2")
+    def test_set_takes_no_empty_text(self):
+        """It would remove the value that is there, which is what unset says that it does."""
+        self.store("Empty=old", "Full=1")
+        self.write("nothing", "")
+        before = self.contents()
+        for value in ("Empty=", "Empty= \n", "Empty:bytes=", "Empty:bytes=@nothing", " Empty ="):
+            with self.subTest(value=value):
+                self.expect_error_like(
+                    self.persist("set", "More=2", value), 2,
+                    '^(rgen: note: .*)?rgen: "Empty": persistent data keeps no empty text; remove '
+                    'the value with: rgen persist unset "Empty"$')
+                self.assertEqual(before, self.contents())
+        self.expect_error_like(self.persist("set", "--raw", "Empty=&#32;&#9;"), 2, "unset")
+        self.write_json("data.json", {"Empty": "", "More": 2})
+        self.expect_error_like(self.persist("set", "--data", "data.json"), 2, "unset")
+        self.expect_done(self.persist("unset", "Empty"))
+        self.assertEqual({"Full": "1"}, self.stored())
+
+    def test_replace_drops_empty_texts(self):
+        self.store("Empty=old")
+        result = self.persist("replace", "Empty=", "Full=1", "More=2")
         self.expect_notes(result, '"Empty": the library stores no value without a text')
         self.assertEqual(["rgen: 2 values stored"], result.messages)
         self.assertEqual({"Full": "1", "More": "2"}, self.stored())
@@ -201,7 +220,8 @@ class WhatTheLibraryCannotKeep(PersistCase):
         self.store("Other=AT&T")
         for raw in ((), ("--raw",)):
             result = self.persist("set", *raw, "A=\ufffex\uffff", "N\ufffe=1", "B=\uffef")
-            self.expect_notes(result, '"A": U+FFFE and U+FFFF are stored as U+FFFD',
+            self.expect_notes(result, '"A": characters that XML cannot hold, such as U+FFFE, are '
+                              "stored as U+FFFD",
                               '"N\ufffe": the library stored it as "N\ufffd"')
             self.assertEqual({"A": "\ufffdx\ufffd", "B": "\uffef", "N\ufffd": "1",
                               "Other": "AT&T"}, self.stored())

@@ -3,6 +3,8 @@
 SPDX-License-Identifier: MIT
 """
 
+from xml.etree import ElementTree
+
 from cli_case import IS_A_FOLDER, NO_ACCESS, NO_SUCH_FILE, CliCase, linux_only, unprivileged
 from cli_templates import catalogue, marked, stylesheet
 
@@ -184,6 +186,80 @@ class MarkupInTranslations(TranslationCase):
 
     def test_raw_translations_are_xml_content(self):
         self.assertEqual("A & B €", self.text_with("Name", "A &amp; B &#8364;", "--raw"))
+
+
+class TranslationsLeaveTheTemplateWhole(TranslationCase):
+    """Whatever a translation holds: it is shown as it is, and what follows it in the template too."""
+
+    rest = "|&lt;&amp;&gt;"
+    places = {"content": stylesheet("%s" + rest),
+              "attribute": stylesheet(f"<a t='%s'>{rest}</a>", "xml"),
+              "select": stylesheet("<xsl:value-of select='\"%s\"'/>" + rest)}
+    texts = ["]]>", "x]]>y", "]>", ">", "]]]>>", "a > b", "<b>]]></b>", "&foo;", "AT&T", "a & b; c",
+             "&#xD800;", "&f oo;", "&", "&&amp;;", "<", "<![CDATA[x]]>", "it's", "&lt;&amp;&gt;",
+             "\u0085\u2028\ud7ff\ue000\ufffd\U0010ffff", "Größe слово 速度", "%s", "-->", "<?x?>"]
+
+    def shown(self, template, original, translation, *args):
+        marker = f'QT_TRANSLATE_NOOP("QObject", "{original}")'
+        self.put_template(template.replace("%s", marker, 1))
+        self.write("de.po", catalogue({original: translation}))
+        self.expect_notes(self.report("--set", "A=1", "--lang", "de.po", *args))
+        if template != self.places["attribute"]:
+            return self.text_of("report.txt")
+        element = ElementTree.fromstring(self.read("report.txt"))
+        return element.get("t") + element.text
+
+    def test_every_text_in_every_place(self):
+        for place, template in self.places.items():
+            for text in self.texts:
+                with self.subTest(place=place, text=text):
+                    self.assertEqual(text + "|<&>", self.shown(template, "Name", text))
+
+    def test_after_brackets_of_the_template(self):
+        template = self.places["content"].replace("%s", "]]%s")
+        for text in (">", "]>", "]]>"):
+            self.assertEqual(f"]]{text}|<&>", self.shown(template, "Name", text))
+
+    def test_all_in_one_catalogue(self):
+        texts = {f"text {i}": text for i, text in enumerate(self.texts)}
+        self.put_template(marked(*texts))
+        self.write("de.po", catalogue(texts))
+        self.expect_notes(self.report("--set", "A=1", "--lang", "de.po"))
+        self.assertEqual("".join(text + "\n" for text in self.texts), self.text_of("report.txt"))
+
+    def test_originals_with_markup(self):
+        template = self.places["content"]
+        rows = [("R&amp;D", "A&T &foo; &amp; &#8364;", "A&T &foo; & €"),
+                ("R&amp;D", "&#xD800; &#1;", "&#xD800; &#1;"), ("a > b", "c > ]]> d", "c > ]]> d"),
+                ("a > b", "<![CDATA[x]]>", "<![CDATA[x]]>"),
+                ("<xsl:text>a</xsl:text>", "<xsl:text>]]></xsl:text>", "]]>"),
+                ("<xsl:text>a</xsl:text>", "<![CDATA[<b>]]>", "<b>"),
+                ("<xsl:text>&amp;</xsl:text>", "&nbsp;&lt;", "&nbsp;<")]
+        for original, translation, text in rows:
+            with self.subTest(original=original, translation=translation):
+                self.assertEqual(text + "|<&>", self.shown(template, original, translation))
+
+    def test_characters_that_xml_cannot_hold(self):
+        self.put_template(marked("Name"))
+        rows = [(escape, f"U+{ord(letter):04X}") for escape, letter in
+                (("\\a", "\a"), ("\\b", "\b"), ("\\f", "\f"), ("\\v", "\v"), ("\x01", "\x01"),
+                 ("\x1b", "\x1b"), ("\ufffe", "\ufffe"), ("\uffff", "\uffff"))]
+        for text, name in rows:
+            for raw in ((), ("--raw",)):
+                with self.subTest(text=text, raw=raw):
+                    self.write("de.po", f'msgid "Name"\nmsgstr "x{text}y"\n')
+                    before = self.contents()
+                    self.expect_error(
+                        self.report("--set", "A=1", "--lang", "de.po", *raw), 2,
+                        f"rgen: de.po:2:1: the translation holds {name}, which XML "
+                        "cannot; correct the catalogue")
+                    self.assertEqual(before, self.contents())
+
+    def test_in_texts_that_no_report_shows_they_do_no_harm(self):
+        self.put_template(marked("Name"))
+        self.write("de.po", 'msgid ""\nmsgstr "\\a"\nmsgid "\\b"\nmsgstr ""\nmsgid "Name"\n'
+                            'msgid_plural "\\v"\nmsgstr[0] "Namen"\nmsgstr[1] "\\f"\n')
+        self.assertEqual((["Namen"], []), self.lines_of("--lang", "de.po"))
 
 
 class BrokenCatalogues(TranslationCase):

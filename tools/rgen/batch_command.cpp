@@ -12,6 +12,7 @@
 #include "error_document.h"
 #include "input_file.h"
 #include "interruption.h"
+#include "persistent_store.h"
 #include "report_output.h"
 #include "report_run.h"
 
@@ -74,6 +75,7 @@ void Batch::makeOne(const BatchLine& line, JsonDocument& report) {
     }
     ReportOrder order;
     order.type = findReportType(surroundings_.directory, line.type);
+    recoverPersistentData(surroundings_.directory, order.type, console_);
     order.arguments = line.report;
     order.input = collectInput(line.values, generator_, console_);
     for (const Value& value : line.set)

@@ -112,14 +112,35 @@ std::string replaceAll(const std::string& text, char letter, const char* replace
     return result;
 }
 
+/// "]]>" ends a section that was never begun, also when the template has the first of the three.
+std::string withoutSectionEnds(const std::string& text) {
+    std::string result;
+    std::size_t brackets = 2;
+    for (const char each : text) {
+        if (each == '>' && brackets >= 2) {
+            result += "&gt;";
+        } else {
+            result += each;
+        }
+        brackets = each == ']' ? brackets + 1 : 0;
+    }
+    return result;
+}
+
 /// A translation becomes a part of the template. What looks like markup is meant as markup only if
-/// the original text has markup, too.
+/// the original text has markup, too. What would leave the template no XML is escaped in any case:
+/// the library takes what it can of such a template, without the references further down.
 std::string asMarkup(const std::string& original, const std::string& translation) {
-    std::string markup = translation;
-    if (original.find('&') == std::string::npos) markup = escapedAmpersands(markup);
-    if (original.find('<') == std::string::npos) markup = replaceAll(markup, '<', "&lt;");
+    const auto isInOriginal = [&original](const std::string& markup) {
+        return original.find(markup) != std::string::npos;
+    };
+    std::string markup =
+        isInOriginal("&") ? escapedPlainAmpersands(translation) : escapedAmpersands(translation);
+    if (!isInOriginal("<")) markup = replaceAll(markup, '<', "&lt;");
+    if (!isInOriginal("<") && !isInOriginal(">")) markup = replaceAll(markup, '>', "&gt;");
+    if (markup.find("<![CDATA[") == std::string::npos) markup = withoutSectionEnds(markup);
     // A marker in an attribute stands between single quotes.
-    if (original.find('\'') == std::string::npos) markup = replaceAll(markup, '\'', "&#39;");
+    if (!isInOriginal("'")) markup = replaceAll(markup, '\'', "&#39;");
     return markup;
 }
 
@@ -135,6 +156,13 @@ void checkHeader(const std::string& header, const PoReader& reader) {
         return;
     }
     reader.failAtKeyword("the catalogue is in " + charset + " instead of UTF-8");
+}
+
+/// A template with such a character is no XML, and its author is the one who can tell what was
+/// meant.
+void requireFitCharacters(const std::string& translation, const PoReader& reader) {
+    const std::optional<UnfitCharacter> unfit = findUnfitCharacter(translation);
+    if (unfit) reader.failAtKeyword("the translation holds " + unfit->name + ", which XML cannot");
 }
 
 }  // namespace
@@ -157,6 +185,7 @@ Catalogue::Catalogue(const std::string& path, bool raw) : path_(path) {
             const std::string& translation = reader.value();
             if (original.empty()) checkHeader(translation, reader);
             if (!original.empty() && !translation.empty()) {
+                requireFitCharacters(translation, reader);
                 texts_[original] = raw ? translation : asMarkup(original, translation);
             }
             hasOriginal = false;

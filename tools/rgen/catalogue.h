@@ -14,8 +14,10 @@ namespace cli {
 
 class Catalogue {
 public:
-    /// Reads a PO file. Raises a CommandError with line and column. Unless `raw` is set, "&", "<"
-    /// and "'" in a translation are escaped, each unless the original has it, too.
+    /// Reads a PO file. Throws a CommandError with line and column, also for a translation with
+    /// characters that XML cannot hold. Unless `raw` is set, "&", "<", ">" and "'" in a translation
+    /// are escaped, each unless the original has it, too; "]]>" and an "&" that starts no reference
+    /// are escaped even then.
     Catalogue(const std::string& path, bool raw);
 
     const std::string& path() const { return path_; }

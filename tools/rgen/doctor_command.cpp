@@ -13,7 +13,9 @@
 #include "error_document.h"
 #include "generator.h"
 #include "host_system.h"
+#include "input_file.h"
 #include "own_version.h"
+#include "persistent_store.h"
 #include "report_output.h"
 #include "report_run.h"
 #include "report_type.h"
@@ -46,6 +48,8 @@ public:
                       "\n");
         }
     }
+
+    Console& console() const { return console_; }
 
     ExitCode finish(JsonDocument& document) const {
         if (failed_ > 0) {
@@ -132,13 +136,19 @@ void checkReport(Checks& checks) {
 }
 
 void checkPersistentData(const DataDirectory& directory, const ReportType& type, Checks& checks) {
+    const std::string name = type.name + ", persistent data";
+    try {
+        recoverPersistentData(directory, type, checks.console());
+    } catch (const CommandError& error) {
+        checks.add(name, Result::Failed, errorText(error));
+        return;
+    }
     Generator generator;
     generator.setDataDir(directory.folder);
     RgenStatus status = RGEN_OK;
     const std::size_t values = generator.persistentData(type.guid, status).size();
     const std::string path = directory.path(type.persistDataFile);
     std::error_code ignored;
-    const std::string name = type.name + ", persistent data";
     const bool isFile = fs::is_regular_file(fs::u8path(path), ignored);
     const std::string damage = isFile ? damageOf(path) : std::string();
     if (!damage.empty()) {
@@ -175,9 +185,8 @@ void checkType(const DataDirectory& directory, const ReportType& type, Checks& c
 /// Returns whether there is a data directory that can be looked at.
 bool openDirectory(const Arguments& arguments, Checks& checks, DataDirectory& directory) {
     directory = namedDataDirectory(arguments.dataDir);
-    std::error_code ignored;
-    const bool isThere = fs::exists(fs::u8path(directory.configPath()), ignored);
-    if (!arguments.dataDir && !isThere) {
+    requireAccess(directory.configPath());
+    if (!arguments.dataDir && !exists(directory.configPath())) {
         checks.add("data directory", Result::Note, "none here; name one with --data-dir");
         return false;
     }

@@ -90,6 +90,16 @@ bool exists(const std::string& path) {
     return std::filesystem::exists(std::filesystem::u8path(path), ignored);
 }
 
+void requireAccess(const std::string& path) {
+    std::error_code failure;
+    const std::filesystem::file_status status =
+        std::filesystem::status(std::filesystem::u8path(path), failure);
+    if (!failure || status.type() == std::filesystem::file_type::not_found) return;
+    throw CommandError(ExitCode::Environment,
+                       "cannot look at \"" + path + "\": " + failure.message(),
+                       "check the rights of it and of the folders that it is in");
+}
+
 std::string joinedPath(const std::string& folder, const std::string& name) {
     if (folder.empty() || folder == ".") return name;
     const char last = folder.back();

@@ -4,6 +4,7 @@
 #pragma once
 
 #include <string>
+#include <string_view>
 
 namespace cli {
 
@@ -31,6 +32,9 @@ bool isPlainUtf8(const std::string& text);
 
 /// Tells whether something is at the path.
 bool exists(const std::string& path);
+
+/// Throws a CommandError when rights or the system keep from seeing whether something is there.
+void requireAccess(const std::string& path);
 
 /// `folder` and `name` with a separator between; "." is left out.
 std::string joinedPath(const std::string& folder, const std::string& name);

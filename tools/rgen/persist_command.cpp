@@ -1,15 +1,17 @@
 // rgen persist: the library replaces the whole set, so "set" and "unset" read, merge and write
-// back. What was stored is read again, so that nothing gets lost unsaid.
+// back, under a lock. What was stored is read again, so that nothing gets lost unsaid.
 //
 // SPDX-License-Identifier: MIT
 #include <algorithm>
 #include <filesystem>
-#include <memory>
+#include <map>
+#include <optional>
 
 #include "commands.h"
 #include "generator.h"
 #include "input_file.h"
 #include "interruption.h"
+#include "persistent_store.h"
 #include "report_input.h"
 #include "report_run.h"
 #include "report_type.h"
@@ -22,51 +24,20 @@ namespace {
 
 namespace fs = std::filesystem;
 
-/// The persistent data file, kept aside until the new one is written and read again. Put back
-/// unless it is dropped.
-class KeptFile {
-public:
-    /// What the kept file's name has behind the other's.
-    static constexpr const char* ending = ".kept";
-
-    explicit KeptFile(const std::string& path) : path_(fs::u8path(path)), kept_(path_) {
-        kept_ += ending;
-        std::error_code failure;
-        if (!fs::exists(path_, failure)) return;
-        isKept_ = fs::copy_file(path_, kept_, fs::copy_options::overwrite_existing, failure);
-        if (isKept_) return;
-        const std::string reason = failure.message();
-        fs::remove(kept_, failure);
-        throw CommandError(ExitCode::Environment,
-                           "cannot keep a copy of \"" + path + "\": " + reason,
-                           "check the rights of the folder and the room on the disk");
-    }
-    ~KeptFile() {
-        std::error_code ignored;
-        if (isKept_) fs::rename(kept_, path_, ignored);
-    }
-    KeptFile(const KeptFile&) = delete;
-    KeptFile& operator=(const KeptFile&) = delete;
-
-    void drop() {
-        std::error_code ignored;
-        if (isKept_) fs::remove(kept_, ignored);
-        isKept_ = false;
-    }
-
-private:
-    fs::path path_;
-    fs::path kept_;
-    bool isKept_ = false;
-};
-
 class PersistentData {
 public:
     PersistentData(const Arguments& arguments, Console& console)
         : console_(console), directory_(openDataDirectory(arguments.dataDir)) {
         generator_.setDataDir(directory_.folder);
         type_ = findReportType(directory_, arguments.type);
-        recover();
+        recoverPersistentData(directory_, type_, console_);
+    }
+
+    /// To be called before data is read that is to be changed: nobody else changes it from here on.
+    void lock() {
+        requireStore();
+        lock_.emplace(path(), console_);
+        putKeptDataBack(path(), console_);
     }
 
     Generator& generator() { return generator_; }
@@ -85,18 +56,17 @@ public:
         fail(status);
     }
 
-    /// Stores exactly these values and reads them again; whatever goes wrong, the old file comes
-    /// back. Says what of `wanted` the library did not keep as it was; returns the number of stored
-    /// values.
+    /// Stores exactly these values, after the library has written and read them beside the file;
+    /// whatever goes wrong, the old file stays. Says what of `wanted` the library did not keep as
+    /// it was; returns the number of stored values.
     std::size_t write(const ValueSet& values, const ValueSet& wanted) {
         const InterruptGuard guard;
-        KeptFile kept(path());
-        const RgenStatus status = generator_.setPersistentData(type_.guid, inOrder(values));
-        if (status < 0) fail(status);
-        std::map<std::string, std::string> stored;
-        for (const Value& value : read())
-            stored[value.name] = value.content;
-        kept.drop();
+        const StagedStore stage(path(), type_.guid, type_.guidText);
+        const RgenStatus written = stage.write(inOrder(values));
+        if (written < 0) fail(written);
+        const std::map<std::string, std::string> stored = checked(stage);
+        throwIfInterrupted();
+        stage.deliver();
         for (const auto& [name, value] : wanted.values())
             compare(value, stored);
         return stored.size();
@@ -117,25 +87,39 @@ public:
     }
 
 private:
-    bool hasFile() const { return exists(path()); }
+    bool hasFile() const {
+        requireAccess(path());
+        return exists(path());
+    }
 
-    /// A run that was killed while it wrote has left the old file aside. It comes back unless the
-    /// new one is whole.
-    void recover() {
-        const std::string kept = path() + KeptFile::ending;
-        if (type_.persistDataFile.empty() || !exists(kept)) return;
-        std::error_code failure;
-        if (hasFile() && damageOf(path()).empty()) {
-            fs::remove(fs::u8path(kept), failure);
-            return;
+    /// The configuration names a file for the report type, and what has its name can be replaced.
+    void requireStore() const {
+        if (type_.persistDataFile.empty()) {
+            RgenStatus status = RGEN_OK;
+            generator_.persistentData(type_.guid, status);
+            fail(status < 0 ? status : RGEN_E_GUID_NOT_IN_CONFIG);
         }
-        fs::rename(fs::u8path(kept), fs::u8path(path()), failure);
-        if (failure) {
-            throw CommandError(ExitCode::Environment,
-                               "cannot put \"" + kept + "\" back: " + failure.message(),
-                               "rename it to \"" + path() + "\"");
+        std::error_code ignored;
+        if (!hasFile() || fs::is_regular_file(fs::u8path(path()), ignored)) return;
+        throw CommandError(
+            ExitCode::Environment, "\"" + path() + "\" is no ordinary file",
+            "move it away, or name another file in \"" + directory_.configPath() + "\"");
+    }
+
+    /// The texts of what the library wrote, as a report would read them.
+    std::map<std::string, std::string> checked(const StagedStore& stage) const {
+        const std::string damage = stage.damage();
+        if (!damage.empty()) {
+            throw CommandError(ExitCode::Unverified,
+                               "the new data would be damaged: " + damage + "; nothing was stored",
+                               "store fewer values at once to find the one that does it");
         }
-        console_.note("an earlier run was ended while it wrote; its old data was put back");
+        RgenStatus status = RGEN_OK;
+        std::map<std::string, std::string> stored;
+        for (const Value& value : stage.read(status))
+            stored[value.name] = value.content;
+        if (status == RGEN_E_OPEN_PERSIST) fail(status);
+        return stored;
     }
 
     /// The library reads what it can of a damaged file; writing that back would lose the rest.
@@ -175,6 +159,7 @@ private:
     DataDirectory directory_;
     Generator generator_;
     ReportType type_;
+    std::optional<StoreLock> lock_;
 };
 
 /// Values as they came from the library, ready to be stored again as they are.
@@ -207,14 +192,42 @@ void requireStorable(const Value& value) {
                      "shorten it");
 }
 
-/// What stands in the file for the text; U+FFFE and U+FFFF would make it no XML.
+/// An unknown reference makes the file no XML, and of such a file no other value is read whole. Only
+/// raw texts have one.
+void requireKnownReferences(const Value& value) {
+    const std::optional<std::string> unknown = findUnknownReference(value.content);
+    if (!unknown) return;
+    throw usageError("\"" + shortened(value.name) + "\": persistent data cannot hold \"" +
+                         shortened(*unknown) + "\"",
+                     "write \"&amp;\" for a plain \"&\", or leave out --raw");
+}
+
+/// `text` as XML can hold it, with a note when that is not all of it. Of the blanks at its edges,
+/// which the library cuts when it reads, XML cannot hold all either.
+std::string storable(const std::string& text, const std::string& subject, Console& console) {
+    if (!findUnfitCharacter(text)) return text;
+    const std::string inner = trimmed(text);
+    const std::optional<UnfitCharacter> unfit = findUnfitCharacter(inner);
+    console.note(subject + (unfit ? ": characters that XML cannot hold, such as " + unfit->name +
+                                        ", are stored as U+FFFD"
+                                  : ": blanks at its edges are cut"));
+    return withoutUnfitCharacters(inner);
+}
+
+/// What stands in the file for the text is XML that any reader takes.
 void makeStorable(Value& value, Console& console) {
-    std::string content = withoutNoncharacters(value.content);
-    if (content != value.content) {
-        console.note("\"" + shortened(value.name) + "\": U+FFFE and U+FFFF are stored as U+FFFD");
-    }
-    value.content = std::move(content);
+    value.content = storable(value.content, "\"" + shortened(value.name) + "\"", console);
+    requireKnownReferences(value);
     requireStorable(value);
+}
+
+/// The name as the library stores it.
+void makeNameStorable(Value& value, Console& console) {
+    const std::string name = withoutUnfitCharacters(trimmed(value.name));
+    if (name == value.name || name.empty()) return;
+    console.note("\"" + shortened(value.name) + "\": the library stored it as \"" +
+                 shortened(name) + "\"");
+    value.name = name;
 }
 
 /// The new values of the arguments. Texts are escaped a second time, since they are read twice.
@@ -226,15 +239,24 @@ ValueSet newValues(const Arguments& arguments, PersistentData& data, Console& co
     for (Value value : inOrder(input.values)) {
         if (!arguments.values.raw) value.content = escapedAmpersands(value.content);
         makeStorable(value, console);
-        const std::string name = withoutNoncharacters(trimmed(value.name));
-        if (name != value.name && !name.empty()) {
-            console.note("\"" + shortened(value.name) + "\": the library stored it as \"" +
-                         shortened(name) + "\"");
-            value.name = name;
-        }
+        makeNameStorable(value, console);
         set.replace(std::move(value));
     }
     return set;
+}
+
+/// The library reads no value without a text, so that setting one would remove what is there.
+void requireTexts(const ValueSet& values) {
+    for (const auto& [name, value] : values.values()) {
+        const bool isText = value.type == RGEN_TYPE_STRING;
+        const bool isBytes = value.type == RGEN_TYPE_BYTE_ARRAY;
+        if ((!isText || !trimmed(withoutReferences(value.content)).empty()) &&
+            (!isBytes || !value.bytes.empty())) {
+            continue;
+        }
+        throw usageError("\"" + shortened(name) + "\": persistent data keeps no empty text",
+                         "remove the value with: rgen persist unset \"" + shortened(name) + "\"");
+    }
 }
 
 [[noreturn]] void failUnknown(const std::string& name, const std::vector<Value>& values) {
@@ -294,6 +316,8 @@ ExitCode runPersistGet(const Arguments& arguments, Console& console, JsonDocumen
 ExitCode runPersistSet(const Arguments& arguments, Console& console, JsonDocument& document) {
     PersistentData data(arguments, console);
     const ValueSet added = newValues(arguments, data, console);
+    requireTexts(added);
+    data.lock();
     ValueSet all = storedAgain(data.read());
     for (const auto& [name, value] : added.values())
         all.replace(value);
@@ -303,6 +327,7 @@ ExitCode runPersistSet(const Arguments& arguments, Console& console, JsonDocumen
 
 ExitCode runPersistUnset(const Arguments& arguments, Console& console, JsonDocument& document) {
     PersistentData data(arguments, console);
+    data.lock();
     const std::vector<Value> values = data.read();
     std::vector<Value> kept = values;
     for (const std::string& name : arguments.operands) {
@@ -319,6 +344,7 @@ ExitCode runPersistUnset(const Arguments& arguments, Console& console, JsonDocum
 ExitCode runPersistReplace(const Arguments& arguments, Console& console, JsonDocument& document) {
     PersistentData data(arguments, console);
     const ValueSet values = newValues(arguments, data, console);
+    data.lock();
     data.describe(data.write(values, values), document);
     return ExitCode::Done;
 }

@@ -96,6 +96,17 @@ ReportType typeNamed(const DataDirectory& directory, const std::vector<ReportTyp
                      "give the GUID");
 }
 
+/// What cannot be read for want of rights would look like a configuration without report types.
+void requireReadableConfiguration(const std::string& path) {
+    std::error_code ignored;
+    if (!fs::is_regular_file(fs::u8path(path), ignored)) return;
+    try {
+        readInputFile(path, "check its rights");
+    } catch (const CommandError& error) {
+        throw CommandError(ExitCode::Environment, error.what(), error.hint);
+    }
+}
+
 }  // namespace
 
 std::string DataDirectory::path(const std::string& inside) const {
@@ -119,6 +130,7 @@ DataDirectory openDataDirectory(const std::optional<std::string>& given) {
     DataDirectory directory = namedDataDirectory(given);
     const std::string& folder = directory.folder;
     const std::string advice = "rgen init \"" + folder + "\"";
+    requireAccess(folder);
     if (!exists(folder)) {
         throw CommandError(ExitCode::Environment, "the folder \"" + folder + "\" does not exist",
                            "make it with: " + advice);
@@ -127,12 +139,14 @@ DataDirectory openDataDirectory(const std::optional<std::string>& given) {
         throw CommandError(ExitCode::Environment, "\"" + folder + "\" is not a folder",
                            "name the folder that holds .rgen with --data-dir");
     }
+    requireAccess(directory.configPath());
     if (!exists(directory.configPath())) {
         throw CommandError(ExitCode::Environment,
                            "there is no data directory in \"" + folder + "\" (\"" +
                                directory.configPath() + "\" is missing)",
                            "make one with: " + advice);
     }
+    requireReadableConfiguration(directory.configPath());
     return directory;
 }
 

@@ -3,9 +3,13 @@
 // SPDX-License-Identifier: MIT
 #include "xml_content.h"
 
+#include <algorithm>
 #include <cstdint>
-#include <optional>
+#include <cstdio>
 #include <string_view>
+
+#include "input_file.h"
+#include "plain_text.h"
 
 namespace cli {
 namespace {
@@ -25,7 +29,28 @@ std::string utf8(std::uint32_t character) {
             byte(0, 0x80)};
 }
 
-/// The character of "#65" or "#x41"; zero and surrogates are none.
+bool isXmlCharacter(std::uint32_t character) {
+    if (character < 0x20) return character == '\t' || character == '\n' || character == '\r';
+    const bool isSurrogate = character >= 0xD800 && character <= 0xDFFF;
+    return !isSurrogate && character <= 0x10FFFF && character != 0xFFFE && character != 0xFFFF;
+}
+
+/// The character of a valid UTF-8 sequence.
+std::uint32_t characterOf(std::string_view sequence) {
+    constexpr unsigned firstBits[] = {0, 0x7F, 0x1F, 0x0F, 0x07};
+    std::uint32_t character = static_cast<unsigned char>(sequence[0]) & firstBits[sequence.size()];
+    for (std::size_t i = 1; i < sequence.size(); ++i)
+        character = (character << 6U) | (static_cast<unsigned char>(sequence[i]) & 0x3FU);
+    return character;
+}
+
+/// The number of bytes at the start of `text` that are one character of XML, 0 when there is none.
+std::size_t fitLength(std::string_view text) {
+    const std::size_t length = tools::sequenceLength(text);
+    return length != 0 && isXmlCharacter(characterOf(text.substr(0, length))) ? length : 0;
+}
+
+/// The character of "#65" or "#x41"; one that XML cannot hold is none.
 std::optional<std::string> numericReference(std::string_view name) {
     const bool isHex = name.size() > 1 && name[1] == 'x';
     const std::string digits(name.substr(isHex ? 2 : 1));
@@ -35,9 +60,7 @@ std::optional<std::string> numericReference(std::string_view name) {
         return std::nullopt;
     }
     const auto number = static_cast<std::uint32_t>(std::stoul(digits, nullptr, isHex ? 16 : 10));
-    if (number == 0 || number > 0x10FFFF || (number >= 0xD800 && number <= 0xDFFF)) {
-        return std::nullopt;
-    }
+    if (!isXmlCharacter(number)) return std::nullopt;
     return utf8(number);
 }
 
@@ -73,6 +96,16 @@ std::string escapedAmpersands(const std::string& text) {
     return content;
 }
 
+std::string escapedPlainAmpersands(const std::string& text) {
+    std::string content;
+    content.reserve(text.size());
+    for (std::size_t i = 0; i < text.size(); ++i) {
+        content += text[i];
+        if (text[i] == '&' && !referencedText(referenceName(text, i))) content += "amp;";
+    }
+    return content;
+}
+
 std::string withoutReferences(const std::string& content) {
     std::string text;
     for (std::size_t i = 0; i < content.size();) {
@@ -92,13 +125,50 @@ bool hasPlainAmpersand(const std::string& content) {
     return false;
 }
 
-std::string withoutNoncharacters(std::string text) {
-    constexpr std::string_view start = "\xEF\xBF";
-    for (std::size_t i = text.find(start); i != std::string::npos; i = text.find(start, i + 1)) {
-        const char last = i + 2 < text.size() ? text[i + 2] : '\0';
-        if (last == '\xBE' || last == '\xBF') text[i + 2] = '\xBD';
+std::optional<UnfitCharacter> findUnfitCharacter(const std::string& text) {
+    const std::string_view whole = text;
+    for (std::size_t i = 0; i < text.size();) {
+        const std::size_t length = fitLength(whole.substr(i));
+        if (length == 0) {
+            const std::size_t bytes = tools::sequenceLength(whole.substr(i));
+            char name[24] = {};
+            if (bytes == 0) {
+                std::snprintf(name, sizeof name, "the byte 0x%02X",
+                              static_cast<unsigned>(static_cast<unsigned char>(text[i])));
+            } else {
+                std::snprintf(name, sizeof name, "U+%04X",
+                              static_cast<unsigned>(characterOf(whole.substr(i, bytes))));
+            }
+            return UnfitCharacter{i, name};
+        }
+        i += length;
     }
-    return text;
+    return std::nullopt;
+}
+
+std::string withoutUnfitCharacters(const std::string& text) {
+    constexpr const char* replacement = "\xEF\xBF\xBD";
+    const std::string_view whole = text;
+    std::string fit;
+    fit.reserve(text.size());
+    for (std::size_t i = 0; i < text.size();) {
+        const std::size_t length = fitLength(whole.substr(i));
+        fit += length == 0 ? std::string_view(replacement) : whole.substr(i, length);
+        i += length != 0 ? length : std::max<std::size_t>(1, tools::sequenceLength(whole.substr(i)));
+    }
+    return fit;
+}
+
+/// Whatever stands before the next ";", blanks and further "&" included, is what libxml2 takes for
+/// the name.
+std::optional<std::string> findUnknownReference(const std::string& content) {
+    for (std::size_t i = content.find('&'); i != std::string::npos; i = content.find('&', i + 1)) {
+        const std::size_t end = content.find(';', i + 1);
+        if (end == std::string::npos) return std::nullopt;
+        const std::string name = content.substr(i + 1, end - i - 1);
+        if (!referencedText(name)) return "&" + name + ";";
+    }
+    return std::nullopt;
 }
 
 std::string trimmed(const std::string& text) {

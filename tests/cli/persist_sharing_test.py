@@ -1,0 +1,426 @@
+"""Persistent data that several processes use: at once, with locks, killed at every step; and what an
+existing file keeps when it is replaced.
+
+SPDX-License-Identifier: MIT
+"""
+
+import os
+import signal
+import stat
+import threading
+import unittest
+from pathlib import Path
+
+from cli_case import (NO_ACCESS, ON_WINDOWS, CliCase, linux_only, unprivileged, wait_for)
+from cli_templates import GUID, LISTING, OTHER_GUID
+
+STORE = "case/.rgen/acquisition_data.xml"
+# Loaded into rgen, ends it at a chosen file operation; there is none in instrumented builds.
+KILL_POINT = os.environ.get("RGEN_CLI_KILL_POINT")
+PUT_BACK = "an earlier run was ended while it wrote; its old data was put back"
+OLD = '<data><properties><property name="A">old</property></properties></data>'
+# Long enough that writing it can be seen from outside.
+LARGE = 9_000_000
+
+
+class SharingCase(CliCase):
+
+    def persist(self, command, *args, **settings):
+        return self.rgen("persist", command, "-d", "case", *args, **settings)
+
+    def stored(self):
+        result = self.persist("get", "--json")
+        self.assertEqual(0, result.code, result)
+        return result.document["values"]
+
+    def expect_nothing_beside(self):
+        beside = [name for name in self.names() if name.startswith(STORE) and name != STORE]
+        self.assertEqual([], beside)
+
+    def at_once(self, *tasks):
+        """Calls the tasks on threads of their own; what fails in one fails the case."""
+        failures = []
+
+        def call(task):
+            try:
+                task()
+            except Exception as failure:  # Shown below, on the case's own thread.
+                failures.append(failure)
+
+        threads = [threading.Thread(target=call, args=(task,)) for task in tasks]
+        for thread in threads:
+            thread.start()
+        for thread in threads:
+            thread.join()
+        if failures:
+            raise failures[0]
+
+
+class WritersAtOnce(SharingCase):
+    writers = 3 if ON_WINDOWS else 8
+    rounds = 4 if ON_WINDOWS else 8
+
+    def write_values(self, writer):
+        for number in range(self.rounds):
+            self.expect_done(self.persist("set", "-q", f"W{writer}.{number}=AT&T {number}"))
+
+    def test_no_set_that_ended_well_is_lost(self):
+        self.at_once(*(lambda writer=writer: self.write_values(writer)
+                       for writer in range(self.writers)))
+        self.assertEqual({f"W{writer}.{number}": f"AT&T {number}" for writer in range(self.writers)
+                          for number in range(self.rounds)}, self.stored())
+        self.expect_nothing_beside()
+
+    def test_set_and_unset_of_different_names(self):
+        kept = {f"K{number}": str(number) for number in range(self.rounds)}
+        self.write_json("data.json", {**kept, **{f"U{n}": "x" for n in range(self.rounds)}})
+        self.expect_done(self.persist("set", "--data", "data.json"))
+
+        def unset():
+            for number in range(self.rounds):
+                self.expect_done(self.persist("unset", "-q", f"U{number}"))
+
+        self.at_once(unset, lambda: self.write_values(0))
+        new = {f"W0.{number}": f"AT&T {number}" for number in range(self.rounds)}
+        self.assertEqual({**kept, **new}, self.stored())
+
+    def test_readers_see_whole_sets(self):
+        self.expect_done(self.persist("replace", "A=0", "B=0"))
+        is_over = threading.Event()
+
+        def write():
+            for number in range(self.rounds):
+                self.expect_done(self.persist("replace", "-q", f"A={number}", f"B={number}"))
+            is_over.set()
+
+        def read():
+            while not is_over.is_set():
+                values = self.stored()
+                self.assertEqual({"A", "B"}, set(values))
+                self.assertEqual(values["A"], values["B"])
+                values = self.values()
+                self.assertEqual({"A", "B"}, set(values))
+                self.assertEqual(values["A"], values["B"])
+
+        def write_and_tell():
+            try:
+                write()
+            finally:
+                is_over.set()
+
+        self.at_once(write_and_tell, read)
+
+    def test_two_report_types_with_one_file(self):
+        self.make_data_dir("case", types=[("alpha.xsl", GUID, "a.xml"),
+                                          ("beta.xsl", OTHER_GUID, "./a.xml")],
+                           templates={"txt/alpha.xsl": LISTING})
+
+        def write(name):
+            for number in range(self.rounds):
+                self.expect_done(self.persist("set", "-q", "-t", name, f"{name}{number}=x"))
+
+        self.at_once(lambda: write("alpha"), lambda: write("beta"))
+        result = self.persist("get", "-t", "alpha", "--json")
+        self.assertEqual(2 * self.rounds, len(result.document["values"]))
+
+
+class Locks(SharingCase):
+
+    @linux_only
+    def test_who_waits_says_for_what_and_goes_on(self):
+        """A writer is stopped while it holds the lock. Wine's server answers nobody meanwhile."""
+        self.write_json("data.json", {"Large": "x" * LARGE})
+        folder = self.folder / (STORE + ".writing")
+        while True:
+            writer = self.start("persist", "set", "-d", "case", "--data", "data.json")
+            wait_for(folder, writer)
+            self.halt(writer)
+            if folder.exists():
+                break
+            writer.process.send_signal(signal.SIGCONT)
+            self.expect_done(writer.finish())
+        self.addCleanup(writer.process.send_signal, signal.SIGCONT)
+        waiting = self.start("persist", "set", "-d", "case", "B=1")
+        note = f'rgen: note: waiting for another rgen, which changes "{STORE}"\n'.encode()
+        while waiting.process.poll() is None and not self.printed(waiting).startswith(note):
+            pass
+        writer.process.send_signal(signal.SIGCONT)
+        self.expect_done(writer.finish())
+        result = waiting.finish()
+        self.expect_done(result)
+        self.assertEqual([note.decode()[len("rgen: note: "):-1]], result.notes)
+        self.assertEqual({"Large", "B"}, set(self.stored()))
+        self.expect_nothing_beside()
+
+    @staticmethod
+    def halt(running):
+        """Stops a program and waits until it stands."""
+        running.process.send_signal(signal.SIGSTOP)
+        state = Path(f"/proc/{running.process.pid}/stat")
+        while state.read_text(encoding="utf-8").rpartition(") ")[2][0] not in "TZ":
+            pass
+
+    @staticmethod
+    def printed(running):
+        return os.pread(running.err.fileno(), 1000, 0).replace(b"\r\n", b"\n")
+
+    @linux_only
+    def test_ctrl_c_ends_the_waiting(self):
+        import fcntl
+        self.expect_done(self.persist("set", "A=1"))
+        before = self.contents()
+        lock = self.write(STORE + ".lock", "")
+        with lock.open() as file:
+            fcntl.flock(file, fcntl.LOCK_EX)
+            waiting = self.start("persist", "set", "-d", "case", "B=1")
+            while waiting.process.poll() is None and b"waiting" not in self.printed(waiting):
+                pass
+            waiting.interrupt()
+            self.assertEqual(130, waiting.finish().code)
+        lock.unlink()
+        self.assertEqual(before, self.contents())
+
+    @linux_only
+    def test_what_a_killed_process_leaves_locks_nobody_out(self):
+        self.write(STORE + ".lock", "")
+        self.write(STORE + ".writing/.rgen/data.xml", "<data>")
+        self.expect_notes(self.persist("set", "A=1"))
+        self.assertEqual({"A": "1"}, self.stored())
+        self.expect_nothing_beside()
+
+    @linux_only
+    def test_a_link_in_the_place_of_the_lock_is_not_followed(self):
+        other = self.write("other.txt", "kept")
+        (self.folder / (STORE + ".lock")).symlink_to(other)
+        (self.folder / (STORE + ".writing")).symlink_to(self.folder)
+        self.expect_error_like(self.persist("set", "A=1"), 5,
+                               f'^rgen: cannot lock "{STORE}": .+; check the rights of the folder '
+                               '"case/.rgen" and the room on the disk$')
+        (self.folder / (STORE + ".lock")).unlink()
+        self.expect_done(self.persist("set", "A=1"))
+        self.assertEqual(b"kept", other.read_bytes())
+        self.expect_nothing_beside()
+
+    @linux_only
+    def test_a_folder_that_allows_no_lock(self):
+        self.expect_done(self.persist("set", "A=1"))
+        before = self.contents()
+        (self.folder / "case/.rgen").chmod(0o555)
+        self.addCleanup((self.folder / "case/.rgen").chmod, 0o755)
+        for arguments in (("set", "A=2"), ("unset", "A"), ("replace", "B=1")):
+            self.expect_error(
+                self.persist(*arguments, prefix=unprivileged()), 5,
+                f'rgen: cannot lock "{STORE}": {NO_ACCESS}; check the rights of the folder '
+                '"case/.rgen" and the room on the disk')
+        self.assertEqual("A=1\n", self.persist("get", prefix=unprivileged()).text)
+        self.assertEqual(before, self.contents())
+
+
+class Kills(SharingCase):
+
+    def expect_old_or_new(self, old, new):
+        """A reader sees one of the two, and so does the next writer, who leaves nothing else."""
+        values = self.values("--set", "Z=1")
+        del values["Z"]
+        self.assertIn(values, (old, new))
+        self.expect_notes(self.persist("set", "Later=1"))
+        self.assertEqual({**values, "Later": "1"}, self.stored())
+        self.expect_nothing_beside()
+        return values
+
+    @unittest.skipUnless(KILL_POINT, "the build has no library of kill points")
+    def test_before_every_file_operation(self):
+        new = {"B": "2", "Text": "AT&T" * 5000}
+        self.write_json("data.json", new)
+        for old in ({}, {"A": "1", "B": "1"}):
+            outcomes = self.kill_everywhere(old, {**old, **new})
+            # The first operations change nothing, the last ones nothing any more.
+            self.assertEqual([old, {**old, **new}], [outcomes[0], outcomes[-1]])
+            self.assertGreater(len(outcomes), 10)
+
+    def kill_everywhere(self, old, new):
+        """What was stored after a kill at the first operation, at the second and so on, until the
+        program comes to its end."""
+        self.write_json("old.json", old)
+        self.expect_done(self.persist("replace", "--data", "old.json"))
+        before = self.read(STORE)
+        outcomes = []
+        point, code = 0, -9
+        while code == -9:
+            point += 1
+            self.write(STORE, before)
+            if not old:
+                (self.folder / STORE).unlink()
+            code = self.persist("set", "--data", "data.json",
+                                env={"LD_PRELOAD": KILL_POINT, "RGEN_KILL_POINT": str(point)}).code
+            with self.subTest(point=point):
+                outcomes.append(self.expect_old_or_new(old, new))
+        self.assertEqual(0, code)
+        return outcomes
+
+    def test_while_it_can_be_seen_to_write(self):
+        """Kills at whatever moment the lock or the folder appears, or a while after."""
+        self.write_json("data.json", {"A": "2", "Large": "x" * LARGE})
+        for mark in (".lock", ".writing", ".writing/.rgen/data.xml"):
+            self.expect_done(self.persist("replace", "A=1"))
+            running = self.start("persist", "set", "-d", "case", "--data", "data.json")
+            while running.process.poll() is None and not (self.folder / (STORE + mark)).exists():
+                pass
+            running.stop()
+            with self.subTest(mark=mark):
+                self.expect_old_or_new({"A": "1"}, {"A": "2", "Large": "x" * LARGE})
+
+
+class DataKeptAside(SharingCase):
+    """rgen 0.1.0 wrote in place and kept the old file beside it."""
+
+    def put_aside(self, rest):
+        self.write(STORE + ".kept", OLD)
+        if rest is None:
+            (self.folder / STORE).unlink(missing_ok=True)
+        else:
+            self.write(STORE, rest)
+
+    def readers(self):
+        self.write("batch.ndjson", '{"output": "batch.txt"}\n')
+        data = ("-d", "case")
+        return {"get": ("persist", "get", *data),
+                "report": ("report", *data, "-o", "-", "-f", "txt", "--set", "B=1"),
+                "report with data": ("report", *data, "-o", "r.txt", "--show-data"),
+                "batch": ("report", *data, "--batch", "batch.ndjson"),
+                "doctor": ("doctor", *data)}
+
+    def test_every_reader_puts_it_back(self):
+        for rest in (None, "", "<data><prop"):
+            for name, arguments in self.readers().items():
+                with self.subTest(rest=rest, reader=name):
+                    self.put_aside(rest)
+                    result = self.rgen(*arguments)
+                    place = "batch.ndjson:1: " if name == "batch" else ""
+                    self.assertEqual([place + PUT_BACK], result.notes)
+                    if name == "doctor":
+                        self.assertIn("acquisition, persistent data: 1 values", result.text)
+                    else:
+                        self.assertEqual(0, result.code, result)
+                        self.assertIn("old", result.text if name != "batch"
+                                      else self.text_of("batch.txt"))
+                    self.expect_nothing_beside()
+
+    def test_a_whole_file_is_what_counts(self):
+        for name, arguments in self.readers().items():
+            with self.subTest(reader=name):
+                self.put_aside(OLD.replace("old", "new"))
+                result = self.rgen(*arguments)
+                self.assertEqual([], result.notes)
+                if name != "doctor":
+                    self.assertNotIn("old", result.text)
+
+    @linux_only
+    def test_it_cannot_be_put_back(self):
+        for name, arguments in self.readers().items():
+            with self.subTest(reader=name):
+                self.put_aside(None)
+                (self.folder / "case/.rgen").chmod(0o555)
+                result = self.rgen(*arguments, prefix=unprivileged())
+                (self.folder / "case/.rgen").chmod(0o755)
+                self.assertIn(result.code, (1, 5), result)
+                self.assertIn(f'cannot lock "{STORE}": {NO_ACCESS}', result.err + result.text)
+
+
+class RightsOfTheFile(SharingCase):
+    commands = (("set", "B=1"), ("unset", "B"), ("replace", "C=1"))
+
+    def mode(self):
+        return stat.S_IMODE((self.folder / STORE).stat().st_mode)
+
+    @linux_only
+    def test_the_mode_stays(self):
+        self.expect_done(self.persist("set", "A=1"))
+        for mode in (0o600, 0o640, 0o664, 0o400, 0o604):
+            for command in self.commands:
+                with self.subTest(mode=oct(mode), command=command):
+                    (self.folder / STORE).chmod(mode)
+                    self.expect_done(self.persist(*command))
+                    self.assertEqual(mode, self.mode())
+
+    @linux_only
+    def test_a_new_file_follows_the_mask(self):
+        for mask in (0o022, 0o077, 0o027):
+            with self.subTest(mask=oct(mask)):
+                (self.folder / STORE).unlink(missing_ok=True)
+                old = os.umask(mask)
+                try:
+                    self.expect_done(self.persist("set", "A=1"))
+                finally:
+                    os.umask(old)
+                self.assertEqual(0o666 & ~mask, self.mode())
+
+    @linux_only
+    @unittest.skipUnless(os.geteuid() == 0, "only root gives files away")
+    def test_the_owner_stays(self):
+        self.expect_done(self.persist("set", "A=1"))
+        os.chown(self.folder / STORE, 12345, 23456)
+        for command in self.commands:
+            self.expect_done(self.persist(*command))
+            facts = (self.folder / STORE).stat()
+            self.assertEqual((12345, 23456), (facts.st_uid, facts.st_gid))
+
+    @linux_only
+    def test_a_link_stays(self):
+        self.write("elsewhere/data.xml", OLD)
+        (self.folder / STORE).symlink_to(self.folder / "elsewhere/data.xml")
+        self.expect_done(self.persist("set", "B=1"))
+        self.assertTrue((self.folder / STORE).is_symlink())
+        self.assertIn("B", self.text_of("elsewhere/data.xml"))
+        self.assertEqual(["elsewhere/data.xml"],
+                         [name for name in self.names() if name.startswith("elsewhere/")])
+
+    @linux_only
+    def test_a_file_that_is_no_ordinary_one(self):
+        os.mkfifo(self.folder / STORE)
+        for command in (("set", "A=1"), ("replace", "A=1")):
+            self.expect_error_like(self.persist(*command), 5,
+                                   f'^rgen: "{STORE}" is no ordinary file; ')
+
+
+@linux_only
+class MissingRights(SharingCase):
+
+    def commands(self):
+        data = ("-d", "case")
+        return {"types": ("types", *data), "get": ("persist", "get", *data),
+                "set": ("persist", "set", *data, "A=1"),
+                "report": ("report", *data, "-o", "r.txt", "--set", "A=1"),
+                "doctor": ("doctor", *data)}
+
+    def expect_no_access(self, place, patterns):
+        self.forbid(place)
+        for name, arguments in self.commands().items():
+            for given in ((), ("-t", GUID)):
+                if given and name in ("types", "doctor"):
+                    continue
+                with self.subTest(place=place, command=name, given=given):
+                    result = self.rgen(*arguments, *given, prefix=unprivileged())
+                    self.assertEqual(5, result.code, result)
+                    self.assertRegex(result.err + result.text, patterns)
+                    self.assertNotIn("rgen init", result.err + result.text)
+
+    def test_a_data_directory_without_rights(self):
+        self.expect_no_access(
+            "case/.rgen", 'cannot look at "case/.rgen/config.xml": Permission denied; check the '
+            "rights of it and of the folders that it is in")
+
+    def test_a_folder_around_it_without_rights(self):
+        self.expect_no_access("case", 'cannot look at "case/.rgen/config.xml": Permission denied')
+
+    def test_a_configuration_without_rights(self):
+        self.expect_no_access("case/.rgen/config.xml",
+                              'cannot read "case/.rgen/config.xml": Permission denied')
+
+    def test_persistent_data_in_a_folder_without_rights(self):
+        self.make_data_dir("case", types=[("acquisition.xsl", GUID, "locked/data.xml")])
+        self.write("case/.rgen/locked/data.xml", OLD)
+        self.forbid("case/.rgen/locked")
+        for command in (("get",), ("set", "B=1"), ("replace", "B=1")):
+            self.expect_error_like(self.persist(*command, prefix=unprivileged()), 5,
+                                   '^rgen: cannot look at "case/.rgen/locked/data.xml": Permission')
