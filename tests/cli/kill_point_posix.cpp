@@ -1,5 +1,5 @@
-// Ends the program that loads this before its file operation number RGEN_KILL_POINT, in the way that
-// nothing in the program hears of. Loaded with LD_PRELOAD.
+// Ends the program that loads this (LD_PRELOAD) before its file operation number RGEN_KILL_POINT,
+// by a signal that no program hears.
 //
 // SPDX-License-Identifier: MIT
 #include <dlfcn.h>

@@ -153,7 +153,7 @@ class Types(CliCase):
         self.write("case/.rgen/config.xml", "nonsense")
         result = self.rgen("types", "-d", "case")
         self.assertEqual((b"", 1), (result.out, len(result.err.splitlines())), result)
-        self.assertIn('"case/.rgen/config.xml"', result.err)
+        self.assertIn('case/.rgen/config.xml', result.err)
 
     @linux_only
     def test_a_data_directory_without_rights(self):

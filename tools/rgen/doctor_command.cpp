@@ -10,6 +10,7 @@
 
 #include "child_process.h"
 #include "commands.h"
+#include "config_check.h"
 #include "error_document.h"
 #include "generator.h"
 #include "host_system.h"
@@ -200,6 +201,10 @@ void checkDirectory(const Arguments& arguments, Checks& checks) {
         if (!openDirectory(arguments, checks, directory)) return;
         const std::vector<ReportType> types = reportTypes(directory);
         const std::string path = "\"" + directory.configPath() + "\"";
+        for (const ConfigMistake& mistake : configurationMistakes(directory.configPath())) {
+            checks.add("configuration", mistake.isError ? Result::Failed : Result::Note,
+                       mistake.text + "; " + mistake.advice);
+        }
         if (types.empty()) {
             checks.add("data directory", Result::Failed, path + " has no usable report type");
             return;

@@ -192,8 +192,8 @@ void requireStorable(const Value& value) {
                      "shorten it");
 }
 
-/// An unknown reference makes the file no XML, and of such a file no other value is read whole. Only
-/// raw texts have one.
+/// An unknown reference makes the file no XML, and of such a file no other value is read whole.
+/// Only raw texts have one.
 void requireKnownReferences(const Value& value) {
     const std::optional<std::string> unknown = findUnknownReference(value.content);
     if (!unknown) return;

@@ -9,6 +9,7 @@
 #include <set>
 
 #include "command_error.h"
+#include "config_check.h"
 #include "guid_text.h"
 #include "input_file.h"
 #include "suggestion.h"
@@ -70,7 +71,7 @@ ReportType onlyType(const DataDirectory& directory, const std::vector<ReportType
     const std::string config = "\"" + directory.configPath() + "\"";
     if (types.empty()) {
         throw CommandError(ExitCode::Environment, config + " has no usable report type",
-                           "\"rgen doctor\" looks at it");
+                           firstMistake(directory.configPath()));
     }
     throw usageError(config + " has " + std::to_string(types.size()) + " report types",
                      "choose one with --type: " + joined(namesOf(types)));
@@ -84,8 +85,10 @@ ReportType typeNamed(const DataDirectory& directory, const std::vector<ReportTyp
     if (found.size() == 1) return found.front();
     const std::string config = "\"" + directory.configPath() + "\"";
     if (found.empty()) {
+        const std::string mistake = firstMistake(directory.configPath());
         throw usageError("there is no report type \"" + name + "\" in " + config,
-                         didYouMean(name, namesOf(types), "\"rgen types\" lists them"));
+                         didYouMean(name, namesOf(types),
+                                    mistake.empty() ? "\"rgen types\" lists them" : mistake));
     }
     std::vector<std::string> candidates;
     candidates.reserve(found.size());

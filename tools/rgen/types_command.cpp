@@ -4,6 +4,7 @@
 #include <filesystem>
 
 #include "commands.h"
+#include "config_check.h"
 #include "report_type.h"
 #include "words.h"
 
@@ -48,7 +49,13 @@ ExitCode runTypes(const Arguments& arguments, Console& console, JsonDocument& do
     }
     document.set("dataDir", directory.path(""));
     document.set("types", rows);
-    if (lines.empty()) console.note("\"" + directory.configPath() + "\" has no usable report type");
+    const std::vector<ConfigMistake> mistakes = configurationMistakes(directory.configPath());
+    for (const ConfigMistake& mistake : mistakes)
+        console.note(mistake.text + "; " + mistake.advice);
+    if (lines.empty() && mistakes.empty()) {
+        console.note("\"" + directory.configPath() + "\" has no usable report type");
+    }
+    document.set("notes", console.notes());
     if (!arguments.json) printData(lines);
     return ExitCode::Done;
 }

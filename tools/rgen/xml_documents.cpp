@@ -1,60 +1,20 @@
-// libxml2 reads with recovery, like the library, so that both see the same of a damaged file.
+// The elements that the library looks for, and no others.
 //
 // SPDX-License-Identifier: MIT
 #include "xml_documents.h"
 
-#include <libxml/parser.h>
-#include <libxml/tree.h>
 #include <libxml/xmlsave.h>
 
-#include <limits>
 #include <memory>
+#include <optional>
 
 #include "command_error.h"
 #include "guid_text.h"
-#include "input_file.h"
 #include "xml_content.h"
+#include "xml_nodes.h"
 
 namespace cli {
 namespace {
-
-struct XmlFree {
-    void operator()(xmlDoc* document) const { xmlFreeDoc(document); }
-    void operator()(xmlChar* text) const { xmlFree(text); }
-    void operator()(xmlBuffer* buffer) const { xmlBufferFree(buffer); }
-};
-template <typename T>
-using Owned = std::unique_ptr<T, XmlFree>;
-
-const xmlChar* xmlText(const char* text) {
-    return reinterpret_cast<const xmlChar*>(text);
-}
-
-std::string plainText(const Owned<xmlChar>& text) {
-    return text ? reinterpret_cast<const char*>(text.get()) : "";
-}
-
-std::string attribute(xmlNode* element, const char* name) {
-    return trimmed(plainText(Owned<xmlChar>(xmlGetProp(element, xmlText(name)))));
-}
-
-std::string textInside(xmlNode* element) {
-    return plainText(Owned<xmlChar>(xmlNodeListGetString(element->doc, element->children, 1)));
-}
-
-std::string readXml(const std::string& path) {
-    std::string content = readInputFile(path, "check the path");
-    if (content.size() <= static_cast<std::size_t>(std::numeric_limits<int>::max())) return content;
-    throw usageError("\"" + path + "\" is too large", "XML files hold at most 2 GiB");
-}
-
-Owned<xmlDoc> readDocument(const std::string& path) {
-    // What libxml2 has to say goes nowhere: its result is looked at.
-    const std::string content = readXml(path);
-    return Owned<xmlDoc>(xmlReadMemory(
-        content.data(), static_cast<int>(content.size()), nullptr, "UTF-8",
-        XML_PARSE_RECOVER | XML_PARSE_NOERROR | XML_PARSE_NOWARNING | XML_PARSE_HUGE));
-}
 
 /// Children of `parent` with this name, letter case as written.
 std::vector<xmlNode*> elements(xmlNode* parent, const char* name) {
@@ -82,13 +42,15 @@ std::vector<xmlNode*> entries(xmlDoc* document, const char* root, const char* li
     return all;
 }
 
-/// The trimmed text of the last child with this name in whatever letter case.
-std::string childText(xmlNode* parent, const char* name) {
-    std::string text;
+/// The trimmed text of the last child with this name in whatever letter case; nothing when there is
+/// none, or when it has nothing inside.
+std::optional<std::string> childText(xmlNode* parent, const char* name) {
+    xmlNode* last = nullptr;
     for (xmlNode* child = parent->children; child != nullptr; child = child->next) {
-        if (xmlStrcasecmp(child->name, xmlText(name)) == 0) text = trimmed(textInside(child));
+        if (xmlStrcasecmp(child->name, xmlText(name)) == 0) last = child;
     }
-    return text;
+    if (last == nullptr || last->children == nullptr) return std::nullopt;
+    return trimmed(textInside(last));
 }
 
 std::string byteList(const std::vector<std::uint8_t>& bytes) {
@@ -130,22 +92,26 @@ std::vector<ConfiguredType> readConfiguration(const std::string& path) {
         throw CommandError(ExitCode::Environment, "\"" + path + "\" cannot be read as XML",
                            "correct it, or make another data directory with rgen init");
     }
+    // Of several entries for one GUID the last usable name wins, each of the two on its own.
     std::map<std::string, ConfiguredType> types;
     for (xmlNode* element : entries(document.get(), "config", "reportTypes", "type")) {
         const std::string written = attribute(element, "guid");
         const std::string guid = guidTextOf(written);
-        const std::string persistDataFile = childText(element, "persistDataFile");
-        const std::string reportTypeFile = childText(element, "reportTypeFile");
+        const std::optional<std::string> persistDataFile = childText(element, "persistDataFile");
+        const std::optional<std::string> reportTypeFile = childText(element, "reportTypeFile");
         // The library takes no braces.
-        const bool isUsable = !guid.empty() && guid.size() == written.size() &&
-                              !persistDataFile.empty() && !reportTypeFile.empty();
-        if (!isUsable) continue;
-        types[guid] = {guid, persistDataFile, reportTypeFile};
+        const bool isGuid = !guid.empty() && guid.size() == written.size();
+        if (!isGuid || !persistDataFile || !reportTypeFile) continue;
+        ConfiguredType& type = types[guid];
+        type.guid = guid;
+        if (!persistDataFile->empty()) type.persistDataFile = *persistDataFile;
+        if (!reportTypeFile->empty()) type.reportTypeFile = *reportTypeFile;
     }
     std::vector<ConfiguredType> all;
-    all.reserve(types.size());
-    for (const auto& [guid, type] : types)
-        all.push_back(type);
+    for (const auto& [guid, type] : types) {
+        const bool isUsable = !type.persistDataFile.empty() && !type.reportTypeFile.empty();
+        if (isUsable) all.push_back(type);
+    }
     return all;
 }
 
