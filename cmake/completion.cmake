@@ -2,21 +2,19 @@
 # The completion files of rgen. It prints them itself, so they are made where it can run: not in a
 # build for another machine, and not in an instrumented one.
 
+set(completion_files "")
 if(CMAKE_CROSSCOMPILING OR RGEN_SANITIZER)
     return()
 endif()
 
 set(completion_dir ${PROJECT_BINARY_DIR}/completion)
+set(completion_files ${completion_dir}/rgen ${completion_dir}/_rgen)
 file(MAKE_DIRECTORY ${completion_dir})
 add_custom_command(
-    OUTPUT ${completion_dir}/rgen ${completion_dir}/_rgen
+    OUTPUT ${completion_files}
     COMMAND rgen completion bash > ${completion_dir}/rgen
     COMMAND rgen completion zsh > ${completion_dir}/_rgen
     DEPENDS rgen
     COMMENT "Writing the completion files of rgen"
     VERBATIM)
-add_custom_target(rgen_completion ALL DEPENDS ${completion_dir}/rgen ${completion_dir}/_rgen)
-install(FILES ${completion_dir}/rgen
-        DESTINATION ${CMAKE_INSTALL_DATAROOTDIR}/bash-completion/completions COMPONENT tools)
-install(FILES ${completion_dir}/_rgen DESTINATION ${CMAKE_INSTALL_DATAROOTDIR}/zsh/site-functions
-        COMPONENT tools)
+add_custom_target(rgen_completion ALL DEPENDS ${completion_files})

@@ -15,6 +15,7 @@ if(NOT RGEN_DLLTOOL)
     install(CODE "message(FATAL_ERROR \"strata_repgenlib.lib was not made, since llvm-dlltool was \
 missing when the build was configured. Run scripts/setup package, then configure and build again.\")"
             COMPONENT development)
+    set(import_library "")
     return()
 endif()
 
@@ -28,4 +29,3 @@ add_custom_command(
     COMMENT "Making the import library for other compilers"
     VERBATIM)
 add_custom_target(strata_repgenlib_import_library ALL DEPENDS ${import_library})
-install(FILES ${import_library} DESTINATION ${CMAKE_INSTALL_LIBDIR} COMPONENT development)

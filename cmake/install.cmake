@@ -14,6 +14,28 @@ endforeach()
 set(install_data_dir ${CMAKE_INSTALL_DATAROOTDIR}/strata_repgenlib)
 set(install_package_dir ${CMAKE_INSTALL_LIBDIR}/cmake/strata_repgenlib)
 
+# ---- what has to be there -----------------------------------------------------------------------
+
+# rgen_require_for_install(COMPONENT FILE...) makes an installation of that component end before it
+# copies anything when one of the files is not built. So these rules come before all others.
+function(rgen_require_for_install component)
+    install(CODE "set(required \"${ARGN}\")\nset(build_folder \"${PROJECT_BINARY_DIR}\")"
+            COMPONENT ${component})
+    install(SCRIPT ${PROJECT_SOURCE_DIR}/cmake/require_built_files.cmake COMPONENT ${component})
+endfunction()
+
+rgen_require_for_install(library $<TARGET_FILE:strata_repgenlib>)
+if(WIN32)
+    include(cmake/import_library.cmake)
+    rgen_require_for_install(development $<TARGET_LINKER_FILE:strata_repgenlib> ${import_library})
+else()
+    rgen_require_for_install(development $<TARGET_LINKER_FILE:strata_repgenlib>)
+endif()
+if(RGEN_BUILD_TOOLS)
+    include(cmake/completion.cmake)
+    rgen_require_for_install(tools $<TARGET_FILE:rgen> $<TARGET_FILE:vellum> ${completion_files})
+endif()
+
 # ---- library ------------------------------------------------------------------------------------
 
 install(
@@ -30,7 +52,8 @@ install(FILES LICENSE DESTINATION ${CMAKE_INSTALL_DOCDIR} COMPONENT library)
 install(DIRECTORY include/strata_repgenlib DESTINATION ${CMAKE_INSTALL_INCLUDEDIR}
         COMPONENT development)
 if(WIN32)
-    include(cmake/import_library.cmake)
+    # Empty, and refused above, where the build could not make it.
+    install(FILES ${import_library} DESTINATION ${CMAKE_INSTALL_LIBDIR} COMPONENT development)
     install(FILES src/api/exports.def DESTINATION ${CMAKE_INSTALL_LIBDIR}
             RENAME strata_repgenlib.def COMPONENT development)
 endif()
@@ -76,7 +99,12 @@ endif()
 if(RGEN_BUILD_TOOLS AND NOT WIN32)
     install(FILES ${PROJECT_BINARY_DIR}/tools/rgen/rgen.1 ${PROJECT_BINARY_DIR}/tools/vellum/vellum.1
             DESTINATION ${CMAKE_INSTALL_MANDIR}/man1 COMPONENT tools)
-    include(cmake/completion.cmake)
+endif()
+if(RGEN_BUILD_TOOLS AND completion_files)
+    install(FILES ${completion_dir}/rgen
+            DESTINATION ${CMAKE_INSTALL_DATAROOTDIR}/bash-completion/completions COMPONENT tools)
+    install(FILES ${completion_dir}/_rgen
+            DESTINATION ${CMAKE_INSTALL_DATAROOTDIR}/zsh/site-functions COMPONENT tools)
 endif()
 
 # ---- templates and documentation ----------------------------------------------------------------
