@@ -45,7 +45,8 @@ constexpr CommandExamples allExamples[] = {
     {"persist set",
      "Examples:\n"
      "  rgen persist set -d case \"Lab.Name=Brackwater & Lindqvell\" Examiner.Name=Marta\n"
-     "  rgen persist set -d case --data lab.json\n\n"},
+     "  rgen persist set -d case --data lab.json\n"
+     "  rgen persist unset -d case Examiner.Name   (there are no empty texts)\n\n"},
     {"persist unset",
      "Examples:\n"
      "  rgen persist unset -d case Examiner.Name Reviewer.Name\n\n"},

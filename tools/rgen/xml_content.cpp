@@ -154,7 +154,8 @@ std::string withoutUnfitCharacters(const std::string& text) {
     for (std::size_t i = 0; i < text.size();) {
         const std::size_t length = fitLength(whole.substr(i));
         fit += length == 0 ? std::string_view(replacement) : whole.substr(i, length);
-        i += length != 0 ? length : std::max<std::size_t>(1, tools::sequenceLength(whole.substr(i)));
+        i +=
+            length != 0 ? length : std::max<std::size_t>(1, tools::sequenceLength(whole.substr(i)));
     }
     return fit;
 }

@@ -1,4 +1,4 @@
-// What reading an XML file with libxml2 takes: owners, texts, documents read as the library reads them.
+// What reading an XML file with libxml2 takes: owners, texts, documents as the library reads them.
 //
 // SPDX-License-Identifier: MIT
 #pragma once
