@@ -99,13 +99,15 @@
  *   host that is linked with both -static-libstdc++ and -static-libgcc cannot catch the exceptions:
  *   they abort it.
  *
- * FILES
+ * FILES THAT ARE READ
+ *   On Linux a pipe, device or socket in the place of a file cannot be opened, and nothing waits:
+ *   as config.xml it gives RGEN_E_OPEN_CONFIG, as persistent data RGEN_E_OPEN_PERSIST (a report
+ *   goes on without persistent data), as template RGEN_E_XSLT_PARSE, as simulated input no values.
+ *
+ * FILES THAT ARE REPLACED
  *   The output of mode 0, persistent data and dumps replace what stands at their path: it is
- *   removed first, and the new file is written in its place. Nothing is atomic.
- *   Linux: a pipe, device or socket in the place of a file is never waited for. Where a file is
- *   read, it cannot be opened: as config.xml it gives RGEN_E_OPEN_CONFIG, as persistent data
- *   RGEN_E_OPEN_PERSIST (a report goes on without persistent data), as template RGEN_E_XSLT_PARSE,
- *   as simulated input no values. Where a file is replaced, it cannot be removed and stays:
+ *   removed first, and the new file is written in its place. Nothing is atomic. On Linux a pipe,
+ *   device or socket stays, and gives the status of a file that cannot be removed:
  *   RGEN_E_OVERWRITE_OUTPUT, RGEN_E_DELETE_PERSIST, RGEN_E_DELETE_DUMP.
  *
  * CONFIGURATION STATUSES
