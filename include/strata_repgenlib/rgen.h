@@ -70,8 +70,10 @@
  *   delivered: several reports can be generated on one generator at once, and a waiting converter
  *   blocks nobody. Transformations on one generator run one after the other; use one generator for
  *   each thread to run them side by side. Record functions touch their arguments only.
- *   A calling thread needs 256 KiB of stack (Windows: 512 KiB). A template that recurses into the
- *   last 200 KiB (Windows: 256 KiB) ends with RGEN_E_XSLT_APPLY.
+ *   A calling thread or fiber needs 256 KiB of stack (Windows: 512 KiB). A template that recurses
+ *   into the last 200 KiB (Windows: 256 KiB) ends with RGEN_E_XSLT_APPLY. Linux does not know how
+ *   large the stacks of fibers and coroutines are: there the library counts on 256 KiB, of which
+ *   the host has used 24 KiB at most, and a template that uses more than 96 KiB ends likewise.
  *
  * THE CALLBACK
  *   The translate callback runs on the generating thread with the generator's lock held. It must

@@ -87,9 +87,12 @@ XmlPtr<xsltStylesheet> loadStylesheet(const ReportGenerator& generator,
     if (!document) return nullptr;
     // On purpose: behind the parse and in front of the compilation, at every load.
     setParserDefaults();
-    XmlPtr<xsltStylesheet> stylesheet(xsltParseStylesheetDoc(document.get()));
+    XmlPtr<xsltStylesheet> stylesheet(xsltNewStylesheet());
+    if (!stylesheet || stylesheet->xpathCtxt == nullptr) return nullptr;
+    guardCompilation(*stylesheet);
+    if (xsltParseStylesheetUser(stylesheet.get(), document.get()) != 0) return nullptr;
     // libxslt owns the document only if it has compiled it.
-    if (stylesheet) static_cast<void>(document.release());
+    static_cast<void>(document.release());
     return stylesheet;
 }
 

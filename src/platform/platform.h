@@ -88,11 +88,21 @@ bool setThreadPointer(void* pointer);
 /// std::bad_alloc when memory is too short for asking.
 const char* stackLimit();
 
-/// Bytes of stack that a template must leave to the code below it.
-extern const std::size_t stackReserve;
+/// What keeps a template within a stack.
+struct StackRule {
+    /// Bytes that a template must leave to the code below it.
+    std::size_t reserve;
+    /// Levels of XPath nesting that a template does without, so that one expression fits into
+    /// `reserve`. libxml2 itself allows 5,000 levels, on Windows 1,000.
+    int withheldXPathLevels;
+};
 
-/// Levels of XPath nesting that a template does without on a small stack, so that one expression
-/// fits into stackReserve. libxml2 itself allows 5,000 levels, on Windows 1,000.
-extern const int withheldXPathLevels;
+/// For a small stack whose limit is known.
+extern const StackRule smallStackRule;
+
+/// For a stack whose limit the system does not tell: that of a fiber or coroutine on Linux. A
+/// template then counts on `assumedStack` bytes below it.
+extern const StackRule unknownStackRule;
+extern const std::size_t assumedStack;
 
 }  // namespace rgen::platform

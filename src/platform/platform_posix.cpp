@@ -27,6 +27,10 @@ namespace {
 
 constexpr std::int64_t lastAcceptedSecond = 32535215999;
 
+constexpr std::size_t kibibyte = 1024;
+/// Kibibytes of stack that a sanitizer's instrumentation takes on top.
+constexpr std::size_t instrumentation = RGEN_SANITIZER_STACK_KIB;
+
 int asDescriptor(FileHandle file) {
     return static_cast<int>(reinterpret_cast<std::intptr_t>(file));
 }
@@ -180,9 +184,13 @@ bool runsForAnother(pid_t process, std::uint32_t milliseconds) {
 
 const char pathSeparator = '/';
 
-const std::size_t stackReserve = std::size_t{RGEN_STACK_RESERVE_KIB} * 1024;
+const StackRule smallStackRule = {(200 + instrumentation) * kibibyte, 3000};
 
-const int withheldXPathLevels = 3000;
+// Less for expressions, so that more of the little is left for templates.
+const StackRule unknownStackRule = {(128 + instrumentation) * kibibyte, 4000};
+
+// Of the 256 KiB that every call may count on, the host and the way to the template take 32 at most.
+const std::size_t assumedStack = (224 + instrumentation) * kibibyte;
 
 NativePathText toWidePath(const std::string& utf8Text) {
     requireUtf8(utf8Text);

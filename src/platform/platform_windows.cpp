@@ -17,6 +17,8 @@ namespace {
 
 constexpr std::int64_t lastAcceptedSecond = 32535215999;
 
+constexpr std::size_t kibibyte = 1024;
+
 /// Thread-local variables of this compiler take a lock on Windows; the system's slots do not. No
 /// slot yet, or none to be had: the pointer reads as null.
 DWORD threadSlot = TLS_OUT_OF_INDEXES;
@@ -39,9 +41,12 @@ HANDLE asHandle(std::intptr_t handle) {
 
 const char pathSeparator = '\\';
 
-const std::size_t stackReserve = std::size_t{RGEN_STACK_RESERVE_KIB} * 1024;
+const StackRule smallStackRule = {256 * kibibyte, 0};
 
-const int withheldXPathLevels = 0;
+const StackRule unknownStackRule = {256 * kibibyte, 0};
+
+// Of the 512 KiB that every call may count on, the host and the way to the template take 32 at most.
+const std::size_t assumedStack = 480 * kibibyte;
 
 NativePathText toWidePath(const std::string& utf8Text) {
     requireUtf8(utf8Text);

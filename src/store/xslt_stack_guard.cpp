@@ -29,6 +29,23 @@ void stopBeforeStackEnds(xmlNode*, xmlNode*, xsltTemplate*, xsltTransformContext
     context->xpathCtxt->opCount = 1;
 }
 
+struct StackRoom {
+    const char* limit;
+    std::size_t reserve;
+    int withheldXPathLevels;
+};
+
+/// The stack that is left to whoever has that frame, known or assumed.
+StackRoom roomBelow(const char* frame) {
+    const char* limit = platform::stackLimit();
+    const bool isKnown = limit != nullptr;
+    const platform::StackRule& rule =
+        isKnown ? platform::smallStackRule : platform::unknownStackRule;
+    if (!isKnown) limit = frame - platform::assumedStack;
+    constexpr std::ptrdiff_t roomyStack = std::ptrdiff_t{4} * 1024 * 1024;
+    return {limit, rule.reserve, frame - limit < roomyStack ? rule.withheldXPathLevels : 0};
+}
+
 /// In the order in which libxslt reads them.
 struct DebuggerCallbacks {
     xsltHandleDebuggerCallback handler;
@@ -44,20 +61,22 @@ void installStackGuard() {
     xsltSetDebuggerCallbacks(callbackCount, &callbacks);
 }
 
+void guardCompilation(xsltStylesheet& stylesheet) {
+    const auto* frame = static_cast<const char*>(__builtin_frame_address(0));
+    stylesheet.xpathCtxt->depth = roomBelow(frame).withheldXPathLevels;
+}
+
 void guardStack(xsltTransformContext& context, TemplateBounds& bounds) {
     bounds.failedAllocations = failedXmlAllocations();
     context._private = &bounds;
     context.debugStatus = XSLT_DEBUG_RUN;
-    const char* limit = platform::stackLimit();
-    if (limit == nullptr) return;
-    bounds.lowestAllowed = limit + platform::stackReserve;
+    const StackRoom room = roomBelow(static_cast<const char*>(__builtin_frame_address(0)));
+    bounds.lowestAllowed = room.limit + room.reserve;
     memory::Pool* pool = memory::poolInUse();
     // Expressions may use most of the reserve; the last quarter is for what handles the failure.
-    if (pool != nullptr) pool->needStackAbove(limit + platform::stackReserve / 4);
+    if (pool != nullptr) pool->needStackAbove(room.limit + room.reserve / 4);
     // The hook does not run inside an expression, which may nest deeper than the reserve allows.
-    constexpr std::ptrdiff_t roomyStack = std::ptrdiff_t{4} * 1024 * 1024;
-    const auto* frame = static_cast<const char*>(__builtin_frame_address(0));
-    if (frame - limit < roomyStack) context.xpathCtxt->depth = platform::withheldXPathLevels;
+    context.xpathCtxt->depth = room.withheldXPathLevels;
 }
 
 }  // namespace rgen

@@ -15,14 +15,19 @@ void installStackGuard();
 
 /// Where a template has to stop.
 struct TemplateBounds {
-    /// The lowest stack address that it may reach; null where the system does not tell the limit.
+    /// The lowest stack address that it may reach.
     const char* lowestAllowed = nullptr;
     /// What failedXmlAllocations() gave at its start.
     std::size_t failedAllocations = 0;
 };
 
-/// From now on the transformation of `context` stops as a failed one before less than
-/// platform::stackReserve is left of the calling thread's stack, or when memory is exhausted.
+/// Expressions that `stylesheet` compiles from now on nest only as deep as the stack has room for:
+/// libxml2 descends into them. Its XPath context exists.
+void guardCompilation(xsltStylesheet& stylesheet);
+
+/// From now on the transformation of `context` stops as a failed one before less than the reserve
+/// of its platform::StackRule is left of the stack, or when memory is exhausted. Where the system
+/// does not tell the stack's limit, the stack is taken for one of the smallest size.
 /// `bounds` is filled, and outlives the transformation.
 void guardStack(xsltTransformContext& context, TemplateBounds& bounds);
 

@@ -1,4 +1,4 @@
-// Runs code on a thread whose stack size the caller chooses.
+// Runs code on a thread or fiber whose stack size the caller chooses.
 //
 // SPDX-License-Identifier: MIT
 #ifndef RGEN_TESTS_SUPPORT_SIZED_THREAD_H
@@ -24,6 +24,10 @@ extern const bool deepCopiesAreGuarded;
 
 // Runs the function on a new thread with a stack of that many bytes and waits for its end.
 void runOnStack(std::size_t stackSize, const std::function<void()>& function);
+
+// The same on a fiber of the calling thread; on Linux that is a stack which the system does not
+// know. Below the stack is memory that nobody may touch.
+void runOnFiber(std::size_t stackSize, const std::function<void()>& function);
 
 }  // namespace rgen_test
 

@@ -4,7 +4,9 @@
 #include <gtest/gtest.h>
 #include <pthread.h>
 #include <sys/mman.h>
+#include <ucontext.h>
 
+#include <cstdint>
 #include <cstdlib>
 
 #include "support/sized_thread.h"
@@ -76,6 +78,46 @@ std::size_t sanitizerShare() {
     return share;
 }
 
+extern "C" {
+
+// The sanitizers want to know of every switch; null without them.
+void* currentTsanFiber() __asm__("__tsan_get_current_fiber") __attribute__((weak));
+void* createTsanFiber(unsigned flags) __asm__("__tsan_create_fiber") __attribute__((weak));
+void destroyTsanFiber(void* fiber) __asm__("__tsan_destroy_fiber") __attribute__((weak));
+void switchToTsanFiber(void* fiber, unsigned flags) __asm__("__tsan_switch_to_fiber")
+    __attribute__((weak));
+void startAsanSwitch(void** left, const void* lowest,
+                     std::size_t size) __asm__("__sanitizer_start_switch_fiber")
+    __attribute__((weak));
+void finishAsanSwitch(void* entered, const void** lowest,
+                      std::size_t* size) __asm__("__sanitizer_finish_switch_fiber")
+    __attribute__((weak));
+
+}  // extern "C"
+
+// A stack on which a function runs, with the context that waits for it.
+struct Fiber {
+    const std::function<void()>& function;
+    ucontext_t caller;
+    ucontext_t own;
+    void* tsanCaller;
+    void* asanCaller;
+    const void* callerLowest;
+    std::size_t callerSize;
+};
+
+// makecontext() passes numbers of 32 bits only.
+void runFiber(unsigned high, unsigned low) {
+    auto* fiber = reinterpret_cast<Fiber*>((std::uintptr_t{high} << 32U) | low);
+    if (finishAsanSwitch != nullptr)
+        finishAsanSwitch(nullptr, &fiber->callerLowest, &fiber->callerSize);
+    fiber->function();
+    if (startAsanSwitch != nullptr)
+        startAsanSwitch(nullptr, fiber->callerLowest, fiber->callerSize);
+    if (switchToTsanFiber != nullptr) switchToTsanFiber(fiber->tsanCaller, 0);
+    setcontext(&fiber->caller);
+}
+
 }  // namespace
 
 const std::size_t smallestStack = 256 * kibibyte;
@@ -86,6 +128,28 @@ const bool deepCopiesAreGuarded = RGEN_POOLS_ARE_USED;
 
 void runOnStack(std::size_t stackSize, const std::function<void()>& function) {
     start(stackSize + sanitizerShare(), function);
+}
+
+void runOnFiber(std::size_t stackSize, const std::function<void()>& function) {
+    const std::size_t size = stackSize + instrumentationStack;
+    const StackMemory stack(size);
+    Fiber fiber = {function, {}, {}, nullptr, nullptr, nullptr, 0};
+    ASSERT_EQ(0, getcontext(&fiber.own));
+    fiber.own.uc_stack.ss_sp = stack.lowest();
+    fiber.own.uc_stack.ss_size = size;
+    constexpr unsigned halfOfBits = 32;
+    const auto address = reinterpret_cast<std::uintptr_t>(&fiber);
+    makecontext(&fiber.own, reinterpret_cast<void (*)()>(runFiber), 2,
+                static_cast<unsigned>(address >> halfOfBits), static_cast<unsigned>(address));
+    void* const tsanFiber = createTsanFiber != nullptr ? createTsanFiber(0) : nullptr;
+    if (tsanFiber != nullptr) {
+        fiber.tsanCaller = currentTsanFiber();
+        switchToTsanFiber(tsanFiber, 0);
+    }
+    if (startAsanSwitch != nullptr) startAsanSwitch(&fiber.asanCaller, stack.lowest(), size);
+    ASSERT_EQ(0, swapcontext(&fiber.caller, &fiber.own));
+    if (finishAsanSwitch != nullptr) finishAsanSwitch(fiber.asanCaller, nullptr, nullptr);
+    if (tsanFiber != nullptr) destroyTsanFiber(tsanFiber);
 }
 
 }  // namespace rgen_test

@@ -153,7 +153,9 @@ TEST(StackLimit, BelongsToTheThread) {
 }
 
 TEST(StackReserve, LeavesRoomOnTheSmallestStack) {
-    EXPECT_LT(platform::stackReserve, smallestStack + instrumentationStack);
+    EXPECT_LT(platform::smallStackRule.reserve, smallestStack + instrumentationStack);
+    EXPECT_LT(platform::unknownStackRule.reserve, platform::assumedStack);
+    EXPECT_LT(platform::assumedStack, smallestStack + instrumentationStack);
 }
 
 TEST(NamesSpecialFile, FilesFoldersAndMissingNamesAreNone) {

@@ -17,6 +17,7 @@
 #include "store/xml_handles.h"
 #include "store/xslt_stack_guard.h"
 #include "support/fault_injection.h"
+#include "support/sized_thread.h"
 
 namespace rgen_test {
 namespace {
@@ -135,7 +136,7 @@ TEST(PoolScope, WorksOnWithoutAPoolWhereThePointerCannotBeSet) {
     }).join();
 }
 
-TEST(GuardStack, MarksNothingWhereTheLimitIsUnknown) {
+TEST(GuardStack, CountsOnTheSmallestStackWhereTheLimitIsUnknown) {
     std::thread([] {
         const rgen::XmlPtr<xmlDoc> data(xmlNewDoc(rgen::xmlText("1.0")));
         const rgen::XmlPtr<xsltStylesheet> stylesheet(xsltNewStylesheet());
@@ -145,7 +146,12 @@ TEST(GuardStack, MarksNothingWhereTheLimitIsUnknown) {
         rgen::TemplateBounds bounds;
         rgen::guardStack(*context, bounds);
         EXPECT_TRUE(failure.reached());
-        EXPECT_EQ(nullptr, bounds.lowestAllowed);
+        const std::ptrdiff_t room =
+            static_cast<const char*>(__builtin_frame_address(0)) - bounds.lowestAllowed;
+        const std::size_t expected = platform::assumedStack - platform::unknownStackRule.reserve;
+        EXPECT_LE(96 * kibibyte, expected);
+        EXPECT_NEAR(static_cast<double>(expected), static_cast<double>(room), 1024.0);
+        EXPECT_EQ(platform::unknownStackRule.withheldXPathLevels, context->xpathCtxt->depth);
         EXPECT_EQ(XSLT_DEBUG_RUN, context->debugStatus);
     }).join();
 }

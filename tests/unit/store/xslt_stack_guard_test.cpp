@@ -83,7 +83,7 @@ TEST(GuardStack, MarksTheLowestAddressThatATemplateMayReach) {
     rgen::guardStack(*context, bounds);
     const char* limit = rgen::platform::stackLimit();
     ASSERT_NE(nullptr, limit);
-    EXPECT_EQ(limit + rgen::platform::stackReserve, bounds.lowestAllowed);
+    EXPECT_EQ(limit + rgen::platform::smallStackRule.reserve, bounds.lowestAllowed);
     EXPECT_EQ(&bounds, context->_private);
     EXPECT_EQ(XSLT_DEBUG_RUN, context->debugStatus);
 }
