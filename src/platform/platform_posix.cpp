@@ -189,7 +189,7 @@ const StackRule smallStackRule = {(200 + instrumentation) * kibibyte, 3000};
 // Less for expressions, so that more of the little is left for templates.
 const StackRule unknownStackRule = {(128 + instrumentation) * kibibyte, 4000};
 
-// Of the 256 KiB that every call may count on, the host and the way to the template take 32 at most.
+// Of the 256 KiB that every call may count on, the host and the way to the template take up to 32.
 const std::size_t assumedStack = (224 + instrumentation) * kibibyte;
 
 NativePathText toWidePath(const std::string& utf8Text) {

@@ -45,7 +45,7 @@ const StackRule smallStackRule = {256 * kibibyte, 0};
 
 const StackRule unknownStackRule = {256 * kibibyte, 0};
 
-// Of the 512 KiB that every call may count on, the host and the way to the template take 32 at most.
+// Of the 512 KiB that every call may count on, the host and the way to the template take up to 32.
 const std::size_t assumedStack = 480 * kibibyte;
 
 NativePathText toWidePath(const std::string& utf8Text) {

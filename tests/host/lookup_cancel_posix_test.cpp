@@ -1,6 +1,6 @@
-// Cancels that wait for the configuration lookup, as a host on Linux can prove it: a lease keeps the
-// library inside the lookup, which opens config.xml, and the system tells that the cancelling thread
-// waits at an address inside the generator.
+// Cancels that wait for the configuration lookup, as a host on Linux can prove it: a lease keeps
+// the library inside the lookup, which opens config.xml, and the system tells that the cancelling
+// thread waits at an address inside the generator.
 //
 // SPDX-License-Identifier: MIT
 #include <fcntl.h>

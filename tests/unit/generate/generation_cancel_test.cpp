@@ -1,5 +1,5 @@
-// Cancels that wait for the generator's lock. The lock itself tells that a canceller waits, so every
-// cancel that counts here was called before what it has to precede.
+// Cancels that wait for the generator's lock. The lock itself tells that a canceller waits, so
+// every cancel that counts here was called before what it has to precede.
 //
 // SPDX-License-Identifier: MIT
 #include <atomic>
