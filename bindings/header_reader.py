@@ -28,13 +28,23 @@ KNOWN_BLOCKS = (
 #define RGEN_API __attribute__((visibility("default")))
 #endif
 """,
+    """/**
+ * The status with an unsigned number, as a constant of type RgenStatus; in C++ without a C cast.
+ * The preprocessor, which knows no types, cannot compare statuses.
+ */
+#ifdef __cplusplus
+#define RGEN_STATUS(number) (static_cast<RgenStatus>(number))
+#else
+#define RGEN_STATUS(number) ((RgenStatus)(number))
+#endif
+""",
     '#ifdef __cplusplus\nextern "C" {\n#endif\n',
     "#ifdef __cplusplus\n}\n#endif\n",
 )
 KNOWN_DIRECTIVES = re.compile(r'#include <stdint\.h>|#include "strata_repgenlib/rgen_status\.h"'
                               r"|#(?:ifndef|define) STRATA_REPGENLIB_RGEN(?:_STATUS)?_H|#endif")
 VERSION = re.compile(r"#define RGEN_VERSION_(MAJOR|MINOR|PATCH) (\d+)")
-STATUS = re.compile(r"#define (RGEN_(?:OK|CANCELED|E_[A-Z_]+)) \(\(RgenStatus\)(0x[0-9A-F]{8})\)")
+STATUS = re.compile(r"#define (RGEN_(?:OK|CANCELED|E_[A-Z_]+)) RGEN_STATUS\((0x[0-9A-F]{8})U\)")
 PAGE_COMMENT = re.compile(r"[@\\](?:file|name|mainpage|page|defgroup|addtogroup|\{|\})")
 TOKEN = re.compile(r"(?P<comment>/\*.*?\*/)|(?P<directive>^#[^\n]*)|(?P<word>[A-Za-z_]\w*)"
                    r"|(?P<number>\d+)|(?P<mark>[(){}\[\];,=*])|(?P<blank>\s+)|(?P<unknown>.)",

@@ -18,79 +18,89 @@
  */
 typedef int32_t RgenStatus;
 
+/**
+ * The status with an unsigned number, as a constant of type RgenStatus; in C++ without a C cast.
+ * The preprocessor, which knows no types, cannot compare statuses.
+ */
+#ifdef __cplusplus
+#define RGEN_STATUS(number) (static_cast<RgenStatus>(number))
+#else
+#define RGEN_STATUS(number) ((RgenStatus)(number))
+#endif
+
 /** The operation did what was asked. */
-#define RGEN_OK ((RgenStatus)0x00000000)
+#define RGEN_OK RGEN_STATUS(0x00000000U)
 /** A required pointer argument is null. */
-#define RGEN_E_BAD_PARAMETER ((RgenStatus)0xC0000001)
+#define RGEN_E_BAD_PARAMETER RGEN_STATUS(0xC0000001U)
 /** The path given to rgen_setDataDirPath names nothing. */
-#define RGEN_E_DIR_NOT_FOUND ((RgenStatus)0xC0000002)
+#define RGEN_E_DIR_NOT_FOUND RGEN_STATUS(0xC0000002U)
 /** The data directory is missing and somebody else created it meanwhile; set the path again. */
-#define RGEN_E_CREATE_DIR ((RgenStatus)0xC0000003)
+#define RGEN_E_CREATE_DIR RGEN_STATUS(0xC0000003U)
 /** The default config.xml cannot be written. */
-#define RGEN_E_CREATE_CONFIG ((RgenStatus)0xC0000004)
+#define RGEN_E_CREATE_CONFIG RGEN_STATUS(0xC0000004U)
 /** config.xml cannot be opened, or nothing of it parses. */
-#define RGEN_E_OPEN_CONFIG ((RgenStatus)0xC0000005)
+#define RGEN_E_OPEN_CONFIG RGEN_STATUS(0xC0000005U)
 /** The persistent data file is missing, or nothing of it parses. */
-#define RGEN_E_OPEN_PERSIST ((RgenStatus)0xC0000006)
+#define RGEN_E_OPEN_PERSIST RGEN_STATUS(0xC0000006U)
 /** Values, pairs and persistent data together hold no property. */
-#define RGEN_E_EMPTY_INPUT ((RgenStatus)0xC0000007)
+#define RGEN_E_EMPTY_INPUT RGEN_STATUS(0xC0000007U)
 /** config.xml has no usable entry for the GUID. */
-#define RGEN_E_GUID_NOT_IN_CONFIG ((RgenStatus)0xC0000008)
+#define RGEN_E_GUID_NOT_IN_CONFIG RGEN_STATUS(0xC0000008U)
 /** No template file lies in the folder of the output format. */
-#define RGEN_E_TEMPLATE_NOT_FOUND ((RgenStatus)0xC0000009)
+#define RGEN_E_TEMPLATE_NOT_FOUND RGEN_STATUS(0xC0000009U)
 /** The output format is not "html", "pdf" or "txt". */
-#define RGEN_E_UNKNOWN_FORMAT ((RgenStatus)0xC000000A)
+#define RGEN_E_UNKNOWN_FORMAT RGEN_STATUS(0xC000000AU)
 /** The output path is a directory, or the old output file cannot be removed. */
-#define RGEN_E_OVERWRITE_OUTPUT ((RgenStatus)0xC000000B)
+#define RGEN_E_OVERWRITE_OUTPUT RGEN_STATUS(0xC000000BU)
 /** The output file, or the temporary HTML file beside it, cannot be created. */
-#define RGEN_E_CREATE_OUTPUT ((RgenStatus)0xC000000C)
+#define RGEN_E_CREATE_OUTPUT RGEN_STATUS(0xC000000CU)
 /** Writing the delete-on-close file failed. */
-#define RGEN_E_WRITE_OUTPUT ((RgenStatus)0xC000000D)
+#define RGEN_E_WRITE_OUTPUT RGEN_STATUS(0xC000000DU)
 /** The output mode is not 0, 1 or 2. */
-#define RGEN_E_UNKNOWN_OUTPUT_MODE ((RgenStatus)0xC000000E)
+#define RGEN_E_UNKNOWN_OUTPUT_MODE RGEN_STATUS(0xC000000EU)
 /** The delete-on-close file took fewer bytes than it was given. */
-#define RGEN_E_WRITE_ALL_OUTPUT ((RgenStatus)0xC000000F)
+#define RGEN_E_WRITE_ALL_OUTPUT RGEN_STATUS(0xC000000FU)
 /** The old persistent data file cannot be removed. */
-#define RGEN_E_DELETE_PERSIST ((RgenStatus)0xC0000010)
+#define RGEN_E_DELETE_PERSIST RGEN_STATUS(0xC0000010U)
 /** The persistent data file, or the dump file, cannot be written. */
-#define RGEN_E_CREATE_PERSIST ((RgenStatus)0xC0000011)
+#define RGEN_E_CREATE_PERSIST RGEN_STATUS(0xC0000011U)
 /** The converter "vellum" cannot be started. */
-#define RGEN_E_RUN_EXTERNAL ((RgenStatus)0xC0000012)
+#define RGEN_E_RUN_EXTERNAL RGEN_STATUS(0xC0000012U)
 /** The exit code of the converter cannot be queried. */
-#define RGEN_E_EXTERNAL_FAILED ((RgenStatus)0xC0000013)
+#define RGEN_E_EXTERNAL_FAILED RGEN_STATUS(0xC0000013U)
 /** The simulation file is missing, or nothing of it parses (seen inside the library only). */
-#define RGEN_E_OPEN_SIMULATION ((RgenStatus)0xC0000014)
+#define RGEN_E_OPEN_SIMULATION RGEN_STATUS(0xC0000014U)
 /** The old dump file cannot be removed. */
-#define RGEN_E_DELETE_DUMP ((RgenStatus)0xC0000015)
+#define RGEN_E_DELETE_DUMP RGEN_STATUS(0xC0000015U)
 /** Described, but returned by no operation. */
-#define RGEN_E_XPATH_DOCUMENT ((RgenStatus)0xC0010001)
+#define RGEN_E_XPATH_DOCUMENT RGEN_STATUS(0xC0010001U)
 /** libxml2 cannot create an XPath context (out of memory). */
-#define RGEN_E_XPATH_CONTEXT ((RgenStatus)0xC0010002)
+#define RGEN_E_XPATH_CONTEXT RGEN_STATUS(0xC0010002U)
 /** libxml2 cannot evaluate an XPath expression (out of memory). */
-#define RGEN_E_XPATH_SEARCH ((RgenStatus)0xC0010003)
+#define RGEN_E_XPATH_SEARCH RGEN_STATUS(0xC0010003U)
 /** Described, but returned by no operation. */
-#define RGEN_E_NO_PERSIST_IN_CONFIG ((RgenStatus)0xC0010004)
+#define RGEN_E_NO_PERSIST_IN_CONFIG RGEN_STATUS(0xC0010004U)
 /** Described, but returned by no operation. */
-#define RGEN_E_XPATH_NOT_NODE ((RgenStatus)0xC0010005)
+#define RGEN_E_XPATH_NOT_NODE RGEN_STATUS(0xC0010005U)
 /** A file name found in the configuration is empty (a safeguard that no file triggers). */
-#define RGEN_E_XPATH_NODE_EMPTY ((RgenStatus)0xC0010006)
+#define RGEN_E_XPATH_NODE_EMPTY RGEN_STATUS(0xC0010006U)
 /** config.xml has no "type" element with a "guid" attribute under /config/reportTypes. */
-#define RGEN_E_NO_TYPE_MAP ((RgenStatus)0xC0010007)
+#define RGEN_E_NO_TYPE_MAP RGEN_STATUS(0xC0010007U)
 /** No "type" element of config.xml has a valid GUID and both file names. */
-#define RGEN_E_NO_VALID_TYPE_MAP ((RgenStatus)0xC0010008)
+#define RGEN_E_NO_VALID_TYPE_MAP RGEN_STATUS(0xC0010008U)
 /** The persistent data file has no named "property" element. */
-#define RGEN_E_NO_PERSIST_VALUES ((RgenStatus)0xC0010009)
+#define RGEN_E_NO_PERSIST_VALUES RGEN_STATUS(0xC0010009U)
 /** No "property" of the persistent data file has both a name and a text. */
-#define RGEN_E_NO_VALID_PERSIST_VALUES ((RgenStatus)0xC001000A)
+#define RGEN_E_NO_VALID_PERSIST_VALUES RGEN_STATUS(0xC001000AU)
 /** The template cannot be read, parsed or compiled. */
-#define RGEN_E_XSLT_PARSE ((RgenStatus)0xC0020001)
+#define RGEN_E_XSLT_PARSE RGEN_STATUS(0xC0020001U)
 /** The template failed while it was applied to the data. */
-#define RGEN_E_XSLT_APPLY ((RgenStatus)0xC0020002)
+#define RGEN_E_XSLT_APPLY RGEN_STATUS(0xC0020002U)
 /** The template produced no output. */
-#define RGEN_E_XSLT_RESULT ((RgenStatus)0xC0020003)
+#define RGEN_E_XSLT_RESULT RGEN_STATUS(0xC0020003U)
 /** Catch-all for a failure without a status of its own; returned by no operation. */
-#define RGEN_E_UNKNOWN ((RgenStatus)0xC000FFFF)
+#define RGEN_E_UNKNOWN RGEN_STATUS(0xC000FFFFU)
 /** rgen_cancel reached the generation. Negative, so it counts as a failure. */
-#define RGEN_CANCELED ((RgenStatus)0x80000001)
+#define RGEN_CANCELED RGEN_STATUS(0x80000001U)
 
 #endif

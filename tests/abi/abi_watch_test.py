@@ -152,19 +152,19 @@ class AbiWatch(unittest.TestCase):
                     "RgenHint RGEN_HINT_DUMP from 8 to 9")
 
     def test_changed_status(self):
-        self.expect(self.verdict(("RGEN_CANCELED ((RgenStatus)0x80000001)",
-                                  "RGEN_CANCELED ((RgenStatus)0x80000002)")), False,
+        self.expect(self.verdict(("RGEN_CANCELED RGEN_STATUS(0x80000001U)",
+                                  "RGEN_CANCELED RGEN_STATUS(0x80000002U)")), False,
                     "RGEN_CANCELED from 0x80000001 to 0x80000002")
 
     def test_removed_and_added_status(self):
-        old = "#define RGEN_E_UNKNOWN ((RgenStatus)0xC000FFFF)"
+        old = "#define RGEN_E_UNKNOWN RGEN_STATUS(0xC000FFFFU)"
         verdict = self.verdict((old, old.replace("_UNKNOWN", "_OTHER")))
         self.expect(verdict, False, "removed: RgenStatus RGEN_E_UNKNOWN",
                     "added: RgenStatus RGEN_E_OTHER")
 
     def test_added_status(self):
-        old = "#define RGEN_E_UNKNOWN ((RgenStatus)0xC000FFFF)"
-        self.expect(self.verdict((old, old + "\n#define RGEN_E_MORE ((RgenStatus)0xC000FFFE)")),
+        old = "#define RGEN_E_UNKNOWN RGEN_STATUS(0xC000FFFFU)"
+        self.expect(self.verdict((old, old + "\n#define RGEN_E_MORE RGEN_STATUS(0xC000FFFEU)")),
                     True, "added: RgenStatus RGEN_E_MORE = 0xC000FFFE")
 
     def test_other_soname(self):

@@ -24,6 +24,25 @@ REQUIRE(hints, RGEN_HINT_GENERIC == 1 && RGEN_HINT_DUMP == 8);
 REQUIRE(modes, RGEN_OUTPUT_FILE == 0 && RGEN_OUTPUT_BYTES == 2);
 
 RgenStatus rgenTestUse(const char* path, RgenCInputParams* input);
+const char* rgenTestName(RgenStatus status);
+
+/* A constant initialiser, an array size and an enumerator. */
+static const RgenStatus failures[] = {RGEN_E_BAD_PARAMETER, RGEN_CANCELED};
+REQUIRE(array_size, sizeof(char[RGEN_OK + 1]) == 1);
+enum RgenTestStatus { RGEN_TEST_UNKNOWN = RGEN_E_UNKNOWN };
+REQUIRE(values, RGEN_TEST_UNKNOWN == -1073676289 && RGEN_CANCELED == -2147483647);
+
+const char* rgenTestName(RgenStatus status) {
+    switch (status) {
+#define RGEN_TEST_STATUS(name) \
+    case name:                 \
+        return #name;
+#include "every_status.h"
+#undef RGEN_TEST_STATUS
+        default:
+            return status == failures[0] ? "never" : 0;
+    }
+}
 
 static const char* RGEN_CALL translate(const char* text, void* context) {
     (void)context;

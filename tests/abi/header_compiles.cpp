@@ -1,16 +1,49 @@
 // The public header in C++, compiled as C++11, 14, 17 and 20. Nothing is included before it, it is
-// included twice, and the functions keep their plain names.
+// included twice, and the functions keep their plain names. The statuses are constants of type
+// RgenStatus that a host may use with every warning switched on.
 //
 // SPDX-License-Identifier: MIT
 #include "strata_repgenlib/rgen.h"
 #include "strata_repgenlib/rgen_status.h"
 
+namespace rgen_test {
+
+template <typename T>
+struct IsStatus {
+    static constexpr bool value = false;
+};
+template <>
+struct IsStatus<RgenStatus> {
+    static constexpr bool value = true;
+};
+
+template <RgenStatus number>
+struct StatusConstant {
+    static constexpr RgenStatus value = number;
+};
+
 static_assert(sizeof(RgenStatus) == 4, "a status has 32 bits");
 static_assert(RGEN_OK == 0 && RGEN_CANCELED < 0, "the statuses are constants");
+static_assert(IsStatus<decltype(RGEN_OK)>::value, "success has the type of a status");
+static_assert(IsStatus<decltype(RGEN_E_UNKNOWN)>::value, "a failure has the type of a status");
+static_assert(StatusConstant<RGEN_CANCELED>::value == -2147483647, "a status is an argument");
 static_assert(sizeof(RgenCInputParams) == 120, "the layout does not depend on the language");
 static_assert(RGEN_VERSION_MAJOR + RGEN_VERSION_MINOR + RGEN_VERSION_PATCH >= 0, "numbers");
 
-namespace rgen_test {
+const char* nameOf(RgenStatus status);
+RgenStatus useOfEveryKind(const char* path, const RgenCInputParams& input);
+
+const char* nameOf(RgenStatus status) {
+    switch (status) {
+#define RGEN_TEST_STATUS(name) \
+    case name:                 \
+        return #name;
+#include "every_status.h"
+#undef RGEN_TEST_STATUS
+        default:
+            return nullptr;
+    }
+}
 
 RgenStatus useOfEveryKind(const char* path, const RgenCInputParams& input) {
     RgenTranslateFunction callback = nullptr;

@@ -12,7 +12,7 @@ def statuses_of_the_header():
     """Name to number, in the order of the header."""
     text = (SOURCE_FOLDER / "include/strata_repgenlib/rgen_status.h").read_text()
     return {name: int(number, 16) for name, number in
-            re.findall(r"#define (RGEN_\w+) \(\(RgenStatus\)(0x[0-9A-F]{8})\)", text)}
+            re.findall(r"#define (RGEN_\w+) RGEN_STATUS\((0x[0-9A-F]{8})U\)", text)}
 
 
 class Explain(CliCase):

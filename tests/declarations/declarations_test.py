@@ -135,7 +135,7 @@ class StrictReader(unittest.TestCase):
         "    int64_t int64Value;": "    struct { int64_t inner; } int64Value;",
         "    RGEN_TYPE_INT64 = 1,": "    RGEN_TYPE_INT64,",
         "#define RGEN_VERSION_MINOR 1": "#define RGEN_VERSION_MINOR (1)",
-        "#define RGEN_OK ((RgenStatus)0x00000000)": "#define RGEN_OK 0",
+        "#define RGEN_OK RGEN_STATUS(0x00000000U)": "#define RGEN_OK 0",
         "#include <stdint.h>\n\n#include": "#include <stddef.h>\n\n#include",
         "#define RGEN_CALL __cdecl": "#define RGEN_CALL __stdcall",
         "RGEN_API void RGEN_CALL rgen_freeRgenByteArray(": "static void rgen_freeRgenByteArray(",

@@ -57,7 +57,7 @@ class Interface(unittest.TestCase):
                  for name, number in re.findall(r"RGEN_HINT_(\w+) = (\d+)", HEADER)}
         self.assertEqual(hints, {hint.name: hint.value for hint in Hint})
         stated = {name: int(number, 16) for name, number in
-                  re.findall(r"#define (RGEN_\w+) \(\(RgenStatus\)(0x\w+)\)", STATUS_HEADER)}
+                  re.findall(r"#define (RGEN_\w+) RGEN_STATUS\((0x\w+)U\)", STATUS_HEADER)}
         self.assertEqual(37, len(stated))
         self.assertEqual(stated, {status.name: status & 0xFFFFFFFF for status in Status})
         self.assertEqual("", status_name(5))
