@@ -139,7 +139,10 @@ bool writeFile(const std::string& path, const std::vector<std::uint8_t>& bytes) 
 
 bool readFile(const std::string& path, std::string& bytes) {
     const fs::path nativePath = toNativePath(path);
-    if (fs::status(nativePath).type() != fs::regular_file) return false;
+    // Not only regular files: Windows keeps files of cloud folders and deduplicated ones behind
+    // reparse points of kinds of their own.
+    const fs::file_status status = fs::status(nativePath);
+    if (status.type() == fs::directory_file || isSpecialFile(status)) return false;
     UnbufferedFile file;
     std::size_t size = 0;
     if (!file.open(nativePath.c_str(), std::ios::in) || !file.findSize(size)) return false;

@@ -73,7 +73,8 @@ bool openForWriting(FileRemover& file, Open open) {
 /// sockets; what happens to the bytes after the opening is not examined.
 bool writeFile(const std::string& path, const std::vector<std::uint8_t>& bytes);
 
-/// Reads a regular file. False when there is none that can be opened.
+/// Reads a file. False when there is none that can be opened, and for folders, devices, pipes and
+/// sockets.
 bool readFile(const std::string& path, std::string& bytes);
 
 }  // namespace rgen

@@ -76,6 +76,13 @@ bool wrappedCreateDirectory(
     const boost::filesystem::path& path, const boost::filesystem::path* existing,
     boost::system::error_code* error) __asm__("__wrap_" RGEN_CREATE_DIRECTORY);
 
+boost::filesystem::file_status realStatus(
+    const boost::filesystem::path& path,
+    boost::system::error_code* error) __asm__("__real_" RGEN_FILE_STATUS);
+boost::filesystem::file_status wrappedStatus(
+    const boost::filesystem::path& path,
+    boost::system::error_code* error) __asm__("__wrap_" RGEN_FILE_STATUS);
+
 xmlDoc* realReadFile(const char* path, const char* encoding,
                      int options) __asm__("__real_xmlReadFile");
 xmlDoc* wrappedReadFile(const char* path, const char* encoding,
@@ -142,6 +149,13 @@ bool wrappedCreateDirectory(const boost::filesystem::path& path,
                             const boost::filesystem::path* existing,
                             boost::system::error_code* error) {
     return !failsNow(Call::CreateDirectory) && realCreateDirectory(path, existing, error);
+}
+
+boost::filesystem::file_status wrappedStatus(const boost::filesystem::path& path,
+                                             boost::system::error_code* error) {
+    const boost::filesystem::file_status status = realStatus(path, error);
+    if (!failsNow(Call::TellFileKind)) return status;
+    return {boost::filesystem::reparse_file, status.permissions()};
 }
 
 xmlDoc* wrappedReadFile(const char* path, const char* encoding, int options) {

@@ -20,6 +20,7 @@ enum class Call {
     New,                    // raises std::bad_alloc
     ShareXmlContext,        // sharedXmlParserContext: gives no reference
     CreateDirectory,        // Boost.Filesystem: gives false and creates nothing
+    TellFileKind,           // Boost.Filesystem: gives the kind of a Windows reparse point
     ReadXmlFile,            // xmlReadFile: gives null
     NewXmlDocument,         // xmlNewDoc: gives null
     NewXmlNode,             // xmlNewNode: gives null

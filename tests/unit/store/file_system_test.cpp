@@ -11,6 +11,7 @@
 #include <stdexcept>
 #include <string>
 
+#include "support/fault_injection.h"
 #include "support/temp_folder.h"
 
 namespace rgen_test {
@@ -119,6 +120,16 @@ TEST_F(FileSystemTest, WriteFileCreatesAndTruncates) {
     EXPECT_FALSE(rgen::writeFile(folder.path(), {1}));
     EXPECT_FALSE(rgen::writeFile(folder.file("none/inside"), {1}));
     EXPECT_FALSE(rgen::writeFile("", {1}));
+}
+
+// Windows keeps files of cloud folders and deduplicated ones behind reparse points of other kinds.
+TEST_F(FileSystemTest, ReadFileTakesAFileBehindAReparsePoint) {
+    writeFile(folder.file("cloud"), "bytes");
+    std::string text = "previous";
+    const FailingCall reparsePoint(Call::TellFileKind);
+    EXPECT_TRUE(rgen::readFile(folder.file("cloud"), text));
+    EXPECT_TRUE(reparsePoint.reached());
+    EXPECT_EQ("bytes", text);
 }
 
 TEST_F(FileSystemTest, ReadFileTakesRegularFilesAsTheyStand) {

@@ -8,6 +8,7 @@
 #include <string>
 
 #include "store/file_system.h"
+#include "support/fault_injection.h"
 #include "support/temp_folder.h"
 
 namespace rgen_test {
@@ -19,6 +20,15 @@ TEST(PathExists, BothSeparatorsAreTaken) {
     EXPECT_TRUE(rgen::pathExists(folder.path() + "/a/b"));
     EXPECT_TRUE(rgen::pathExists(folder.path() + "\\a\\b"));
     EXPECT_TRUE(rgen::pathExists(folder.path() + "/a\\b"));
+}
+
+TEST(ReadFile, AFolderBehindAReparsePointIsNotRead) {
+    const TempFolder folder;
+    std::string text = "previous";
+    const FailingCall reparsePoint(Call::TellFileKind);
+    EXPECT_FALSE(rgen::readFile(folder.path(), text));
+    EXPECT_TRUE(reparsePoint.reached());
+    EXPECT_EQ("previous", text);
 }
 
 TEST(MakeRoomForFile, FileThatIsHeldOpenStays) {
