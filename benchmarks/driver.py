@@ -113,6 +113,8 @@ def measure_linux(measurements, names, short):
                                         measurements.instructions(*candidates, name))}
     step("translation pass")
     results["translation_pass"] = measurements.translation_pass(LINUX / "bin/benchmark_translation")
+    step("dates")
+    results["dates"] = measurements.dates(LINUX / "bin/benchmark_dates")
     results["two_threads"] = for_each(
         [name for name in THREAD_WORKLOADS if name in names], "two threads",
         lambda name: measurements.two_threads(*candidates, name))
@@ -128,8 +130,11 @@ def measure_windows(measurements, names):
         step("comparing the reports on Windows")
         expect_same_reports(candidates, [FOLDER / "workloads" / name for name in chosen],
                             FOLDER / "same_reports_windows")
-        return for_each(chosen, "times on Windows",
-                        lambda name: measurements.times(candidates, name))
+        times = for_each(chosen, "times on Windows",
+                         lambda name: measurements.times(candidates, name))
+        step("dates on Windows")
+        return {"windows": times, "dates_on_windows": measurements.dates(
+            WINDOWS / "bin/benchmark_dates.exe", candidates[0].launcher)}
     finally:
         subprocess.run([*windows_candidates()[0].launcher, "--stop"], check=False,
                        stdin=subprocess.DEVNULL)
@@ -174,8 +179,8 @@ def measure(arguments):
     if arguments.windows:
         folder = measurements.folder / "windows"
         folder.mkdir(exist_ok=True)
-        results["windows"] = measure_windows(
-            Measurements(folder, FOLDER / "workloads", rounds), names)
+        results.update(measure_windows(
+            Measurements(folder, FOLDER / "workloads", rounds), names))
     return results
 
 

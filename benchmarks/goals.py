@@ -13,6 +13,7 @@ HOSTILE_GROWTH_BAR = 30
 STACK_BAR_BYTES = 16 * 1024
 SIZE_BAR_BYTES = 1_300_000
 LARGE_TABLE_BAR = 1.6
+DATES_BAR = 1.3
 KEY_BAR = 0.10
 
 
@@ -80,6 +81,14 @@ def pass_goals(measured):
                "{:,}")
 
 
+def date_goals(measured, where=""):
+    seconds = measured["seconds"]
+    for name, spread in measured["to_numbers"].items():
+        yield Goal(f"dump of 20,000 values as {name}{where}, by one of numbers", spread["median"],
+                   DATES_BAR, note=f"{percent_note(spread)}; {seconds[name] * 1e3:.1f} ms by "
+                                   f"{seconds['number'] * 1e3:.1f} ms")
+
+
 def thread_goals(threads):
     for workload, gains in threads.items():
         yield Goal(f"gain of two threads at {workload}, by the floor's",
@@ -101,13 +110,15 @@ def memory_goals(peaks, growths):
 def all_goals(results):
     """The goals that the results say something about."""
     goals = [*time_goals(results["times"]), *instruction_goals(results["instructions"]),
-             *pass_goals(results["translation_pass"]), *thread_goals(results["two_threads"]),
+             *pass_goals(results["translation_pass"]), *date_goals(results["dates"]),
+             *thread_goals(results["two_threads"]),
              *memory_goals(results["peak_memory"], results["growth"]),
              Goal("stripped shared library, bytes", results["library_bytes"], SIZE_BAR_BYTES,
                   "{:,}"),
              *scaling_goals(results["times"])]
     if "windows" in results:
         goals += time_goals(results["windows"], " on Windows")
+        goals += date_goals(results["dates_on_windows"], " on Windows")
     return goals
 
 

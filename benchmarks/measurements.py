@@ -149,6 +149,22 @@ class Measurements:
                             for name in rounds[0]},
                 "to_plain_search": ratios, "stack_bytes": int(result["context"]["stack_bytes"])}
 
+    # ---- Dates ----------------------------------------------------------------------------------
+
+    def dates(self, program, launcher=()):
+        """Seconds for a dump of 20,000 numbers, times and dates, and the ratios to the numbers."""
+        rounds = []
+        for number in range(self.rounds):
+            result = self._google_benchmark([*pinned(), *launcher, str(program)],
+                                            self._raw_file("dates", number), MINIMUM_TIME)
+            rounds.append({entry["name"].removeprefix("dump/"):
+                           entry["real_time"] * UNITS[entry["time_unit"]]
+                           for entry in result["benchmarks"]})
+        return {"seconds": {name: statistics.median(times[name] for times in rounds)
+                            for name in rounds[0]},
+                "to_numbers": {name: spread_of([times[name] / times["number"] for times in rounds])
+                               for name in rounds[0] if name != "number"}}
+
     def stripped_size(self, library):
         """Bytes of the shared library without symbols."""
         stripped = self.folder / "stripped-library"

@@ -119,6 +119,12 @@
  *   RGEN_E_XPATH_CONTEXT, RGEN_E_XPATH_SEARCH, RGEN_E_XPATH_NODE_EMPTY, RGEN_E_NO_TYPE_MAP and
  *   RGEN_E_NO_VALID_TYPE_MAP.
  *
+ * FILES THAT ARE READ
+ *   config.xml, persistent data, simulated input and templates are ordinary files, links to such
+ *   files, and on Windows files behind a reparse point of any kind. A folder cannot be opened, and
+ *   on Linux neither can a pipe, a device or a socket: each ends with the status of its step, and
+ *   nothing waits.
+ *
  * SPDX-License-Identifier: MIT
  */
 #ifndef STRATA_REPGENLIB_RGEN_H
@@ -204,6 +210,10 @@ enum RgenVariantType {
  * Times below 0 and after the year 3000 UTC (above 32535215999) are shown as
  * "ERROR: BAD TIME_T INPUT". Texts and bytes do not depend on the hint: bytes are always shown as a
  * hex dump ("01 AB ").
+ *
+ * Linux: times and dates follow the time facet of the global C++ locale, all but the day, which
+ * always has the form below. The standard facet gives the form below in every locale; a facet of
+ * the host's own gives what it writes. Windows: always the form below; no facet is asked.
  */
 enum RgenHint {
     RGEN_HINT_UNINITIALIZED = 0, /**< That of a zero-filled or freed record. */

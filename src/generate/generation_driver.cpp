@@ -36,8 +36,9 @@ Status mergeInput(ReportGenerator& generator, InputParams& request,
     // place.
     properties.max_load_factor(0.5F);
     properties.reserve(properties.size() + request.variants.size());
+    ValueTexts texts;
     for (auto& [name, value] : std::exchange(request.variants, NamedVariants()))
-        properties.insert_or_assign(std::move(name), variantText(std::move(value)));
+        properties.insert_or_assign(std::move(name), texts.of(std::move(value)));
     return properties.empty() ? RGEN_E_EMPTY_INPUT : RGEN_OK;
 }
 

@@ -9,6 +9,7 @@
 #include <cstdint>
 #include <ctime>
 #include <string>
+#include <string_view>
 
 namespace rgen::platform {
 
@@ -30,9 +31,18 @@ NativePathText toWidePath(const std::string& utf8Text);
 /// toWidePath does.
 bool namesSpecialFile(const std::string& path);
 
-/// Breaks `secondsSince1970` (UTC) down into local time, by the time zone in force at the call.
+/// Takes over the time zone that the host or the system has set since the last time. Does nothing
+/// on Windows, whose C runtime goes by its own.
+void adoptTimeZone();
+
+/// Breaks `secondsSince1970` (UTC) down into local time, by the time zone that was adopted last.
 /// False for negative numbers and for those past the year 3000; `brokenDown` is then unspecified.
 bool localTime(std::int64_t secondsSince1970, std::tm& brokenDown);
+
+/// Writes `brokenDown` after `text` by a time facet that the host has put into the global C++
+/// locale. False, and nothing is written, when that is the standard facet, and always on Windows:
+/// there a facet sets the C locale of the whole process for as long as it writes.
+bool appendByHostFacet(std::string& text, const std::tm& brokenDown, std::string_view pattern);
 
 /// Creates `path` as a file that vanishes with its last handle; an existing file is overwritten.
 /// Windows takes the bytes of `path` in the ANSI code page. False when it cannot be created.

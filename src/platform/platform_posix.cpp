@@ -15,8 +15,12 @@
 #include <cerrno>
 #include <csignal>
 #include <cstdlib>
+#include <iterator>
+#include <locale>
 #include <mutex>
 #include <new>
+#include <sstream>
+#include <typeinfo>
 #include <vector>
 
 #include "platform/platform.h"
@@ -203,11 +207,28 @@ bool namesSpecialFile(const std::string& path) {
     return !S_ISREG(information.st_mode) && !S_ISDIR(information.st_mode);
 }
 
+void adoptTimeZone() {
+    // Without TZ it looks at the system's file each time, so it is not for every single value.
+    tzset();
+}
+
 bool localTime(std::int64_t secondsSince1970, std::tm& brokenDown) {
     if (secondsSince1970 < 0 || secondsSince1970 > lastAcceptedSecond) return false;
-    tzset();  // localtime_r alone may keep a time zone that the host has changed since.
     const std::time_t seconds = secondsSince1970;
     return localtime_r(&seconds, &brokenDown) != nullptr;
+}
+
+bool appendByHostFacet(std::string& text, const std::tm& brokenDown, std::string_view pattern) {
+    using Facet = std::time_put<char>;
+    const std::locale global;
+    const auto& facet = std::use_facet<Facet>(global);
+    if (typeid(facet) == typeid(Facet)) return false;
+    std::ostringstream stream;
+    stream.imbue(global);
+    facet.put(std::ostreambuf_iterator<char>(stream), stream, ' ', &brokenDown, pattern.data(),
+              pattern.data() + pattern.size());
+    text += stream.str();
+    return true;
 }
 
 bool createDeleteOnCloseFile(const std::string& path, FileHandle& file) {

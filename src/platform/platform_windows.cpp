@@ -58,6 +58,8 @@ bool namesSpecialFile(const std::string& path) {
     return false;
 }
 
+void adoptTimeZone() {}
+
 bool localTime(std::int64_t secondsSince1970, std::tm& brokenDown) {
     if (secondsSince1970 < 0 || secondsSince1970 > lastAcceptedSecond) return false;
     const __time64_t seconds = secondsSince1970;
@@ -65,6 +67,11 @@ bool localTime(std::int64_t secondsSince1970, std::tm& brokenDown) {
     if (converted == nullptr) return false;
     brokenDown = *converted;
     return true;
+}
+
+bool appendByHostFacet(std::string& /*text*/, const std::tm& /*brokenDown*/,
+                       std::string_view /*pattern*/) {
+    return false;
 }
 
 bool createDeleteOnCloseFile(const std::string& path, FileHandle& file) {

@@ -69,8 +69,9 @@ Status setPersistentDataFromPairs(ReportGenerator& generator, const Guid& guid,
 Status setPersistentDataFromValues(ReportGenerator& generator, const Guid& guid,
                                    const VariantMap& values) {
     PropertyMap properties;
+    ValueTexts texts;
     for (const auto& [name, value] : values)
-        properties[name] = variantText(value);
+        properties[name] = texts.of(value);
     return setPersistentDataFromPairs(generator, guid, properties);
 }
 

@@ -1,14 +1,11 @@
-// Display texts. Numbers and hex digits never depend on a locale; dates and times go through the
-// time facet of the host's global C++ locale.
+// Display texts. Numbers and hex digits never depend on a locale; dates and times are numbers, too,
+// unless the system lets a host write them by a time facet of its own.
 //
 // SPDX-License-Identifier: MIT
 #include "variant/hinted_convertors.h"
 
 #include <cstdio>
 #include <ctime>
-#include <iterator>
-#include <locale>
-#include <sstream>
 #include <string_view>
 #include <utility>
 
@@ -40,21 +37,65 @@ std::string addressText(std::int64_t number) {
     return text;
 }
 
+char digit(int number) {
+    return static_cast<char>('0' + number % 10);
+}
+
 /// The day brought to two characters with a leading blank, as "%e" gives it where it is known: the
 /// C runtime of the Windows build does not know it.
 std::string blankPaddedDay(int day) {
-    return {day < 10 ? ' ' : static_cast<char>('0' + day / 10), static_cast<char>('0' + day % 10)};
+    return {day < 10 ? ' ' : digit(day / 10), digit(day)};
 }
 
-/// `pattern` is written behind the day when `showsDay` is set.
+void appendTwoDigits(std::string& text, int number) {
+    text += digit(number / 10);
+    text += digit(number);
+}
+
+void appendField(std::string& text, const std::tm& brokenDown, char field) {
+    constexpr int firstYear = 1900;
+    const int year = firstYear + brokenDown.tm_year;
+    switch (field) {
+        case 'H':
+            return appendTwoDigits(text, brokenDown.tm_hour);
+        case 'M':
+            return appendTwoDigits(text, brokenDown.tm_min);
+        case 'S':
+            return appendTwoDigits(text, brokenDown.tm_sec);
+        case 'm':
+            return appendTwoDigits(text, brokenDown.tm_mon + 1);
+        default:
+            appendTwoDigits(text, year / 100);
+            return appendTwoDigits(text, year);
+    }
+}
+
+/// Writes "%H", "%M", "%S", "%m" and "%Y" as the standard time facet does in every locale.
+void appendPlainly(std::string& text, const std::tm& brokenDown, std::string_view pattern) {
+    bool isField = false;
+    for (const char character : pattern) {
+        if (isField) {
+            appendField(text, brokenDown, character);
+        } else if (character != '%') {
+            text += character;
+        }
+        isField = character == '%';
+    }
+}
+
+/// `pattern` is written after the day when `showsDay` is set.
 std::string timeText(std::int64_t number, bool showsDay, std::string_view pattern) {
     std::tm brokenDown = {};
     if (!rgen::platform::localTime(number, brokenDown)) return badTimeText;
-    std::ostringstream stream;
-    const auto& facet = std::use_facet<std::time_put<char>>(stream.getloc());
-    facet.put(std::ostreambuf_iterator<char>(stream), stream, ' ', &brokenDown, pattern.data(),
-              pattern.data() + pattern.size());
-    return (showsDay ? blankPaddedDay(brokenDown.tm_mday) : std::string()) + stream.str();
+    std::string text = showsDay ? blankPaddedDay(brokenDown.tm_mday) : std::string();
+    if (!rgen::platform::appendByHostFacet(text, brokenDown, pattern))
+        appendPlainly(text, brokenDown, pattern);
+    return text;
+}
+
+bool showsTime(const rgen::Variant& variant) {
+    return variant.hint == VariantHint::Time || variant.hint == VariantHint::Date ||
+           variant.hint == VariantHint::DateTime;
 }
 
 std::string textOf(const std::string& text, VariantHint) {
@@ -116,10 +157,10 @@ template class HintedVariantValueConvertor<void*>;
 namespace rgen {
 
 std::string variantText(const Variant& variant) {
-    std::string text = hvariant_private::uninitializedText;
-    if (variant.value.hasValue && variant.convertor != nullptr) {
-        variant.convertor->convert(text, &variant, variant.hint);
-    }
+    if (!variant.value.hasValue || variant.convertor == nullptr)
+        return hvariant_private::uninitializedText;
+    std::string text;
+    variant.convertor->convert(text, &variant, variant.hint);
     return text;
 }
 
@@ -129,6 +170,22 @@ std::string variantText(Variant&& variant) {
                            variant.convertor == &hvariant_private::convertorFor<std::string>;
     if (holdsText && showsText) return variant.value.take<std::string>();
     return variantText(std::as_const(variant));
+}
+
+std::string ValueTexts::of(const Variant& variant) {
+    adoptZoneFor(variant);
+    return variantText(variant);
+}
+
+std::string ValueTexts::of(Variant&& variant) {
+    adoptZoneFor(variant);
+    return variantText(std::move(variant));
+}
+
+void ValueTexts::adoptZoneFor(const Variant& variant) {
+    if (zoneIsAdopted_ || !hvariant_private::showsTime(variant)) return;
+    platform::adoptTimeZone();
+    zoneIsAdopted_ = true;
 }
 
 }  // namespace rgen

@@ -1,5 +1,5 @@
 // One stateless convertor object for each kind of value: it shows the value as text by its hint.
-// variantText is the door for everybody who needs the text of a value.
+// ValueTexts is the door for everybody who needs the texts of values.
 //
 // SPDX-License-Identifier: MIT
 #pragma once
@@ -46,9 +46,24 @@ extern template class HintedVariantValueConvertor<void*>;
 namespace rgen {
 
 /// The display text of a value under its own hint; "UNINITIALIZED_VARIANT_VALUE" for an empty one.
+/// A time or date is shown in the time zone that was adopted last.
 std::string variantText(const Variant& variant);
 
 /// The same for a value that is not needed any more: a text is not copied.
 std::string variantText(Variant&& variant);
+
+/// The display texts of the values of one call of a host, in the time zone in force at that call:
+/// the first time or date adopts it, which costs more than the text itself.
+class ValueTexts {
+public:
+    /// As variantText.
+    std::string of(const Variant& variant);
+    std::string of(Variant&& variant);
+
+private:
+    void adoptZoneFor(const Variant& variant);
+
+    bool zoneIsAdopted_ = false;
+};
 
 }  // namespace rgen

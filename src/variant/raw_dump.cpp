@@ -14,12 +14,13 @@ namespace rgen {
 
 Status writeRawInputDump(ReportGenerator& /*generator*/, const VariantMap& values,
                          const std::string& path) {
-    PropertyMap texts;
+    PropertyMap properties;
+    ValueTexts texts;
     for (const auto& [name, value] : values)
-        texts[name] = variantText(value);
+        properties[name] = texts.of(value);
     if (!makeRoomForFile(path)) return RGEN_E_DELETE_DUMP;
     const XmlSilence silence;
-    const XmlPtr<xmlDoc> document = buildPropertyDocument(texts);
+    const XmlPtr<xmlDoc> document = buildPropertyDocument(properties);
     // On purpose: the dump shares its failure status with the persistent data store.
     return saveXmlFile(path, document.get()) ? RGEN_OK : RGEN_E_CREATE_PERSIST;
 }

@@ -65,13 +65,10 @@ void addEveryKindOfValue(FaultSubject& subject) {
         .addInt64("speed", 88, RGEN_HINT_SPEED)
         .addString("text", "a text that is too long for the inside of a string, with &amp; and <")
         .addBytes("bytes", {1, 2, 254, 255})
-        .addHandle("handle", nullptr);
-    if (timesMayLackMemory) {
-        subject.input.variants()
-            .addInt64("time", 1000000000, RGEN_HINT_TIME)
-            .addInt64("date", 1000000000, RGEN_HINT_DATE)
-            .addInt64("date and time", 1000000000, RGEN_HINT_DATE_TIME);
-    }
+        .addHandle("handle", nullptr)
+        .addInt64("time", 1000000000, RGEN_HINT_TIME)
+        .addInt64("date", 1000000000, RGEN_HINT_DATE)
+        .addInt64("date and time", 1000000000, RGEN_HINT_DATE_TIME);
     subject.input.pairs().add("pair", "first").add("p", "instead of the stored text");
     subject.input.format("html").output(RGEN_OUTPUT_BYTES);
 }

@@ -17,10 +17,6 @@ std::size_t openDescriptors();
 // True when the leak sanitizer is there and knows of a block that nothing points to any more.
 bool sanitizerFindsLeaks();
 
-// False where the C++ library formats times in a function that must not raise, though it allocates
-// there: without memory it ends the process.
-extern const bool timesMayLackMemory;
-
 }  // namespace rgen_test
 
 #endif

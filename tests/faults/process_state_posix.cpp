@@ -9,8 +9,6 @@ extern "C" int __lsan_do_recoverable_leak_check() __attribute__((weak));
 
 namespace rgen_test {
 
-const bool timesMayLackMemory = true;
-
 unsigned long long callingThread() {
     return pthread_self();
 }

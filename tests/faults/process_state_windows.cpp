@@ -5,8 +5,6 @@
 
 namespace rgen_test {
 
-const bool timesMayLackMemory = false;
-
 unsigned long long callingThread() {
     return GetCurrentThreadId();
 }

@@ -4,8 +4,12 @@
 // SPDX-License-Identifier: MIT
 #include <gtest/gtest.h>
 
+#include <atomic>
+#include <clocale>
 #include <cstdio>
 #include <functional>
+#include <thread>
+#include <vector>
 
 #include "support/console_capture.h"
 #include "support/conversion_fixture.h"
@@ -173,6 +177,86 @@ TEST_F(UnchangedHost, ByRecords) {
     expectUnchanged("free input", [&] { rgen_freeRgenCInputParams(&input); });
     expectUnchanged("too many pairs", [&] { rgen_createRgenCAnsiStringpairSet(&pairs, tooMany); });
     expectUnchanged("too many values", [&] { rgen_createRgenCVariantSet(&values, tooMany); });
+}
+
+// A C locale of the host that is not "C", with a decimal comma where the system has one.
+class HostLocale {
+public:
+    HostLocale() : previous_(std::setlocale(LC_ALL, nullptr)) {
+        for (const char* name : {"German_Germany.1252", "de_DE.UTF-8", "C.UTF-8"}) {
+            if (std::setlocale(LC_ALL, name) != nullptr) return;
+        }
+        ADD_FAILURE() << "the system has no locale but C";
+    }
+    ~HostLocale() { std::setlocale(LC_ALL, previous_.c_str()); }
+    HostLocale(const HostLocale&) = delete;
+    HostLocale& operator=(const HostLocale&) = delete;
+
+private:
+    std::string previous_;
+};
+
+std::string numberHabits() {
+    return std::setlocale(LC_ALL, nullptr) + std::string(" ") + std::localeconv()->decimal_point;
+}
+
+InputParams& addDates(InputParams& input) {
+    for (int number = 0; number < 60; ++number) {
+        for (const std::uint64_t hint : {RGEN_HINT_TIME, RGEN_HINT_DATE, RGEN_HINT_DATE_TIME}) {
+            const std::string name = std::to_string(hint) + " " + std::to_string(number);
+            input.variants().addInt64(name.c_str(), 1000000000 + number * 7919, hint);
+        }
+    }
+    return input;
+}
+
+class UnchangedHostWithThreads : public ReportTest {
+protected:
+    // Dumps, reports and stores dates until every thread has done so for a while.
+    void convert(int number) {
+        constexpr int enoughRounds = 3;
+        InputParams input;
+        RgenCInputParams* record = addDates(input).get();
+        const std::string path = folder.file("dump" + std::to_string(number));
+        const RgenGuid guid = guidFromText(secondGuidText);
+        for (int round = 1; !isWatched; ++round) {
+            EXPECT_EQ(RGEN_OK, rgen_dumpRawInputDataToFile(generator.get(), record, path.c_str()));
+            EXPECT_EQ(reportOf("180"), report(input));
+            // One writer: two at once may interleave.
+            if (number == 0) {
+                EXPECT_EQ(RGEN_OK, rgen_setPersistentDataFromCVariantSet(generator.get(), &guid,
+                                                                         &record->variants));
+            }
+            if (round == enoughRounds) ++satisfied;
+        }
+    }
+
+    // The number of looks that saw something else than the host had set.
+    int changesSeenBeside(int converters) {
+        isWatched = false;
+        satisfied = 0;
+        const std::string before = numberHabits();
+        std::vector<std::thread> threads;
+        for (int number = 0; number < converters; ++number)
+            threads.emplace_back([this, number] { convert(number); });
+        int changes = 0;
+        while (satisfied < converters)
+            changes += numberHabits() != before ? 1 : 0;
+        isWatched = true;
+        for (std::thread& thread : threads)
+            thread.join();
+        return changes + (numberHabits() != before ? 1 : 0);
+    }
+
+    std::atomic<bool> isWatched = false;
+    std::atomic<int> satisfied = 0;
+};
+
+TEST_F(UnchangedHostWithThreads, SeesNoOtherLocaleWhileTheyConvertDates) {
+    putTemplate(textStylesheet("<xsl:value-of select=\"count(//property)\"/>"));
+    const HostLocale locale;
+    for (int converters = 1; converters <= 8; ++converters)
+        EXPECT_EQ(0, changesSeenBeside(converters)) << converters;
 }
 
 }  // namespace

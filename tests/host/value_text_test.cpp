@@ -11,43 +11,21 @@
 #include <vector>
 
 #include "strata_repgenlib/rgen.h"
+#include "support/dumped_text.h"
 #include "support/host_records.h"
-#include "support/status_printer.h"
-#include "support/temp_folder.h"
 #include "support/time_zone.h"
 
 namespace {
 
+using rgen_test::dumpedText;
 using rgen_test::Generator;
 using rgen_test::InputParams;
-using rgen_test::statusHex;
-using rgen_test::TempFolder;
 using rgen_test::TimeZone;
 
 const char* const badTime = "ERROR: BAD TIME_T INPUT";
 
-// The text of the one value in the dump of this input.
-std::string dumpedText(InputParams& input) {
-    const TempFolder folder;
-    const Generator generator;
-    const std::string path = folder.file("dump.xml");
-    EXPECT_EQ(statusHex(RGEN_OK),
-              statusHex(rgen_dumpRawInputDataToFile(generator.get(), input.get(), path.c_str())));
-    const std::string file = rgen_test::readFile(path);
-    const std::string start = "<property name=\"n\">";
-    const std::size_t from = file.find(start);
-    const std::size_t to = file.find("</property>");
-    if (from == std::string::npos || to == std::string::npos) {
-        return "no text in: " + file;
-    }
-    return file.substr(from + start.size(), to - from - start.size());
-}
-
 std::string textOf(std::int64_t number, std::uint64_t hint) {
-    InputParams input;
-    input.variants().addInt64("n", number);
-    input.variants().at(0).hint = hint;
-    return dumpedText(input);
+    return dumpedText(number, hint);
 }
 
 std::string textOf(const std::vector<std::uint8_t>& bytes, std::uint64_t hint = RGEN_HINT_DUMP) {

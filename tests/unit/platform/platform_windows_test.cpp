@@ -11,6 +11,7 @@
 
 #include "platform/platform.h"
 #include "support/converter_control.h"
+#include "support/global_locale.h"
 #include "support/temp_folder.h"
 
 namespace rgen_test {
@@ -85,6 +86,13 @@ TEST(ChildProcess, GetsTheCommandLineUnchanged) {
     EXPECT_EQ(7U, exitCode);
     EXPECT_EQ(Texts{commandLine}, loggedFacts(folder.file("log"), "command-line"));
     EXPECT_EQ(Texts{"0"}, loggedFacts(folder.file("log"), "show-window"));
+}
+
+TEST(AppendByHostFacet, NoFacetIsAsked) {
+    const GlobalLocale patterns(new PatternTimeFacet);
+    std::string text = "text";
+    EXPECT_FALSE(platform::appendByHostFacet(text, std::tm{}, "%H"));
+    EXPECT_EQ("text", text);
 }
 
 TEST(ChildProcess, RunningProgramTimesOut) {

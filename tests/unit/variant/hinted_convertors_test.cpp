@@ -8,9 +8,13 @@
 #include <cstdint>
 #include <limits>
 #include <locale>
+#include <sstream>
+#include <stdexcept>
 #include <string>
 #include <vector>
 
+#include "platform/platform.h"
+#include "support/global_locale.h"
 #include "support/time_zone.h"
 
 namespace rgen_test {
@@ -54,35 +58,34 @@ const std::vector<const IHintedVariantValueConvertor*>& convertors() {
     return all;
 }
 
-// A global locale for one scope.
-class GlobalLocale {
-public:
-    template <typename Facet>
-    explicit GlobalLocale(Facet* facet)
-        : previous_(std::locale::global(std::locale(std::locale::classic(), facet))) {}
-    ~GlobalLocale() { std::locale::global(previous_); }
-    GlobalLocale(const GlobalLocale&) = delete;
-    GlobalLocale& operator=(const GlobalLocale&) = delete;
-
-private:
-    std::locale previous_;
-};
-
 class GroupingPunctuation : public std::numpunct<char> {
     std::string do_grouping() const override { return "\3"; }
     char do_thousands_sep() const override { return '.'; }
 };
 
-// Writes the pattern itself, so that a text shows which parts of it came this way.
-class PatternTimeFacet : public std::time_put<char> {
-    iter_type do_put(iter_type out, std::ios_base&, char, const std::tm*, char format,
-                     char) const override {
-        *out++ = '<';
-        *out++ = format;
-        *out++ = '>';
-        return out;
+// What the standard time facet of a locale makes of a time.
+std::string standardText(const std::locale& locale, const std::tm& time,
+                         const std::string& pattern) {
+    std::ostringstream stream;
+    stream.imbue(locale);
+    std::use_facet<std::time_put<char>>(locale).put(std::ostreambuf_iterator<char>(stream), stream,
+                                                    ' ', &time, pattern.data(),
+                                                    pattern.data() + pattern.size());
+    return stream.str();
+}
+
+// The locales of these names that the system has.
+std::vector<std::locale> systemLocales() {
+    std::vector<std::locale> locales = {std::locale::classic()};
+    for (const char* name : {"", "C.UTF-8", "de_DE.UTF-8", "fa_IR.UTF-8", "ja_JP.UTF-8"}) {
+        try {
+            locales.emplace_back(name);
+        } catch (const std::runtime_error&) {
+            continue;
+        }
     }
-};
+    return locales;
+}
 
 TEST(ConvertorGuard, AbsentVariantGivesTheFixedText) {
     for (const auto* convertor : convertors()) {
@@ -304,14 +307,35 @@ TEST(TimeText, NumbersOutOfRangeGiveTheErrorText) {
     }
 }
 
-TEST(TimeText, TimeFacetOfTheGlobalLocaleWritesAllButTheDay) {
-    const TimeZone zone("UTC0");
-    const GlobalLocale patterns(new PatternTimeFacet);
-    EXPECT_EQ("<H>:<M>:<S>", numberText(0, VariantHint::Time));
-    EXPECT_EQ(" 1.<m>.<Y>", numberText(0, VariantHint::Date));
-    EXPECT_EQ("10.<m>.<Y> <H>:<M>:<S>", numberText(777600, VariantHint::DateTime));
-    EXPECT_EQ(badTime, numberText(-1, VariantHint::Date));
-    EXPECT_EQ("777600", numberText(777600, VariantHint::Size));
+TEST(TimeText, IsThatOfTheStandardTimeFacetInEveryLocale) {
+    const TimeZone zone("EST5EDT");
+    constexpr std::int64_t step = 7919 * 1013;
+    for (const std::locale& locale : systemLocales()) {
+        const GlobalLocale global(locale);
+        for (std::int64_t number = 0; number <= 32535215999; number += step) {
+            std::tm time = {};
+            ASSERT_TRUE(rgen::platform::localTime(number, time));
+            const std::string day = (time.tm_mday < 10 ? " " : "") + std::to_string(time.tm_mday);
+            ASSERT_EQ(standardText(locale, time, "%H:%M:%S"),
+                      numberText(number, VariantHint::Time));
+            ASSERT_EQ(day + standardText(locale, time, ".%m.%Y"),
+                      numberText(number, VariantHint::Date));
+            ASSERT_EQ(day + standardText(locale, time, ".%m.%Y %H:%M:%S"),
+                      numberText(number, VariantHint::DateTime));
+        }
+    }
+}
+
+TEST(ValueTexts, AreThoseOfEveryValueForItself) {
+    const TimeZone zone("AAA-3");
+    rgen::ValueTexts texts;
+    const Variant date(std::int64_t{0}, VariantHint::DateTime);
+    const Variant empty;
+    EXPECT_EQ("7", texts.of(Variant(std::int64_t{7}, VariantHint::Generic)));
+    EXPECT_EQ(" 1.01.1970 03:00:00", texts.of(date));
+    EXPECT_EQ("03:00:00", texts.of(Variant(std::int64_t{0}, VariantHint::Time)));
+    EXPECT_EQ("a text", texts.of(Variant(std::string("a text"), VariantHint::Date)));
+    EXPECT_EQ(uninitialized, texts.of(empty));
 }
 
 }  // namespace
