@@ -5,6 +5,7 @@
 // SPDX-License-Identifier: MIT
 #include "fuzz_support.h"
 #include "fuzz_targets.h"
+#include "memory/pool_scope.h"
 #include "support/sized_thread.h"
 #include "xslt_limits.h"
 
@@ -69,6 +70,9 @@ void fuzzTemplate(const std::string& input) {
     });
     requireOneOf(status, {RGEN_OK, RGEN_E_XSLT_PARSE, RGEN_E_XSLT_APPLY, RGEN_E_XSLT_RESULT},
                  "rgen_generateReport");
+    const rgen::memory::ScopeFaults faults = rgen::memory::scopeFaults();
+    require(faults.poolsLeft == 0, "a block was left in a pool");
+    require(faults.wrongReleases == 0, "a block was released twice");
 }
 
 }  // namespace rgen_fuzz

@@ -156,6 +156,7 @@ unpack_sources() {
         quietly "$dir/$library.log" dpkg-source -x "$dsc" "$dir/$library"
     done
     mend_sorting "$dir/libxml2/timsort.h"
+    mend_attributes "$dir/libxslt/libxslt/attributes.c"
     unpack_boost "$archives" "$dir"
 }
 
@@ -173,6 +174,20 @@ mend_sorting() {
     ! grep -q 'exit(1)' "$file" && grep -q 'BINARY_INSERTION_SORT(&dst\[curr\], A + B)' "$file" ||
         die "The sorting of this libxml2 is not the one that scripts/lib/sources.sh mends." \
             "Compare $file with the function mend_sorting."
+}
+
+# mend_attributes FILE: xsl:attribute with one text inside lets the result share the stylesheet's text
+# without asking whether it belongs to their common dictionary. That of a CDATA section, and of blanks
+# that xml:space preserves, does not, and would be freed twice. Afterwards it asks, as the copying of
+# texts into elements does.
+mend_attributes() {
+    local file=$1 condition='^\t    (ctxt->insert->doc->dict == ctxt->dict))$'
+    sed -i -e "s/$condition/\t    (ctxt->insert->doc->dict == ctxt->dict) \&\&\\
+\t    (xmlDictOwns(ctxt->dict, inst->children->content) == 1))/" "$file"
+    [[ $(grep -c 'xmlDictOwns(ctxt->dict, inst->children->content) == 1' "$file") == 1 &&
+        $(grep -c -- '->content = inst->children->content' "$file") == 1 ]] ||
+        die "The attributes of this libxslt are not those that scripts/lib/sources.sh mends." \
+            "Compare $file with the function mend_attributes."
 }
 
 # Only Boost.Filesystem and the header libraries that it includes are unpacked; the rest of Boost

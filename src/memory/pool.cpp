@@ -1,6 +1,7 @@
 // The pool. In front of every block stands a header of eight bytes: the pool's address in the upper
 // 48 bits and the size in units in the lower 16. It is zero for a block of the C heap, whose size
-// stands in front of the header.
+// stands in front of the header. A block that waits in a free list is marked in its header, so that
+// a second release of it is seen: the list would otherwise hand it out twice.
 //
 // SPDX-License-Identifier: MIT
 #include "memory/pool.h"
@@ -105,6 +106,7 @@ void Pool::rewind() noexcept {
     cursor_ = end_ = nullptr;
     lowestStack_ = nullptr;
     hasReserve_ = false;
+    wrongReleases_ = 0;
     free_ = {};
 }
 
@@ -132,6 +134,7 @@ std::size_t Pool::listOf(std::size_t units) {
 }
 
 inline void Pool::give(void* block, std::size_t units) noexcept {
+    headerOf(block) |= freeMark;
     FreeBlock*& list = free_[listOf(units)];
     auto* freed = static_cast<FreeBlock*>(block);
     freed->next = list;
@@ -188,6 +191,10 @@ void* reallocate(Pool* pool, void* block, std::size_t size) noexcept {
     const std::uint64_t header = Pool::headerOf(block);
     const std::size_t units = Pool::unitsIn(header);
     const bool isOnHeap = units == 0;
+    if (units > Pool::mostUnits) {
+        ++Pool::owner(header).wrongReleases_;
+        return nullptr;
+    }
     const std::size_t room =
         isOnHeap ? prefixOf(block)->size : units * Pool::unit - Pool::headerSize;
     if (size <= room) return block;
@@ -206,7 +213,12 @@ bool releaseToPool(void* block) noexcept {
     const std::uint64_t header = Pool::headerOf(block);
     const std::size_t units = Pool::unitsIn(header);
     if (units == 0) return false;
-    Pool::owner(header).give(block, units);
+    Pool& pool = Pool::owner(header);
+    if (units <= Pool::mostUnits) {
+        pool.give(block, units);
+    } else {
+        ++pool.wrongReleases_;
+    }
     return true;
 }
 

@@ -31,6 +31,10 @@ public:
     /// Blocks that are handed out and not yet released.
     std::size_t blocksInUse() const { return blocksInUse_; }
 
+    /// How often a block was released or grown that had been released before. Such a call changes
+    /// nothing else: the block stays free and is counted once.
+    std::size_t wrongReleases() const { return wrongReleases_; }
+
     /// Bytes of all chunks.
     std::size_t bytesKept() const;
 
@@ -69,6 +73,10 @@ private:
     static constexpr std::size_t unit = 16;
     static constexpr std::size_t headerSize = 8;
     static constexpr unsigned sizeBits = 16;
+    // Set in the header of a block that waits in a free list. No block has so many units.
+    static constexpr std::uint64_t freeMark = 0x8000;
+    static constexpr std::size_t mostUnits = (largestBlock + headerSize) / unit;
+    static_assert(mostUnits < freeMark, "The sizes leave room for the mark.");
     static constexpr std::size_t exactUnits = 64;
     static constexpr std::size_t largestExactBlock = exactUnits * unit - headerSize;
     static constexpr std::size_t listCount = exactUnits + 1 + std::size_t{4} * 6;
@@ -94,6 +102,7 @@ private:
 
     std::size_t blocksInUse_ = 0;
     std::size_t failures_ = 0;
+    std::size_t wrongReleases_ = 0;
     std::byte* cursor_ = nullptr;
     std::byte* end_ = nullptr;
     const char* lowestStack_ = nullptr;
@@ -106,6 +115,7 @@ private:
 inline void* Pool::take(FreeBlock*& list) noexcept {
     void* block = list;
     list = list->next;
+    headerOf(block) ^= freeMark;
     ++blocksInUse_;
     return block;
 }
@@ -163,11 +173,11 @@ inline void* allocate(Pool* pool, std::size_t size) noexcept {
 }
 
 /// As `realloc`, for a block of this file. A block of a pool that has to move goes to `pool`; one
-/// of the C heap stays there.
+/// of the C heap stays there. Null also for a block that is free already, which its pool notes.
 void* reallocate(Pool* pool, void* block, std::size_t size) noexcept;
 
-/// Gives a block back to its pool, whichever pool is in use. False when none owns it: the eight
-/// bytes in front of it end in two zero bytes.
+/// Gives a block back to its pool, whichever pool is in use; one that is free already is only noted
+/// there. False when no pool owns it: the eight bytes before it end in two zero bytes.
 bool releaseToPool(void* block) noexcept;
 
 /// As `free`. A block of a pool goes back to that pool, whichever pool is in use.

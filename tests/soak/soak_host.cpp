@@ -13,6 +13,10 @@
 namespace rgen_test {
 namespace {
 
+// An attribute that only a CDATA section makes.
+const std::string cdataAttribute =
+    "<xsl:variable name=\"c\"><e><xsl:attribute name=\"a\"><![CDATA[x]]></xsl:attribute></e>"
+    "</xsl:variable>";
 const std::string marker = "QT_TRANSLATE_NOOP(\"QObject\", \"end\")";
 
 std::string typeElement(const char* guid, const std::string& store, const std::string& sheet) {
@@ -55,8 +59,8 @@ SoakPlace::SoakPlace(const std::string& placeName) : name(placeName) {
                   "</reportTypes></config>");
     for (const std::string format : {"html", "txt", "pdf", "doc"}) {
         writeFile(folder.dataFile("templates/" + format + "/good.xsl"),
-                  textStylesheet(name + "." + format + ":" + valueOf("v") + "/" + valueOf("p") +
-                                 "/" + valueOf("n") + "/" + marker));
+                  textStylesheet(cdataAttribute + name + "." + format + ":" + valueOf("v") + "/" +
+                                 valueOf("p") + "/" + valueOf("n") + "/" + marker));
     }
     writeFile(folder.dataFile("templates/html/broken.xsl"), "<xsl:stylesheet><unfinished");
     writeFile(folder.dataFile("templates/html/failing.xsl"),

@@ -13,7 +13,7 @@ import sys
 from pathlib import Path
 
 from linux_binary import NEEDED as LINUX
-from linux_binary import check_symbol_versions, readelf
+from linux_binary import check_symbol_versions, readelf, run_paths
 from project_files import finish, header_exports, problem
 
 WINDOWS = {"advapi32.dll", "bcrypt.dll", "kernel32.dll", "msvcrt.dll", "version.dll"}
@@ -29,9 +29,9 @@ def needed_by(binary):
         return {name.lower() for name in
                 re.findall(r"DLL Name: (\S+)", output_of("objdump", "-p", binary))}
     dynamic = readelf("--dynamic", binary)
-    for path in re.findall(r"\(R(?:UN)?PATH\).*\[(.*)\]", dynamic):
-        if path.strip(":") != "$ORIGIN":
-            problem(f"looks for libraries in {path}")
+    for folder in run_paths(binary):
+        if folder != "$ORIGIN" and not folder.startswith("$ORIGIN/"):
+            problem(f"looks for libraries in \"{folder}\"")
     return set(re.findall(r"Shared library: \[([^\]]+)\]", dynamic))
 
 

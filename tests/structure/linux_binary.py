@@ -17,6 +17,20 @@ def readelf(*arguments):
     return subprocess.check_output(["readelf", "--wide", *arguments], text=True)
 
 
+def run_paths(binary):
+    """The folders that a program or library names for its libraries; "" is the current folder."""
+    paths = re.findall(r"\(R(?:UN)?PATH\).*\[(.*)\]", readelf("--dynamic", binary))
+    return [folder for path in paths for folder in path.split(":")]
+
+
+def check_run_paths(binary):
+    """Where somebody else may write, nothing is looked for: only below the file's own folder, or at an
+    absolute path."""
+    for folder in sorted(set(run_paths(binary))):
+        if not folder.startswith(("$ORIGIN", "/")):
+            problem(f"{binary} looks for libraries in \"{folder}\", which depends on the current folder")
+
+
 def check_symbol_versions(binary):
     for name, digits in sorted(set(re.findall(r"Name: ([A-Z]+)_([0-9.]+)",
                                               readelf("--version-info", binary)))):

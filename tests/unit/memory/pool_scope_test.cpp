@@ -18,6 +18,7 @@
 #include "store/xml_memory.h"
 #include "store/xml_parser_context.h"
 #include "support/fault_injection.h"
+#include "support/scope_fault_check.h"
 
 namespace rgen_test {
 namespace {
@@ -124,6 +125,22 @@ TEST(PoolScope, PoolWithABlockThatIsStillInUseIsNotUsedAgain) {
     rgen::memory::release(kept);
     EXPECT_EQ(0U, pool->blocksInUse());
     delete pool;
+    EXPECT_EQ(1U, acknowledgeScopeFaults().poolsLeft);
+}
+
+TEST(PoolScope, PoolWithAWrongReleaseGoesAndIsNoted) {
+    if (!poolsAreUsed) GTEST_SKIP() << "the build for the address sanitizer has no pools";
+    PoolSlot slot;
+    {
+        const PoolScope scope(slot);
+        void* block = rgen::memory::allocate(poolInUse(), 10);
+        rgen::memory::release(block);
+        rgen::memory::release(block);
+    }
+    EXPECT_EQ(0U, slot.take()->bytesKept());
+    const auto faults = acknowledgeScopeFaults();
+    EXPECT_EQ(0U, faults.poolsLeft);
+    EXPECT_EQ(1U, faults.wrongReleases);
 }
 
 using PooledMap = std::unordered_map<int, std::string, std::hash<int>, std::equal_to<>,

@@ -165,6 +165,30 @@ TEST(Pool, CountsItsBlocks) {
     EXPECT_EQ(0U, pool.blocksInUse());
 }
 
+// A free list would otherwise hold the block twice and hand it out to two owners.
+TEST(Pool, SecondReleaseIsNotedAndChangesNothing) {
+    for (const std::size_t size : {1U, 8U, 100U, 1016U, 1017U, 40000U, 65528U}) {
+        SCOPED_TRACE(size);
+        Pool pool;
+        void* other = allocate(&pool, size);
+        void* block = allocate(&pool, size);
+        release(block);
+        EXPECT_EQ(0U, pool.wrongReleases());
+        release(block);
+        EXPECT_TRUE(rgen::memory::releaseToPool(block));
+        EXPECT_EQ(nullptr, reallocate(&pool, block, size + 5000));
+        EXPECT_EQ(3U, pool.wrongReleases());
+        EXPECT_EQ(1U, pool.blocksInUse());
+        EXPECT_EQ(block, allocate(&pool, size));
+        EXPECT_NE(block, allocate(&pool, size));
+        EXPECT_EQ(3U, pool.blocksInUse());
+        release(other);
+        EXPECT_EQ(3U, pool.wrongReleases());
+        pool.rewind();
+        EXPECT_EQ(0U, pool.wrongReleases());
+    }
+}
+
 TEST(Pool, ReleasedBlockIsTheNextOfItsSize) {
     Pool pool;
     for (const std::size_t size : {1U, 8U, 9U, 100U, 1000U, 1016U, 1017U, 1500U, 40000U, 65528U}) {

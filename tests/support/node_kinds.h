@@ -1,0 +1,46 @@
+// Templates made of two tables: every element of XSLT as a place, and every kind of node as what
+// stands inside it.
+//
+// SPDX-License-Identifier: MIT
+#ifndef RGEN_TESTS_SUPPORT_NODE_KINDS_H
+#define RGEN_TESTS_SUPPORT_NODE_KINDS_H
+
+#include <iosfwd>
+#include <string>
+#include <vector>
+
+namespace rgen_test {
+
+// An XML text with a name for messages. That of a place holds one "@", where the content goes.
+struct NodeText {
+    std::string label;
+    std::string xml;
+};
+
+std::ostream& operator<<(std::ostream& out, const NodeText& text);
+
+// Instructions and literal elements, to stand in a template.
+const std::vector<NodeText>& bodyPlaces();
+// What stands beside the templates.
+const std::vector<NodeText>& topLevelPlaces();
+// Text of some lengths, CDATA, comment, instruction, reference, elements of every sort, nothing.
+const std::vector<NodeText>& nodeKinds();
+
+// Lengths below and above the largest block of a pool.
+constexpr std::size_t shortLength = 10;
+constexpr std::size_t longLength = 70000;
+
+// The same letters as text and as a CDATA section.
+std::string letters(std::size_t length);
+std::string cdata(const std::string& text);
+
+// The stylesheet with that content in that place, for an output method: everything that a place
+// defines is also used.
+std::string sheetWithBody(const NodeText& place, const std::string& content,
+                          const std::string& method);
+std::string sheetWithTopLevel(const NodeText& place, const std::string& content,
+                              const std::string& method);
+
+}  // namespace rgen_test
+
+#endif
