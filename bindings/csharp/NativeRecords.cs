@@ -142,7 +142,7 @@ namespace StrataRepgenlib
             }
         }
 
-        /// <summary>The create functions answer 1 even when memory for a part is
+        /// <summary>The create functions return 1 even when memory for a name is
         /// exhausted.</summary>
         private static void RequireBuffers(RgenCVariant record)
         {

@@ -684,8 +684,9 @@ RGEN_API int32_t RGEN_CALL rgen_createRgenCVariantHandle(const char* name, void*
  * @param text    Zero-terminated, copied; must not be null (not checked). See TEXTS for "&".
  * @param hint    Accepted and ignored; RGEN_HINT_GENERIC is stored.
  * @param target  Overwritten; null gives 0.
- * @return        1, or 0 for a null target. A name or text for which memory is exhausted is left
- *                empty (data is null), with the result 1.
+ * @return        1, or 0 for a null target and when memory for the text is exhausted: the record
+ *                then holds the name and an empty text (data is null) and may be freed. A name for
+ *                which memory is exhausted is left empty, with the result 1.
  *
  * Ownership: free with rgen_freeRgenCVariant.
  * Threads: any. Exceptions: none.
@@ -701,8 +702,9 @@ RGEN_API int32_t RGEN_CALL rgen_createRgenCVariantString(const char* name, const
  * @param size    Number of bytes; all are copied, the record's size keeps the low 32 bits.
  * @param hint    Accepted and ignored; RGEN_HINT_DUMP is stored.
  * @param target  Overwritten; null gives 0.
- * @return        1, or 0 for a null target or null bytes. A name or array for which memory is
- *                exhausted is left empty (data is null), with the result 1.
+ * @return        1, or 0 for a null target, null bytes and when memory for the bytes is exhausted:
+ *                the record then holds the name and an empty array (data is null) and may be freed.
+ *                A name for which memory is exhausted is left empty, with the result 1.
  *
  * Ownership: free with rgen_freeRgenCVariant.
  * Threads: any. Exceptions: none. Units: bytes.

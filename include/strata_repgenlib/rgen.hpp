@@ -1174,7 +1174,7 @@ inline void createBytes(const char* name, const Bytes& bytes, Target target, Rge
     require(bytes.empty() || record.value.byteArrayValue.data != nullptr);
 }
 
-/// The create functions answer 1 even when memory for a name, text or array is exhausted.
+/// The create functions return 1 even when memory for a name is exhausted.
 inline void createValue(const std::string& name, const Value& value, Target target,
                         RgenCVariant& record) {
     const std::string used = nameFor(name, target);

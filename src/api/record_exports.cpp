@@ -113,8 +113,8 @@ int32_t rgen_createRgenCVariantString(const char* name, const char* text, uint64
     if (target == nullptr) return 0;
     // On purpose: the hint argument is ignored, a text is always Generic.
     startVariant(*target, name, RGEN_TYPE_STRING, RGEN_HINT_GENERIC);
-    rgen_createRgenAnsiString(text, &target->value.stringValue);
-    return 1;
+    // On purpose: without memory only the name may be missing in a value that counts as created.
+    return rgen_createRgenAnsiString(text, &target->value.stringValue);
 }
 
 int32_t rgen_createRgenCVariantByteArray(const char* name, const uint8_t* bytes, uint64_t size,
@@ -122,8 +122,7 @@ int32_t rgen_createRgenCVariantByteArray(const char* name, const uint8_t* bytes,
     if (target == nullptr || bytes == nullptr) return 0;
     // On purpose: the hint argument is ignored, bytes are always a Dump.
     startVariant(*target, name, RGEN_TYPE_BYTE_ARRAY, RGEN_HINT_DUMP);
-    rgen_createRgenByteArray(bytes, size, &target->value.byteArrayValue);
-    return 1;
+    return rgen_createRgenByteArray(bytes, size, &target->value.byteArrayValue);
 }
 
 void rgen_freeRgenAnsiString(RgenAnsiString* record) {

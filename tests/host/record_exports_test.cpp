@@ -297,10 +297,10 @@ TEST(CreateRgenCVariantByteArray, ZeroBytesAreAnEmptyArray) {
     rgen_freeRgenCVariant(&record);
 }
 
-TEST(CreateRgenCVariantByteArray, AnExhaustedHeapLeavesTheArrayEmpty) {
+TEST(CreateRgenCVariantByteArray, AnExhaustedHeapGivesZeroAndAnEmptyArray) {
     const std::uint8_t byte = 1;
     auto record = filledRecord<RgenCVariant>();
-    EXPECT_EQ(1, rgen_createRgenCVariantByteArray("mbr", &byte, hugeByteCount, 8, &record));
+    EXPECT_EQ(0, rgen_createRgenCVariantByteArray("mbr", &byte, hugeByteCount, 8, &record));
     EXPECT_EQ("mbr", toText(record.name));
     EXPECT_EQ(3U, record.type);
     EXPECT_EQ(8U, record.hint);

@@ -16,16 +16,15 @@ void require(int32_t created) {
     if (created == 0) throw std::bad_alloc();
 }
 
-/// The create functions answer 1 even when memory for a text is exhausted.
-void requireBuffer(bool isEmpty, const void* buffer) {
-    if (!isEmpty && buffer == nullptr) throw std::bad_alloc();
+/// The create functions return 1 even when memory for a name is exhausted.
+void requireName(const RgenCVariant& record) {
+    if (record.name.data == nullptr) throw std::bad_alloc();
 }
 
 void createRecord(const Value& value, RgenCVariant& record) {
     const char* const name = value.name.c_str();
     if (value.type == RGEN_TYPE_STRING) {
         require(rgen_createRgenCVariantString(name, value.content.c_str(), value.hint, &record));
-        requireBuffer(false, record.value.stringValue.data);
     } else if (value.type == RGEN_TYPE_INT64) {
         require(rgen_createRgenCVariantInt64(name, value.number, value.hint, &record));
     } else {
@@ -34,9 +33,8 @@ void createRecord(const Value& value, RgenCVariant& record) {
         const std::uint8_t* const bytes = value.bytes.empty() ? &nothing : value.bytes.data();
         require(
             rgen_createRgenCVariantByteArray(name, bytes, value.bytes.size(), value.hint, &record));
-        requireBuffer(value.bytes.empty(), record.value.byteArrayValue.data);
     }
-    requireBuffer(false, record.name.data);
+    requireName(record);
 }
 
 std::string textOf(const RgenAnsiString& record) {

@@ -95,8 +95,8 @@ def _fill_bytes(library: c.Library, name: bytes, content: bytes, target: Target,
 
 def fill_value(library: c.Library, name: str, value: Value, target: Target,
                record: c.RgenCVariant) -> None:
-    """Fills an empty record; TypeError for what is no value. The create functions answer 1 even
-    when memory for a name or a text is exhausted, so the buffers are looked at."""
+    """Fills an empty record; TypeError for what is no value. The create functions return 1 even
+    when memory for a name is exhausted, so the buffers are looked at."""
     key = _key(name, target)
     filled = ctypes.byref(record)
     if isinstance(value, (str, Markup)):

@@ -70,7 +70,7 @@ fn create_text(text: &str, what: &str, record: &mut RgenAnsiString) -> Result<()
     require(unsafe { rgen_createRgenAnsiString(native.as_ptr().cast(), record) } != 0)
 }
 
-/// The create functions answer 1 even when memory for a part is exhausted.
+/// The create functions return 1 even when memory for a name is exhausted.
 fn create_value(name: &str, value: &Value, record: &mut RgenCVariant) -> Result<(), Error> {
     let native = to_native(name, "the name of a value")?;
     let key = native.as_ptr().cast();
