@@ -25,10 +25,10 @@ constexpr const char* keptEnding = ".kept";
 /// The file itself where the configured name is a link to it: the link stays, and all who use the
 /// file share one lock.
 fs::path placeOf(const std::string& path) {
-    const fs::path place = fs::u8path(path);
+    fs::path place = fs::u8path(path);
     std::error_code failure;
     if (!fs::is_symlink(place, failure)) return place;
-    const fs::path target = fs::canonical(place, failure);
+    fs::path target = fs::canonical(place, failure);
     return failure ? place : target;
 }
 
