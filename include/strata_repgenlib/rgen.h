@@ -582,8 +582,8 @@ RGEN_API int32_t RGEN_CALL rgen_getSimulatedRawDataFromFile(RgenReportGenerator*
  * @return           A static, zero-terminated text; the same pointer for the same number each time.
  *                   Never fails and takes no memory.
  *
- * Ownership: the library's; the text is constant and lives as long as the library is loaded, in exit
- * functions and in the destructors of global objects, too.
+ * Ownership: the library's; the text is constant and lives as long as the library is loaded, in
+ * exit functions and in the destructors of global objects, too.
  * Threads: any, at any time; touches no generator.
  * Exceptions: none.
  */
