@@ -20,10 +20,11 @@ bool makeOwnFolder(const std::string& path);
 /// Tells whether a folder of this user is at the path itself, not a link to one.
 bool isOwnFolder(const std::string& path);
 
-/// Writes a new file up to the disk. Fails when anything is at the path, a link included.
+/// Writes a new file. Fails when anything is at the path, a link included.
 void writeNewFile(const std::string& path, std::string_view bytes);
 
-/// Brings what another program or the library has written up to the disk.
+/// Brings a written file to the disk. Quotas and network file systems report some failures here
+/// only. Once for each report: it is what takes the longest.
 void flushFile(const std::string& path);
 
 /// Writes into something that is there and is no ordinary file: a pipe or a device.

@@ -60,7 +60,6 @@ public:
         }
     }
 
-    /// Quotas and network file systems report some failures here only.
     void flush() const {
         while (fsync(descriptor_) != 0) {
             const bool isWithoutDisk = errno == EINVAL || errno == ENOTSUP || errno == ENOSYS;
@@ -139,7 +138,6 @@ void writeNewFile(const std::string& path, std::string_view bytes) {
     constexpr mode_t asTheMaskSays = 0666;
     File file(path, O_WRONLY | O_CREAT | O_EXCL | O_NOFOLLOW, asTheMaskSays);
     file.write(bytes);
-    file.flush();
     file.finish();
 }
 

@@ -100,7 +100,6 @@ bool isOwnFolder(const std::string& path) {
 void writeNewFile(const std::string& path, std::string_view bytes) {
     File file(path, GENERIC_WRITE, 0, CREATE_NEW);
     file.write(bytes);
-    file.flush();
     file.finish();
 }
 
