@@ -212,13 +212,12 @@ void* reallocate(Pool* pool, void* block, std::size_t size) noexcept {
 bool releaseToPool(void* block) noexcept {
     const std::uint64_t header = Pool::headerOf(block);
     const std::size_t units = Pool::unitsIn(header);
-    if (units == 0) return false;
-    Pool& pool = Pool::owner(header);
-    if (units <= Pool::mostUnits) {
-        pool.give(block, units);
-    } else {
-        ++pool.wrongReleases_;
+    // One comparison for both: no units, and the mark of a free block.
+    if (units - 1 >= Pool::mostUnits) {
+        if (units != 0) ++Pool::owner(header).wrongReleases_;
+        return units != 0;
     }
+    Pool::owner(header).give(block, units);
     return true;
 }
 

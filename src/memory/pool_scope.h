@@ -17,8 +17,8 @@ extern const bool poolsAreUsed;
 /// pools are not used.
 Pool* poolInUse();
 
-/// What scopes of this process have found wrong at their ends. All zero, unless the XML libraries or
-/// this library misuse their memory; tests look at it.
+/// What scopes of this process have found wrong at their ends. All zero, unless the XML libraries
+/// or this library misuse their memory; tests look at it.
 struct ScopeFaults {
     /// Pools with a block that was still in use.
     std::size_t poolsLeft;
@@ -28,9 +28,10 @@ struct ScopeFaults {
 ScopeFaults scopeFaults();
 
 /// While it lives, the calling thread uses a pool of `slot`. The caller releases every block that
-/// is taken meanwhile before the scope ends. A pool with a block in use is left to whoever holds the
-/// block; one that noted a wrong release goes back to the C heap. Neither is used again. Scopes of
-/// one thread may enclose each other, as when a translate callback generates with another generator.
+/// is taken meanwhile before the scope ends. A pool with a block in use is left to whoever holds
+/// the block; one that noted a wrong release goes back to the C heap. Neither is used again. Scopes
+/// of one thread may enclose each other, as when a translate callback generates with another
+/// generator.
 class PoolScope {
 public:
     explicit PoolScope(PoolSlot& slot);

@@ -12,7 +12,7 @@ import subprocess
 import sys
 from pathlib import Path
 
-from linux_binary import NEEDED, check_symbol_versions, readelf
+from linux_binary import NEEDED, check_hardening, check_symbol_versions, readelf
 from project_files import finish, problem
 
 
@@ -73,6 +73,7 @@ def check_folders(binary, folders):
 
 check_dynamic_section(sys.argv[1], sys.argv[2])
 check_symbol_versions(sys.argv[1])
+check_hardening(sys.argv[1])
 check_folders(sys.argv[1], sys.argv[3:])
 check_thread_storage(sys.argv[1])
 check_destroyed_objects(sys.argv[1])

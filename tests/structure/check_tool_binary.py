@@ -13,7 +13,7 @@ import sys
 from pathlib import Path
 
 from linux_binary import NEEDED as LINUX
-from linux_binary import check_symbol_versions, readelf, run_paths
+from linux_binary import check_hardening, check_symbol_versions, readelf, run_paths
 from project_files import finish, header_exports, problem
 
 WINDOWS = {"advapi32.dll", "bcrypt.dll", "kernel32.dll", "msvcrt.dll", "version.dll"}
@@ -70,5 +70,6 @@ for function in sorted(used - header_exports()):
     problem(f"uses {function}, which the header does not declare")
 if not program.endswith(".exe"):
     check_symbol_versions(program)
+    check_hardening(program)
 check_folders(program, sys.argv[3:])
 finish(Path(program).name)

@@ -17,6 +17,17 @@ def readelf(*arguments):
     return subprocess.check_output(["readelf", "--wide", *arguments], text=True)
 
 
+def check_hardening(binary, checked_functions=True):
+    """The protections that rgen_harden() of cmake/build_settings.cmake asks for."""
+    symbols = set(re.findall(r"\b(\w+)@", readelf("--dyn-syms", binary)))
+    if "__stack_chk_fail" not in symbols:
+        problem(f"{binary} has no protected stack frames")
+    if checked_functions and not any(re.fullmatch(r"__\w+_chk", name) for name in symbols):
+        problem(f"{binary} has no copies with checked sizes")
+    if not re.search(r"x86 feature:.*\bSHSTK\b", readelf("--notes", binary)):
+        problem(f"{binary} does not state that it keeps to a shadow stack")
+
+
 def run_paths(binary):
     """The folders that a program or library names for its libraries; "" is the current folder."""
     paths = re.findall(r"\(R(?:UN)?PATH\).*\[(.*)\]", readelf("--dynamic", binary))
