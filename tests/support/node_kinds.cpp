@@ -76,7 +76,7 @@ const std::vector<NodeText>& bodyPlaces() {
         {"value-of", "<xsl:value-of select=\"1\">@</xsl:value-of>"},
         {"copy", "<xsl:copy>@</xsl:copy>"},
         {"copy of an attribute",
-         "<xsl:for-each select=\"//@name\"><xsl:copy>@</xsl:copy></xsl:for-each>"},
+         "<xsl:for-each select=\"//attribute::name\"><xsl:copy>@</xsl:copy></xsl:for-each>"},
         {"copy of a text",
          "<xsl:for-each select=\"//property/text()\"><xsl:copy>@</xsl:copy></xsl:for-each>"},
         {"copy-of", "<xsl:copy-of select=\"//property\">@</xsl:copy-of>"},
@@ -95,7 +95,7 @@ const std::vector<NodeText>& bodyPlaces() {
         {"for-each", "<xsl:for-each select=\"//property\">@</xsl:for-each>"},
         {"sort",
          "<xsl:for-each select=\"//property\">"
-         "<xsl:sort select=\"@name\">@</xsl:sort><i/></xsl:for-each>"},
+         "<xsl:sort select=\"name()\">@</xsl:sort><i/></xsl:for-each>"},
         {"variable",
          "<xsl:variable name=\"v\">@</xsl:variable><b t=\"{$v}\"/>"
          "<xsl:value-of select=\"$v\"/><xsl:copy-of select=\"$v\"/>"},
