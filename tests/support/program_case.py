@@ -34,7 +34,7 @@ NO_ACCESS = ".+" if ON_WINDOWS else "Permission denied"
 # What the surroundings of the tests must not decide.
 DROPPED_VARIABLES = {"NO_COLOR", "CLICOLOR", "CLICOLOR_FORCE", "WINEPATH", "STAND_IN_CONTROL",
                      "STAND_IN_ENGINE", "STAND_IN_ENGINE_LOG", "VELLUM_ENGINE", "VELLUM_TIMEOUT",
-                     "VELLUM_ON_ERROR"}
+                     "VELLUM_MEMORY", "VELLUM_ON_ERROR"}
 ROOT_RIGHTS = "-dac_override,-dac_read_search"
 
 # A shell that starts the tests in the background lets them, and all their programs, ignore Ctrl-C.

@@ -3,6 +3,7 @@
 SPDX-License-Identifier: MIT
 """
 
+import os
 import re
 import shutil
 import subprocess
@@ -123,6 +124,13 @@ class Failures(DeliveryCase):
         self.assertEqual(result.err, self.error_text())
 
     @linux_only
+    def test_a_pipe_as_page(self):
+        """Opening it could wait for ever."""
+        os.mkfifo(self.folder / "pipe")
+        result = self.vellum("-i", "pipe", "-o", "report.pdf")
+        self.expect_error(result, 3, 'cannot read "pipe": it is no ordinary file; check the path given to -i')
+
+    @linux_only
     def test_no_room_for_the_copy_of_the_page(self):
         """An engine that gets half a page would make a PDF of half a report."""
         page = PAGE + "x" * 200_000
@@ -200,6 +208,36 @@ class Outputs(VellumCase):
     def test_a_name_without_ending(self):
         self.expect_done(self.convert(output="report"))
         self.expect_pdf("report")
+
+
+class LongNames(VellumCase):
+    """As long as the system allows: 255 bytes, on Windows units of UTF-16."""
+
+    def names_of_length(self):
+        for length in (245, 246, 250, 255):
+            yield "x" * (length - 4) + ".pdf"
+            if not ON_WINDOWS:
+                yield "x" * (length % 2) + "ж" * ((length - 4) // 2) + ".pdf"
+
+    def test_they_are_made(self):
+        for name in self.names_of_length():
+            with self.subTest(name=name):
+                self.expect_done(self.convert(output=name))
+                self.expect_pdf(name)
+                self.assertEqual(sorted([name, "page.html"]), self.names())
+                (self.folder / name).unlink()
+
+    def test_an_error_has_a_text_all_the_same(self):
+        for name in self.names_of_length():
+            with self.subTest(name=name):
+                self.expect_error(self.convert(output=name, does="nothing"), 5, NO_PDF)
+                texts = [each for each in self.names() if each != "page.html"]
+                self.assertEqual(1, len(texts), texts)
+                self.assertIn(texts[0].removesuffix(".error.txt"), name)
+                self.assertEqual(f"vellum: {NO_PDF}\n", self.text_of(texts[0]))
+                self.expect_done(self.convert(output=name))
+                self.assertEqual(sorted([name, "page.html"]), self.names())
+                (self.folder / name).unlink()
 
 
 class OnError(DeliveryCase):

@@ -6,6 +6,7 @@ SPDX-License-Identifier: MIT
 """
 
 import shutil
+import unittest
 
 from program_case import ON_WINDOWS, linux_only, native, search_path, windows_only
 from vellum_case import (FIRST_ENGINE, PAGE, PROGRAM_ENDING, STAND_IN, VELLUM, VellumCase,
@@ -156,12 +157,40 @@ class Named(EngineCase):
 
 
 class AskedByThePage(EngineCase):
+    """An engine that obeys the policy in the page; on Windows beside Edge, which comes first."""
+
+    BROWSER = "google-chrome" if ON_WINDOWS else "chromium"
+
+    def install_browser(self):
+        """One that is not the first, if the system lets a case put it somewhere."""
+        if ON_WINDOWS:
+            raise unittest.SkipTest("a browser would have to be registered: Registered does that")
+        self.install(self.BROWSER)
 
     def test_it_gets_it(self):
-        self.install(FIRST_ENGINE, "weasyprint")
-        for tag in ('meta name="vellum:engine" content', 'META CONTENT="weasyprint" NAME="Vellum:'
+        self.install(FIRST_ENGINE)
+        self.install_browser()
+        for tag in ('meta name="vellum:engine" content', 'META CONTENT="chromium" NAME="Vellum:'
                     'Engine" x', "meta name=vellum:engine content"):
-            self.expect_engine("weasyprint", page=page_that_asks_for("weasyprint", tag))
+            self.expect_engine("chromium", page=page_that_asks_for("chromium", tag))
+
+    def test_not_one_without_a_policy(self):
+        """What a page may do is not for the page to choose."""
+        self.install(FIRST_ENGINE, "weasyprint")
+        ran, result = self.run_with(page=page_that_asks_for("weasyprint"))
+        self.assertEqual(FIRST_ENGINE, ran)
+        self.expect_done(result, 'the page asks for the engine "weasyprint", which knows no policy for '
+                                 "pages; name it with --engine or VELLUM_ENGINE to use it")
+
+    def test_one_without_a_policy_that_comes_first_anyway(self):
+        self.install("weasyprint")
+        self.expect_engine("weasyprint", page=page_that_asks_for("weasyprint"))
+
+    def test_one_without_a_policy_that_the_caller_names(self):
+        self.install(FIRST_ENGINE, "weasyprint")
+        asking = page_that_asks_for("weasyprint")
+        self.expect_engine("weasyprint", "--engine", "weasyprint", page=asking)
+        self.expect_engine("weasyprint", env={"VELLUM_ENGINE": "weasyprint"}, page=asking)
 
     def test_it_is_not_there(self):
         self.install(FIRST_ENGINE)

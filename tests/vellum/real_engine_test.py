@@ -210,6 +210,24 @@ class Harm(RealCase):
             self.assertNotIn("root", words)
             self.assertIn("plain", words)
 
+    def test_words_that_are_put_together_by_decoding(self):
+        """In both engines, and in tags that lie in values of others."""
+        secret = self.write("secret.html", "<p>secret").as_uri()
+        refresh = f"content='0;url={secret}'"
+        pages = [f"<meta http-\x1b(Bequiv=refresh {refresh}>", f"<link re\x1b(Bl=attachment href={secret}>",
+                 f"<a re\x1b(Bl=attachment href={secret}>link</a>",
+                 f"<meta x=\"<a rel=attachment y='\"'>\" http-equiv=refresh {refresh}>"]
+        weasyprint = shutil.which("weasyprint")
+        self.assertIsNotNone(weasyprint, "weasyprint is not installed")
+        for page in pages:
+            for engine in (PROGRAM, weasyprint):
+                with self.subTest(page=page, engine=engine):
+                    path = self.made(f"<!doctype html><meta charset=iso-2022-jp>{page}<p>plain",
+                                     "--engine", engine)
+                    self.assertNotIn("secret", self.words(path).replace("/secret.html", ""))
+                    self.assertIn("plain", self.words(path))
+                    self.assertIn("0 embedded files", self.tool("pdfdetach", "-list", path))
+
     def test_frames_do_not_show(self):
         secret = self.write("secret.html", "<p>secret").as_uri()
         leading = f"&lt;meta &#104;ttp-equiv=refresh content='0;url={secret}'&gt;"

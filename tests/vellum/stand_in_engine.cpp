@@ -13,6 +13,8 @@
 //   stuck        writes a PDF without its end, then hangs
 //   linger       writes a PDF, then hangs
 //   child        starts a copy of itself that hangs, then hangs
+//   swell        takes 200 MiB of memory, then hangs
+//   swell child  starts a copy of itself that takes 200 MiB and hangs, then hangs
 //
 // When STAND_IN_ENGINE_LOG names a file, it first writes there what it was started with: one line
 // for its own name and each argument. Beside it, FILE.html is a copy of the page, FILE.hangs
@@ -140,9 +142,17 @@ bool writePdf(const std::string& word, const std::string& path) {
     } else if (word == "garbage") {
         write(path, "<html>this is no PDF %%EOF</html>");
     } else {
-        return word == "nothing" || word == "hang" || word == "child";
+        return word == "nothing" || word == "hang" || word == "child" || word == "swell" ||
+               word == "swell child";
     }
     return true;
+}
+
+// Keeps this process busy with so much memory, which it uses.
+void swellAndHang(const std::string& mark) {
+    constexpr std::size_t size = 200 * 1048576;
+    const std::vector<char> memory(size, 'x');
+    stand_in_engine::hang(mark);
 }
 
 int obey(const std::string& word, const Task& task, const std::string& log) {
@@ -152,7 +162,13 @@ int obey(const std::string& word, const Task& task, const std::string& log) {
         return exitOfFailure;
     }
     if (!writePdf(word, task.pdf)) return exitOfUnknownWord;
-    if (word == "child") stand_in_engine::startHangingCopy(log.empty() ? log : log + ".child");
+    if (word == "child")
+        stand_in_engine::startCopy("--hang=" + (log.empty() ? log : log + ".child"));
+    if (word == "swell") swellAndHang("");
+    if (word == "swell child") {
+        stand_in_engine::startCopy("--swell");
+        stand_in_engine::hang("");
+    }
     if (word == "hang" || word == "stuck" || word == "linger" || word == "child") hangMarked(log);
     if (word == "unwell") std::cerr << "something is wrong" << std::endl;
     return word == "unwell" ? exitOfUnwell : EXIT_SUCCESS;
@@ -165,6 +181,10 @@ int main() {
     const std::string copyMark = "--hang=";
     if (arguments.size() == 2 && arguments[1].compare(0, copyMark.size(), copyMark) == 0) {
         stand_in_engine::hang(arguments[1].substr(copyMark.size()));
+        return EXIT_SUCCESS;
+    }
+    if (arguments.size() == 2 && arguments[1] == "--swell") {
+        swellAndHang("");
         return EXIT_SUCCESS;
     }
     const Task task = taskOf(arguments);

@@ -17,8 +17,8 @@ std::vector<std::string> arguments();
 // The UTF-8 text of an environment variable, empty when it is not set.
 std::string variable(const std::string& name);
 
-// Starts this program once more, which then hangs and marks the file as soon as it runs.
-void startHangingCopy(const std::string& markPath);
+// Starts this program once more with that argument.
+void startCopy(const std::string& argument);
 
 // Makes the file as its mark and keeps this process busy until it is ended, a minute at the
 // longest.

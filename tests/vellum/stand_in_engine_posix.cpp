@@ -33,10 +33,9 @@ std::string variable(const std::string& name) {
     return text == nullptr ? std::string() : std::string(text);
 }
 
-void startHangingCopy(const std::string& markPath) {
+void startCopy(const std::string& argument) {
     if (fork() != 0) return;
     const std::string self = std::filesystem::read_symlink("/proc/self/exe").string();
-    const std::string argument = "--hang=" + markPath;
     execl(self.c_str(), self.c_str(), argument.c_str(), static_cast<char*>(nullptr));
     _exit(EXIT_FAILURE);
 }

@@ -46,10 +46,10 @@ std::string variable(const std::string& name) {
     return toUtf8(text);
 }
 
-void startHangingCopy(const std::string& markPath) {
+void startCopy(const std::string& argument) {
     std::wstring program(32'768, L'\0');
     program.resize(GetModuleFileNameW(nullptr, program.data(), 32'768));
-    std::wstring line = L"\"" + program + L"\" \"--hang=" + toWide(markPath) + L"\"";
+    std::wstring line = L"\"" + program + L"\" \"" + toWide(argument) + L"\"";
     STARTUPINFOW startup = {};
     startup.cb = sizeof startup;
     PROCESS_INFORMATION process = {};

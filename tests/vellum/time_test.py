@@ -8,7 +8,7 @@ SPDX-License-Identifier: MIT
 
 import signal
 
-from program_case import linux_only
+from program_case import linux_only, wait_for
 from vellum_case import ENGINE, OLD, STAND_IN, VellumCase
 
 BUSY = f"{ENGINE} was still busy after 1 s; set VELLUM_TIMEOUT to give it more time"
@@ -43,6 +43,30 @@ class Deadline(VellumCase):
         self.expect_time_up("hang")
         self.expect_done(self.convert())
         self.assertEqual(["page.html", "report.pdf"], self.names())
+
+
+class Memory(VellumCase):
+
+    def expect_too_much(self, **settings):
+        self.write("report.pdf", OLD)
+        result = self.convert(env={"VELLUM_MEMORY": "64"}, **settings)
+        message = f"{ENGINE} took more than 64 MiB of memory; set VELLUM_MEMORY to give it more"
+        self.expect_error(result, 9, message)
+        self.expect_no_processes()
+        self.assertEqual(f"vellum: {message}\n", self.error_text())
+        self.assertEqual(OLD, self.read("report.pdf"))
+        self.assertEqual(["page.html", "report.pdf", "report.pdf.error.txt"], self.names())
+
+    def test_an_engine_that_takes_more(self):
+        self.expect_too_much(does="swell")
+
+    def test_a_child_of_an_engine_that_takes_more(self):
+        self.expect_too_much(does="swell child")
+
+    def test_an_engine_that_takes_less(self):
+        for text in ("1000", "", "0", "-5", "plenty", "999999999999999999999"):
+            with self.subTest(text=text):
+                self.expect_done(self.convert(env={"VELLUM_MEMORY": text}))
 
 
 class Lingering(VellumCase):
@@ -119,20 +143,22 @@ class SuddenEnd(VellumCase):
         running.process.kill()
         running.finish()
         self.expect_no_processes()
-        self.expect_staged_page_and_remove_it()
+        self.expect_nothing_left()
 
-    def expect_staged_page_and_remove_it(self):
-        """Nobody is left who could remove it."""
-        folder = self.log().page_path.parent
-        for path in sorted(folder.rglob("*"), reverse=True):
-            path.rmdir() if path.is_dir() else path.unlink()
-        folder.rmdir()
-        self.log().pdf_path.unlink(missing_ok=True)
+    def expect_nothing_left(self):
+        """The copy of the page and what the engine has begun go as well, in a moment."""
+        wait_for(self.log().page_path.parent, is_gone=True)
+        wait_for(self.log().pdf_path, is_gone=True)
+        self.assertEqual([], [name for name in self.names() if "part" in name])
 
     def test_the_engine_ends_with_vellum(self):
-        running = self.start_conversion(does="hang")
-        self.wait_until_it_hangs(running)
-        running.process.kill()
-        running.finish()
-        self.expect_no_processes()
-        self.expect_staged_page_and_remove_it()
+        for does in ("hang", "stuck"):
+            running = self.start_conversion(does=does)
+            self.wait_until_it_hangs(running)
+            self.assertTrue(self.log().page_path.exists())
+            running.process.kill()
+            running.finish()
+            self.expect_no_processes()
+            self.expect_nothing_left()
+            for path in self.logs.iterdir():
+                path.unlink()

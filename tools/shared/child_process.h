@@ -5,6 +5,7 @@
 #pragma once
 
 #include <chrono>
+#include <cstdint>
 #include <filesystem>
 #include <map>
 #include <memory>
@@ -23,6 +24,9 @@ struct ProcessRequest {
     std::map<std::string, std::string> environment;
     /// Receives standard output and error.
     std::filesystem::path outputFile;
+    /// So many bytes of memory the program and its children may have together, where the system can
+    /// hold them to it (Windows); 0: as much as they like.
+    std::uint64_t memoryLimit = 0;
 };
 
 /// A started program, without a window and without standard input. It is a group of its own; when
@@ -39,11 +43,13 @@ public:
     /// outside; nothing while it still runs.
     std::optional<int> wait(std::chrono::milliseconds longest);
 
+    /// The memory, in bytes, that the program and its children have for themselves.
+    std::uint64_t memory() const;
+
     /// Ends the program and all that it has started, at once.
     void kill();
 
 private:
-    void startGuardian();
     bool hasEnded();
 
     struct State;
@@ -59,6 +65,14 @@ std::filesystem::path ownFolder();
 /// Makes a new folder in the system's folder for temporary files that nobody else may enter. Raises
 /// std::system_error.
 std::filesystem::path makePrivateFolder(const std::string& prefix);
+
+/// Makes a new empty file, or a new folder that nobody else may enter, where nothing is yet. Raises
+/// std::system_error.
+void makeNewFile(const std::filesystem::path& path);
+void makeNewFolder(const std::filesystem::path& path);
+
+/// Letters and digits that nobody can foresee.
+std::string randomLetters();
 
 unsigned long processNumber();
 

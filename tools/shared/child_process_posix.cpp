@@ -5,6 +5,7 @@
 #include <poll.h>
 #include <signal.h>
 #include <sys/prctl.h>
+#include <sys/stat.h>
 #include <sys/syscall.h>
 #include <sys/wait.h>
 #include <unistd.h>
@@ -12,6 +13,7 @@
 #include <algorithm>
 #include <cerrno>
 #include <cstdlib>
+#include <fstream>
 #include <sstream>
 #include <system_error>
 
@@ -28,6 +30,14 @@ struct ChildProcess::State {
     int lifeline = -1;
     std::optional<int> exitCode;
     bool isReaped = false;
+
+    void endGuardian() const {
+        if (lifeline >= 0) {
+            static_cast<void>(!write(lifeline, "x", 1));
+            close(lifeline);
+        }
+        if (guardian > 0) waitpid(guardian, nullptr, 0);
+    }
 };
 
 namespace {
@@ -64,34 +74,65 @@ struct ProgramImage {
     std::vector<char*> envp;
 };
 
-/// Runs in the child; only calls that are safe between fork and exec.
-[[noreturn]] void becomeProgram(const ProgramImage& image, int output, int failure, pid_t parent) {
+/// The descriptors of the child between fork and exec.
+struct ChildEnds {
+    int output;
+    int failure;
+    int lifeline;
+};
+
+/// Runs in the child; only calls that are safe between fork and exec. The guardian knows the group
+/// before the program runs.
+[[noreturn]] void becomeProgram(const ProgramImage& image, const ChildEnds& ends, pid_t parent) {
     setpgid(0, 0);
+    const pid_t group = getpid();
+    if (ends.lifeline >= 0) static_cast<void>(!write(ends.lifeline, &group, sizeof group));
     prctl(PR_SET_PDEATHSIG, SIGKILL);
     signal(SIGPIPE, SIG_DFL);
     sigset_t none;
     sigemptyset(&none);
     sigprocmask(SIG_SETMASK, &none, nullptr);
     const int input = open("/dev/null", O_RDONLY | O_CLOEXEC);
-    if (getppid() == parent && dup2(input, STDIN_FILENO) >= 0 && dup2(output, STDOUT_FILENO) >= 0 &&
-        dup2(output, STDERR_FILENO) >= 0) {
+    if (getppid() == parent && dup2(input, STDIN_FILENO) >= 0 &&
+        dup2(ends.output, STDOUT_FILENO) >= 0 && dup2(ends.output, STDERR_FILENO) >= 0) {
         execve(image.program.c_str(), image.argv.data(), image.envp.data());
     }
     const int reason = errno;
-    static_cast<void>(!write(failure, &reason, sizeof reason));
+    static_cast<void>(!write(ends.failure, &reason, sizeof reason));
     _exit(127);
 }
 
-/// Runs in the guardian: waits until the lifeline ends. A word through it means that all is well.
-[[noreturn]] void guard(int lifeline, pid_t group) {
-    setsid();
-    char word = 0;
-    ssize_t size = 0;
+bool readWhole(int descriptor, void* bytes, std::size_t size) {
+    ssize_t got = 0;
     do {
-        size = read(lifeline, &word, 1);
-    } while (size < 0 && errno == EINTR);
-    if (size != 1) kill(-group, SIGKILL);
+        got = read(descriptor, bytes, size);
+    } while (got < 0 && errno == EINTR);
+    return got == static_cast<ssize_t>(size);
+}
+
+/// Runs in the guardian: waits for the number of the group and then until the lifeline ends. A word
+/// through it means that all is well.
+[[noreturn]] void guard(int lifeline) {
+    setsid();
+    pid_t group = 0;
+    char word = 0;
+    if (readWhole(lifeline, &group, sizeof group) && !readWhole(lifeline, &word, 1))
+        kill(-group, SIGKILL);
     _exit(0);
+}
+
+/// Starts a guardian; sets its number, and its end of the lifeline. An engine may be a script that
+/// starts the real one: the death signal reaches only the script.
+void startGuardian(pid_t& guardian, int& lifeline) {
+    int ends[2] = {-1, -1};
+    if (pipe2(ends, O_CLOEXEC) != 0) return;
+    guardian = fork();
+    if (guardian == 0) {
+        close(ends[1]);
+        guard(ends[0]);
+    }
+    close(ends[0]);
+    lifeline = ends[1];
 }
 
 /// The reason why the program could not be executed, 0 when it was.
@@ -100,6 +141,35 @@ int failureOf(int descriptor) {
     const ssize_t size = read(descriptor, &reason, sizeof reason);
     close(descriptor);
     return size == static_cast<ssize_t>(sizeof reason) ? reason : 0;
+}
+
+/// The group of a process by its folder in /proc; -1 when it is gone.
+pid_t groupOf(const std::filesystem::path& folder) {
+    std::ifstream file(folder / "stat");
+    std::string line;
+    std::getline(file, line);
+    // The program's name is in brackets and may hold anything; state and parent follow.
+    std::istringstream fields(line.substr(std::min(line.rfind(')') + 1, line.size())));
+    std::string state;
+    pid_t parent = -1;
+    pid_t group = -1;
+    fields >> state >> parent >> group;
+    return fields ? group : -1;
+}
+
+/// What a process does not map from files, in memory and swapped out.
+std::uint64_t ownMemory(const std::filesystem::path& folder) {
+    std::ifstream file(folder / "status");
+    std::uint64_t bytes = 0;
+    for (std::string line; std::getline(file, line);) {
+        std::istringstream words(line);
+        std::string name;
+        std::uint64_t kilobytes = 0;
+        words >> name;
+        if (name != "RssAnon:" && name != "RssShmem:" && name != "VmSwap:") continue;
+        if (words >> kilobytes) bytes += kilobytes * 1024;
+    }
+    return bytes;
 }
 
 bool isRunnable(const std::filesystem::path& path) {
@@ -111,18 +181,21 @@ bool isRunnable(const std::filesystem::path& path) {
 
 ChildProcess::ChildProcess(const ProcessRequest& request) : state_(std::make_unique<State>()) {
     const ProgramImage image(request);
+    // First, so that it holds none of the other pipes open.
+    startGuardian(state_->guardian, state_->lifeline);
     const int output =
         open(request.outputFile.c_str(), O_WRONLY | O_CREAT | O_TRUNC | O_CLOEXEC, 0600);
     int failure[2] = {-1, -1};
     if (output < 0 || pipe2(failure, O_CLOEXEC) != 0) {
         const int reason = errno;
         close(output);
+        state_->endGuardian();
         errno = reason;
         fail("cannot prepare a process");
     }
     const pid_t parent = getpid();
     state_->process = fork();
-    if (state_->process == 0) becomeProgram(image, output, failure[1], parent);
+    if (state_->process == 0) becomeProgram(image, {output, failure[1], state_->lifeline}, parent);
     int reason = errno;
     close(output);
     close(failure[1]);
@@ -130,34 +203,17 @@ ChildProcess::ChildProcess(const ProcessRequest& request) : state_(std::make_uni
     if (state_->process > 0) reason = refusal;
     if (reason != 0 && state_->process > 0) waitpid(state_->process, nullptr, 0);
     if (state_->process < 0 || reason != 0) {
+        state_->endGuardian();
         throw std::system_error(reason, std::generic_category(),
                                 "cannot start " + request.program.string());
     }
     state_->watch = static_cast<int>(syscall(SYS_pidfd_open, state_->process, 0));
-    startGuardian();
-}
-
-/// An engine may be a script that starts the real one: the death signal reaches only the script.
-void ChildProcess::startGuardian() {
-    int lifeline[2] = {-1, -1};
-    if (pipe2(lifeline, O_CLOEXEC) != 0) return;
-    state_->guardian = fork();
-    if (state_->guardian == 0) {
-        close(lifeline[1]);
-        guard(lifeline[0], state_->process);
-    }
-    close(lifeline[0]);
-    state_->lifeline = lifeline[1];
 }
 
 ChildProcess::~ChildProcess() {
     kill();
     if (state_->watch >= 0) close(state_->watch);
-    if (state_->lifeline >= 0) {
-        static_cast<void>(!write(state_->lifeline, "x", 1));
-        close(state_->lifeline);
-    }
-    if (state_->guardian > 0) waitpid(state_->guardian, nullptr, 0);
+    state_->endGuardian();
 }
 
 /// Looks without collecting: as long as the process is not collected, its group keeps its number.
@@ -187,6 +243,20 @@ std::optional<int> ChildProcess::wait(std::chrono::milliseconds longest) {
         poll(&watched, 1, static_cast<int>(slice.count()));
     }
     return state_->exitCode;
+}
+
+std::uint64_t ChildProcess::memory() const {
+    if (state_->isReaped) return 0;
+    std::uint64_t bytes = 0;
+    std::error_code failure;
+    for (std::filesystem::directory_iterator entry("/proc", failure), end; !failure && entry != end;
+         entry.increment(failure)) {
+        const std::string name = entry->path().filename().string();
+        const bool isProcess = name.find_first_not_of("0123456789") == std::string::npos;
+        if (isProcess && groupOf(entry->path()) == state_->process)
+            bytes += ownMemory(entry->path());
+    }
+    return bytes;
 }
 
 void ChildProcess::kill() {
@@ -228,6 +298,16 @@ std::filesystem::path makePrivateFolder(const std::string& prefix) {
     std::string path = (std::filesystem::temp_directory_path() / (prefix + "-XXXXXX")).string();
     if (mkdtemp(path.data()) == nullptr) fail("cannot make a temporary folder");
     return path;
+}
+
+void makeNewFile(const std::filesystem::path& path) {
+    const int file = open(path.c_str(), O_WRONLY | O_CREAT | O_EXCL | O_NOFOLLOW | O_CLOEXEC, 0666);
+    if (file < 0) fail("cannot make a file");
+    close(file);
+}
+
+void makeNewFolder(const std::filesystem::path& path) {
+    if (mkdir(path.c_str(), 0700) != 0) fail("cannot make a temporary folder");
 }
 
 std::optional<std::string> environmentVariable(const std::string& name) {

@@ -3,6 +3,8 @@
 // SPDX-License-Identifier: MIT
 #include <windows.h>
 
+#include <psapi.h>
+
 #include <cwchar>
 #include <system_error>
 
@@ -72,10 +74,16 @@ std::wstring environmentBlock(const ProcessRequest& request) {
     return block;
 }
 
-HANDLE makeJob() {
+HANDLE makeJob(std::uint64_t memoryLimit) {
     HANDLE job = CreateJobObjectW(nullptr, nullptr);
     JOBOBJECT_EXTENDED_LIMIT_INFORMATION limits = {};
     limits.BasicLimitInformation.LimitFlags = JOB_OBJECT_LIMIT_KILL_ON_JOB_CLOSE;
+    if (memoryLimit > 0) {
+        limits.BasicLimitInformation.LimitFlags |= JOB_OBJECT_LIMIT_JOB_MEMORY;
+        // Whoever watches over the limit sees a program that passes it; one that is refused memory
+        // only says that something failed.
+        limits.JobMemoryLimit = memoryLimit + memoryLimit / 4;
+    }
     SetInformationJobObject(job, JobObjectExtendedLimitInformation, &limits, sizeof limits);
     return job;
 }
@@ -85,6 +93,29 @@ DWORD activeProcesses(HANDLE job) {
     QueryInformationJobObject(job, JobObjectBasicAccountingInformation, &facts, sizeof facts,
                               nullptr);
     return facts.ActiveProcesses;
+}
+
+/// The numbers of a job's processes.
+std::vector<ULONG_PTR> processesOf(HANDLE job) {
+    constexpr std::size_t most = 1024;
+    constexpr std::size_t head = sizeof(JOBOBJECT_BASIC_PROCESS_ID_LIST);
+    std::vector<ULONG_PTR> buffer(head / sizeof(ULONG_PTR) + most);
+    auto* const list = reinterpret_cast<JOBOBJECT_BASIC_PROCESS_ID_LIST*>(buffer.data());
+    const auto size = static_cast<DWORD>(buffer.size() * sizeof(ULONG_PTR));
+    if (QueryInformationJobObject(job, JobObjectBasicProcessIdList, list, size, nullptr) == 0)
+        return {};
+    return {list->ProcessIdList, list->ProcessIdList + list->NumberOfProcessIdsInList};
+}
+
+/// What a process has committed for itself.
+std::uint64_t ownMemory(ULONG_PTR number) {
+    HANDLE process =
+        OpenProcess(PROCESS_QUERY_INFORMATION | PROCESS_VM_READ, FALSE, static_cast<DWORD>(number));
+    if (process == nullptr) return 0;
+    PROCESS_MEMORY_COUNTERS facts = {};
+    const BOOL isKnown = K32GetProcessMemoryInfo(process, &facts, sizeof facts);
+    CloseHandle(process);
+    return isKnown == 0 ? 0 : facts.PagefileUsage;
 }
 
 HANDLE openInheritable(const wchar_t* path, DWORD access, DWORD creation) {
@@ -121,7 +152,8 @@ ChildProcess::ChildProcess(const ProcessRequest& request) : state_(std::make_uni
         fail("cannot start " + request.program.u8string());
     }
     state_->process = process.hProcess;
-    state_->job = makeJob();
+    // It ends its processes when its handle is closed, in whatever way.
+    state_->job = makeJob(request.memoryLimit);
     // An older Windows refuses this inside another job; then the process alone can be ended.
     AssignProcessToJobObject(state_->job, process.hProcess);
     ResumeThread(process.hThread);
@@ -131,9 +163,6 @@ ChildProcess::ChildProcess(const ProcessRequest& request) : state_(std::make_uni
 ChildProcess::~ChildProcess() {
     kill();
 }
-
-/// The job does it: it ends its processes when its handle is closed, in whatever way.
-void ChildProcess::startGuardian() {}
 
 bool ChildProcess::hasEnded() {
     if (state_->exitCode) return true;
@@ -148,6 +177,13 @@ std::optional<int> ChildProcess::wait(std::chrono::milliseconds longest) {
     WaitForSingleObject(state_->process, static_cast<DWORD>(longest.count()));
     hasEnded();
     return state_->exitCode;
+}
+
+std::uint64_t ChildProcess::memory() const {
+    std::uint64_t bytes = 0;
+    for (const ULONG_PTR number : processesOf(state_->job))
+        bytes += ownMemory(number);
+    return bytes;
 }
 
 void ChildProcess::kill() {
@@ -201,6 +237,18 @@ std::filesystem::path makePrivateFolder(const std::string& prefix) {
         if (std::filesystem::create_directory(folder, ignored)) return folder;
     }
     fail("cannot make a temporary folder");
+}
+
+void makeNewFile(const std::filesystem::path& path) {
+    HANDLE file = CreateFileW(path.c_str(), GENERIC_WRITE, 0, nullptr, CREATE_NEW,
+                              FILE_ATTRIBUTE_NORMAL, nullptr);
+    if (file == INVALID_HANDLE_VALUE) fail("cannot make a file");
+    CloseHandle(file);
+}
+
+void makeNewFolder(const std::filesystem::path& path) {
+    // The folder for temporary files belongs to the user.
+    if (CreateDirectoryW(path.c_str(), nullptr) == 0) fail("cannot make a temporary folder");
 }
 
 std::optional<std::string> environmentVariable(const std::string& name) {

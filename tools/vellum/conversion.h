@@ -23,7 +23,4 @@ struct ConversionRequest {
 /// a temporary file is left.
 Engine convert(const ConversionRequest& request);
 
-/// Lets a signal cancel the conversion that runs.
-void stopOnSignal(int signalNumber);
-
 }  // namespace vellum

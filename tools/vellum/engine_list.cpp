@@ -31,6 +31,19 @@ Engine namedEngine(const std::string& name) {
     return {stem, kindOf(stem), tools::findProgram(name).value_or(std::filesystem::path())};
 }
 
+/// Tells whether the engine obeys the policy that is put into pages.
+bool knowsPolicy(const Engine& engine) {
+    return engine.kind == EngineKind::Chromium;
+}
+
+/// On purpose: a page does not get an engine without a policy. Whoever wants one names it; otherwise
+/// a page would choose by itself what it may do.
+std::string refusedWish(const std::string& name, bool isThere) {
+    const std::string wish = "the page asks for the engine \"" + name + "\", which ";
+    if (!isThere) return wish + "was not found";
+    return wish + "knows no policy for pages; name it with --engine or VELLUM_ENGINE to use it";
+}
+
 std::vector<std::string> chromiumArguments(const EngineTask& task) {
     std::vector<std::string> arguments = {
         "--headless",
@@ -58,6 +71,8 @@ std::vector<std::string> wkhtmltopdfArguments(const EngineTask& task) {
     return {"--quiet",
             "--disable-javascript",
             "--disable-plugins",
+            "--encoding",
+            "utf-8",
             "--proxy",
             "http://127.0.0.1:1",
             "--enable-local-file-access",
@@ -81,14 +96,13 @@ Engine chooseEngine(const std::string& named, const std::string& askedByPage) {
     }
     const std::vector<Engine> candidates = engineCandidates();
     const auto isFound = [](const Engine& engine) { return !engine.program.empty(); };
-    if (!askedByPage.empty()) {
-        const auto asked = std::find_if(
-            candidates.begin(), candidates.end(),
-            [&](const Engine& engine) { return isFound(engine) && engine.name == askedByPage; });
-        if (asked != candidates.end()) return *asked;
-        warn("the page asks for the engine \"" + askedByPage + "\", which was not found");
-    }
     const auto first = std::find_if(candidates.begin(), candidates.end(), isFound);
+    const auto asked = std::find_if(
+        candidates.begin(), candidates.end(),
+        [&](const Engine& engine) { return isFound(engine) && engine.name == askedByPage; });
+    const bool isThere = asked != candidates.end();
+    if (isThere && (knowsPolicy(*asked) || asked == first)) return *asked;
+    if (!askedByPage.empty()) warn(refusedWish(askedByPage, isThere));
     if (first != candidates.end()) return *first;
     throw Failure(
         ExitCode::NoEngine,
@@ -99,7 +113,8 @@ Engine chooseEngine(const std::string& named, const std::string& askedByPage) {
 std::vector<std::string> engineArguments(const Engine& engine, const EngineTask& task) {
     switch (engine.kind) {
         case EngineKind::WeasyPrint:
-            return {"--base-url", task.base, task.page.u8string(), task.pdf.u8string()};
+            return {"--encoding",       "utf-8", "--base-url", task.base, task.page.u8string(),
+                    task.pdf.u8string()};
         case EngineKind::WkHtmlToPdf:
             return wkhtmltopdfArguments(task);
         default:

@@ -17,7 +17,8 @@ enum class ExitCode {
     EngineFailed = 5,
     TimeUp = 6,
     NoEngine = 7,
-    Cancelled = 8
+    Cancelled = 8,
+    MemoryUp = 9
 };
 
 /// what() is one line: what, where, why and what to do.

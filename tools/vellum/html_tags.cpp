@@ -1,14 +1,10 @@
-// A scanner for start tags. What must hold for every page, however it is written, relies on
-// possibleTags, which does not care where a tag stands; startTags passes over text.
+// A scanner for start tags, as the HTML standard's tokenizer reads them.
 //
 // SPDX-License-Identifier: MIT
 #include "html_tags.h"
 
 #include <algorithm>
 #include <cstdlib>
-#include <string_view>
-
-#include "failure.h"
 
 namespace vellum {
 namespace {
@@ -19,101 +15,25 @@ bool isLetter(char letter) {
     return (letter >= 'a' && letter <= 'z') || (letter >= 'A' && letter <= 'Z');
 }
 
-/// The place of `wanted` (lower case) from `at` on, in whatever letter case.
-std::size_t findWord(const std::string& text, std::string_view wanted, std::size_t at) {
-    const auto same = [](char one, char other) {
-        return (one >= 'A' && one <= 'Z' ? static_cast<char>(one - 'A' + 'a') : one) == other;
-    };
-    const auto found = std::search(text.begin() + static_cast<std::ptrdiff_t>(at), text.end(),
+char lower(char letter) {
+    return letter >= 'A' && letter <= 'Z' ? static_cast<char>(letter - 'A' + 'a') : letter;
+}
+
+/// The place of `wanted` (lower case) from `at` on, in whatever letter case; the page's size when it
+/// is not there.
+std::size_t findWord(const std::string& page, std::string_view wanted, std::size_t at) {
+    const auto same = [](char one, char other) { return lower(one) == other; };
+    const auto found = std::search(page.begin() + static_cast<std::ptrdiff_t>(at), page.end(),
                                    wanted.begin(), wanted.end(), same);
-    return found == text.end() ? std::string::npos : static_cast<std::size_t>(found - text.begin());
+    return static_cast<std::size_t>(found - page.begin());
 }
 
-/// "&amp;", "&quot;", "&lt;", "&gt;" and numbers below 128; that is all that addresses need.
-std::string withoutReferences(const std::string& text) {
-    std::string plain;
-    for (std::size_t i = 0; i < text.size(); ++i) {
-        const std::size_t end = text[i] == '&' ? text.find(';', i) : std::string::npos;
-        const std::string name =
-            end == std::string::npos || end - i > 8 ? "" : text.substr(i + 1, end - i - 1);
-        char meant = '\0';
-        if (name == "amp") meant = '&';
-        if (name == "quot") meant = '"';
-        if (name == "lt") meant = '<';
-        if (name == "gt") meant = '>';
-        if (name.size() > 1 && name[0] == '#') {
-            const bool isHex = name[1] == 'x' || name[1] == 'X';
-            const long number =
-                std::strtol(name.c_str() + (isHex ? 2 : 1), nullptr, isHex ? 16 : 10);
-            if (number > 0 && number < 128) meant = static_cast<char>(number);
-        }
-        plain += meant == '\0' ? text[i] : meant;
-        if (meant != '\0') i = end;
-    }
-    return plain;
+std::size_t firstOf(const std::string& page, std::string_view letters, std::size_t at) {
+    return std::min(page.find_first_of(letters, at), page.size());
 }
 
-class TagReader {
-public:
-    TagReader(const std::string& page, std::size_t start) : page_(page), at_(start) {}
-
-    HtmlTag read() {
-        HtmlTag tag;
-        tag.start = at_++;
-        tag.name = lowerCase(takeUntil(" \t\n\r\f/>"));
-        while (skip(" \t\n\r\f/") && page_[at_] != '>')
-            tag.attributes.push_back(readAttribute());
-        tag.end = std::min(at_ + 1, page_.size());
-        return tag;
-    }
-
-private:
-    /// Moves past these characters; false at the end of the page.
-    bool skip(std::string_view letters) {
-        at_ = std::min(page_.find_first_not_of(letters, at_), page_.size());
-        return at_ < page_.size();
-    }
-
-    std::string takeUntil(std::string_view letters) {
-        const std::size_t end = std::min(page_.find_first_of(letters, at_), page_.size());
-        std::string text = page_.substr(at_, end - at_);
-        at_ = end;
-        return text;
-    }
-
-    HtmlAttribute readAttribute() {
-        HtmlAttribute attribute;
-        const bool beginsWithEquals = page_[at_] == '=';
-        if (beginsWithEquals) ++at_;
-        attribute.name = (beginsWithEquals ? "=" : "") + lowerCase(takeUntil(" \t\n\r\f/>="));
-        if (!skip(blanks) || page_[at_] != '=') return attribute;
-        ++at_;
-        if (!skip(blanks)) return attribute;
-        const char quote = page_[at_];
-        if (quote == '"' || quote == '\'') {
-            ++at_;
-            attribute.value = takeUntil(std::string_view(&quote, 1));
-            if (at_ < page_.size()) ++at_;
-        } else {
-            attribute.value = takeUntil(" \t\n\r\f>");
-        }
-        attribute.hasReference = attribute.value.find('&') != std::string::npos;
-        attribute.value = withoutReferences(attribute.value);
-        return attribute;
-    }
-
-    const std::string& page_;
-    std::size_t at_;
-};
-
-/// The place behind a comment that starts at `at`.
-std::size_t endOfComment(const std::string& page, std::size_t at) {
-    if (page.compare(at, 5, "<!-->") == 0) return at + 5;
-    if (page.compare(at, 6, "<!--->") == 0) return at + 6;
-    const std::size_t end = page.find("-->", at + 4);
-    const std::size_t banged = page.find("--!>", at + 4);
-    if (banged < end) return banged + 4;
-    return end == std::string::npos ? page.size() : end + 3;
+std::size_t firstOther(const std::string& page, std::string_view letters, std::size_t at) {
+    return std::min(page.find_first_not_of(letters, at), page.size());
 }
 
 std::size_t behindNext(const std::string& page, char letter, std::size_t at) {
@@ -121,37 +41,90 @@ std::size_t behindNext(const std::string& page, char letter, std::size_t at) {
     return place == std::string::npos ? page.size() : place + 1;
 }
 
+/// The place behind a comment that starts at `at`. On purpose: one walk for both of its ends, since
+/// each of many comments would search the whole page for an end that it never has.
+std::size_t endOfComment(const std::string& page, std::size_t at) {
+    if (page.compare(at, 5, "<!-->") == 0) return at + 5;
+    if (page.compare(at, 6, "<!--->") == 0) return at + 6;
+    for (std::size_t dashes = page.find("--", at + 4); dashes != std::string::npos;
+         dashes = page.find("--", dashes + 1)) {
+        if (page.compare(dashes, 3, "-->") == 0) return dashes + 3;
+        if (page.compare(dashes, 4, "--!>") == 0) return dashes + 4;
+    }
+    return page.size();
+}
+
 /// The place behind an element whose contents are text.
 std::size_t endOfTextElement(const std::string& page, const HtmlTag& tag) {
     for (const char* name : {"script", "style", "title", "textarea"}) {
-        if (tag.name != name) continue;
-        return std::min(findWord(page, "</" + tag.name, tag.end), page.size());
+        if (tag.name == name) return findWord(page, "</" + tag.name, tag.end);
     }
     return tag.end;
 }
 
+/// The character that a reference stands for; the zero byte when it is none of those that count.
+char meaningOf(std::string_view name) {
+    if (name == "amp") return '&';
+    if (name == "quot") return '"';
+    if (name == "lt") return '<';
+    if (name == "gt") return '>';
+    if (name.size() < 2 || name[0] != '#') return '\0';
+    const bool isHex = name[1] == 'x' || name[1] == 'X';
+    const std::string digits(name.substr(isHex ? 2 : 1));
+    const long number = std::strtol(digits.c_str(), nullptr, isHex ? 16 : 10);
+    return number > 0 && number < 128 ? static_cast<char>(number) : '\0';
+}
+
+void addAttribute(const std::string& page, const AttributePlace& place, HtmlTag& tag) {
+    for (const char* name : {"charset", "content", "href", "http-equiv", "name", "rel", "src"}) {
+        const std::string_view view(page);
+        const std::string_view written = view.substr(place.name, place.nameEnd - place.name);
+        if (written.size() != std::string_view(name).size() || lowerCase(written) != name) continue;
+        if (tag.hasAttribute(name)) return;
+        tag.attributes.push_back(
+            {name, withoutReferences(view.substr(place.value, place.valueEnd - place.value))});
+    }
+}
+
+HtmlTag readTag(const std::string& page, std::size_t start, Checkpoint& checkpoint) {
+    HtmlTag tag;
+    tag.start = start;
+    const std::size_t nameEnd = endOfTagName(page, start);
+    tag.name = lowerCase(std::string_view(page).substr(start + 1, nameEnd - start - 1));
+    std::size_t at = nextAttribute(page, nameEnd);
+    while (at < page.size() && page[at] != '>') {
+        const AttributePlace place = attributeAt(page, at);
+        addAttribute(page, place, tag);
+        checkpoint.passed(place.end - at);
+        at = nextAttribute(page, place.end);
+    }
+    tag.end = std::min(at + 1, page.size());
+    return tag;
+}
+
 }  // namespace
 
-std::string HtmlTag::attribute(const std::string& wanted) const {
+std::string HtmlTag::attribute(std::string_view wanted) const {
     for (const HtmlAttribute& one : attributes) {
         if (one.name == wanted) return one.value;
     }
     return {};
 }
 
-bool HtmlTag::hasAttribute(const std::string& wanted) const {
+bool HtmlTag::hasAttribute(std::string_view wanted) const {
     return std::any_of(attributes.begin(), attributes.end(),
-                       [&wanted](const HtmlAttribute& one) { return one.name == wanted; });
+                       [wanted](const HtmlAttribute& one) { return one.name == wanted; });
 }
 
-std::vector<HtmlTag> startTags(const std::string& page) {
-    std::vector<HtmlTag> tags;
-    std::size_t at = page.find('<');
-    while (at < page.size()) {
+void visitStartTags(const std::string& page, Checkpoint& checkpoint,
+                    const std::function<bool(const HtmlTag&)>& visit) {
+    for (std::size_t at = page.find('<'); at < page.size();) {
+        const std::size_t start = at;
         const char next = at + 1 < page.size() ? page[at + 1] : '\0';
         if (isLetter(next)) {
-            tags.push_back(TagReader(page, at).read());
-            at = endOfTextElement(page, tags.back());
+            const HtmlTag tag = readTag(page, at, checkpoint);
+            if (!visit(tag)) return;
+            at = endOfTextElement(page, tag);
         } else if (page.compare(at, 4, "<!--") == 0) {
             at = endOfComment(page, at);
         } else if (next == '!' || next == '?' || next == '/') {
@@ -160,49 +133,78 @@ std::vector<HtmlTag> startTags(const std::string& page) {
             ++at;
         }
         at = page.find('<', at);
+        checkpoint.passed(std::min(at, page.size()) - start);
     }
-    return tags;
 }
 
-std::vector<HtmlTag> possibleTags(const std::string& page) {
-    std::vector<HtmlTag> tags;
-    // Tags that never end are read over and over again.
-    std::size_t budget = page.size() * 64 + 1'000'000;
-    for (std::size_t at = page.find('<'); at != std::string::npos; at = page.find('<', at + 1)) {
-        if (at + 1 == page.size() || !isLetter(page[at + 1])) continue;
-        HtmlTag tag = TagReader(page, at).read();
-        if (tag.end - tag.start > budget) {
-            throw Failure(ExitCode::Input, "the page has too many tags without an end; correct it");
-        }
-        budget -= tag.end - tag.start;
-        if (tag.hasAttribute("rel") || tag.hasAttribute("http-equiv"))
-            tags.push_back(std::move(tag));
+bool isTagStart(const std::string& page, std::size_t at) {
+    return at + 1 < page.size() && page[at] == '<' && isLetter(page[at + 1]);
+}
+
+std::size_t endOfTagName(const std::string& page, std::size_t at) {
+    return firstOf(page, " \t\n\r\f/>", at + 1);
+}
+
+std::size_t nextAttribute(const std::string& page, std::size_t at) {
+    return firstOther(page, " \t\n\r\f/", at);
+}
+
+AttributePlace attributeAt(const std::string& page, std::size_t at) {
+    AttributePlace place;
+    place.name = at;
+    // A "=" at its beginning belongs to the name.
+    place.nameEnd = firstOf(page, " \t\n\r\f/>=", at + 1);
+    const std::size_t sign = firstOther(page, blanks, place.nameEnd);
+    place.value = place.valueEnd = place.end = place.nameEnd;
+    if (sign == page.size() || page[sign] != '=') return place;
+    place.value = firstOther(page, blanks, sign + 1);
+    const char quote = place.value < page.size() ? page[place.value] : '\0';
+    if (quote == '"' || quote == '\'') {
+        place.valueEnd = std::min(page.find(quote, ++place.value), page.size());
+        place.end = std::min(place.valueEnd + 1, page.size());
+    } else {
+        place.valueEnd = place.end = firstOf(page, " \t\n\r\f>", place.value);
     }
-    return tags;
+    return place;
+}
+
+std::string withoutReferences(std::string_view text) {
+    constexpr std::size_t longestName = 7;
+    std::string plain;
+    for (std::size_t i = 0; i < text.size(); ++i) {
+        char meant = '\0';
+        if (text[i] == '&') {
+            // On purpose: an end further away is not looked for, since each of many "&" would search
+            // the whole text.
+            const std::string_view name = text.substr(i + 1, longestName + 1);
+            const std::size_t length = name.find(';');
+            if (length != std::string_view::npos) meant = meaningOf(name.substr(0, length));
+            if (meant != '\0') i += length + 1;
+        }
+        plain += meant == '\0' ? text[i] : meant;
+    }
+    return plain;
 }
 
 std::size_t endOfDocumentType(const std::string& page) {
-    const std::size_t mark = page.compare(0, 3, "\xEF\xBB\xBF") == 0 ? 3 : 0;
-    for (std::size_t at = mark;;) {
-        at = page.find_first_not_of(blanks, at);
-        if (at == std::string::npos || page[at] != '<') return mark;
+    for (std::size_t at = 0;;) {
+        at = firstOther(page, blanks, at);
         if (page.compare(at, 4, "<!--") == 0) {
             at = endOfComment(page, at);
         } else if (page.compare(at, 2, "<?") == 0) {
             at = behindNext(page, '>', at);
-        } else if (findWord(page.substr(at, 9), "<!doctype", 0) == 0) {
+        } else if (lowerCase(std::string_view(page).substr(at, 9)) == "<!doctype") {
             return behindNext(page, '>', at);
         } else {
-            return mark;
+            return 0;
         }
     }
 }
 
-std::string lowerCase(std::string text) {
-    for (char& letter : text) {
-        if (letter >= 'A' && letter <= 'Z') letter = static_cast<char>(letter - 'A' + 'a');
-    }
-    return text;
+std::string lowerCase(std::string_view text) {
+    std::string result(text);
+    std::transform(result.begin(), result.end(), result.begin(), lower);
+    return result;
 }
 
 std::string trimmed(const std::string& text) {

@@ -72,9 +72,10 @@ const char* const helpText =
     "  -h, --help        print this help\n"
     "  --version         print the version\n"
     "\n"
-    "Variables: VELLUM_ENGINE, VELLUM_TIMEOUT (seconds), VELLUM_ON_ERROR (text, none, page)\n"
+    "Variables: VELLUM_ENGINE, VELLUM_TIMEOUT (seconds), VELLUM_MEMORY (MiB), VELLUM_ON_ERROR\n"
+    "(text, none, page)\n"
     "Exit codes: 0 done, 2 usage, 3 input, 4 output, 5 engine failed, 6 time was up,\n"
-    "7 no engine, 8 cancelled\n";
+    "7 no engine, 8 cancelled, 9 the engine took too much memory\n";
 
 void parseOptions(const std::vector<std::string>& arguments, Options& options) {
     takeWords(arguments, options);

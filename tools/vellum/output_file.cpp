@@ -3,7 +3,6 @@
 // SPDX-License-Identifier: MIT
 #include "output_file.h"
 
-#include <cerrno>
 #include <fstream>
 #include <system_error>
 
@@ -21,9 +20,32 @@ Failure unwritable(const fs::path& output, const std::string& why) {
     return {ExitCode::Output, "cannot write \"" + output.u8string() + "\": " + why};
 }
 
-fs::path withEnding(fs::path path, const char* ending) {
-    path += ending;
-    return path;
+/// The longest name of a file on both systems; bytes on Linux, units of UTF-16 on Windows.
+constexpr std::size_t longestName = 255;
+
+bool isInsideLetter(char byte) {
+    return (static_cast<unsigned char>(byte) & 0xC0U) == 0x80U;
+}
+
+/// Where the text of an error is.
+fs::path reportPath(const fs::path& output) {
+    const std::string ending = ".error.txt";
+    std::string name = output.filename().u8string();
+    if (name.size() + ending.size() > longestName) {
+        std::size_t end = longestName - ending.size();
+        while (end > 0 && isInsideLetter(name[end]))
+            --end;
+        name.resize(end);
+    }
+    return output.parent_path() / fs::u8path(name + ending);
+}
+
+fs::path folderOf(const fs::path& output) {
+    return output.has_parent_path() ? output.parent_path() : fs::path(".");
+}
+
+fs::path partIn(const fs::path& folder) {
+    return folder / (".vellum-part-" + tools::randomLetters());
 }
 
 void requirePlace(const fs::path& output) {
@@ -34,7 +56,7 @@ void requirePlace(const fs::path& output) {
     if (fs::exists(output, ignored) && !fs::is_regular_file(output, ignored)) {
         throw unwritable(output, "it is no ordinary file; name another");
     }
-    const fs::path folder = output.has_parent_path() ? output.parent_path() : fs::path(".");
+    const fs::path folder = folderOf(output);
     if (!fs::is_directory(folder, ignored)) {
         throw unwritable(output, "the folder \"" + folder.u8string() +
                                      "\" does not exist; make it or name another");
@@ -45,21 +67,32 @@ void writeText(const fs::path& path, const std::string& text) {
     std::ofstream(path, std::ios::binary | std::ios::trunc) << text;
 }
 
+/// A page that says what went wrong; failures are ignored.
+void writePageOf(const std::string& message, const fs::path& output) {
+    std::error_code failure;
+    try {
+        const fs::path part = partIn(folderOf(output));
+        tools::makeNewFile(part);
+        writeText(part, errorPage(message));
+        fs::rename(part, output, failure);
+        if (failure) fs::remove(part, failure);
+    } catch (const std::system_error&) {
+        // The text beside the output says it as well.
+    }
+}
+
 }  // namespace
 
-PartFile::PartFile(const fs::path& output)
-    : output_(output),
-      part_(withEnding(tools::absolutePath(output),
-                       (".part-" + std::to_string(tools::processNumber())).c_str())) {
+PartFile::PartFile(const fs::path& output, tools::Guardian& guardian)
+    : output_(output), part_(partIn(folderOf(tools::absolutePath(output)))) {
     requirePlace(output_);
-    errno = 0;
-    if (!std::ofstream(part_, std::ios::binary)) {
-        const int reason = errno == 0 ? EIO : errno;
-        throw unwritable(
-            output_, std::generic_category().message(reason) + "; check the rights of the folder");
+    guardian.watch(part_);
+    try {
+        tools::makeNewFile(part_);
+    } catch (const std::system_error& error) {
+        throw unwritable(output_, error.code().default_error_condition().message() +
+                                      "; check the rights of the folder");
     }
-    std::error_code ignored;
-    fs::remove(part_, ignored);
 }
 
 PartFile::~PartFile() {
@@ -67,14 +100,21 @@ PartFile::~PartFile() {
     if (!part_.empty()) fs::remove(part_, ignored);
 }
 
+std::uintmax_t PartFile::size() const {
+    std::error_code failure;
+    const std::uintmax_t size = fs::file_size(part_, failure);
+    return failure ? 0 : size;
+}
+
 bool PartFile::isComplete() const {
     return tools::isWholePdf(part_);
 }
 
-void PartFile::deliver() {
+void PartFile::deliver(const std::function<void()>& lastCheck) {
     std::error_code failure;
     // A link stays a link; what it leads to is replaced.
     const fs::path target = fs::is_symlink(output_) ? fs::canonical(output_, failure) : output_;
+    lastCheck();
     if (!failure) fs::rename(part_, target, failure);
     if (failure) {
         throw unwritable(output_, failure.message() + "; check that no other program has it open");
@@ -85,18 +125,14 @@ void PartFile::deliver() {
 void reportBeside(const fs::path& output, const std::string& message, bool mayWriteOutput) {
     const std::string wanted = tools::environmentVariable("VELLUM_ON_ERROR").value_or("text");
     if (wanted == "none") return;
-    writeText(withEnding(output, ".error.txt"), "vellum: " + message + "\n");
+    writeText(reportPath(output), "vellum: " + message + "\n");
     if (wanted != "page" || !mayWriteOutput) return;
-    const fs::path part = withEnding(output, ".part-page");
-    writeText(part, errorPage(message));
-    std::error_code failure;
-    fs::rename(part, output, failure);
-    if (failure) fs::remove(part, failure);
+    writePageOf(message, output);
 }
 
 void removeReport(const fs::path& output) {
     std::error_code ignored;
-    fs::remove(withEnding(output, ".error.txt"), ignored);
+    fs::remove(reportPath(output), ignored);
 }
 
 }  // namespace vellum

@@ -3,8 +3,8 @@
 // SPDX-License-Identifier: MIT
 #include <csignal>
 
-#include "conversion.h"
 #include "vellum_program.h"
+#include "watch.h"
 
 int main(int argc, char** argv) {
     // A host that ignores its children's ends hands that on.

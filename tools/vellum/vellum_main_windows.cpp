@@ -11,6 +11,7 @@
 #include <exception>
 #include <filesystem>
 
+#include "guardian.h"
 #include "literal_command_line.h"
 #include "vellum_program.h"
 
@@ -19,6 +20,10 @@ int wmain(int argc, wchar_t** argv) {
     _setmode(_fileno(stderr), _O_BINARY);
     // No program of the current folder before one of the search path.
     SetSearchPathMode(BASE_SEARCH_PATH_ENABLE_SAFE_SEARCHMODE | BASE_SEARCH_PATH_PERMANENT);
+    if (argc == 2 && argv[1] == std::wstring(tools::guardianWord)) {
+        tools::removeWhatStandardInputNames();
+        return 0;
+    }
     std::vector<std::wstring> words(argv + (argc > 0 ? 1 : 0), argv + argc);
     if (auto literal = vellum::literalArguments(GetCommandLineW())) words = *literal;
     std::vector<std::string> arguments;

@@ -15,6 +15,7 @@
 #include "options.h"
 #include "output_file.h"
 #include "plain_text.h"
+#include "watch.h"
 
 namespace vellum {
 namespace {

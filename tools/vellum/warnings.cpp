@@ -8,31 +8,31 @@
 #include <fstream>
 #include <sstream>
 #include <system_error>
+#include <vector>
 
 #include "page_url.h"
 
 namespace vellum {
 namespace {
 
-/// The attribute of an element that names a file to show; null for elements that show none.
-const char* linkAttribute(const std::string& element) {
-    if (element == "img" || element == "source" || element == "embed") return "src";
-    if (element == "link" || element == "image") return "href";
-    return nullptr;
-}
-
-void addCharacters(const std::string& text, std::size_t start, std::size_t end,
-                   std::set<char32_t>& characters) {
-    for (std::size_t i = start; i < end; ++i) {
+/// The characters beyond ASCII of a text in UTF-8.
+std::set<char32_t> charactersOf(const std::string& text, Checkpoint& checkpoint) {
+    std::vector<bool> isThere(0x110000);
+    for (std::size_t i = 0; i < text.size();) {
         const auto first = static_cast<unsigned char>(text[i]);
-        if (first < 0xC2) continue;
-        const std::size_t length = first < 0xE0 ? 2 : first < 0xF0 ? 3 : 4;
-        if (i + length > end) return;
-        char32_t character = first & (0xFFU >> (length + 1));
+        const std::size_t length = first < 0x80 ? 1 : first < 0xE0 ? 2 : first < 0xF0 ? 3 : 4;
+        char32_t character = length == 1 ? first : first & (0xFFU >> (length + 1));
         for (std::size_t tail = 1; tail < length; ++tail)
             character = character << 6U | (static_cast<unsigned char>(text[i + tail]) & 0x3FU);
-        characters.insert(character);
+        isThere[character] = true;
+        checkpoint.passed(length);
+        i += length;
     }
+    std::set<char32_t> characters;
+    for (char32_t character = 0x80; character < isThere.size(); ++character) {
+        if (isThere[character]) characters.insert(characters.end(), character);
+    }
+    return characters;
 }
 
 /// Controls, blanks of all widths, joiners, direction marks and private use need no font.
@@ -76,26 +76,25 @@ void warn(const std::string& text) {
     std::fputs(("vellum: warning: " + text + "\n").c_str(), stderr);
 }
 
-void warnOfMissingFiles(const StagedPage& page) {
-    std::set<std::string> named;
-    for (const HtmlTag& tag : page.tags) {
-        const char* const attribute = linkAttribute(tag.name);
-        const bool isShown =
-            tag.name != "link" ||
-            lowerCase(tag.attribute("rel")).find("stylesheet") != std::string::npos;
-        if (attribute == nullptr || !isShown) continue;
-        const std::string link = trimmed(tag.attribute(attribute));
+void warnOfMissingFiles(const StagedPage& page, Checkpoint& checkpoint) {
+    constexpr std::size_t mostWarnings = 20;
+    // No file has a longer path; looking at each of many would take time without end.
+    constexpr std::size_t longestLink = 4000;
+    std::size_t warnings = 0;
+    for (const std::string& link : page.shownFiles) {
+        checkpoint.look();
+        if (link.size() + page.base.size() > longestLink) continue;
         const auto file = linkedFile(link, page.base);
         std::error_code ignored;
-        if (!file || std::filesystem::exists(*file, ignored) || !named.insert(link).second)
-            continue;
+        if (!file || std::filesystem::exists(*file, ignored)) continue;
+        if (warnings++ == mostWarnings) return warn("more files do not exist");
         warn("\"" + link + "\" does not exist (looked for \"" + file->u8string() + "\")");
     }
 }
 
-FontCheck::FontCheck(const StagedPage& page, const std::filesystem::path& folder)
-    : list_(folder / "fonts.txt") {
-    if (isUtf8(page.content)) addCharacters(page.content, 0, page.content.size(), characters_);
+FontCheck::FontCheck(const StagedPage& page, const std::filesystem::path& folder,
+                     Checkpoint& checkpoint)
+    : characters_(charactersOf(page.content, checkpoint)), list_(folder / "fonts.txt") {
     for (auto each = characters_.begin(); each != characters_.end();)
         each = needsFont(*each) ? std::next(each) : characters_.erase(each);
     const auto program = tools::findProgram("fc-list");

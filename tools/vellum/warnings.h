@@ -17,15 +17,15 @@ namespace vellum {
 /// "vellum: warning: ..." on standard error.
 void warn(const std::string& text);
 
-/// Warns of each local file that the page shows and that does not exist.
-void warnOfMissingFiles(const StagedPage& page);
+/// Warns of each local file that the page shows and that does not exist, of twenty at the most.
+void warnOfMissingFiles(const StagedPage& page, Checkpoint& checkpoint);
 
 /// Looks for characters that no installed font has, while the engine works. Does nothing where
 /// fontconfig's list of fonts cannot be had.
 class FontCheck {
 public:
     /// `folder` takes a temporary file.
-    FontCheck(const StagedPage& page, const std::filesystem::path& folder);
+    FontCheck(const StagedPage& page, const std::filesystem::path& folder, Checkpoint& checkpoint);
 
     /// Warns of the characters, unless the list cannot be had soon. `whileWaiting` is called again
     /// and again and may raise a Failure.
