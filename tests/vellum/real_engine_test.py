@@ -203,9 +203,12 @@ class Harm(RealCase):
 
     def test_a_start_that_shifts_letters(self):
         for start in ("<!doctype html \x1b$B>\x1b(B>", "<!-- \x1b$B --><!doctype html>\x1b(B -->"):
-            words = self.words(self.made(
-                f'{start}<meta charset="iso-2022-jp"><script>document.write("ran")</script>'
-                '<iframe src="file:///etc/passwd"></iframe><p>plain'))
+            # The letters may be such that no font has them; that is a warning.
+            result = self.convert(
+                page=f'{start}<meta charset="iso-2022-jp"><script>document.write("ran")</script>'
+                '<iframe src="file:///etc/passwd"></iframe><p>plain')
+            self.assertEqual((0, []), (result.code, result.messages), result)
+            words = self.words(self.folder / "report.pdf")
             self.assertNotIn("ran", words)
             self.assertNotIn("root", words)
             self.assertIn("plain", words)

@@ -6,7 +6,7 @@
 #include <climits>
 
 #include "encoding_list.h"
-#include "utf8.h"
+#include "page_utf8.h"
 
 namespace vellum {
 

@@ -1,11 +1,11 @@
-// A parser begins a start tag at a "<" with a letter and nowhere else, and how it reads on from there
-// depends on nothing before. So each such place is read as a tag, whatever surrounds it: comments,
-// scripts and foreign elements are no matter. Tags that lie inside values of others share their
-// attributes; each attribute is read once.
+// A parser begins a start tag at a "<" with a letter and nowhere else, and how it reads on from
+// there depends on nothing before. So each such place is read as a tag, whatever surrounds it:
+// comments, scripts and foreign elements are no matter. Tags that lie inside values of others
+// share their attributes; each attribute is read once.
 //
-// Only letters and digits are ever replaced, by letters and digits. On purpose: without a quote or a
-// ">" that was there before, another tag would be read in another way than the one that was looked
-// at.
+// Only letters and digits are ever replaced, by letters and digits. On purpose: without a quote or
+// a ">" that was there before, another tag would be read in another way than the one that was
+// looked at.
 //
 // SPDX-License-Identifier: MIT
 #include "disarming.h"

@@ -36,8 +36,8 @@ bool knowsPolicy(const Engine& engine) {
     return engine.kind == EngineKind::Chromium;
 }
 
-/// On purpose: a page does not get an engine without a policy. Whoever wants one names it; otherwise
-/// a page would choose by itself what it may do.
+/// On purpose: a page does not get an engine without a policy. Whoever wants one names it;
+/// otherwise a page would choose by itself what it may do.
 std::string refusedWish(const std::string& name, bool isThere) {
     const std::string wish = "the page asks for the engine \"" + name + "\", which ";
     if (!isThere) return wish + "was not found";

@@ -22,9 +22,9 @@ struct Engine {
 /// engine_places_posix.cpp and engine_places_windows.cpp are the two sources behind it.
 std::vector<Engine> engineCandidates();
 
-/// The engine that is named by option or variable, or that the page asks for, or the first there is.
-/// A page may ask for engines that obey the policy in it. Raises a Failure when there is none, or the
-/// named one is missing; warns when the page does not get its own.
+/// The engine that is named by option or variable, or that the page asks for, or the first there
+/// is. A page may ask for engines that obey the policy in it. Raises a Failure when there is none,
+/// or the named one is missing; warns when the page does not get its own.
 Engine chooseEngine(const std::string& named, const std::string& askedByPage);
 
 /// The arguments with which an engine makes `pdf` of `page`.

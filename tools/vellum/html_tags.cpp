@@ -19,8 +19,8 @@ char lower(char letter) {
     return letter >= 'A' && letter <= 'Z' ? static_cast<char>(letter - 'A' + 'a') : letter;
 }
 
-/// The place of `wanted` (lower case) from `at` on, in whatever letter case; the page's size when it
-/// is not there.
+/// The place of `wanted` (lower case) from `at` on, in whatever letter case; the page's size when
+/// it is not there.
 std::size_t findWord(const std::string& page, std::string_view wanted, std::size_t at) {
     const auto same = [](char one, char other) { return lower(one) == other; };
     const auto found = std::search(page.begin() + static_cast<std::ptrdiff_t>(at), page.end(),
@@ -174,8 +174,8 @@ std::string withoutReferences(std::string_view text) {
     for (std::size_t i = 0; i < text.size(); ++i) {
         char meant = '\0';
         if (text[i] == '&') {
-            // On purpose: an end further away is not looked for, since each of many "&" would search
-            // the whole text.
+            // On purpose: an end further away is not looked for, since each of many "&" would
+            // search the whole text.
             const std::string_view name = text.substr(i + 1, longestName + 1);
             const std::size_t length = name.find(';');
             if (length != std::string_view::npos) meant = meaningOf(name.substr(0, length));

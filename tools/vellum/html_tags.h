@@ -45,8 +45,8 @@ struct HtmlTag {
     bool hasAttribute(std::string_view wanted) const;
 };
 
-/// Shows all start tags in order until `visit` returns false. Comments, end tags and the contents of
-/// script, style, title and textarea elements are passed over.
+/// Shows all start tags in order until `visit` returns false. Comments, end tags and the contents
+/// of script, style, title and textarea elements are passed over.
 void visitStartTags(const std::string& page, Checkpoint& checkpoint,
                     const std::function<bool(const HtmlTag&)>& visit);
 

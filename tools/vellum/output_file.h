@@ -42,8 +42,9 @@ private:
 };
 
 /// Writes what VELLUM_ON_ERROR asks for: "text" (also without the variable) a text beside the
-/// output, under its name with ".error.txt" (of a name that is too long for that, the beginning), "page" a PDF with the message as well, unless the output must not be written; "none"
-/// nothing. Failures are ignored.
+/// output, under its name with ".error.txt" (of a name that is too long for that, the beginning),
+/// "page" a PDF with the message as well, unless the output must not be written; "none" nothing.
+/// Failures are ignored.
 void reportBeside(const std::filesystem::path& output, const std::string& message,
                   bool mayWriteOutput);
 

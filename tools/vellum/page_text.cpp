@@ -1,6 +1,6 @@
 // On purpose: no engine ever sees the bytes of a page. It would decode them itself, and a byte that
-// vanishes then turns harmless words into others: in iso-2022-jp, "re" and "l" with an escape between
-// them are "rel".
+// vanishes then turns harmless words into others: in iso-2022-jp, "re" and "l" with an escape
+// between them are "rel".
 //
 // SPDX-License-Identifier: MIT
 #include "page_text.h"
@@ -10,7 +10,7 @@
 #include "encoding_list.h"
 #include "failure.h"
 #include "html_tags.h"
-#include "utf8.h"
+#include "page_utf8.h"
 
 namespace vellum {
 namespace {

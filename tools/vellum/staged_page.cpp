@@ -11,7 +11,7 @@
 #include "html_tags.h"
 #include "page_text.h"
 #include "page_url.h"
-#include "utf8.h"
+#include "page_utf8.h"
 
 namespace vellum {
 namespace {

@@ -1,7 +1,7 @@
 // Strict: no overlong forms, no surrogates, nothing beyond U+10FFFF.
 //
 // SPDX-License-Identifier: MIT
-#include "utf8.h"
+#include "page_utf8.h"
 
 #include <cstdint>
 #include <string_view>
