@@ -5,9 +5,8 @@
 //   INTERPOSER_DOES   "kill": the process is killed; "signal": it gets SIGTERM; "remove": the page
 //                     goes; "late": from then on the clock is a day ahead
 //   INTERPOSER_PAGE   the page
-//   INTERPOSER_LOG    gets the number of calls so far and the name of the last one; and, when a
-//                     file
-//                     is renamed after that call, the word "delivered"
+//   INTERPOSER_LOG    gets a line for each call, its number and name; and, when a file is renamed
+//                     after that call, the word "delivered"
 //
 // Calls that look at or change files and processes count, but not those that only read; with "late"
 // those of the clock alone. Only those of the program itself count, not of its children.

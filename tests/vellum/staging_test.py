@@ -292,7 +292,9 @@ class EveryEncoding(ProbeCase):
                  "gb": b"<meta charset=gb18030><p>a\xff<b>c",
                  "cut": b"<meta charset=euc-kr><p>a\xb0",
                  "plain": b"<p>a\x81\x8db"}
-        staged = {name: row[2].split(b"<p>")[-1].decode() for name, row in self.stage(pages).items()}
+        # Wine lacks some of the code pages.
+        staged = {name: row[2].split(b"<p>")[-1].decode() for name, row in self.stage(pages).items()
+                  if row[0] == 0 or not ON_WINDOWS}
         self.assertEqual("a\ufffd\ufffdb\ufffd\ufffd\ufffdc\ufffdd\ufffde", staged["utf-8"])
         if not ON_WINDOWS:
             self.assertEqual("a\ufffd<b>c", staged["sjis"])
