@@ -102,9 +102,11 @@
  *   they abort it.
  *
  * FILES THAT ARE READ
- *   On Linux a pipe, device or socket in the place of a file cannot be opened, and nothing waits:
- *   as config.xml it gives RGEN_E_OPEN_CONFIG, as persistent data RGEN_E_OPEN_PERSIST (a report
- *   goes on without persistent data), as template RGEN_E_XSLT_PARSE, as simulated input no values.
+ *   config.xml, persistent data, simulated input and templates are ordinary files, links to such
+ *   files, and on Windows files behind a reparse point of any kind. A folder cannot be opened, nor,
+ *   on Linux, a pipe, device or socket, and nothing waits: as config.xml it gives
+ *   RGEN_E_OPEN_CONFIG, as persistent data RGEN_E_OPEN_PERSIST (a report goes on without persistent
+ *   data), as template RGEN_E_XSLT_PARSE, as simulated input no values.
  *
  * FILES THAT ARE REPLACED
  *   The output of mode 0, persistent data and dumps replace what stands at their path: it is
@@ -118,12 +120,6 @@
  *   RGEN_E_CREATE_DIR, RGEN_E_CREATE_CONFIG, RGEN_E_OPEN_CONFIG, RGEN_E_GUID_NOT_IN_CONFIG,
  *   RGEN_E_XPATH_CONTEXT, RGEN_E_XPATH_SEARCH, RGEN_E_XPATH_NODE_EMPTY, RGEN_E_NO_TYPE_MAP and
  *   RGEN_E_NO_VALID_TYPE_MAP.
- *
- * FILES THAT ARE READ
- *   config.xml, persistent data, simulated input and templates are ordinary files, links to such
- *   files, and on Windows files behind a reparse point of any kind. A folder cannot be opened, and
- *   on Linux neither can a pipe, a device or a socket: each ends with the status of its step, and
- *   nothing waits.
  *
  * SPDX-License-Identifier: MIT
  */

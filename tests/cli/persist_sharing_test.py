@@ -272,7 +272,7 @@ class Kills(SharingCase):
 
 
 class DataKeptAside(SharingCase):
-    """rgen 0.1.0 wrote in place and kept the old file beside it."""
+    """An earlier rgen wrote in place and kept the old file beside it."""
 
     def put_aside(self, rest):
         self.write(STORE + ".kept", OLD)

@@ -44,12 +44,20 @@ std::string takeRecord(FaultSubject& subject) {
     return lines;
 }
 
-// A named value keeps its result of 1 and lacks what could not be allocated.
+// A named value keeps its result of 1 without its name.
 FaultScenario namedValue(const std::string& name) {
     FaultScenario scenario;
     scenario.name = name;
     scenario.take = takeRecord;
     scenario.mayLoseLines = true;
+    return scenario;
+}
+
+// Without its text or bytes it gives 0, and the rest of the record stands.
+FaultScenario namedBuffer(const std::string& name, const std::string& typeAndHint) {
+    FaultScenario scenario = namedValue(name);
+    scenario.failures = {0};
+    scenario.productsOfFailure = {"name name\n" + typeAndHint, typeAndHint};
     return scenario;
 }
 
@@ -92,12 +100,12 @@ TEST_F(FailingAllocationsInRecords, NamedValues) {
         return rgen_createRgenCVariantHandle("name", nullptr, 1, &subject.result);
     };
     sweepAllocations(files, handle);
-    FaultScenario text = namedValue("named text");
+    FaultScenario text = namedBuffer("named text", "type 2\nhint 1\n");
     text.call = [](FaultSubject& subject) {
         return rgen_createRgenCVariantString("name", "text", 1, &subject.result);
     };
     sweepAllocations(files, text);
-    FaultScenario bytes = namedValue("named bytes");
+    FaultScenario bytes = namedBuffer("named bytes", "type 3\nhint 8\n");
     bytes.call = [](FaultSubject& subject) {
         return rgen_createRgenCVariantByteArray("name", threeBytes, 3, 1, &subject.result);
     };
