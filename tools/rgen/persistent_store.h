@@ -59,8 +59,8 @@ private:
     Generator generator_;
 };
 
-/// An earlier rgen kept the old data aside ("<file>.kept") while the library wrote. Of a run of it that
-/// was killed the data comes back, with a note, unless the file is whole. The caller holds the
+/// An earlier rgen kept the old data aside ("<file>.kept") while the library wrote. Of a run of it
+/// that was killed the data comes back, with a note, unless the file is whole. The caller holds the
 /// lock. Throws a CommandError when the data cannot come back.
 void putKeptDataBack(const std::string& path, Console& console);
 
