@@ -1,4 +1,5 @@
-// XML files of all kinds, read through the exports: simulated input, persistent data, configuration.
+// XML files of all kinds, read through the exports: simulated input, persistent data and
+// configuration.
 //
 // SPDX-License-Identifier: MIT
 #include <gtest/gtest.h>

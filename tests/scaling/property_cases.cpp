@@ -21,6 +21,7 @@ struct HostileText {
 
 constexpr HostileText hostileTexts[] = {
     {"references with markup", "&<b>;", ""},
+    {"letters and references with markup", "a&<b>;", ""},
     {"references with long names", "&<bbbbbbbbbbbbbbbbbbbbbbbbbbbbbbbbbbbbb>;", ""},
     {"ampersands without an end", "&", ""},
     {"ampersands and letters without an end", "&a ", ""},

@@ -30,7 +30,7 @@ void PrintTo(const ScalingCase& shown, std::ostream* stream);
 constexpr std::size_t usualBytes = 4096;
 constexpr std::size_t usualEntries = 128;
 
-// `part` again and again, cut off at `size` bytes.
+// `part` as often as it fits into `size` bytes.
 std::string repeatedText(std::string_view part, std::size_t size);
 // `part` that often.
 std::string repeatedTimes(std::string_view part, std::size_t count);

@@ -62,9 +62,7 @@ void PrintTo(const ScalingCase& shown, std::ostream* stream) {
 }
 
 std::string repeatedText(std::string_view part, std::size_t size) {
-    std::string text = repeatedTimes(part, size / part.size() + 1);
-    text.resize(size);
-    return text;
+    return repeatedTimes(part, size / part.size());
 }
 
 std::string repeatedTimes(std::string_view part, std::size_t count) {

@@ -104,8 +104,7 @@ void addByteDumpCases(std::vector<ScalingCase>& cases) {
         cases.push_back(textCase(prefix + ", checked", make,
                                  [](std::string& text) { sink = rgen::isValidByteDump(text); }));
         // The parser says on standard output what it does not take.
-        std::string sample = make(usualBytes * 15);
-        if (!rgen::isValidByteDump(sample) || !rgen::isValidByteDump(make(usualBytes))) continue;
+        if (!rgen::isValidByteDump(make(usualBytes))) continue;
         cases.push_back(textCase(prefix + ", read", make, [](std::string& text) {
             rgen::ByteVector bytes;
             sink = rgen::parseByteDump(text, bytes);
@@ -154,9 +153,7 @@ void addUtf8Cases(std::vector<ScalingCase>& cases) {
         {"mixed lengths", "a\xC3\xA4 aaaaaaaaaaaaaaa\xE2\x82\xAC"},
     };
     for (const auto& [name, part] : parts) {
-        const auto make = [part = part](std::size_t size) {
-            return repeatedTimes(part, size / part.size());
-        };
+        const TextMaker make = repeats(part);
         cases.push_back(textCase("UTF-8: " + name, make, requireUtf8));
         cases.push_back(textCase(
             "UTF-8: " + name + ", cut off",
