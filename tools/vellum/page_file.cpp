@@ -5,7 +5,9 @@
 
 #include <algorithm>
 #include <cerrno>
+#include <cstdio>
 #include <fstream>
+#include <memory>
 #include <system_error>
 
 #include "failure.h"
@@ -38,17 +40,15 @@ void requireOrdinaryFile(const fs::path& path) {
 std::string readPage(const fs::path& path, Checkpoint& checkpoint) {
     requireOrdinaryFile(path);
     errno = 0;
-    std::ifstream file(path, std::ios::binary);
-    if (!file.is_open()) throw unreadable(path, words(errno));
+    const std::unique_ptr<std::FILE, int (*)(std::FILE*)> file(openRemovable(path), std::fclose);
+    if (!file) throw unreadable(path, words(errno));
     std::string content;
     std::string piece(Checkpoint::interval, '\0');
-    while (file.read(piece.data(), static_cast<std::streamsize>(piece.size())) ||
-           file.gcount() > 0) {
-        const auto size = static_cast<std::size_t>(file.gcount());
+    while (const std::size_t size = std::fread(piece.data(), 1, piece.size(), file.get())) {
         content.append(piece, 0, size);
         checkpoint.passed(size);
     }
-    if (!file.bad()) return content;
+    if (std::ferror(file.get()) == 0) return content;
     throw Failure(ExitCode::Input,
                   "cannot read \"" + path.u8string() + "\" to its end; check the disk");
 }
