@@ -4,7 +4,7 @@ SPDX-License-Identifier: MIT
 """
 
 from program_case import NO_SUCH_FILE
-from vellum_case import ENGINE, VellumCase
+from vellum_case import ENGINE, VellumCase, engines_on
 
 ADVICE = 'try "vellum --check"'
 NOISE = "[1121/164240.415117:ERROR:dbus/bus.cc:405] Failed to connect to the bus"
@@ -30,6 +30,23 @@ class Input(VellumCase):
         self.assertEqual(1, result.err.count("\n"), result)
         self.assertNotRegex(result.err.rstrip("\n"), "[\x00-\x1f\x7f-\x9f\u202a-\u202e]")
         self.assertIn("\\n", result.err)
+
+    def test_a_page_that_forges_lines(self):
+        """What a page names comes into warnings."""
+        forged = "x\nvellum: forged\x1b[2J\u009b31m\u202e"
+        for page, names in ((f'<img src="{forged}.png">', True),
+                            (f'<link rel=stylesheet href="{forged}.css">', True),
+                            (f'<img src="x&#10;vellum: forged&#27;[2J&#155;31m&#x202e;.png">', True),
+                            ('<img src="x%0Avellum:%20forged%1B[2J%C2%9B31m%E2%80%AE.png">', True),
+                            (f'<meta name="vellum:engine" content="{forged}">', False)):
+            with self.subTest(page=page):
+                env = {} if names else engines_on(self.engine.parent)
+                result = self.convert(page="<!doctype html>" + page, env=env)
+                lines = result.err.rstrip("\n").split("\n")
+                self.assertTrue(all(line.startswith("vellum: ") for line in lines), result)
+                self.assertNotIn("vellum: forged", [line[:14] for line in lines])
+                self.assertNotRegex("".join(lines), "[\x00-\x1f\x7f-\x9f\u202a-\u202e]")
+                self.assertIn("\\n", result.err)
 
     def test_lines_of_the_system_are_plain(self):
         result = self.vellum("-i", "x.html", "-o", "report.pdf")

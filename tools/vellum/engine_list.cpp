@@ -8,8 +8,8 @@
 #include "child_process.h"
 #include "failure.h"
 #include "html_tags.h"
+#include "message.h"
 #include "page_url.h"
-#include "warnings.h"
 
 namespace vellum {
 namespace {

@@ -13,6 +13,7 @@
 
 #include "guardian.h"
 #include "literal_command_line.h"
+#include "message.h"
 #include "vellum_program.h"
 
 int wmain(int argc, wchar_t** argv) {
@@ -31,7 +32,7 @@ int wmain(int argc, wchar_t** argv) {
         for (const std::wstring& word : words)
             arguments.push_back(std::filesystem::path(word).u8string());
     } catch (const std::exception&) {
-        std::fputs("vellum: an argument is not valid UTF-16; write it anew\n", stderr);
+        vellum::say("an argument is not valid UTF-16; write it anew");
         return 2;
     }
     return vellum::runProgram(arguments);

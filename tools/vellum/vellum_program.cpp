@@ -12,6 +12,7 @@
 #include "child_process.h"
 #include "conversion.h"
 #include "failure.h"
+#include "message.h"
 #include "options.h"
 #include "output_file.h"
 #include "plain_text.h"
@@ -26,6 +27,10 @@ void print(const std::string& text) {
     std::fputs(text.c_str(), stdout);
 }
 
+std::string shown(const fs::path& path) {
+    return tools::printable(path.u8string());
+}
+
 std::string wantedEngine(const Options& options) {
     if (!options.engine.empty()) return options.engine;
     return tools::environmentVariable("VELLUM_ENGINE").value_or("");
@@ -35,7 +40,7 @@ ExitCode listEngines() {
     bool hasEngine = false;
     for (const Engine& engine : engineCandidates()) {
         const bool isFound = !engine.program.empty();
-        print(engine.name + "\t" + (isFound ? engine.program.u8string() : "not found") + "\n");
+        print(engine.name + "\t" + (isFound ? shown(engine.program) : "not found") + "\n");
         hasEngine = hasEngine || isFound;
     }
     return hasEngine ? ExitCode::Done : ExitCode::NoEngine;
@@ -63,7 +68,7 @@ ExitCode check(const Options& options) {
         convert({folder / "test.html", "", folder / "test.pdf", wantedEngine(options)});
     const auto took = std::chrono::duration_cast<std::chrono::milliseconds>(
         std::chrono::steady_clock::now() - start);
-    print("engine: " + engine.name + " (" + engine.program.u8string() + ")\n");
+    print("engine: " + tools::printable(engine.name) + " (" + shown(engine.program) + ")\n");
     print("page: " + std::to_string(fs::file_size(folder / "test.pdf")) + " bytes, " +
           std::to_string(took.count()) + " ms\n");
     return ExitCode::Done;
@@ -92,7 +97,7 @@ ExitCode run(const Options& options) {
 /// Nobody sees the error output of a converter that the library started.
 int fail(ExitCode code, const std::string& words, const Options& options) {
     const std::string message = tools::printable(words);
-    std::fputs(("vellum: " + message + "\n").c_str(), stderr);
+    say(message);
     // A page that is gone before it was read: the library has cancelled.
     std::error_code ignored;
     const bool isGone = code == ExitCode::Input && !fs::exists(fs::u8path(options.input), ignored);

@@ -10,6 +10,7 @@
 #include <system_error>
 #include <vector>
 
+#include "message.h"
 #include "page_url.h"
 
 namespace vellum {
@@ -71,10 +72,6 @@ std::string characterList(const std::set<char32_t>& characters) {
 }
 
 }  // namespace
-
-void warn(const std::string& text) {
-    std::fputs(("vellum: warning: " + text + "\n").c_str(), stderr);
-}
 
 void warnOfMissingFiles(const StagedPage& page, Checkpoint& checkpoint) {
     constexpr std::size_t mostWarnings = 20;

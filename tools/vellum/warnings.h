@@ -14,9 +14,6 @@
 
 namespace vellum {
 
-/// "vellum: warning: ..." on standard error.
-void warn(const std::string& text);
-
 /// Warns of each local file that the page shows and that does not exist, of twenty at the most.
 void warnOfMissingFiles(const StagedPage& page, Checkpoint& checkpoint);
 
