@@ -104,3 +104,8 @@ UNKNOWN = ["utf-7", "unicode-1-1-utf-7", "utf-32", "utf-32le", "ucs-4", "cp037",
            "iso-10646-utf-1", "x-none", "utf8x", "base64"]
 # Those that Windows has no conversion for.
 LINUX_ONLY = {"iso-8859-10", "iso-8859-14", "iso-8859-16"}
+# Windows has code pages for these, Wine 8 none.
+NOT_IN_WINE = {"gbk", "gb18030", "iso-2022-jp"}
+# The labels of both: a page under them may be refused where the target is Windows, no other may.
+MAY_LACK = {label for encoding, _, labels in ROWS for label in labels.split()
+            if encoding in LINUX_ONLY | NOT_IN_WINE}

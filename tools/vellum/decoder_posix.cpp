@@ -6,13 +6,20 @@
 #include <algorithm>
 #include <array>
 #include <cerrno>
+#include <string_view>
 
 #include "encoding_list.h"
 
 namespace vellum {
 namespace {
 
-constexpr const char* replacement = "\xEF\xBF\xBD";
+/// What comes for a byte without a meaning. In the encodings of Windows, the HTML standard and Windows
+/// itself take such a byte from 0x80 to 0x9F as the control character of this number.
+std::string substitute(const Encoding& encoding, char byte) {
+    const bool isOfWindows = std::string_view(encoding.name).rfind("windows-", 0) == 0;
+    const bool isControl = (static_cast<unsigned char>(byte) & 0xE0U) == 0x80U;
+    return isOfWindows && isControl ? std::string{'\xC2', byte} : "\xEF\xBF\xBD";
+}
 
 class Converter {
 public:
@@ -51,6 +58,8 @@ std::optional<std::string> decoded(const Encoding& encoding, const std::string& 
     Converter converter(encoding.iconvName);
     if (!converter.isOpen()) return std::nullopt;
     std::string text;
+    // Where shifts count, the end of the text would end them.
+    const bool hasShifts = std::string_view(encoding.name).rfind("iso-2022-", 0) == 0;
     // iconv takes what it only reads as if it wrote there.
     char* in = const_cast<char*>(bytes.data());
     for (std::size_t left = bytes.size(); left > 0;) {
@@ -63,7 +72,9 @@ std::optional<std::string> decoded(const Encoding& encoding, const std::string& 
         checkpoint.passed(before - piece + 1);
         const bool isHalf = reason == EINVAL && piece < left && before != piece;
         if (reason == 0 || reason == E2BIG || isHalf) continue;
-        text += replacement;
+        // A letter that was kept back comes before it.
+        if (!hasShifts) converter.convert(nullptr, nullptr, text);
+        text += substitute(encoding, *in);
         ++in;
         --left;
     }
