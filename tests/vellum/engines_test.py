@@ -6,7 +6,6 @@ SPDX-License-Identifier: MIT
 """
 
 import shutil
-import unittest
 
 from program_case import ON_WINDOWS, linux_only, native, search_path, windows_only
 from vellum_case import (FIRST_ENGINE, PAGE, PROGRAM_ENDING, STAND_IN, VELLUM, VellumCase,
@@ -64,6 +63,20 @@ class EngineCase(VellumCase):
         result = self.vellum("--list-engines", program=self.program, **settings)
         self.assertEqual("", result.err)
         return result.code, [line.split("\t") for line in result.text.splitlines()]
+
+    def registry(self, *words):
+        result = self.start(*words, program="reg").finish()
+        self.assertEqual(0, result.code, result)
+
+    def register(self, root, program, path):
+        """Registers a browser until the case is over."""
+        key = f"{root}\\{APP_PATHS}\\{program}"
+        self.registry("add", key, "/ve", "/d", native(path), "/f")
+        self.addCleanup(self.start_and_finish, "delete", key, "/f")
+        return key
+
+    def start_and_finish(self, *words):
+        self.start(*words, program="reg").finish()
 
 
 class WithoutEngine(EngineCase):
@@ -157,22 +170,26 @@ class Named(EngineCase):
 
 
 class AskedByThePage(EngineCase):
-    """An engine that obeys the policy in the page; on Windows beside Edge, which comes first."""
+    """On Windows the browsers that a page may ask for are registered."""
 
-    BROWSER = "google-chrome" if ON_WINDOWS else "chromium"
+    # Its name in the list, and that of its program.
+    BROWSER, BROWSER_PROGRAM = ("google-chrome", "chrome") if ON_WINDOWS else ("chromium", "chromium")
 
     def install_browser(self):
-        """One that is not the first, if the system lets a case put it somewhere."""
+        """One that is not the first of the list."""
         if ON_WINDOWS:
-            raise unittest.SkipTest("a browser would have to be registered: Registered does that")
-        self.install(self.BROWSER)
+            path = self.put_program(STAND_IN, self.base_folder / "browsers", self.BROWSER_PROGRAM)
+            self.register("HKCU", path.name, path)
+        else:
+            self.install(self.BROWSER)
 
     def test_it_gets_it(self):
         self.install(FIRST_ENGINE)
         self.install_browser()
-        for tag in ('meta name="vellum:engine" content', 'META CONTENT="chromium" NAME="Vellum:'
-                    'Engine" x', "meta name=vellum:engine content"):
-            self.expect_engine("chromium", page=page_that_asks_for("chromium", tag))
+        for tag in ('meta name="vellum:engine" content',
+                    f'META CONTENT="{self.BROWSER}" NAME="Vellum:Engine" x',
+                    "meta name=vellum:engine content"):
+            self.expect_engine(self.BROWSER_PROGRAM, page=page_that_asks_for(self.BROWSER, tag))
 
     def test_not_one_without_a_policy(self):
         """What a page may do is not for the page to choose."""
@@ -282,19 +299,6 @@ class Check(EngineCase):
 
 @windows_only
 class Registered(EngineCase):
-
-    def registry(self, *words):
-        result = self.start(*words, program="reg").finish()
-        self.assertEqual(0, result.code, result)
-
-    def register(self, root, program, path):
-        key = f"{root}\\{APP_PATHS}\\{program}"
-        self.registry("add", key, "/ve", "/d", native(path), "/f")
-        self.addCleanup(self.start_and_finish, "delete", key, "/f")
-        return key
-
-    def start_and_finish(self, *words):
-        self.start(*words, program="reg").finish()
 
     def put_into_program_files(self, *names):
         """Puts a browser where its installer puts it, until the case is over."""

@@ -34,8 +34,9 @@ class MomentCase(VellumCase):
             path.unlink()
         return result, calls
 
-    def each_moment(self, does):
-        """Lets it happen before each call until a run has fewer calls."""
+    def each_moment(self, does, expect):
+        """Lets it happen before each call until a run has fewer calls; `expect` states what holds
+        then."""
         at = 0
         while True:
             at += 1
@@ -45,17 +46,19 @@ class MomentCase(VellumCase):
                 self.expect_pdf()
                 return
             with self.subTest(at=at, call=calls[at - 1]):
-                yield result, calls, at
+                expect(result, calls, at)
 
 
 class Killed(MomentCase):
 
     def test_nothing_is_left(self):
-        for result, _, _ in self.each_moment("kill"):
+        def expect(result, *_):
             self.assertEqual(-9, result.code)
             self.expect_no_processes()
             self.assertEqual(["page.html", "report.pdf"], self.names())
             self.assertEqual([], list(self.system_temp.iterdir()))
+
+        self.each_moment("kill", expect)
 
 
 class KilledWithChildren(MomentCase):
@@ -73,7 +76,7 @@ class Cancelled(MomentCase):
 
     def expect_no_delivery(self, does, *codes):
         """A cancel in the last moment comes too late; from then on there is nothing but the rename."""
-        for result, calls, at in self.each_moment(does):
+        def expect(result, calls, at):
             self.assertNotIn("delivered", calls)
             if result.code == 0:
                 names = [call.split()[1] for call in calls]
@@ -84,6 +87,8 @@ class Cancelled(MomentCase):
                 self.assertNotIn("report.pdf.error.txt", self.names())
             self.expect_no_processes()
             self.assertEqual([], list(self.system_temp.iterdir()))
+
+        self.each_moment(does, expect)
 
     def test_the_page_disappears(self):
         self.expect_no_delivery("remove", 3, 8)
