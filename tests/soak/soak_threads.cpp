@@ -79,7 +79,7 @@ void SoakHost::abandonConverter() {
     converter_.obey({{"write", path, "partial"},
                      {"mark", outputs_.file("waiting/started")},
                      {"await", outputs_.file("waiting/released")},
-                     {"mark", outputs_.file("waiting/ended")}});
+                     {"hold", outputs_.file("waiting/ended"), ""}});
     Request request;
     fill(request);
     request.input.format("pdf").output(RGEN_OUTPUT_FILE, path);
@@ -94,6 +94,7 @@ void SoakHost::abandonConverter() {
     EXPECT_FALSE(exists(path + ".html"));
     writeFile(outputs_.file("waiting/released"), "");
     waitForFile(outputs_.file("waiting/ended"));
+    // The converter has that file open until its end; Windows removes none that is open.
     collectConverters();
     for (const std::string& name : namesIn(outputs_.file("waiting")))
         removeAll(outputs_.file("waiting/" + name));

@@ -26,7 +26,7 @@ long threadCount();
 
 // Children of this process that have ended and that nobody has collected. Always 0 on Windows.
 long endedChildren();
-// Children of this process that run or have ended. Always 0 on Windows.
+// Children of this process that run or, on Linux, have ended. An ended one has closed its files.
 long allChildren();
 
 // False in sanitizer builds, whose own memory grows with everything that happens.

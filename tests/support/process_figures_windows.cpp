@@ -7,6 +7,7 @@
 #include <tlhelp32.h>
 
 #include <cstdint>
+#include <cwchar>
 
 #include "support/process_figures.h"
 
@@ -54,7 +55,19 @@ long endedChildren() {
 }
 
 long allChildren() {
-    return 0;
+    const HANDLE snapshot = CreateToolhelp32Snapshot(TH32CS_SNAPPROCESS, 0);
+    PROCESSENTRY32W entry = {};
+    entry.dwSize = sizeof entry;
+    long count = 0;
+    for (BOOL more = Process32FirstW(snapshot, &entry); more != 0;
+         more = Process32NextW(snapshot, &entry)) {
+        // The system starts that one for a console, as a child of whoever has it.
+        const bool isConsole = std::wcscmp(entry.szExeFile, L"conhost.exe") == 0;
+        const bool isChild = entry.th32ParentProcessID == GetCurrentProcessId();
+        count += isChild && !isConsole ? 1 : 0;
+    }
+    CloseHandle(snapshot);
+    return count;
 }
 
 }  // namespace rgen_test
