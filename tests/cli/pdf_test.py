@@ -128,6 +128,18 @@ class WithoutConverter(CliCase):
             "it beside rgen or on PATH, or give --no-convert")
         self.assertEqual([], [name for name in self.names() if name.endswith(".html")])
 
+    def test_a_converter_that_cannot_be_started(self):
+        """The message names the program and says why."""
+        broken = self.program.parent / converter_name()
+        broken.write_bytes(b"this is no program")
+        broken.chmod(0o755)
+        result = self.report(*SET, output="report.pdf", program=self.program)
+        self.assertEqual(5, result.code, result)
+        self.assertRegex(result.err, r"\Argen: report\.pdf: Cannot run external program \(0xC0000012 "
+                         r'RGEN_E_RUN_EXTERNAL\); ".+[/\\]' + converter_name() +
+                         r'" cannot be started: .+ \(\d+\)\n\Z')
+        self.assertEqual([], [name for name in self.names() if name.endswith(".html")])
+
     def test_the_doctor_says_it(self):
         result = self.rgen("doctor", program=self.program)
         self.assertEqual((5, ""), (result.code, result.err))

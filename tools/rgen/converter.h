@@ -16,10 +16,10 @@ struct Conversion {
     std::string said;
 };
 
-/// Runs the converter to its end. Its exit code does not count, the file that it made does. False
-/// when it is not there or cannot be started. Ctrl-C takes the page away, by which vellum knows
-/// that it is cancelled; a converter that goes on all the same is ended. Throws a CommandError
-/// then.
-bool runConverter(const Conversion& conversion);
+/// Runs the converter to its end. Its exit code does not count, the file that it made does. Returns
+/// nothing, or what is wrong when it is not there or cannot be started. Ctrl-C takes the page away,
+/// by which vellum knows that it is cancelled; a converter that goes on all the same is ended.
+/// Throws a CommandError then.
+std::string runConverter(const Conversion& conversion);
 
 }  // namespace cli

@@ -109,7 +109,8 @@ RgenStatus ReportOutput::convert(const std::string& page) {
     if (conversion.base.empty() && plan_.target != "-") {
         conversion.base = tools::absolutePath(fs::u8path(folderOf(plan_.target))).u8string();
     }
-    if (!runConverter(conversion)) return RGEN_E_RUN_EXTERNAL;
+    converterFault_ = runConverter(conversion);
+    if (!converterFault_.empty()) return RGEN_E_RUN_EXTERNAL;
     verifyPdf(conversion.said);
     return RGEN_OK;
 }

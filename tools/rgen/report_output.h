@@ -51,6 +51,9 @@ public:
     /// missing converter; throws a CommandError for what the library would not notice.
     RgenStatus prepare();
 
+    /// Why the converter did not run, after RGEN_E_RUN_EXTERNAL.
+    const std::string& converterFault() const { return converterFault_; }
+
     /// Brings a prepared report to its target; returns its size in bytes. Throws a CommandError.
     std::uint64_t deliver();
 
@@ -65,6 +68,7 @@ private:
     std::unique_ptr<TemporaryFolder> folder_;
     /// The finished file in the folder.
     std::string path_;
+    std::string converterFault_;
     RgenCVariant result_ = {};
 };
 

@@ -112,7 +112,8 @@ std::string adviceOnOutput(const std::string& output) {
 }
 
 std::string adviceFor(RgenStatus status, const ReportSurroundings& surroundings,
-                      const ReportOrder& order, const std::string& format) {
+                      const ReportOrder& order, const ReportOutput& output,
+                      const std::string& format) {
     const std::string path = templatePath(surroundings.directory, order.type, format);
     switch (status) {
         case RGEN_E_EMPTY_INPUT:
@@ -130,9 +131,7 @@ std::string adviceFor(RgenStatus status, const ReportSurroundings& surroundings,
         case RGEN_E_CREATE_OUTPUT:
             return adviceOnOutput(order.arguments.output);
         case RGEN_E_RUN_EXTERNAL:
-            return "the program \"vellum\" was not found on the search path: install it beside "
-                   "rgen "
-                   "or on PATH, or give --no-convert";
+            return output.converterFault();
         case RGEN_E_OPEN_CONFIG:
         case RGEN_E_NO_TYPE_MAP:
         case RGEN_E_NO_VALID_TYPE_MAP:
@@ -143,9 +142,11 @@ std::string adviceFor(RgenStatus status, const ReportSurroundings& surroundings,
 }
 
 [[noreturn]] void fail(RgenStatus status, const ReportSurroundings& surroundings,
-                       const ReportOrder& order, const std::string& format) {
-    CommandError error = surroundings.generator.failure(
-        outputName(order.arguments.output), status, adviceFor(status, surroundings, order, format));
+                       const ReportOrder& order, const ReportOutput& output,
+                       const std::string& format) {
+    CommandError error =
+        surroundings.generator.failure(outputName(order.arguments.output), status,
+                                       adviceFor(status, surroundings, order, output, format));
     if (status == RGEN_E_RUN_EXTERNAL) error.exitCode = ExitCode::Environment;
     throw error;
 }
@@ -243,7 +244,7 @@ ReportOutcome makeReport(const ReportSurroundings& surroundings, const ReportOrd
     RgenStatus status = callLibrary(surroundings, order, output, outcome.format);
     throwIfInterrupted();
     if (status >= 0) status = output.prepare();
-    if (status < 0) fail(status, surroundings, order, outcome.format);
+    if (status < 0) fail(status, surroundings, order, output, outcome.format);
     outcome.generateMilliseconds = millisecondsSince(start);
 
     const Clock::time_point delivery = Clock::now();
