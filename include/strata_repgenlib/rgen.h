@@ -384,7 +384,8 @@ RGEN_API void RGEN_CALL rgen_setTranslateFunction(RgenReportGenerator* generator
  *
  * Cancellation is cooperative: a generation that sees the request at its next check ends with
  * RGEN_CANCELED, one that is past its last check returns its own status. A request that is made
- * while a generation reads its configuration is always seen by it. While the converter runs,
+ * while a generation reads its configuration is always seen by it, unless reading the configuration
+ * fails. While the converter runs,
  * the request is seen within about one second; the converter itself is not ended and may still
  * write its file afterwards. Generations that start later are not affected, nor is one that still
  * waits for the lock to begin with.

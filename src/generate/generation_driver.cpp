@@ -69,6 +69,8 @@ Status makeReport(ReportGenerator& generator, InputParams& request,
     ReportTypeEntry entry;
     const Status loaded = loadReportType(generator, request.templateGuid, entry);
     if (failed(loaded)) return loaded;
+    // The lookup has released the lock, but a canceller that waited for it may not have run yet.
+    generator.mutex.letCancellersPrecede();
     if (token.isCancellationRequested()) return RGEN_CANCELED;
 
     PropertyMap properties;

@@ -48,6 +48,11 @@ bool PriorityMutex::try_lock() {
     return false;
 }
 
+void PriorityMutex::letCancellersPrecede() {
+    if (cancellers_ == 0) return;
+    const std::lock_guard afterThem(*this);
+}
+
 CancellerLock::CancellerLock(PriorityMutex& mutex) : mutex_(mutex) {
     Announcement announcement(mutex.cancellers_);
     std::unique_lock turn(mutex.turn_);

@@ -56,10 +56,10 @@ bool waitsInside(pid_t thread, const RgenReportGenerator* generator) {
 class LookupCancel : public ReportTest {
 protected:
     // Generates and, while the configuration is looked up, cancels by a call that waits.
-    std::string statusOfCancelledLookup(const RgenGuid* guid) {
+    std::string statusOfCancelledLookup(InputParams& input, const RgenGuid* guid) {
         const HeldFile configuration(folder.dataFile("config.xml"));
         std::string status;
-        std::thread generating([&] { status = reportOfValue().status; });
+        std::thread generating([&] { status = generate(input); });
         while (!configuration.isBeingOpened())
             std::this_thread::yield();
         std::atomic<pid_t> canceller{0};
@@ -75,26 +75,41 @@ protected:
         return status;
     }
 
-    Report reportOfValue() {
-        InputParams input;
-        input.variants().addString("v", "v");
-        Result result;
-        const RgenStatus status = rgen_generateReport(generator.get(), input.get(), result.get());
-        return {statusHex(status), result.bytes()};
+    // How many of a hundred cancels have no effect.
+    int lostCancels(InputParams& input) {
+        const RgenGuid guid = defaultGuid();
+        int lost = 0;
+        for (int round = 0; round < 100; ++round) {
+            const RgenGuid* which = round % 2 == 0 ? &guid : nullptr;
+            lost += statusOfCancelledLookup(input, which) == statusHex(RGEN_CANCELED) ? 0 : 1;
+        }
+        return lost;
     }
 };
 
 TEST_F(LookupCancel, IsAlwaysHonoured) {
     putTemplate(textStylesheet(valueOf("v")));
-    EXPECT_EQ(reportOf("v"), reportOfValue());
-    const RgenGuid guid = defaultGuid();
-    int lost = 0;
-    for (int round = 0; round < 200; ++round) {
-        const std::string status = statusOfCancelledLookup(round % 2 == 0 ? &guid : nullptr);
-        lost += status == statusHex(RGEN_CANCELED) ? 0 : 1;
-    }
-    EXPECT_EQ(0, lost);
-    EXPECT_EQ(reportOf("v"), reportOfValue());
+    InputParams input;
+    input.variants().addString("v", "v");
+    EXPECT_EQ(reportOf("v"), report(input));
+    EXPECT_EQ(0, lostCancels(input));
+    EXPECT_EQ(reportOf("v"), report(input));
+}
+
+TEST_F(LookupCancel, IsHonouredWhereTheTemplateIsMissing) {
+    InputParams input;
+    input.variants().addString("v", "v");
+    EXPECT_EQ(0, lostCancels(input));
+    EXPECT_FALSE(exists(folder.dataFile("templates")));
+    EXPECT_EQ(failure(RGEN_E_TEMPLATE_NOT_FOUND), report(input));
+    EXPECT_TRUE(exists(folder.dataFile("templates")));
+}
+
+TEST_F(LookupCancel, IsHonouredWhereNothingIsPut) {
+    putTemplate(textStylesheet(""));
+    InputParams input;
+    EXPECT_EQ(0, lostCancels(input));
+    EXPECT_EQ(failure(RGEN_E_EMPTY_INPUT), report(input));
 }
 
 }  // namespace

@@ -4,6 +4,7 @@
 // SPDX-License-Identifier: MIT
 #include <atomic>
 #include <functional>
+#include <map>
 #include <mutex>
 #include <string>
 #include <thread>
@@ -17,6 +18,9 @@
 namespace rgen_test {
 namespace {
 
+// What a request lacks, and how its generation ends where nobody cancels.
+enum class Lack { Nothing, Template, Input };
+
 const std::string marker = "QT_TRANSLATE_NOOP(\"QObject\", \"a\")";
 
 class CancelTest : public UnitTest {
@@ -26,12 +30,13 @@ protected:
         putTemplate(textTemplate(marker));
     }
 
-    rgen::Status generate() {
+    rgen::Status generate(Lack lack = Lack::Nothing) {
         rgen::InputParams request = {};
         request.templateGuid = rgen::defaultReportTypeGuid;
         request.outputMode = rgen::output_mode::bytes;
-        request.outputFormat = "html";
-        request.variants = {{"a", rgen::Variant(std::string("v"), rgen::VariantHint::Generic)}};
+        request.outputFormat = lack == Lack::Template ? "odt" : "html";
+        if (lack != Lack::Input)
+            request.variants = {{"a", rgen::Variant(std::string("v"), rgen::VariantHint::Generic)}};
         rgen::Variant result;
         return rgen::generate(generator, request, result);
     }
@@ -73,19 +78,29 @@ TEST_F(CancelTest, NoneOfAThousandThatWaitForTheLookupIsLost) {
             cancel(round % 3 == 0);
         }
     });
-    int lost = 0;
+    std::map<Lack, int> lost = {{Lack::Nothing, 0}, {Lack::Template, 0}, {Lack::Input, 0}};
     for (int round = 0; round < rounds; ++round) {
         const Call call = round % 2 == 0 ? Call::ReadXmlFile : Call::EvaluateXPath;
         const InterceptedCall step(call, [&] {
             mayCancel = true;
             awaitCancellers(1);
         });
-        lost += generate() == RGEN_CANCELED ? 0 : 1;
+        const auto lack = static_cast<Lack>(round / 2 % 3);
+        lost[lack] += generate(lack) == RGEN_CANCELED ? 0 : 1;
         EXPECT_TRUE(step.reached());
     }
     cancelling.join();
-    EXPECT_EQ(0, lost);
+    EXPECT_EQ(0, lost[Lack::Nothing]);
+    EXPECT_EQ(0, lost[Lack::Template]);
+    EXPECT_EQ(0, lost[Lack::Input]);
+    EXPECT_FALSE(exists(folder.dataFile("templates/odt")));
     EXPECT_TRUE(generator.cancellationRegistry.empty());
+}
+
+TEST_F(CancelTest, LackingRequestsEndAsDocumentedWithoutOne) {
+    EXPECT_EQ(RGEN_E_TEMPLATE_NOT_FOUND, generate(Lack::Template));
+    EXPECT_TRUE(exists(folder.dataFile("templates/odt")));
+    EXPECT_EQ(RGEN_E_EMPTY_INPUT, generate(Lack::Input));
 }
 
 TEST_F(CancelTest, SeveralThatWaitForTheLookupAllReturnBeforeTheTransformation) {

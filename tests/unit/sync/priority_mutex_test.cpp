@@ -109,6 +109,28 @@ TEST(PriorityMutex, ACancellerPrecedesWhoeverElseWaits) {
         ASSERT_EQ("Coooo", orderOf(2, 1));
 }
 
+TEST(PriorityMutex, CancellersPrecedeWhoeverLetsThem) {
+    PriorityMutex mutex;
+    mutex.letCancellersPrecede();
+    for (int round = 0; round < 200; ++round) {
+        int cancelled = 0;
+        std::vector<std::thread> cancellers;
+        std::unique_lock held(mutex);
+        startThreads(cancellers, 2, [&] {
+            const CancellerLock lock(mutex);
+            ++cancelled;
+        });
+        awaitCancellers(mutex, 2);
+        held.unlock();
+        mutex.letCancellersPrecede();
+        const int before = cancelled;
+        join(cancellers);
+        ASSERT_EQ(2, before);
+    }
+    EXPECT_TRUE(mutex.try_lock());
+    mutex.unlock();
+}
+
 TEST(PriorityMutex, SeveralCancellersPrecedeWhoeverElseWaits) {
     for (int round = 0; round < 50; ++round)
         ASSERT_EQ("CCCoooo", orderOf(2, 3));
