@@ -85,15 +85,21 @@ Status makeReport(ReportGenerator& generator, InputParams& request,
                      report);
 }
 
-}  // namespace
-
-Status generate(ReportGenerator& generator, InputParams request, Variant& result) {
-    const sync::GenerationRegistration registration(generator, request.templateGuid);
-    const sync::CancellationToken& token = registration.token();
+Status makeAndDeliver(ReportGenerator& generator, InputParams& request,
+                      const sync::CancellationToken& token, Variant& result) {
     ByteVector report;
     const Status made = makeReport(generator, request, token, report);
     if (failed(made)) return made;
     return deliver(generator, request, std::move(report), token, result);
+}
+
+}  // namespace
+
+Status generate(ReportGenerator& generator, InputParams request, Variant& result) {
+    sync::GenerationRegistration registration(generator, request.templateGuid);
+    const Status status = makeAndDeliver(generator, request, registration.token(), result);
+    registration.end();
+    return status;
 }
 
 }  // namespace rgen

@@ -8,6 +8,7 @@
 
 #include <algorithm>
 #include <mutex>
+#include <system_error>
 
 namespace rgen::sync {
 namespace {
@@ -30,8 +31,19 @@ GenerationRegistration::GenerationRegistration(ReportGenerator& generator, const
     generator_.cancellationRegistry.emplace(key_, source_);
 }
 
-GenerationRegistration::~GenerationRegistration() {
+void GenerationRegistration::end() {
+    if (isOver_) return;
     unregisterGeneration(generator_, key_, source_);
+    isOver_ = true;
+}
+
+GenerationRegistration::~GenerationRegistration() {
+    try {
+        end();
+    } catch (const std::system_error&) {
+        // On purpose: the entry stays, until a cancel or the end of the generator, and keeps
+        // nothing but its token. The alternative is the end of the process.
+    }
 }
 
 void unregisterGeneration(ReportGenerator& generator, const std::string& key,

@@ -12,24 +12,28 @@
 
 namespace rgen::sync {
 
-/// Keeps one generation registered under its report type while it lives, so that rgen_cancel
-/// reaches it. Every registration starts with a fresh token.
+/// Keeps one generation registered under its report type until end(), so that rgen_cancel reaches
+/// it. Every registration starts with a fresh token.
 class GenerationRegistration {
 public:
     /// Takes the generator's mutex for the insertion.
     GenerationRegistration(ReportGenerator& generator, const Guid& guid);
-    /// Runs unregisterGeneration.
+    /// As end(), for a generation that an exception ends; throws nothing.
     ~GenerationRegistration();
     GenerationRegistration(const GenerationRegistration&) = delete;
     GenerationRegistration& operator=(const GenerationRegistration&) = delete;
 
     const CancellationToken& token() const { return *token_; }
 
+    /// Runs unregisterGeneration, once. Throws std::system_error where the mutex is refused.
+    void end();
+
 private:
     ReportGenerator& generator_;
     std::shared_ptr<CancellationTokenSource> source_;
     std::shared_ptr<CancellationToken> token_;
     std::string key_;
+    bool isOver_ = false;
 };
 
 /// Erases the entry under `key` whose source is `source`, if it is still there; entries of other

@@ -52,6 +52,16 @@ TEST_F(RegistryTest, RegistrationLastsAsLongAsItsObject) {
     EXPECT_TRUE(isUnlocked(generator));
 }
 
+TEST_F(RegistryTest, RegistrationEndsOnce) {
+    GenerationRegistration registration(generator, otherGuid);
+    registration.end();
+    EXPECT_TRUE(generator.cancellationRegistry.empty());
+    EXPECT_TRUE(isUnlocked(generator));
+    const auto other = insert(otherGuid);
+    registration.end();
+    EXPECT_EQ(1U, generator.cancellationRegistry.size());
+}
+
 TEST_F(RegistryTest, EveryRegistrationStartsUnset) {
     {
         const GenerationRegistration cancelled(generator, otherGuid);

@@ -5,9 +5,11 @@
 #include <gtest/gtest.h>
 
 #include <functional>
+#include <optional>
 #include <string>
 #include <system_error>
 
+#include "generate/generation_driver.h"
 #include "platform/platform.h"
 #include "store/data_directory.h"
 #include "strata_repgenlib/rgen.h"
@@ -20,6 +22,7 @@ namespace rgen_test {
 namespace {
 
 using rgen::sync::CancellationTokenSource;
+using rgen::sync::GenerationRegistration;
 
 class LockTest : public UnitTest {
 protected:
@@ -58,7 +61,7 @@ TEST_F(LockTest, DataDirectoryPathIsStoredAndReadBehindIt) {
 TEST_F(LockTest, GenerationIsRegisteredAndUnregisteredBehindIt) {
     expectLock(
         [&] {
-            const rgen::sync::GenerationRegistration registration(generator, otherGuid);
+            const GenerationRegistration registration(generator, otherGuid);
             expectLock([&] { rgen::sync::unregisterGeneration(generator, otherGuidText, nullptr); },
                        [&] { EXPECT_EQ(1U, entries()); });
         },
@@ -99,6 +102,61 @@ TEST_F(LockTest, RefusedToACancellerIsAnExceptionAndLeavesNothingHeld) {
         EXPECT_TRUE(isUnlocked(generator));
     }
     rgen_cancel(handle(), nullptr);
+    EXPECT_TRUE(isUnlocked(generator));
+}
+
+TEST_F(LockTest, RefusedToAGenerationAtItsEndIsAnExceptionAndIsTriedAgain) {
+    {
+        GenerationRegistration registration(generator, otherGuid);
+        {
+            const FailingCall refused(Call::LockMutex);
+            EXPECT_THROW(registration.end(), std::system_error);
+            EXPECT_TRUE(refused.reached());
+        }
+        EXPECT_EQ(1U, entries());
+    }
+    EXPECT_EQ(0U, entries());
+    EXPECT_TRUE(isUnlocked(generator));
+}
+
+TEST_F(LockTest, RefusedBehindAnExceptionDoesNotEndTheProcess) {
+    std::optional<GenerationRegistration> registration(std::in_place, generator, otherGuid);
+    {
+        const FailingCall refused(Call::LockMutex);
+        registration.reset();
+        EXPECT_TRUE(refused.reached());
+    }
+    EXPECT_EQ(1U, entries());
+    EXPECT_TRUE(isUnlocked(generator));
+    rgen_cancel(handle(), nullptr);
+    EXPECT_EQ(0U, entries());
+}
+
+// The last mutex that a generation asks for is the one of its end.
+TEST_F(LockTest, RefusedToAReportAtItsEndIsAnException) {
+    putConfig();
+    putTemplate(textTemplate("x"));
+    const auto generate = [this] {
+        rgen::InputParams request = {};
+        request.templateGuid = rgen::defaultReportTypeGuid;
+        request.outputMode = rgen::output_mode::bytes;
+        request.outputFormat = "html";
+        request.pairs = {{"a", "v"}};
+        rgen::Variant result;
+        return rgen::generate(generator, request, result);
+    };
+    EXPECT_EQ(RGEN_OK, generate());
+    int last = 0;
+    for (bool isReached = true; isReached; ++last) {
+        const InterceptedCall locking(
+            Call::LockMutex, [] {}, last + 1);
+        EXPECT_EQ(RGEN_OK, generate());
+        isReached = locking.reached();
+    }
+    const FailingCall refused(Call::LockMutex, last - 1);
+    EXPECT_THROW(generate(), std::system_error);
+    EXPECT_TRUE(refused.reached());
+    EXPECT_EQ(0U, entries());
     EXPECT_TRUE(isUnlocked(generator));
 }
 
