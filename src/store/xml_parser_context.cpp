@@ -69,30 +69,45 @@ struct ProcessReference {
 }  // namespace
 
 XmlParserContextReference XmlParserContext::acquire() noexcept {
-    const memory::SpinLock lock(isBusy_);
-    if (references_ == 0 && !startXmlLibraries()) return {};
-    ++references_;
+    if (!addFurtherReference()) {
+        const memory::SpinLock lock(isBusy_);
+        if (references_ == 0 && !startXmlLibraries()) return {};
+        ++references_;
+    }
     return XmlParserContextReference(this);
 }
 
 void XmlParserContext::release() noexcept {
+    if (dropFurtherReference()) return;
     const memory::SpinLock lock(isBusy_);
     dropReference();
 }
 
 void XmlParserContext::releaseAtEnd() noexcept {
+    if (dropFurtherReference()) return;
     if (isBusy_.test_and_set(std::memory_order_acquire)) return;
     dropReference();
     isBusy_.clear(std::memory_order_release);
 }
 
-void XmlParserContext::dropReference() noexcept {
-    if (--references_ == 0) xsltCleanupGlobals();
+/// False, and nothing is changed, where there is none yet.
+bool XmlParserContext::addFurtherReference() noexcept {
+    std::size_t count = references_;
+    while (count > 0 && !references_.compare_exchange_weak(count, count + 1)) {
+    }
+    return count > 0;
 }
 
-std::size_t XmlParserContext::references() noexcept {
-    const memory::SpinLock lock(isBusy_);
-    return references_;
+/// False, and nothing is changed, where only one is left, or none.
+bool XmlParserContext::dropFurtherReference() noexcept {
+    std::size_t count = references_;
+    while (count > 1 && !references_.compare_exchange_weak(count, count - 1)) {
+    }
+    return count > 1;
+}
+
+void XmlParserContext::dropReference() noexcept {
+    if (--references_ == 0) xsltCleanupGlobals();
 }
 
 void XmlParserContextRelease::operator()(XmlParserContext* context) const noexcept {

@@ -29,13 +29,17 @@ public:
     /// does not wait for it.
     void releaseAtEnd() noexcept;
 
-    std::size_t references() noexcept;
+    std::size_t references() const noexcept { return references_; }
 
 private:
+    bool addFurtherReference() noexcept;
+    bool dropFurtherReference() noexcept;
     void dropReference() noexcept;
 
+    /// Held for the first reference and the last one only: a process that has a reference for good
+    /// may fork at any time, since its child then finds nothing locked.
     std::atomic_flag isBusy_ = ATOMIC_FLAG_INIT;
-    std::size_t references_ = 0;
+    std::atomic<std::size_t> references_ = 0;
 };
 
 /// A reference to the one context of the process, which keeps a reference itself from the first
