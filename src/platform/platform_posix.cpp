@@ -161,8 +161,11 @@ bool disposeIfEnded(pid_t process, int descriptor) {
     return true;
 }
 
-/// The library is unloaded, or the process ends: nobody will collect them any more.
+/// The library is unloaded, or the process ends: nobody will collect them any more. At the end of
+/// the process other threads may still run: where one of them uses the list, it stays.
 [[gnu::destructor]] void forgetAbandonedProcesses() {
+    const std::unique_lock lock(abandonedMutex, std::try_to_lock);
+    if (!lock.owns_lock()) return;
     while (AbandonedProcess* abandoned = abandonedProcesses) {
         if (abandoned->descriptor != noDescriptor) close(abandoned->descriptor);
         abandonedProcesses = abandoned->next;
