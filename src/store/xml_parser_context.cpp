@@ -7,6 +7,7 @@
 #include "store/xml_parser_context.h"
 
 #include <libxml/parser.h>
+#include <libxslt/extensions.h>
 #include <libxslt/xslt.h>
 #include <libxslt/xsltlocale.h>
 #include <libxslt/xsltutils.h>
@@ -46,6 +47,8 @@ bool startXmlLibraries() noexcept {
     if (!hasXmlThreadState()) return false;
     xmlCheckVersion(builtForXmlVersion);
     xsltInit();
+    // The lock of the extensions, which the first compilations would make, each on its thread.
+    xsltInitGlobals();
     xsltSetGenericErrorFunc(nullptr, ignoreMessage);
     makeLocaleList();
     installStackGuard();
