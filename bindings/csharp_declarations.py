@@ -142,7 +142,7 @@ def status_lines(statuses: list[Constant]) -> Iterator[str]:
 
 def layout_check_lines(header: Header) -> Iterator[str]:
     known = layouts(header)
-    yield "        /// <summary>Compares every size and offset with the library's; raises an"
+    yield "        /// <summary>Compares every size and offset with the library's; throws an"
     yield "        /// InvalidOperationException that names the first one that differs.</summary>"
     yield "        public static void CheckLayout()"
     yield "        {"

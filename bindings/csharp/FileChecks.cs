@@ -1,4 +1,4 @@
-// What would make the library raise a C++ exception, which ends a host in C#, is asked first: what
+// What would make the library throw a C++ exception, which ends a host in C#, is asked first: what
 // the system refuses becomes an exception of System.IO.
 //
 // SPDX-License-Identifier: MIT
@@ -9,7 +9,7 @@ namespace StrataRepgenlib
 {
     internal static class FileChecks
     {
-        /// <summary>Passes when the system says that something is there or not; raises what it
+        /// <summary>Passes when the system says that something is there or not; throws what it
         /// refuses to say.</summary>
         internal static void RequireReachable(string path)
         {

@@ -50,7 +50,7 @@ namespace StrataRepgenlib
         }
 
         /// <summary>Sets what translates the marked texts of templates, null for nothing. It must
-        /// not call this generator. What it raises leaves the function that generates, after the
+        /// not call this generator. What it throws leaves the function that generates, after the
         /// report. Plain translations are escaped; with isMarkup they become part of the template
         /// as they are, and a reference that XML does not know is an ArgumentException. What XML
         /// cannot hold becomes U+FFFD; null or the text itself leave it as it is. Waits while a
@@ -73,8 +73,8 @@ namespace StrataRepgenlib
         }
 
         /// <summary>Generates a report as a file; an existing one is replaced. A "pdf" that was
-        /// converted is looked at afterwards. Raises a StatusException, a ConversionException, what
-        /// the translator raised, or what System.IO raises about the path.</summary>
+        /// converted is looked at afterwards. Throws a StatusException, a ConversionException, what
+        /// the translator threw, or what System.IO throws about the path.</summary>
         public void GenerateFile(Request request, string output)
         {
             RequireInput(request);

@@ -75,7 +75,7 @@ namespace StrataRepgenlib
             return HeldByXml(name);
         }
 
-        /// <summary>A persistent text as the library is given it. Raises an ArgumentException when
+        /// <summary>A persistent text as the library is given it. Throws an ArgumentException when
         /// the library would cut it, and for markup that would damage other texts.</summary>
         internal static string Stored(string name, string text, bool isMarkup)
         {
@@ -121,7 +121,7 @@ namespace StrataRepgenlib
             return isHeld ? ampersand.Value : "&#xFFFD;";
         }
 
-        /// <summary>Markup that damages nothing after it. Raises an ArgumentException for a
+        /// <summary>Markup that damages nothing after it. Throws an ArgumentException for a
         /// reference that XML does not know. To the library a name goes up to the next ";",
         /// whatever is in between, and without one just the "&amp;" is lost.</summary>
         internal static string CheckedMarkup(string content, string what)
@@ -193,8 +193,8 @@ namespace StrataRepgenlib
         }
 
         /// <summary>A translation becomes part of a template. What looks like markup in it is meant
-        /// as such only if the original has it, too, and nothing in it may damage the template
-        /// behind it.</summary>
+        /// as such only if the original has it, too, and nothing in it may damage what follows in
+        /// the template.</summary>
         internal static string AsMarkup(string original, string translation)
         {
             translation = HeldByXml(translation);
@@ -203,7 +203,9 @@ namespace StrataRepgenlib
                 translation, match => HeldReference(match) ?? Escaped(match.Value));
             if (original.IndexOf('<') < 0) translation = translation.Replace("<", "&lt;");
             if (original.IndexOf('>') < 0) translation = translation.Replace(">", "&gt;");
-            else if (!original.Contains("]]>")) translation = translation.Replace("]]>", "]]&gt;");
+            // A CDATA section of the translation's own needs its end.
+            if (!translation.Contains("<![CDATA["))
+                translation = translation.Replace("]]>", "]]&gt;");
             // A marker in an attribute stands between single quotes.
             if (original.IndexOf('\'') < 0) translation = translation.Replace("'", "&#39;");
             return translation;

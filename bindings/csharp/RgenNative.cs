@@ -488,7 +488,7 @@ namespace StrataRepgenlib
         [DllImport(Library, CallingConvention = CallingConvention.Cdecl, ExactSpelling = true)]
         public static extern void rgen_freeRgenCInputParams(ref RgenCInputParams input);
 
-        /// <summary>Compares every size and offset with the library's; raises an
+        /// <summary>Compares every size and offset with the library's; throws an
         /// InvalidOperationException that names the first one that differs.</summary>
         public static void CheckLayout()
         {

@@ -1,5 +1,5 @@
 // The translate callback: the delegate that the library calls, the text that it gave last, and what
-// the translator raised.
+// the translator threw.
 //
 // SPDX-License-Identifier: MIT
 using System;
@@ -10,7 +10,7 @@ namespace StrataRepgenlib
 {
     internal sealed class Translation
     {
-        /// <summary>What a translator raised on this thread, which generates.</summary>
+        /// <summary>What a translator threw on this thread, which generates.</summary>
         [ThreadStatic]
         private static ExceptionDispatchInfo raised;
 
@@ -28,8 +28,8 @@ namespace StrataRepgenlib
             Function = Call;
         }
 
-        /// <summary>Makes a call of the library; gives its result, and what a translator raised
-        /// meanwhile. It may be made inside a translator of another generator, which has raised
+        /// <summary>Makes a call of the library; gives its result, and what a translator threw
+        /// meanwhile. It may be made inside a translator of another generator, which has thrown
         /// nothing by then.</summary>
         internal static int Watch(Func<int> call, out ExceptionDispatchInfo raisedInside)
         {

@@ -34,9 +34,11 @@
  *   The text of a value or pair is read as XML content: "&" starts an entity or character
  *   reference, so a plain "&" must be written "&amp;". "<" and ">" are safe. Names are taken as
  *   they are. What stands between "&" and the next ";" is the name of the reference, whatever it
- *   holds: in a report "x &a b; y" becomes "x  y". Without a ";" the "&" alone is lost (of "&#12"
- *   the digits, too). A reference with "<" in its name, such as "&<b>;", is taken out everywhere:
- *   of reports, persistent data and dumps, which would hold it as markup.
+ *   holds: in a report "x &a b; y" becomes "x  y". Without a ";" the "&" alone is lost. A number
+ *   ("&#12", "&#x41") ends at its first character that is no digit: without a ";" there, "&#" (or
+ *   "&#x") and the digits are lost, so "x &#x41 y; z" becomes "x  y; z". A reference with "<" in
+ *   its name, such as "&<b>;", is taken out everywhere: of reports, persistent data and dumps,
+ *   which would hold it as markup.
  *
  *   Persistent data goes through this twice before it stands in a report, once when it is stored
  *   and once with the other values, so there "&" must be written "&amp;amp;"; what
@@ -49,9 +51,9 @@
  *   host that stores texts of others checks them first.
  *
  *   Control characters and bytes that are not valid UTF-8 go into text and HTML output as they are.
- *   XML output, persistent data and dumps have U+FFFD in the place of a control character (tab and
- *   line feed stay, a carriage return becomes "&#13;"); bytes that are not valid UTF-8 go into
- *   these, too.
+ *   XML output, persistent data and dumps have U+FFFD, as the reference "&#xFFFD;", in the place of
+ *   a control character (tab and line feed stay, a carriage return becomes "&#13;"); bytes that are
+ *   not valid UTF-8 go into these, too.
  *
  * STATUSES AND THE SUCCESS TEST
  *   A status that is zero or positive is success, a negative one is failure (cancellation too).
@@ -70,16 +72,18 @@
  *   delivered: several reports can be generated on one generator at once, and a waiting converter
  *   blocks nobody. Transformations on one generator run one after the other; use one generator for
  *   each thread to run them side by side. Record functions touch their arguments only.
- *   A calling thread or fiber needs 256 KiB of stack (Windows: 512 KiB). A template that recurses
- *   into the last 200 KiB (Windows: 256 KiB) ends with RGEN_E_XSLT_APPLY. Linux does not know how
- *   large the stacks of fibers and coroutines are: there the library counts on 256 KiB, of which
- *   the host has used 24 KiB at most, and a template that uses more than 96 KiB ends likewise.
+ *   A calling thread or fiber needs 256 KiB of stack (Windows: 512 KiB), of which the host may use
+ *   24 KiB before the call. A template that recurses into the last 200 KiB (Windows: 256 KiB) ends
+ *   with RGEN_E_XSLT_APPLY. Linux does not know how large the stacks of fibers and coroutines are:
+ *   there the library counts on 256 KiB, and a template that uses more than 96 KiB ends likewise.
  *
  * THE CALLBACK
  *   The translate callback runs on the generating thread with the generator's lock held. It must
  *   not call the library for the same generator (that would wait for ever), must not throw an
  *   exception and must not return null. Callbacks that use other generators do so in one order on
- *   all threads: two that use each other's generator wait for ever.
+ *   all threads: two that use each other's generator wait for ever. A callback must not switch to
+ *   another fiber of the thread that calls the library: the calls of one thread end in the reverse
+ *   order of their beginnings.
  *   What it returns becomes part of the template: "&", "<" and ">" must be escaped. An unknown
  *   reference, "]]>" or a control character in it takes the references ("&lt;", "&amp;") of all
  *   that follows in the template, with status 0.
@@ -207,7 +211,8 @@ enum RgenVariantType {
  * "ERROR: BAD TIME_T INPUT". Texts and bytes do not depend on the hint: bytes are always shown as a
  * hex dump ("01 AB ").
  *
- * Linux: times and dates follow the time facet of the global C++ locale, all but the day, which
+ * Linux: times and dates follow the time facet of the global C++ locale (of the system's C++
+ * library: a host with a static one has another locale, which is not asked), all but the day, which
  * always has the form below. The standard facet gives the form below in every locale; a facet of
  * the host's own gives what it writes. Windows: always the form below; no facet is asked.
  */

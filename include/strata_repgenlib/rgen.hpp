@@ -18,7 +18,7 @@
  *   Texts are UTF-8, given as anything that a std::string_view can be made of; from C++20 on also
  *   as char8_t texts. A text stands in a report as it is: "&" is escaped on the way to the library,
  *   in persistent data twice. Text::markup() switches that off for one text, which is then XML
- *   content in the sense of rgen.h. A text, name or path with a zero byte inside raises
+ *   content in the sense of rgen.h. A text, name or path with a zero byte inside throws
  *   std::invalid_argument, since the library would cut it there.
  *
  * PATHS
@@ -28,15 +28,15 @@
  *
  * ERRORS
  *   Every failure is an exception. A negative status becomes a StatusError, a conversion to pdf
- *   that made no pdf a ConversionError. What a translator raises leaves the call that generates.
+ *   that made no pdf a ConversionError. What a translator throws leaves the call that generates.
  *   The exceptions of the library itself (see EXCEPTIONS in rgen.h: std::bad_alloc,
  *   std::range_error, std::runtime_error and what is derived from it) pass through, if the host and
  *   the library come from the same family of compilers: GCC or Clang with libstdc++ on Linux,
  *   MinGW-w64 on Windows. Another compiler on Windows does not see them, they end the process.
- *   Whatever is raised, nothing leaks and the generator can be used on.
+ *   Whatever is thrown, nothing leaks and the generator can be used on.
  *
  * THREADS
- *   A Generator may be used by several threads at once, as the handle behind it; moving, ending and
+ *   A Generator may be used by several threads at once, as its handle may; moving, ending and
  *   assigning it is for one thread alone. All other objects are plain values.
  *
  * SPDX-License-Identifier: MIT
@@ -524,7 +524,7 @@ inline std::string checkedMarkup(const std::string& content, const char* what) {
 }
 
 /// A translation becomes part of a template. What looks like markup in it is meant as such only if
-/// the original has it, too, and nothing in it may damage the template behind it.
+/// the original has it, too, and nothing in it may damage what follows in the template.
 inline std::string asMarkup(std::string_view original, std::string translation) {
     const auto has = [original](std::string_view part) {
         return original.find(part) != std::string_view::npos;
@@ -537,7 +537,10 @@ inline std::string asMarkup(std::string_view original, std::string translation) 
     });
     if (!has("<")) translation = replaced(translation, '<', "&lt;");
     if (!has(">")) translation = replaced(translation, '>', "&gt;");
-    if (!has("]]>")) translation = withoutSectionEnds(std::move(translation));
+    // A CDATA section of the translation's own needs its end.
+    if (translation.find("<![CDATA[") == std::string::npos) {
+        translation = withoutSectionEnds(std::move(translation));
+    }
     // A marked text with its two quotes can only stand in an attribute between apostrophes.
     if (!has("'")) translation = replaced(translation, '\'', "&#39;");
     return translation;
@@ -914,7 +917,7 @@ public:
     /** For a text always Generic, for bytes Dump. */
     Hint hint() const noexcept { return hint_; }
 
-    /** The content; each raises std::bad_variant_access for a value of another type. */
+    /** The content; each throws std::bad_variant_access for a value of another type. */
     std::int64_t integer() const { return std::get<std::int64_t>(content_); }
     /** The text. Exceptions: std::bad_variant_access for another type, here and below. */
     const std::string& text() const { return std::get<Text>(content_).content(); }
@@ -1094,7 +1097,7 @@ public:
     /** Windows: the HANDLE, for writing only. Linux: the descriptor as a pointer. */
     void* get() const noexcept { return handle_; }
 
-    /** Linux: the descriptor, which stands behind the report: seek before reading. */
+    /** Linux: the descriptor, whose offset is the end of the report: seek before reading. */
     int descriptor() const noexcept {
         return static_cast<int>(reinterpret_cast<std::intptr_t>(handle_));
     }
@@ -1246,7 +1249,7 @@ inline Value valueOf(const RgenCVariant& record) {
     return textOf(record.value.stringValue);
 }
 
-/// What translators raised, by the thread that generates. A thread has a place from the start of a
+/// What translators threw, by the thread that generates. A thread has a place from the start of a
 /// call to its end, so that keeping an exception needs no memory.
 class RaisedExceptions {
 public:
@@ -1383,14 +1386,15 @@ public:
      *                    generating threads, by one at a time. It must not call this generator; see
      *                    THE CALLBACK in rgen.h.
      * @param form        Plain: "&", "<", ">" and "'" in a translation are escaped, each unless the
-     *                    original has it, too; "]]>" and an "&" that starts no reference of XML are
-     *                    escaped in any case. "{" and "}" are not: in attributes of the template
-     *                    they stand for an XPath expression. Markup: the translation becomes part
-     *                    of the template as it is; a reference that XML does not know is an
-     *                    std::invalid_argument. What XML cannot hold becomes U+FFFD in both forms;
-     *                    a text that is given back unchanged stays as it is.
+     *                    original has it, too; "]]>", unless the translation has a CDATA section,
+     *                    and an "&" that starts no reference of XML are escaped in any case. "{"
+     *                    and "}" are not: in attributes of the template they stand for an XPath
+     *                    expression. Markup: the translation becomes part of the template as it is;
+     *                    a reference that XML does not know is an std::invalid_argument. What XML
+     *                    cannot hold becomes U+FFFD in both forms; a text that is given back
+     *                    unchanged stays as it is.
      *
-     * When the translator raises an exception, this and all further texts of the report stay as
+     * When the translator throws an exception, this and all further texts of the report stay as
      * they are, and the exception leaves the call that generates after its end; a file may be there
      * then.
      *
@@ -1435,7 +1439,7 @@ public:
      *
      * Exceptions: StatusError with the statuses of rgen_generateReport; ConversionError;
      * std::invalid_argument (see TEXTS; a double quote in the path or the base of a "pdf" that is
-     * converted); what the translator raised; those of the library.
+     * converted); what the translator threw; those of the library.
      */
     std::filesystem::path generateFile(const Request& request, const Path& output) {
         const bool isConverted = request.format == "pdf" && request.convert;

@@ -80,6 +80,8 @@ TEST_F(WrapperTranslator, WhatTheOriginalHasIsMarkupButNoDamage) {
     } rows[] = {{"&amp; &lt;", "&lt; & &foo; &#1; &#65; &amp ; &#; &#xZ; &",
                  "< & &foo; \xEF\xBF\xBD A &amp ; &#; &#xZ; &"},
                 {"<b>a</b>", "<b>]]></b>", "]]>"},
+                {"]]>", "\na]]>x", "\na]]>x"},
+                {"<b>a</b>", "<![CDATA[<b>]]>", "<b>"},
                 {"a &gt; >", "&gt; ]]> >", "> ]]> >"}};
     for (const auto& row : rows) {
         putTemplate(textStylesheet("QT_TRANSLATE_NOOP(\"QObject\", \"" + std::string(row.original) +

@@ -71,6 +71,11 @@ internal static partial class CSharpHost
             Request attribute = new Request(AttributeType, "txt");
             attribute.Values.Add(new Value("a", 1));
             Equal("<p lang=\"it's &amp; 'so'\"></p>", TextReport(generator, attribute).Trim());
+            string listing = Path.Combine("data", ".rgen", "templates", "txt", "listing.xsl");
+            string changed = File.ReadAllText(listing).Replace("\"End\")", "\"]]>\")&amp;");
+            File.WriteAllText(listing, changed);
+            generator.SetTranslator(text => text + "x");
+            Equal("Valuesx\n]]>x&\n[a=1]\n", TextReport(generator, request));
         }
     }
 

@@ -150,7 +150,9 @@ std::vector<TextRow> ampersandRows() {
             {"reference to a surrogate", "&#xD800;", "\xED\xA0\x80"},
             {"reference to U+FFFE", "&#xFFFE;", "\xEF\xBF\xBE"},
             {"no hexadecimal digits", "&#xZZ;", "ZZ;"},
-            {"negative reference", "x&#-5;y", "x-5;y"}};
+            {"negative reference", "x&#-5;y", "x-5;y"},
+            {"unclosed decimal", "x &#12 y", "x  y"},
+            {"hexadecimal up to a blank", "x &#x41 y; z", "x  y; z"}};
 }
 
 std::vector<TextRow> plainRows() {

@@ -119,6 +119,8 @@ INSTANTIATE_TEST_SUITE_P(
     testing::Values(
         emptied("one", "&"), emptied("with semicolon", "&;"), emptied("numeric, empty", "&#;"),
         emptied("character zero", "&#0;"), emptied("unclosed decimal", "&#12"),
+        value("unclosed decimal, text around", "x &#12 y", "x  y", "x  y"),
+        value("hexadecimal up to a blank", "x &#x41 y; z", "x  y; z", "x  y; z"),
         value("between blanks", "a & b", "a  b", "a  b"), value("two", "&&", "&amp;", "&"),
         value("five", "&&&&&", "&amp;&amp;&amp;&amp;", "&&&&"),
         value("query string", "?a=1&b=2&c=3", "?a=1b=2&amp;c=3", "?a=1b=2&c=3"),

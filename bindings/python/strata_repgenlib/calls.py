@@ -58,7 +58,7 @@ class Translation:
                               else as_markup(original, translated))
                 buffer = ctypes.create_string_buffer(translated.encode("utf-8"))
                 return ctypes.addressof(buffer)
-            # Nothing may cross the library; it is raised behind the call.
+            # Nothing may cross the library; it is raised after the call.
             except BaseException as exception:
                 raised.keep(exception)
                 return text
@@ -67,7 +67,7 @@ class Translation:
 
 
 class Calls:
-    """Counts the calls that run, so that a handle is freed only behind the last one."""
+    """Counts the calls that run, so that a handle is freed only after the last one."""
 
     def __init__(self) -> None:
         self._changed = threading.Condition()

@@ -90,14 +90,14 @@ class Generator:
         """Sets what translates the marked texts of templates, or nothing with None.
 
         It is given the text as it stands in the template and gives another str. "&", "<", ">" and
-        "'" in that are escaped, each unless the original has it, too; "]]>" and an "&" that starts
-        no reference of XML are escaped in any case. "{" and "}" are not: in attributes of the
-        template they stand for an XPath expression. With `markup` the translation becomes part of
-        the template as it is; ValueError for a reference that XML does not know. What XML cannot
-        hold becomes U+FFFD in both forms; a text that is given back unchanged stays as it is. It
-        runs on the generating threads, one at a time, and must
-        not call this generator. When it raises, this and all further texts of the report stay as
-        they are, and the exception leaves the method that generates, after its end.
+        "'" in that are escaped, each unless the original has it, too; "]]>", unless the translation
+        has a CDATA section, and an "&" that starts no reference of XML are escaped in any case. "{"
+        and "}" are not: in attributes of the template they stand for an XPath expression. With
+        `markup` the translation becomes part of the template as it is; ValueError for a reference
+        that XML does not know. What XML cannot hold becomes U+FFFD in both forms; a text that is
+        given back unchanged stays as it is. It runs on the generating threads, one at a time,
+        and must not call this generator. When it raises, this and all further texts of the report
+        stay as they are, and the exception leaves the method that generates, after its end.
         """
         used = Translation(translate or _unchanged, markup or translate is None, self._raised)
         with self._calls.one(), self._settings:
@@ -130,7 +130,7 @@ class Generator:
         """Opens a report as a file that vanishes when it is closed, without any conversion.
 
         On Linux the file is at its start, for reading and writing, and its name is gone already. On
-        Windows it is behind the report and for writing only; the path should be ASCII.
+        Windows it is at the end of the report and for writing only; the path should be ASCII.
         """
         output = as_path(path, "the output path")
         check_output(output, False, "")

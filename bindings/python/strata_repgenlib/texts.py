@@ -76,7 +76,7 @@ def require_storable(length: int, longest: int, what: str) -> None:
 
 def as_markup(original: str, translation: str) -> str:
     """A translation becomes part of a template. What looks like markup in it is meant as such only
-    if the original has it, too, and nothing in it may damage the template behind it."""
+    if the original has it, too, and nothing in it may damage what follows in the template."""
     def reference(match: re.Match[str]) -> str:
         if not match[1]:
             return "&amp;"
@@ -90,7 +90,8 @@ def as_markup(original: str, translation: str) -> str:
         translation = translation.replace("<", "&lt;")
     if ">" not in original:
         translation = translation.replace(">", "&gt;")
-    elif "]]>" not in original:
+    # A CDATA section of the translation's own needs its end.
+    if "<![CDATA[" not in translation:
         translation = translation.replace("]]>", "]]&gt;")
     # A marked text with its two quotes can only stand in an attribute between apostrophes.
     if "'" not in original:

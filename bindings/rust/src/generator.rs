@@ -66,8 +66,9 @@ impl Generator {
 
     /// Sets what translates the marked texts of templates. It gets the text as it stands in the
     /// template. Translations are escaped: "&", "<", ">" and "'", each unless the original has it,
-    /// too; "]]>" and an "&" that starts no reference of XML in any case. What XML cannot hold
-    /// becomes U+FFFD, and a text that is given back unchanged stays as it is.
+    /// too; "]]>", unless the translation has a CDATA section, and an "&" that starts no reference
+    /// of XML in any case. What XML cannot hold becomes U+FFFD, and a text that is given back
+    /// unchanged stays as it is.
     pub fn set_translator(&mut self, translate: impl FnMut(&str) -> String + Send + 'static) {
         self.set_translation(Translation::new(Box::new(translate), false));
     }

@@ -218,7 +218,8 @@ fn with_known_references(text: &str) -> String {
 }
 
 /// A translation becomes part of a template. What looks like markup in it is meant as such only if
-/// the original has it, too, and nothing in it may damage the template behind it.
+/// the original has it, too, and nothing in it may damage what follows in the
+/// template.
 pub(crate) fn as_markup(original: &str, translation: &str) -> String {
     let mut markup = held_by_xml(translation);
     if !original.contains('&') {
@@ -230,7 +231,9 @@ pub(crate) fn as_markup(original: &str, translation: &str) -> String {
     }
     if !original.contains('>') {
         markup = markup.replace('>', "&gt;");
-    } else if !original.contains("]]>") {
+    }
+    // A CDATA section of the translation's own needs its end.
+    if !markup.contains("<![CDATA[") {
         markup = markup.replace("]]>", "]]&gt;");
     }
     // A marker in an attribute stands between single quotes.
@@ -276,7 +279,9 @@ mod texts_tests {
                 "&lt; &amp; &amp;foo; &amp;f oo; &#xFFFD; &#65;&amp;",
             ),
             ("<b>", "<b>]]></b>", "<b>]]&gt;</b>"),
-            ("]]>", "]]>", "]]>"),
+            ("]]>", "]]>x", "]]&gt;x"),
+            ("<b>]]></b>", "]]>", "]]&gt;"),
+            ("<b>a</b>", "<![CDATA[<b>]]>", "<![CDATA[<b>]]>"),
         ];
         for (original, translation, markup) in rows {
             assert_eq!(markup, as_markup(original, translation));

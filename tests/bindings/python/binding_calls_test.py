@@ -65,7 +65,8 @@ class Translators(BindingCase):
 
     def test_what_the_original_has_is_markup_but_no_damage(self):
         rows = (("&amp; &lt;", "&lt; & &foo; &#1; &#65; &amp ;", "< & &foo; \ufffd A &amp ;"),
-                ("<b>a</b>", "<b>]]></b>", "]]>"), ("a &gt; >", "&gt; ]]> >", "> ]]> >"))
+                ("<b>a</b>", "<b>]]></b>", "]]>"), ("a &gt; >", "&gt; ]]> >", "> ]]> >"),
+                ("]]>", "\na]]>x", "\na]]>x"), ("<b>a</b>", "<![CDATA[<b>]]>", "<b>"))
         for original, translation, shown in rows:
             with self.subTest(original=original):
                 self.put_template(marked(original) + "|&lt; &amp; &gt;")
