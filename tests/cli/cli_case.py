@@ -4,6 +4,7 @@ The target comes from the environment: besides the variables that program_case.p
 
 RGEN_CLI_CONVERTER  the folder of the stand-in converter
 RGEN_CLI_EXAMPLE    the demo host in C; may be missing
+RGEN_CLI_KILL_POINT and RGEN_CLI_NO_LOCKS  libraries to be loaded into rgen; may be missing
 
 SPDX-License-Identifier: MIT
 """

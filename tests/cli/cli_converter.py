@@ -76,13 +76,13 @@ class ConversionCase(CliCase):
         return self.converter_environment(
             ("log", f"started {number}.log"), ("await", f"go {number}"), ("mark", f"end {number}"))
 
-    def convert(self, *args, output="report.pdf", **settings):
+    def convert(self, *args, output="report.pdf", more=None, **settings):
         """Starts a pdf report, or a batch if output is None, and waits for its converter."""
         self.started += 1
         number = self.started
         chosen = ["-o", output] if output else []
         running = self.start("report", "-d", "case", *chosen, *args,
-                             env=self.waiting_converter(number), **settings)
+                             env={**self.waiting_converter(number), **(more or {})}, **settings)
         self.addCleanup((self.folder / f"go {number}").touch)
         return Conversion(self, running, number)
 

@@ -5,13 +5,24 @@ SPDX-License-Identifier: MIT
 """
 
 import os
+import shutil
 import stat
 import subprocess
+import unittest
+from pathlib import Path
 
-from cli_case import ON_WINDOWS, PROGRAM, CliCase, linux_only
+from cli_case import ON_WINDOWS, PROGRAM, CliCase, linux_only, unprivileged
 from cli_converter import WHOLE_PDF, ConversionCase
 
 SET = ("--set", "A=1")
+NO_LOCKS = os.environ.get("RGEN_CLI_NO_LOCKS")
+
+
+def machine():
+    """What the lock file of a run on this machine holds."""
+    if ON_WINDOWS:
+        return os.uname().nodename
+    return Path("/proc/sys/kernel/random/boot_id").read_text(encoding="ascii").strip()
 
 
 class PlantedFiles(ConversionCase):
@@ -63,7 +74,7 @@ class PlantedFiles(ConversionCase):
         (self.folder / "rgen.part-aaaaaaaaaa").symlink_to("victim")
         (self.folder / "rgen.part-bbbbbbbbbb").mkdir()
         (self.folder / "rgen.part-bbbbbbbbbb/lock").symlink_to("../victim/lock")
-        self.write("rgen.part-cccccccccc/lock", "")
+        self.write("rgen.part-cccccccccc/lock", machine())
         (self.folder / "rgen.part-cccccccccc/link").symlink_to("../victim")
         self.expect_done(self.report(*SET))
         self.assertEqual(b"kept", self.read("victim/file"))
@@ -122,7 +133,7 @@ class KilledRuns(ConversionCase):
 
     def test_what_is_not_known_to_be_abandoned_stays(self):
         (self.folder / "rgen.part-aaaaaaaaaa").mkdir()
-        self.write("rgen.part-bbbbbbbbbb/lock", "")
+        self.write("rgen.part-bbbbbbbbbb/lock", machine())
         self.write("rgen.part-bbbbbbbbbb/report", "half")
         kept = ["rgen.part-cccccccccc/report", "rgen.part-short/lock", "other.part-dddddddddd/lock"]
         for name in kept:
@@ -133,6 +144,92 @@ class KilledRuns(ConversionCase):
         for name in kept:
             (self.folder / name).unlink()
             (self.folder / name).parent.rmdir()
+
+    def test_what_another_machine_may_use_stays(self):
+        """Its locks are not seen from here on some file systems of a network."""
+        for owner in ("", "0" * 8, machine()[:-1], machine() + "0"):
+            with self.subTest(owner=owner):
+                self.write("rgen.part-aaaaaaaaaa/lock", owner)
+                self.write("rgen.part-aaaaaaaaaa/report", "half")
+                self.expect_done(self.report(*SET))
+                self.assertEqual(b"half", self.read("rgen.part-aaaaaaaaaa/report"))
+        shutil.rmtree(self.folder / "rgen.part-aaaaaaaaaa")
+
+    @unittest.skipUnless(NO_LOCKS, "the build has no library that takes locks away")
+    def test_what_belongs_to_a_living_run_stays_without_locks(self):
+        environment = {"LD_PRELOAD": NO_LOCKS}
+        living = self.convert(*SET, output="living.pdf", more=environment)
+        for env in (environment, {}):
+            self.expect_done(self.report(*SET, env=env))
+            self.assertEqual([living.page.parent], self.leftovers())
+        living.page.unlink()
+        self.expect_done(self.report(*SET, env=environment))
+        self.assertEqual([living.page.parent], self.leftovers())
+        self.expect_done(living.finish(WHOLE_PDF))
+        self.assertEqual([], self.leftovers())
+
+
+@linux_only
+class Masks(ConversionCase):
+    """A umask may take rights from the owner: they are missing from the report, not on the way."""
+
+    masks = (0o000, 0o077, 0o177, 0o277, 0o577, 0o777)
+
+    def with_mask(self, mask):
+        return [*unprivileged(), "/bin/sh", "-c", 'umask "$0"; exec "$@"', f"{mask:o}"]
+
+    def mode_of(self, name):
+        return stat.S_IMODE((self.folder / name).stat().st_mode)
+
+    def test_every_command_that_writes_a_file(self):
+        commands = [("report", "-d", "case"), ("report", "-d", "case", "--mode", "bytes"),
+                    ("dump",), ("simulate",)]
+        for mask in self.masks:
+            for number, command in enumerate(commands):
+                with self.subTest(mask=f"{mask:o}", command=command):
+                    name = f"{mask:o}-{number}.txt"
+                    for _ in range(2):
+                        self.expect_done(self.rgen(*command, *SET, "-o", name,
+                                                   prefix=self.with_mask(mask)))
+                        self.assertEqual(0o666 & ~mask, self.mode_of(name))
+                    self.assertIn(b"A", self.read(name))
+                    self.assertFalse([each for each in self.names() if "rgen.part-" in each])
+
+    def test_a_file_that_vanishes(self):
+        for mask in self.masks:
+            with self.subTest(mask=f"{mask:o}"):
+                self.expect_done(self.report(*SET, "--mode", "delete-on-close",
+                                             prefix=self.with_mask(mask)))
+                self.assertFalse([each for each in self.names() if "rgen.part-" in each])
+
+    def test_the_converter_reads_and_writes(self):
+        for mask in self.masks:
+            with self.subTest(mask=f"{mask:o}"):
+                name = f"{mask:o}.pdf"
+                conversion = self.convert(*SET, output=name, prefix=self.with_mask(mask))
+                for path in (conversion.page, conversion.page.parent / "converter.log"):
+                    self.assertEqual(0o600, stat.S_IMODE(path.stat().st_mode) & 0o600)
+                self.expect_done(conversion.finish(WHOLE_PDF))
+                self.assertEqual(WHOLE_PDF, self.read(name))
+                self.assertEqual(0, self.mode_of(name) & mask & 0o700)
+
+    def test_an_older_report_keeps_its_rights(self):
+        for mask in self.masks:
+            with self.subTest(mask=f"{mask:o}"):
+                self.write("report.txt", "older")
+                (self.folder / "report.txt").chmod(0o640)
+                self.expect_done(self.report(*SET, prefix=self.with_mask(mask)))
+                self.assertEqual(0o640, self.mode_of("report.txt"))
+
+    def test_a_killed_run_of_any_mask_is_removed(self):
+        for mask in self.masks:
+            with self.subTest(mask=f"{mask:o}"):
+                conversion = self.convert(*SET, prefix=self.with_mask(mask))
+                conversion.running.process.kill()
+                conversion.running.finish()
+                self.remove_traces(conversion.number)
+                self.expect_done(self.report(*SET, prefix=unprivileged()))
+                self.assertFalse(conversion.page.parent.exists())
 
 
 class ManyWriters(CliCase):

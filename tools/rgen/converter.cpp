@@ -10,6 +10,7 @@
 
 #include "child_process.h"
 #include "interruption.h"
+#include "safe_files.h"
 
 namespace cli {
 namespace {
@@ -48,6 +49,7 @@ void await(tools::ChildProcess& converter, const Conversion& conversion) {
 std::string runConverter(const Conversion& conversion) {
     const auto program = tools::findProgram("vellum");
     if (!program) return notFound;
+    const OwnerRights rights;
     std::unique_ptr<tools::ChildProcess> converter;
     try {
         converter = start(*program, conversion);

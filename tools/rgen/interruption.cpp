@@ -162,6 +162,8 @@ void TemporaryFolder::deliver(const std::string& file, const std::string& target
         const fs::file_status old = fs::symlink_status(place, ignored);
         if (fs::is_regular_file(old)) {
             fs::permissions(fs::u8path(file), old.permissions() & fs::perms(0777), ignored);
+        } else {
+            applyMask(file);
         }
         // Under the lock: an interruption comes before, or when the file is in its place.
         const std::lock_guard lock(state().mutex);

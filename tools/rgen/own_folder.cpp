@@ -109,9 +109,12 @@ OwnFolder::OwnFolder(const std::string& parent) {
             fs::remove(fs::u8path(path), ignored);
             throw;
         }
-        if (!lock_) continue;
-        path_ = path;
-        return;
+        if (lock_) {
+            path_ = path;
+            return;
+        }
+        std::error_code ignored;
+        fs::remove(fs::u8path(path), ignored);
     }
     throw std::system_error(std::make_error_code(std::errc::file_exists), parent);
 }

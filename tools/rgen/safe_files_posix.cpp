@@ -8,6 +8,7 @@
 #include <unistd.h>
 
 #include <cerrno>
+#include <fstream>
 #include <mutex>
 #include <set>
 #include <system_error>
@@ -49,6 +50,20 @@ public:
     bool isOrdinary() const {
         struct stat facts = {};
         return fstat(descriptor_, &facts) == 0 && S_ISREG(facts.st_mode);
+    }
+
+    /// Gives the owner what the umask has taken, and leaves the rights of others.
+    void openToOwner() const {
+        constexpr mode_t needed = S_IRUSR | S_IWUSR;
+        constexpr mode_t rights = 0777;
+        struct stat facts = {};
+        if (fstat(descriptor_, &facts) != 0) fail(path_, errno);
+        if ((facts.st_mode & needed) == needed) return;
+        setRights((facts.st_mode & rights) | needed);
+    }
+
+    void setRights(mode_t rights) const {
+        if (fchmod(descriptor_, rights) != 0) fail(path_, errno);
     }
 
     void write(std::string_view bytes) const {
@@ -116,6 +131,35 @@ std::string markLocked(const std::string& folder) {
     return identity;
 }
 
+constexpr std::size_t longestMachineName = 64;
+
+/// What no other running system has; empty when it cannot be told.
+std::string machineName() {
+    std::ifstream file("/proc/sys/kernel/random/boot_id");
+    std::string name;
+    std::getline(file, name);
+    return name.substr(0, longestMachineName);
+}
+
+/// Without it the folder is never taken for abandoned, which does no harm.
+void writeMachineName(int file) {
+    const std::string name = machineName();
+    if (pwrite(file, name.data(), name.size(), 0) < 0) return;
+}
+
+bool isOfThisMachine(int file) {
+    char bytes[longestMachineName + 1] = {};
+    const ssize_t size = pread(file, bytes, sizeof bytes, 0);
+    return size > 0 && std::string_view(bytes, static_cast<std::size_t>(size)) == machineName();
+}
+
+/// There is no other way to read it.
+mode_t currentMask() {
+    const mode_t mask = umask(0);
+    umask(mask);
+    return mask;
+}
+
 bool hasName(int file) {
     struct stat facts = {};
     return fstat(file, &facts) == 0 && facts.st_nlink > 0;
@@ -124,9 +168,16 @@ bool hasName(int file) {
 }  // namespace
 
 bool makeOwnFolder(const std::string& path) {
-    if (mkdir(path.c_str(), S_IRWXU) == 0) return true;
-    if (errno == EEXIST) return false;
-    fail(path, errno);
+    if (mkdir(path.c_str(), S_IRWXU) != 0) {
+        if (errno == EEXIST) return false;
+        fail(path, errno);
+    }
+    // Nobody else knows the name yet.
+    const bool isCut = (currentMask() & S_IRWXU) != 0;
+    if (!isCut || chmod(path.c_str(), S_IRWXU) == 0) return true;
+    const int reason = errno;
+    rmdir(path.c_str());
+    fail(path, reason);
 }
 
 bool isOwnFolder(const std::string& path) {
@@ -137,12 +188,35 @@ bool isOwnFolder(const std::string& path) {
 void writeNewFile(const std::string& path, std::string_view bytes) {
     constexpr mode_t asTheMaskSays = 0666;
     File file(path, O_WRONLY | O_CREAT | O_EXCL | O_NOFOLLOW, asTheMaskSays);
+    file.openToOwner();
     file.write(bytes);
     file.finish();
 }
 
+void applyMask(const std::string& path) {
+    const mode_t taken = currentMask() & S_IRWXU;
+    struct stat facts = {};
+    if (taken == 0 || lstat(path.c_str(), &facts) != 0) return;
+    constexpr mode_t rights = 0777;
+    if (chmod(path.c_str(), facts.st_mode & rights & ~taken) != 0) fail(path, errno);
+}
+
+OwnerRights::OwnerRights() : mask_(currentMask()) {
+    umask(mask_ & ~static_cast<unsigned>(S_IRWXU));
+}
+
+OwnerRights::~OwnerRights() {
+    umask(mask_);
+}
+
 void flushFile(const std::string& path) {
+    struct stat facts = {};
+    const bool isKnown = lstat(path.c_str(), &facts) == 0;
+    const bool isClosed = isKnown && S_ISREG(facts.st_mode) && (facts.st_mode & S_IRUSR) == 0;
+    if (isClosed && chmod(path.c_str(), S_IRUSR | S_IWUSR) != 0) fail(path, errno);
     File file(path, O_RDONLY | O_NOFOLLOW);
+    constexpr mode_t rights = 0777;
+    if (isClosed) file.setRights(facts.st_mode & rights);
     file.flush();
     file.finish();
 }
@@ -179,18 +253,19 @@ FolderLock::~FolderLock() = default;
 std::unique_ptr<FolderLock> FolderLock::make(const std::string& folder) {
     auto state = std::make_unique<State>();
     const std::string path = lockPath(folder);
-    state->file =
-        open(path.c_str(), O_RDWR | O_CREAT | O_EXCL | O_NOFOLLOW | O_CLOEXEC, S_IRUSR | S_IWUSR);
+    constexpr mode_t forOwner = S_IRUSR | S_IWUSR;
+    state->file = open(path.c_str(), O_RDWR | O_CREAT | O_EXCL | O_NOFOLLOW | O_CLOEXEC, forOwner);
     if (state->file < 0 && errno == ENOENT) return nullptr;
     if (state->file < 0) fail(path, errno);
+    static_cast<void>(fchmod(state->file, forOwner));  // What cannot be opened is not taken over.
     const int reason = lockNow(state->file);
     const bool isTaken = reason == EAGAIN || (reason == 0 && !hasName(state->file));
-    if (isTaken) return nullptr;
-    if (reason != 0) {
+    if (isTaken) {
         unlink(path.c_str());
-        close(state->file);
-        state->file = -1;
+        return nullptr;
     }
+    // The file stays where it cannot be locked: an empty folder counts as abandoned.
+    if (reason == 0) writeMachineName(state->file);
     state->ownFolder = markLocked(folder);
     return std::unique_ptr<FolderLock>(new FolderLock(std::move(state)));
 }
@@ -199,7 +274,8 @@ std::unique_ptr<FolderLock> FolderLock::takeOver(const std::string& folder) {
     if (isLockedHere(folder)) return nullptr;
     auto state = std::make_unique<State>();
     state->file = open(lockPath(folder).c_str(), O_RDWR | O_NOFOLLOW | O_CLOEXEC | O_NONBLOCK);
-    if (state->file < 0 || lockNow(state->file) != 0 || !hasName(state->file)) return nullptr;
+    if (state->file < 0 || !isOfThisMachine(state->file)) return nullptr;
+    if (lockNow(state->file) != 0 || !hasName(state->file)) return nullptr;
     return std::unique_ptr<FolderLock>(new FolderLock(std::move(state)));
 }
 

@@ -82,6 +82,33 @@ HANDLE openAlone(const fs::path& path, DWORD creation) {
                        FILE_ATTRIBUTE_NORMAL | FILE_FLAG_OPEN_REPARSE_POINT, nullptr);
 }
 
+/// Empty when it cannot be told.
+std::string machineName() {
+    DWORD size = 0;
+    GetComputerNameExW(ComputerNamePhysicalDnsHostname, nullptr, &size);
+    std::wstring name(size, L'\0');
+    if (size == 0 || GetComputerNameExW(ComputerNamePhysicalDnsHostname, name.data(), &size) == 0) {
+        return {};
+    }
+    name.resize(size);
+    return fs::path(name).u8string();
+}
+
+/// Without it the folder is never taken for abandoned, which does no harm.
+void writeMachineName(HANDLE file) {
+    const std::string name = machineName();
+    DWORD size = 0;
+    WriteFile(file, name.data(), static_cast<DWORD>(name.size()), &size, nullptr);
+}
+
+bool isOfThisMachine(HANDLE file) {
+    constexpr DWORD longestName = 1024;
+    char bytes[longestName] = {};
+    DWORD size = 0;
+    if (ReadFile(file, bytes, longestName, &size, nullptr) == 0 || size == 0) return false;
+    return std::string_view(bytes, size) == machineName();
+}
+
 }  // namespace
 
 /// A folder takes the rights of the one that holds it.
@@ -102,6 +129,12 @@ void writeNewFile(const std::string& path, std::string_view bytes) {
     file.write(bytes);
     file.finish();
 }
+
+void applyMask(const std::string&) {}
+
+OwnerRights::OwnerRights() : mask_(0) {}
+
+OwnerRights::~OwnerRights() = default;
 
 void flushFile(const std::string& path) {
     constexpr DWORD everybody = FILE_SHARE_READ | FILE_SHARE_WRITE | FILE_SHARE_DELETE;
@@ -151,13 +184,14 @@ std::unique_ptr<FolderLock> FolderLock::make(const std::string& folder) {
         if (isTaken) return nullptr;
         fail(folder, reason);
     }
+    writeMachineName(state->file);
     return std::unique_ptr<FolderLock>(new FolderLock(std::move(state)));
 }
 
 std::unique_ptr<FolderLock> FolderLock::takeOver(const std::string& folder) {
     auto state = std::make_unique<State>();
     state->file = openAlone(lockPath(folder), OPEN_EXISTING);
-    if (state->file == INVALID_HANDLE_VALUE) return nullptr;
+    if (state->file == INVALID_HANDLE_VALUE || !isOfThisMachine(state->file)) return nullptr;
     return std::unique_ptr<FolderLock>(new FolderLock(std::move(state)));
 }
 
