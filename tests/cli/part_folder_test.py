@@ -162,7 +162,9 @@ class KilledRuns(ConversionCase):
         for env in (environment, {}):
             self.expect_done(self.report(*SET, env=env))
             self.assertEqual([living.page.parent], self.leftovers())
-        living.page.unlink()
+        for path in living.page.parent.iterdir():
+            if path.name != "lock":
+                path.unlink()
         self.expect_done(self.report(*SET, env=environment))
         self.assertEqual([living.page.parent], self.leftovers())
         self.expect_done(living.finish(WHOLE_PDF))
