@@ -3,12 +3,12 @@
 // SPDX-License-Identifier: MIT
 #include <algorithm>
 #include <chrono>
-#include <filesystem>
 #include <set>
 #include <sstream>
 
 #include "batch_file.h"
 #include "commands.h"
+#include "data_file.h"
 #include "error_document.h"
 #include "input_file.h"
 #include "interruption.h"
@@ -18,8 +18,6 @@
 
 namespace cli {
 namespace {
-
-namespace fs = std::filesystem;
 
 /// The whole run: what all lines share, and what has become of them.
 class Batch {
@@ -38,10 +36,12 @@ public:
 
 private:
     std::string placeOf(std::size_t line) const;
+    void addInputs(const BatchLine& line, const std::vector<std::string>& filesNamed);
+    void addInputsOfOptions();
     void requireOtherFiles(const std::vector<std::pair<std::size_t, std::string>>& lines);
     std::string summary(std::size_t done, std::size_t notBegun) const;
     void runLine(const std::string& text, std::size_t line, std::size_t number, std::size_t all);
-    void makeOne(const BatchLine& line, JsonDocument& report);
+    void makeOne(const BatchLine& line, std::size_t number, JsonDocument& report);
     void fail(std::size_t line, const std::string& output, const CommandError& error,
               JsonDocument& report);
 
@@ -49,7 +49,10 @@ private:
     Console& console_;
     Generator generator_;
     ReportSurroundings surroundings_;
-    std::set<std::string> outputs_;
+    /// The data files whose "@FILE" are known.
+    std::set<std::string> dataFiles_;
+    /// The lines whose output is that of an earlier one.
+    std::set<std::size_t> repeatedOutputs_;
     std::vector<JsonDocument> reports_;
     /// "batch.ndjson:17: item-17.html: ..."
     std::vector<std::string> failures_;
@@ -63,13 +66,8 @@ std::string Batch::placeOf(std::size_t line) const {
     return inputName(arguments_.batch) + ":" + std::to_string(line) + ":";
 }
 
-void Batch::makeOne(const BatchLine& line, JsonDocument& report) {
-    std::error_code failure;
-    const fs::path place =
-        fs::weakly_canonical(fs::absolute(fs::u8path(line.report.output)), failure);
-    const bool isNew =
-        isSpecialFile(line.report.output) || outputs_.insert(place.u8string()).second;
-    if (!isNew) {
+void Batch::makeOne(const BatchLine& line, std::size_t number, JsonDocument& report) {
+    if (repeatedOutputs_.count(number) > 0) {
         throw usageError(line.report.output + ": an earlier line writes the same file",
                          "name another output");
     }
@@ -107,7 +105,7 @@ void Batch::runLine(const std::string& text, std::size_t line, std::size_t numbe
         const BatchLine order = readBatchLine(text, line, arguments_);
         output = order.report.output;
         console_.progress(std::to_string(number) + "/" + std::to_string(all) + " " + output);
-        makeOne(order, report);
+        makeOne(order, line, report);
     } catch (const CommandError& error) {
         if (error.exitCode == ExitCode::Interrupted) throw;
         fail(line, output, error, report);
@@ -122,18 +120,49 @@ void Batch::runLine(const std::string& text, std::size_t line, std::size_t numbe
     reports_.push_back(std::move(report));
 }
 
+void Batch::addInputs(const BatchLine& line, const std::vector<std::string>& filesNamed) {
+    for (const std::string& file : filesNamed)
+        surroundings_.inputs.add(file);
+    for (const std::string& file : line.values.data) {
+        surroundings_.inputs.add(file);
+        if (!dataFiles_.insert(file).second) continue;
+        for (const std::string& named : filesNamedIn(file))
+            surroundings_.inputs.add(named);
+    }
+    if (namesCatalogueFile(line.report.lang)) surroundings_.inputs.add(line.report.lang);
+}
+
+void Batch::addInputsOfOptions() {
+    if (arguments_.batch != "-") surroundings_.inputs.add(arguments_.batch);
+    std::vector<std::string> files;
+    ValueReading reading;
+    reading.filesNamed = &files;
+    try {
+        for (const std::string& assignment : arguments_.values.set)
+            readAssignment(assignment, "--set", reading);
+    } catch (const CommandError&) {
+        // Every line fails in its turn.
+    }
+    for (const std::string& file : files)
+        surroundings_.inputs.add(file);
+}
+
 /// Before anything is written: no report may take the place of what this or another line reads, or
-/// of a file whose name is the beginning of its own.
+/// of a file whose name is the beginning of its own. What "@FILE" names is not opened: a pipe can be
+/// read once. Where reports end up is found out here, too, since each changes what links lead to.
 void Batch::requireOtherFiles(const std::vector<std::pair<std::size_t, std::string>>& lines) {
     std::vector<std::pair<std::string, std::string>> outputs;
-    if (arguments_.batch != "-") surroundings_.inputs.add(arguments_.batch);
+    std::set<std::string> places;
+    addInputsOfOptions();
     for (const auto& [number, text] : lines) {
         try {
-            const BatchLine line = readBatchLine(text, number, arguments_);
-            for (const std::string& file : line.values.data)
-                surroundings_.inputs.add(file);
-            if (namesCatalogueFile(line.report.lang)) surroundings_.inputs.add(line.report.lang);
-            outputs.emplace_back(placeOf(number), line.report.output);
+            std::vector<std::string> filesNamed;
+            const BatchLine line = readBatchLine(text, number, arguments_, &filesNamed);
+            const std::string& output = line.report.output;
+            addInputs(line, filesNamed);
+            outputs.emplace_back(placeOf(number), output);
+            const bool isNew = isSpecialFile(output) || places.insert(placeWritten(output)).second;
+            if (!isNew) repeatedOutputs_.insert(number);
         } catch (const CommandError&) {
             // The line fails in its turn.
         }

@@ -21,7 +21,9 @@ struct BatchLine {
     std::vector<Value> pairs;
 };
 
-/// Reads one line. Raises a CommandError that begins with the file and the line.
-BatchLine readBatchLine(const std::string& text, std::size_t line, const Arguments& arguments);
+/// Reads one line. Throws a CommandError that begins with the file and the line. With `filesNamed`
+/// the files of "@FILE" are put there instead of being opened.
+BatchLine readBatchLine(const std::string& text, std::size_t line, const Arguments& arguments,
+                        std::vector<std::string>* filesNamed = nullptr);
 
 }  // namespace cli

@@ -5,6 +5,7 @@
 #include "data_file.h"
 
 #include <algorithm>
+#include <filesystem>
 #include <iterator>
 #include <nlohmann/json.hpp>
 #include <set>
@@ -236,6 +237,25 @@ std::vector<Value> readJsonValues(const std::string& text, const std::string& pl
     const CountingIterator last(start + text.size(), &events.furthest);
     json::sax_parse(first, last, &events);
     return std::move(events.values);
+}
+
+std::vector<std::string> filesNamedIn(const std::string& path) {
+    std::vector<std::string> files;
+    std::error_code ignored;
+    if (path == "-" || !std::filesystem::is_regular_file(std::filesystem::u8path(path), ignored)) {
+        return files;
+    }
+    try {
+        const std::string content = readInputFile(path, {});
+        if (looksLikeXml(content)) return files;
+        ValueReading reading;
+        reading.folder = folderOf(path);
+        reading.filesNamed = &files;
+        readJsonValues(content, path, reading);
+    } catch (const CommandError&) {
+        // Whoever reads the values says what is wrong.
+    }
+    return files;
 }
 
 std::vector<Value> readDataFile(const std::string& path, bool raw, Generator& generator,

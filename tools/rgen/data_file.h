@@ -18,6 +18,10 @@ class Generator;
 std::vector<Value> readDataFile(const std::string& path, bool raw, Generator& generator,
                                 Console& console);
 
+/// The files that "@FILE" names in a JSON data file, without opening them. Of a file with a mistake
+/// those before it; none of a pipe, which can be read once.
+std::vector<std::string> filesNamedIn(const std::string& path);
+
 /// The values of a JSON text; `place` names it in messages.
 std::vector<Value> readJsonValues(const std::string& text, const std::string& place,
                                   const ValueReading& reading);

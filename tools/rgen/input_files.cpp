@@ -16,7 +16,8 @@ namespace {
 
 namespace fs = std::filesystem;
 
-std::string placeOf(const std::string& path) {
+/// A link is read where it leads.
+std::string placeRead(const std::string& path) {
     std::error_code failure;
     const fs::path place = fs::weakly_canonical(fs::absolute(fs::u8path(path)), failure);
     return "place " + (failure ? path : place.u8string());
@@ -25,7 +26,7 @@ std::string placeOf(const std::string& path) {
 }  // namespace
 
 void InputFiles::add(const std::string& path) {
-    names_.emplace(placeOf(path), path);
+    names_.emplace(placeRead(path), path);
     const auto identity = fileIdentity(path);
     if (identity) names_.emplace("identity " + *identity, path);
 }
@@ -51,11 +52,21 @@ void InputFiles::addDataDirectory(const DataDirectory& directory) {
 
 std::optional<std::string> InputFiles::find(const std::string& path) const {
     if (path == "-" || isSpecialFile(path)) return std::nullopt;
-    auto found = names_.find(placeOf(path));
+    auto found = names_.find(placeRead(path));
     const auto identity = fileIdentity(path);
     if (found == names_.end() && identity) found = names_.find("identity " + *identity);
     if (found == names_.end()) return std::nullopt;
     return found->second;
+}
+
+std::string placeWritten(const std::string& path) {
+    std::error_code failure;
+    const fs::path whole = fs::absolute(fs::u8path(path), failure);
+    const fs::path folder = whole.parent_path();
+    const auto identity = fileIdentity(folder.u8string());
+    const std::string place =
+        identity ? *identity : fs::weakly_canonical(folder, failure).u8string();
+    return place + "/" + comparableName(whole.filename().u8string());
 }
 
 InputFiles& filesRead() {

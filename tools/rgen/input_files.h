@@ -28,6 +28,10 @@ private:
     std::map<std::string, std::string> names_;
 };
 
+/// What the paths of two outputs have in common when the second would replace the first: the folder
+/// and the name in it. A link is replaced itself, wherever it leads.
+std::string placeWritten(const std::string& path);
+
 /// The files that readInputFile has read.
 InputFiles& filesRead();
 

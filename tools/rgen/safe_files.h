@@ -54,6 +54,9 @@ bool isFullDisk(const std::error_code& failure);
 /// What all names of one existing file have in common; nothing when it cannot be told.
 std::optional<std::string> fileIdentity(const std::string& path);
 
+/// What all spellings of the name of a file have in common in one folder.
+std::string comparableName(const std::string& name);
+
 /// The lock of a folder of temporary files. The system releases it when the process ends, in
 /// whatever way; so a folder whose lock can be taken over has no owner any more. Some file systems
 /// of a network keep locks on one machine only, so the file names the machine, too.

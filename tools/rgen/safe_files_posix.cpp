@@ -240,6 +240,10 @@ std::optional<std::string> fileIdentity(const std::string& path) {
     return std::to_string(facts.st_dev) + ":" + std::to_string(facts.st_ino);
 }
 
+std::string comparableName(const std::string& name) {
+    return name;
+}
+
 FolderLock::State::~State() {
     if (file >= 0) close(file);
     const std::lock_guard lock(ownFolders().mutex);

@@ -170,6 +170,14 @@ std::optional<std::string> fileIdentity(const std::string& path) {
            ":" + std::to_string(facts.nFileIndexLow);
 }
 
+/// Letter case does not count, nor do points and blanks at the end.
+std::string comparableName(const std::string& name) {
+    std::wstring letters = fs::u8path(name).wstring();
+    letters.erase(letters.find_last_not_of(L". ") + 1);
+    CharUpperBuffW(letters.data(), static_cast<DWORD>(letters.size()));
+    return fs::path(letters).u8string();
+}
+
 FolderLock::FolderLock(std::unique_ptr<State> state) : state_(std::move(state)) {}
 
 FolderLock::~FolderLock() = default;

@@ -54,8 +54,12 @@ std::vector<std::uint8_t> bytesOf(const std::string& text, const ValueReading& r
     if (text.empty() || text[0] != '@') return readBytes(text);
     const std::string path = text.substr(1);
     const bool isWhole = path.empty() || std::filesystem::u8path(path).has_root_path();
-    const std::string content =
-        readInputFile(isWhole ? path : joinedPath(reading.folder, path), "check the path behind @");
+    const std::string place = isWhole ? path : joinedPath(reading.folder, path);
+    if (reading.filesNamed != nullptr) {
+        reading.filesNamed->push_back(place);
+        return {};
+    }
+    const std::string content = readInputFile(place, "check the path behind @");
     if (content.size() > std::numeric_limits<std::uint32_t>::max()) {
         throw usageError("\"" + path + "\" is too large", "byte arrays hold less than 4 GiB");
     }

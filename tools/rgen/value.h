@@ -61,6 +61,8 @@ struct ValueReading {
     bool raw = false;
     std::string source;
     std::string folder = ".";
+    /// When it is there, no such file is opened: the paths are put here, and the values lack bytes.
+    std::vector<std::string>* filesNamed = nullptr;
 };
 
 /// Takes "NAME:HINT" apart and makes the value that `text` stands for. `defaultHint` counts without
