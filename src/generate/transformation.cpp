@@ -65,7 +65,8 @@ Status transform(ReportGenerator& generator, const std::string& outputFormat,
     if (!isKnownFormat(outputFormat)) return RGEN_E_UNKNOWN_FORMAT;
     const XmlPtr<xmlDoc> data = buildPropertyDocument(std::exchange(properties, PropertyMap()));
     if (token.isCancellationRequested()) return RGEN_CANCELED;
-    // Behind the data document, which may lack properties and is not to use the reserve up.
+    // Starts after the data document is built: that step may drop properties when memory is
+    // exhausted and must not drain the reserve.
     const XmlMemoryWatch memory;
     const XmlPtr<xsltStylesheet> stylesheet = loadStylesheet(generator, templatePath);
     if (!stylesheet || !memory.sufficed()) return RGEN_E_XSLT_PARSE;
@@ -85,7 +86,7 @@ XmlPtr<xsltStylesheet> loadStylesheet(const ReportGenerator& generator,
     constexpr const char* noBaseUrl = nullptr;
     XmlPtr<xmlDoc> document(xmlReadDoc(xmlText(text.c_str()), noBaseUrl, "UTF-8", options));
     if (!document) return nullptr;
-    // On purpose: behind the parse and in front of the compilation, at every load.
+    // On purpose: after the parse and before the compilation, at every load.
     setParserDefaults();
     XmlPtr<xsltStylesheet> stylesheet(xsltNewStylesheet());
     if (!stylesheet || stylesheet->xpathCtxt == nullptr) return nullptr;

@@ -1,7 +1,7 @@
-// The pool. In front of every block stands a header of eight bytes: the pool's address in the upper
-// 48 bits and the size in units in the lower 16. It is zero for a block of the C heap, whose size
-// stands in front of the header. A block that waits in a free list is marked in its header, so that
-// a second release of it is seen: the list would otherwise hand it out twice.
+// The pool. The eight bytes before every block are its header: the pool's address in the upper 48
+// bits and the size in units in the lower 16. It is zero for a block of the C heap, whose size is
+// stored before the header. A block that waits in a free list is marked in its header, so that a
+// second release of it is seen: the list would otherwise hand it out twice.
 //
 // SPDX-License-Identifier: MIT
 #include "memory/pool.h"
@@ -44,7 +44,7 @@ namespace {
 
 static_assert(sizeof(void*) == sizeof(std::uint64_t), "The header has room for 48-bit addresses.");
 
-/// Room in front of a block of the C heap.
+/// Room before a block of the C heap.
 struct HeapPrefix {
     std::size_t size;
     std::uint64_t header;

@@ -19,7 +19,8 @@ class Pool : public MallocAllocated {
 public:
     /// Larger blocks come from the C heap, which can grow them in place.
     static constexpr std::size_t largestBlock = std::size_t{64} * 1024 - 8;
-    /// What rewind() leaves at most: bytes that the pool holds on to, and bytes altogether.
+    /// rewind() frees chunks beyond `mostKept` bytes and offers pages beyond `mostHeld` bytes to the
+    /// system.
     static constexpr std::size_t mostHeld = std::size_t{32} * 1024 * 1024;
     static constexpr std::size_t mostKept = std::size_t{256} * 1024 * 1024;
 
@@ -52,7 +53,7 @@ public:
     void setReserve(bool hasReserve) { hasReserve_ = hasReserve; }
 
     /// Starts anew; no block may be in use. The chunks that were used since the last time stay, up
-    /// to `mostKept` bytes, and behind the first `mostHeld` bytes the system may take their pages
+    /// to `mostKept` bytes, and beyond the first `mostHeld` bytes the system may take their pages
     /// whenever it needs them. Everything else goes back at once.
     void rewind() noexcept;
 

@@ -10,14 +10,14 @@
 
 namespace rgen::memory {
 
-/// Hands out blocks one behind the other and starts anew when all are back. Safe from several
+/// Hands out blocks one after the other and starts anew when all are back. Safe from several
 /// threads.
 class Reserve {
 public:
     static constexpr std::size_t size = std::size_t{256} * 1024;
 
     /// Aligned as a block of `malloc`; null when too little is left. No pool owns it: the eight
-    /// bytes in front of it are zero, as pool.h reads them.
+    /// bytes before it are zero, as pool.h reads them.
     void* take(std::size_t blockSize) noexcept;
     void give(void* block) noexcept;
     bool owns(const void* block) const noexcept {

@@ -22,12 +22,12 @@ using FileHandle = void*;
 /// Separator of the paths that the library builds: "\" on Windows, "/" elsewhere.
 extern const char pathSeparator;
 
-/// Converts UTF-8 path text for the file system. Raises std::range_error ("bad conversion") for
+/// Converts UTF-8 path text for the file system. Throws std::range_error ("bad conversion") for
 /// text that is not strict UTF-8, on every system alike.
 NativePathText toWidePath(const std::string& utf8Text);
 
 /// True for a device, a pipe or a socket at `path`: opening or reading one may wait for ever.
-/// Windows, whose devices and pipes stand in no folder, is not asked: always false. Raises as
+/// Windows, whose devices and pipes are in no folder, is not asked: always false. Throws as
 /// toWidePath does.
 bool namesSpecialFile(const std::string& path);
 
@@ -59,7 +59,7 @@ void closeFile(FileHandle file);
 class ChildProcess {
 public:
     /// Starts the program that the first word of `commandLine` (UTF-8) names; the system searches
-    /// for it. Raises std::range_error as toWidePath does. started() tells the outcome.
+    /// for it. Throws std::range_error as toWidePath does. started() tells the outcome.
     explicit ChildProcess(const std::string& commandLine);
     ~ChildProcess();
 
@@ -84,8 +84,8 @@ private:
 /// when there are none; does nothing on Windows, where nothing remains.
 void reapAbandonedProcesses();
 
-/// The pages stay, but the system may take their content, and the memory behind it, until they are
-/// written again.
+/// The pages stay, but the system may take their content and their memory, until they are written
+/// again.
 void offerPages(void* pages, std::size_t size);
 
 /// A pointer that each thread has for itself; null until the thread sets it. Reading it needs no
@@ -94,7 +94,7 @@ void offerPages(void* pages, std::size_t size);
 void* threadPointer();
 bool setThreadPointer(void* pointer);
 
-/// Lowest address of the calling thread's stack, or null when the system does not tell it. Raises
+/// Lowest address of the calling thread's stack, or null when the system does not tell it. Throws
 /// std::bad_alloc when memory is too short for asking.
 const char* stackLimit();
 

@@ -46,7 +46,7 @@ void callBack(DWORD reason) {
         (*callback)(nullptr, reason, nullptr);
 }
 
-/// Runs behind all destructors. At the end of the process there is nothing to save, and a thread
+/// Runs after all destructors. At the end of the process there is nothing to save, and a thread
 /// that is no more may hold a lock of the runtime.
 void releaseRuntime() {
     if (!isUnloaded) return;

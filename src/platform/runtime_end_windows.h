@@ -5,7 +5,8 @@
 
 namespace rgen::platform {
 
-/// Says that the DLL leaves a process that goes on, so that the runtime is to leave nothing behind.
+/// Call on FreeLibrary, not at process exit: the C++ runtime then frees its TLS slot, handles and
+/// exception reserve.
 void noteUnloading();
 
 }  // namespace rgen::platform

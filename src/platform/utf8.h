@@ -1,4 +1,4 @@
-// The UTF-8 check in front of every path.
+// The UTF-8 check before every use of a path.
 //
 // SPDX-License-Identifier: MIT
 #pragma once
@@ -7,7 +7,7 @@
 
 namespace rgen::platform {
 
-/// Raises std::range_error ("bad conversion") unless `text` is strict UTF-8: no invalid, overlong
+/// Throws std::range_error ("bad conversion") unless `text` is strict UTF-8: no invalid, overlong
 /// or incomplete sequences, no surrogates, nothing above U+10FFFF.
 void requireUtf8(const std::string& text);
 

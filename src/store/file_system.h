@@ -1,6 +1,6 @@
 // The file system as the library sees it: UTF-8 path texts in, Boost.Filesystem underneath in its
-// throwing forms. Failures other than those named raise boost::filesystem::filesystem_error, and
-// text that is not valid UTF-8 raises std::range_error ("bad conversion").
+// throwing forms. Failures other than those named throw boost::filesystem::filesystem_error, and
+// text that is not valid UTF-8 throws std::range_error ("bad conversion").
 //
 // SPDX-License-Identifier: MIT
 #pragma once
@@ -31,12 +31,12 @@ std::uint64_t fileSize(const std::string& path);
 /// What makeRoomForFile does with a folder that has nothing in it.
 enum class EmptyFolder { Goes, Stays };
 
-/// Removes what stands at `path` to make room for a new file. False when it cannot be removed, in
+/// Removes what is at `path` to make room for a new file. False when it cannot be removed, in
 /// whichever way that failed, and for what is left alone: devices, pipes, sockets, folders that
-/// stay. True when nothing stood there.
+/// stay. True when nothing was there.
 bool makeRoomForFile(const std::string& path, EmptyFolder emptyFolder = EmptyFolder::Goes);
 
-/// Clean-up: removes a file if it is there and can be removed. Never raises anything.
+/// Clean-up: removes a file if it is there and can be removed. Never throws.
 void removeQuietly(const std::string& path) noexcept;
 
 /// Clean-up that needs no memory: removes its file when it goes, if it is armed by then. Failures
@@ -58,7 +58,7 @@ private:
 };
 
 /// Opens the remover's file by `open`, which gives whether it succeeded. Without memory for its
-/// buffer a stream raises std::bad_alloc when the file is there already; the remover is then armed.
+/// buffer a stream throws std::bad_alloc when the file is there already; the remover is then armed.
 template <typename Open>
 bool openForWriting(FileRemover& file, Open open) {
     try {

@@ -33,8 +33,8 @@ void noteFailure() {
     }
 }
 
-/// For a request that pool and C heap refuse. One that fails for lack of stack has to fail: it is
-/// what ends a recursion.
+/// Last resort after pool and malloc. Never serves requests refused for lack of stack: that refusal
+/// ends runaway recursion.
 void* takeFromReserve(std::size_t size) {
     noteFailure();
     const memory::Pool* pool = memory::poolInUse();
@@ -42,7 +42,7 @@ void* takeFromReserve(std::size_t size) {
     return isOpen ? reserve.take(size) : nullptr;
 }
 
-/// A function of its own, since it makes the usual way short.
+/// Slow path, out of line so that the fast path inlines.
 [[gnu::cold, gnu::noinline]] void* allocateForXmlOtherwise(std::size_t size) {
     void* block = memory::poolsAreUsed ? memory::allocateOtherwise(memory::poolInUse(), size)
                                        : std::malloc(size);
@@ -65,7 +65,7 @@ void* moveFromReserve(void* block, std::size_t size) {
     return moved;
 }
 
-/// The reserve does not stand in here: whoever grows a block examines the outcome.
+/// The reserve does not serve here: whoever grows a block examines the outcome.
 void* reallocateForXml(void* block, std::size_t size) {
     if (block == nullptr) return allocateForXml(size);
     if (reserve.owns(block)) return moveFromReserve(block, size);

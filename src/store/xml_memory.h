@@ -19,9 +19,9 @@ bool hasXmlThreadState() noexcept;
 /// The same; throws std::bad_alloc without memory.
 void requireXmlThreadState();
 
-/// How often the C heap has had no memory for the XML libraries: for the work of the pool in use,
-/// or, on threads without one, for all of these together. Where the number has changed, what they
-/// made meanwhile may be incomplete, whatever they say.
+/// Number of failed XML allocations: in the work of the pool in use, or, on threads without one, of
+/// all of these together. If it changed across a libxml2 or libxslt call, treat the result as
+/// incomplete even if the call reported success.
 std::size_t failedXmlAllocations();
 
 /// While it lives, a reserve stands in for a while when the XML libraries, at work in the pool in

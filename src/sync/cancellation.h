@@ -1,4 +1,4 @@
-// The cancellation flag of one generation: the source raises it, the token observes it.
+// The cancellation flag of one generation: the source sets it, the token observes it.
 //
 // SPDX-License-Identifier: MIT
 #pragma once
@@ -22,7 +22,7 @@ private:
 /// Owns a token. Both live on shared references.
 class CancellationTokenSource {
 public:
-    /// Raises the flag; calling it again changes nothing.
+    /// Sets the flag; calling it again changes nothing.
     void cancel() { token_->cancelled_.exchange(true); }
     bool isCancellationRequested() const { return token_->isCancellationRequested(); }
     std::shared_ptr<CancellationToken> getToken() const { return token_; }

@@ -41,7 +41,7 @@ private:
 void unregisterGeneration(ReportGenerator& generator, const std::string& key,
                           const std::shared_ptr<CancellationTokenSource>& source);
 
-/// Raises the flags of all registered generations of a report type and removes their entries. Takes
+/// Sets the flags of all registered generations of a report type and removes their entries. Takes
 /// the generator's mutex.
 void cancelGenerations(ReportGenerator& generator, const Guid& guid);
 
