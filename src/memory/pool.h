@@ -19,8 +19,8 @@ class Pool : public MallocAllocated {
 public:
     /// Larger blocks come from the C heap, which can grow them in place.
     static constexpr std::size_t largestBlock = std::size_t{64} * 1024 - 8;
-    /// rewind() frees chunks beyond `mostKept` bytes and offers pages beyond `mostHeld` bytes to the
-    /// system.
+    /// rewind() frees chunks beyond `mostKept` bytes and offers pages beyond `mostHeld` bytes to
+    /// the system.
     static constexpr std::size_t mostHeld = std::size_t{32} * 1024 * 1024;
     static constexpr std::size_t mostKept = std::size_t{256} * 1024 * 1024;
 

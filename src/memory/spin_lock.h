@@ -1,5 +1,5 @@
-// A lock that needs no memory, for what is short or rare: the blocks of the reserve, and the start and
-// the end of the XML libraries.
+// A lock that needs no memory, for what is short or rare: the blocks of the reserve, and the start
+// and the end of the XML libraries.
 //
 // SPDX-License-Identifier: MIT
 #pragma once
