@@ -323,7 +323,9 @@ bool ChildProcess::queryExitCode(std::uint32_t& exitCode) {
 
 void reapAbandonedProcesses() {
     if (!anyAbandoned) return;
-    const std::lock_guard lock(abandonedMutex);
+    // Where another thread collects them, or did when the host forked, there is nothing to wait for.
+    const std::unique_lock lock(abandonedMutex, std::try_to_lock);
+    if (!lock) return;
     AbandonedProcess** link = &abandonedProcesses;
     while (AbandonedProcess* abandoned = *link) {
         if (disposeIfEnded(abandoned->process, abandoned->descriptor)) {
