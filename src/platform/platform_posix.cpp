@@ -323,7 +323,7 @@ bool ChildProcess::queryExitCode(std::uint32_t& exitCode) {
 
 void reapAbandonedProcesses() {
     if (!anyAbandoned) return;
-    // Where another thread collects them, or did when the host forked, there is nothing to wait for.
+    // Where another thread collects them, or did when the host forked, nobody waits for it.
     const std::unique_lock lock(abandonedMutex, std::try_to_lock);
     if (!lock) return;
     AbandonedProcess** link = &abandonedProcesses;
