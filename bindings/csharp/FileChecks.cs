@@ -17,7 +17,7 @@ namespace StrataRepgenlib
             try
             {
                 FileAttributes found = File.GetAttributes(path);
-                // A link is asked by a name behind it: links in a circle lead nowhere.
+                // A link is asked by a name below it: links in a circle lead nowhere.
                 if ((found & FileAttributes.ReparsePoint) != 0) File.GetAttributes(path + "/any");
             }
             catch (FileNotFoundException)

@@ -29,7 +29,7 @@ def as_absolute(path: str) -> str:
     when the current folder is gone."""
     if os.path.isabs(path):
         return path
-    # On Linux ".." behind a link is not what stands in front of it.
+    # On Linux ".." after a link is not what stands before it.
     return os.path.abspath(path) if os.name == "nt" else os.path.join(os.getcwd(), path)
 
 

@@ -126,7 +126,7 @@ impl Generator {
     }
 
     /// Generates a report as a file that the system deletes when it is closed, without conversion.
-    /// On Linux it stands behind the report: seek before reading. On Windows it is for writing
+    /// On Linux it is at the end of the report: seek before reading. On Windows it is for writing
     /// only, and the path is taken in the ANSI code page: keep to ASCII.
     pub fn generate_open_file(
         &self,

@@ -1,5 +1,5 @@
-// The translate callback: the closure that the library calls, the text that it gave last, and what
-// it raised.
+// The translate callback: the closure that the library calls, the text that it gave last, and its
+// panic.
 //
 // SPDX-License-Identifier: MIT
 use std::any::Any;
@@ -13,7 +13,7 @@ use crate::texts::{as_markup, checked_markup, from_native};
 type Payload = Box<dyn Any + Send>;
 
 thread_local! {
-    /// What a translator raised on this thread, which generates.
+    /// What a translator panicked with on this thread, which generates.
     static RAISED: RefCell<Option<Payload>> = RefCell::new(None);
 }
 
@@ -82,8 +82,8 @@ pub(crate) unsafe extern "C" fn same(text: *const CChar, _context: *mut c_void) 
     text
 }
 
-/// Makes a call of the library; gives its result, and what a translator raised meanwhile. It may be
-/// made inside a translator of another generator, which has raised nothing by then.
+/// Makes a call of the library; gives its result, and what a translator panicked with meanwhile.
+/// It may be made inside a translator of another generator, which has not panicked by then.
 pub(crate) fn watch<T>(call: impl FnOnce() -> T) -> (T, Option<Payload>) {
     let result = call();
     (result, RAISED.with(RefCell::take))
