@@ -439,8 +439,10 @@ class Proportion(ProbeCase):
 class Ends(ProbeCase):
     """What ends the work on a page."""
 
+    SIZE = 350_000
+
     def expect(self, command, code, message):
-        self.write("page.html", "<!---->" * 50_000)
+        self.write("page.html", repeated("<!---->", self.SIZE))
         (found, looks, words), = self.probe(command, "page.html")
         self.assertEqual((code, message), (found, words))
         return looks
@@ -451,7 +453,9 @@ class Ends(ProbeCase):
         self.assertLess(looks, 5)
 
     def test_the_page_disappears(self):
-        self.assertEqual(1, self.expect("gone", 8, "cancelled"))
+        looks = self.expect("gone", 8, "cancelled")
+        # Windows may show a removed file until it is closed, which is when the page has been read.
+        self.assertLessEqual(looks, self.SIZE // 65_536 + 1 if ON_WINDOWS else 1)
 
     def test_a_signal(self):
         self.assertEqual(1, self.expect("signal", 8, "cancelled"))
