@@ -92,6 +92,7 @@ void SoakHost::abandonConverter() {
     companion_.finish();
     EXPECT_FALSE(exists(path));
     EXPECT_FALSE(exists(path + ".html"));
+    EXPECT_LT(0, allChildren());
     writeFile(outputs_.file("waiting/released"), "");
     waitForFile(outputs_.file("waiting/ended"));
     // The converter has that file open until its end; Windows removes none that is open.

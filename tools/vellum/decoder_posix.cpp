@@ -13,8 +13,8 @@
 namespace vellum {
 namespace {
 
-/// What comes for a byte without a meaning. In the encodings of Windows, the HTML standard and Windows
-/// itself take such a byte from 0x80 to 0x9F as the control character of this number.
+/// What comes for a byte without a meaning. In the encodings of Windows, the HTML standard and
+/// Windows itself take such a byte from 0x80 to 0x9F as the control character of this number.
 std::string substitute(const Encoding& encoding, char byte) {
     const bool isOfWindows = std::string_view(encoding.name).rfind("windows-", 0) == 0;
     const bool isControl = (static_cast<unsigned char>(byte) & 0xE0U) == 0x80U;

@@ -7,8 +7,8 @@
 
 namespace vellum {
 
-/// "vellum: ..." on standard error: one line that steers no terminal, whatever a page or a path puts
-/// into `text`.
+/// "vellum: ..." on standard error: one line that steers no terminal, whatever a page or a path
+/// puts into `text`.
 void say(const std::string& text);
 
 /// "vellum: warning: ...", likewise.
