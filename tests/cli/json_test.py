@@ -134,3 +134,17 @@ class Conversions(ConversionCase):
         document = self.convert("--set", "A=1", "--json").finish(WHOLE_PDF).document
         self.assertEqual((True, "pdf", len(WHOLE_PDF), "report.pdf"),
                          tuple(document[name] for name in ("ok", "format", "bytes", "output")))
+
+
+class TextsThatSteerATerminal(CliCase):
+
+    def test_they_are_written_as_references(self):
+        letters = "\x7f\u0080\u009b\u061c\u200e\u2028\u202e\u2066"
+        result = self.rgen("report", "-d", "case", "--json", "--show-data", "-f", "txt", "-q", "-o",
+                           "o.txt", "--set", f"A=Größe {letters} \U0001f600")
+        self.expect_done(result)
+        for letter in letters:
+            self.assertNotIn(letter, result.text)
+            self.assertIn(f"\\u{ord(letter):04x}", result.text)
+        self.assertIn("Größe", result.text)
+        self.assertEqual(f"Größe {letters} \U0001f600", result.document["data"][0]["text"])

@@ -4,6 +4,9 @@
 #include "json_document.h"
 
 #include <nlohmann/json.hpp>
+#include <string_view>
+
+#include "plain_text.h"
 
 namespace cli {
 
@@ -47,11 +50,29 @@ void JsonDocument::set(const std::string& name, const std::vector<JsonDocument>&
     object_->value[name] = std::move(array);
 }
 
+namespace {
+
+/// The same document without a character that steers a terminal or reorders what is seen; they are
+/// in texts only, where "\u009b" means the same.
+std::string withoutSteering(const std::string& json) {
+    std::string result;
+    for (std::size_t i = 0; i < json.size();) {
+        const std::size_t length = tools::sequenceLength(std::string_view(json).substr(i));
+        const std::string letter = json.substr(i, length == 0 ? 1 : length);
+        const bool isAscii = letter.size() == 1 && letter != "\x7f";
+        const bool isPlain = isAscii || tools::printable(letter) == letter;
+        result += isPlain ? letter : nlohmann::json(letter).dump(-1, ' ', true).substr(1, 6);
+        i += letter.size();
+    }
+    return result;
+}
+
+}  // namespace
+
 std::string JsonDocument::text() const {
     constexpr int indentation = 2;
-    return object_->value.dump(indentation, ' ', false,
-                               nlohmann::ordered_json::error_handler_t::replace) +
-           "\n";
+    const auto replace = nlohmann::ordered_json::error_handler_t::replace;
+    return withoutSteering(object_->value.dump(indentation, ' ', false, replace)) + "\n";
 }
 
 }  // namespace cli
