@@ -130,6 +130,9 @@ std::string adviceFor(RgenStatus status, const ReportSurroundings& surroundings,
         case RGEN_E_OVERWRITE_OUTPUT:
         case RGEN_E_CREATE_OUTPUT:
             return adviceOnOutput(order.arguments.output);
+        case RGEN_E_WRITE_OUTPUT:
+        case RGEN_E_WRITE_ALL_OUTPUT:
+            return "check that the disk has room";
         case RGEN_E_RUN_EXTERNAL:
             return output.converterFault();
         case RGEN_E_OPEN_CONFIG:
@@ -148,6 +151,8 @@ std::string adviceFor(RgenStatus status, const ReportSurroundings& surroundings,
         surroundings.generator.failure(outputName(order.arguments.output), status,
                                        adviceFor(status, surroundings, order, output, format));
     if (status == RGEN_E_RUN_EXTERNAL) error.exitCode = ExitCode::Environment;
+    const bool isWriting = status == RGEN_E_WRITE_OUTPUT || status == RGEN_E_WRITE_ALL_OUTPUT;
+    if (isWriting) error.exitCode = ExitCode::Unverified;
     throw error;
 }
 
@@ -161,6 +166,8 @@ RgenStatus callLibrary(const ReportSurroundings& surroundings, const ReportOrder
     try {
         return output.generate(surroundings.generator, request, format);
     } catch (const std::bad_alloc&) {
+        throw;
+    } catch (const CommandError&) {
         throw;
     } catch (const std::exception& exception) {
         throw CommandError(ExitCode::Environment,
