@@ -7,8 +7,9 @@ SPDX-License-Identifier: MIT
 """
 
 import json
+import os
 
-from cli_case import wait_for
+from cli_case import linux_only, wait_for
 from cli_converter import WHOLE_PDF, ConversionCase
 from cli_templates import stylesheet
 
@@ -103,3 +104,54 @@ class Interruption(ConversionCase):
         self.assertEqual(130, result.code, result)
         self.expect_done(waiting.finish(WHOLE_PDF))
         self.assertEqual(WHOLE_PDF, self.read("report.pdf"))
+
+
+@linux_only
+class PipesThatNobodyEmpties(ConversionCase):
+    """The first interrupt ends a run whose reader or writer at the other end does nothing."""
+
+    def setUp(self):
+        super().setUp()
+        self.write_json("large.json", {"A": "x" * 1_000_000})
+
+    def expect_end(self, running, reader):
+        """The run has begun to write and cannot come to its end."""
+        self.assertEqual(b"[", os.read(reader, 1))
+        running.interrupt()
+        result = running.finish()
+        self.assertEqual((130, 1), (result.code, result.err.count("interrupted")), result)
+        os.close(reader)
+
+    def test_standard_output(self):
+        reader, writer = os.pipe()
+        running = self.start("report", "-d", "case", "-f", "txt", "-o", "-", "--data", "large.json",
+                             stdout=writer)
+        self.expect_end(running, reader)
+
+    def pipe(self):
+        os.mkfifo(self.folder / "pipe")
+        self.addCleanup((self.folder / "pipe").unlink)
+
+    def test_a_pipe_with_a_name(self):
+        self.pipe()
+        running = self.start("report", "-d", "case", "-f", "txt", "-o", "pipe", "--mode", "bytes",
+                             "--data", "large.json")
+        self.expect_end(running, os.open(self.folder / "pipe", os.O_RDONLY))
+
+    def test_a_line_of_a_batch(self):
+        self.pipe()
+        self.write("batch.ndjson", json.dumps({"output": "pipe", "mode": "bytes"}) + "\n")
+        running = self.start("report", "-d", "case", "-f", "txt", "--batch", "batch.ndjson",
+                             "--data", "large.json")
+        self.expect_end(running, os.open(self.folder / "pipe", os.O_RDONLY))
+
+    def test_data_of_a_batch(self):
+        self.pipe()
+        self.write("batch.ndjson", '{"output": "a.txt", "data": "pipe"}\n')
+        running = self.start("report", "-d", "case", "--batch", "batch.ndjson")
+        writer = os.open(self.folder / "pipe", os.O_WRONLY)
+        running.interrupt()
+        result = running.finish()
+        self.assertEqual((130, b""), (result.code, result.out), result)
+        os.close(writer)
+        self.assertNotIn("a.txt", self.names())

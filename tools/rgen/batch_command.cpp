@@ -40,6 +40,7 @@ private:
     void addInputsOfOptions();
     void requireOtherFiles(const std::vector<std::pair<std::size_t, std::string>>& lines);
     std::string summary(std::size_t done, std::size_t notBegun) const;
+    BatchLine readWholeLine(const std::string& text, std::size_t line) const;
     void runLine(const std::string& text, std::size_t line, std::size_t number, std::size_t all);
     void makeOne(const BatchLine& line, std::size_t number, JsonDocument& report);
     void fail(std::size_t line, const std::string& output, const CommandError& error,
@@ -75,7 +76,10 @@ void Batch::makeOne(const BatchLine& line, std::size_t number, JsonDocument& rep
     order.type = findReportType(surroundings_.directory, line.type);
     recoverPersistentData(surroundings_.directory, order.type, console_);
     order.arguments = line.report;
-    order.input = collectInput(line.values, generator_, console_);
+    {
+        const EndAtOnce whilePipesWait;
+        order.input = collectInput(line.values, generator_, console_);
+    }
     for (const Value& value : line.set)
         order.input.values.add(value);
     for (const Value& pair : line.pairs)
@@ -95,6 +99,11 @@ void Batch::fail(std::size_t line, const std::string& output, const CommandError
     failures_.push_back(text.rfind(place, 0) == 0 ? text : place + " " + text);
 }
 
+BatchLine Batch::readWholeLine(const std::string& text, std::size_t line) const {
+    const EndAtOnce whilePipesWait;
+    return readBatchLine(text, line, arguments_);
+}
+
 void Batch::runLine(const std::string& text, std::size_t line, std::size_t number,
                     std::size_t all) {
     JsonDocument report;
@@ -102,7 +111,7 @@ void Batch::runLine(const std::string& text, std::size_t line, std::size_t numbe
     std::string output;
     console_.beginNotes(placeOf(line) + " ");
     try {
-        const BatchLine order = readBatchLine(text, line, arguments_);
+        const BatchLine order = readWholeLine(text, line);
         output = order.report.output;
         console_.progress(std::to_string(number) + "/" + std::to_string(all) + " " + output);
         makeOne(order, line, report);

@@ -10,6 +10,7 @@
 #include <filesystem>
 #include <set>
 #include <system_error>
+#include <utility>
 
 #include "command_error.h"
 #include "host_system.h"
@@ -98,6 +99,17 @@ InterruptGuard::~InterruptGuard() {
         state().changed.notify_all();
     }
     if (canceller_.joinable()) canceller_.join();
+}
+
+EndAtOnce::EndAtOnce() : guards_(0) {
+    const std::lock_guard lock(state().mutex);
+    if (state().interrupted) throw CommandError(ExitCode::Interrupted, "interrupted");
+    std::swap(guards_, state().guards);
+}
+
+EndAtOnce::~EndAtOnce() {
+    const std::lock_guard lock(state().mutex);
+    state().guards += guards_;
 }
 
 /// The request is repeated: a generation that has not registered yet would not see the first one.

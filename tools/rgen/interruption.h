@@ -38,6 +38,20 @@ private:
     std::thread canceller_;
 };
 
+/// A stretch in which the program may wait for somebody else, such as the reader of a pipe: every
+/// Ctrl-C ends it at once, whatever guards there are. Throws the CommandError of an interruption
+/// that came before.
+class EndAtOnce {
+public:
+    EndAtOnce();
+    ~EndAtOnce();
+    EndAtOnce(const EndAtOnce&) = delete;
+    EndAtOnce& operator=(const EndAtOnce&) = delete;
+
+private:
+    int guards_;
+};
+
 /// A file that is removed when this goes, and when the program is interrupted, unless it is kept.
 class TemporaryFile {
 public:

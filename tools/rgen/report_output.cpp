@@ -139,7 +139,9 @@ std::uint64_t ReportOutput::deliver() {
     const std::uint64_t size =
         plan_.converts ? fs::file_size(fs::u8path(path_), ignored) : bytes().size();
     if (plan_.target == "-") {
-        printData(plan_.converts ? std::string_view(readInputFile(path_, "try again")) : bytes());
+        const std::string file = plan_.converts ? readInputFile(path_, "try again") : std::string();
+        const EndAtOnce atOnce;
+        printData(plan_.converts ? std::string_view(file) : bytes());
     } else if (folder_) {
         folder_->deliver(path_, plan_.target);
     } else {
@@ -150,7 +152,10 @@ std::uint64_t ReportOutput::deliver() {
 
 void writeOutputFile(const std::string& path, std::string_view bytes) {
     try {
-        if (isSpecialFile(path)) return writeIntoSpecialFile(path, bytes);
+        if (isSpecialFile(path)) {
+            const EndAtOnce atOnce;
+            return writeIntoSpecialFile(path, bytes);
+        }
         const TemporaryFolder folder(path);
         const std::string part = folder.file("output");
         writeNewFile(part, bytes);
