@@ -262,6 +262,64 @@ class TranslationsLeaveTheTemplateWhole(TranslationCase):
         self.assertEqual((["Namen"], []), self.lines_of("--lang", "de.po"))
 
 
+class MarkupThatIsNotWellFormed(TranslationCase):
+    """It would cost the template its references, which the library does not say."""
+
+    broken = ["<b>5 < 6</b> ok", "<b>a", "a</b>", "</r><r>", "<b a=1/>", "<![CDATA[x", "<!-- a -- -->",
+              "<?xml version='1.0'?>", "<!DOCTYPE r><b/>", "<a:b:></a>"]
+    whole = ["<b>x</b>", "plain", "<q:b/>", "<b q:a='&lt;'/>", "<!-- a --><?b c?>",
+             "<![CDATA[x]]> y <![CDATA[<]]>"]
+    original = "<b>Bold</b>"
+
+    def setUp(self):
+        super().setUp()
+        self.put_template(marked("Name") + "<!-- -->")
+
+    def test_where_the_original_has_markup(self):
+        for text in self.broken:
+            with self.subTest(text=text):
+                self.write("de.po", f'msgid "Name"\nmsgstr ""\n\nmsgid "{self.original}"\n'
+                                    f'msgstr "{text}"\n')
+                before = self.contents()
+                self.expect_error_like(
+                    self.report("--set", "A=1", "--lang", "de.po"), 2,
+                    r"^rgen: de\.po:5:1: the translation is not well-formed: .+; correct the catalogue$")
+                self.assertEqual(before, self.contents())
+        for text in self.whole:
+            with self.subTest(text=text):
+                self.write("de.po", catalogue({"Name": "x", self.original: text}))
+                self.assertEqual((["x"], []), self.lines_of("--lang", "de.po"))
+
+    def test_after_a_section(self):
+        original = "<xsl:text>a</xsl:text>"
+        self.put_template(stylesheet(f'QT_TRANSLATE_NOOP("QObject", "{original}")|&lt;&amp;'))
+        self.write("de.po", catalogue({original: "<![CDATA[x<]]> ]]> y"}))
+        self.assertEqual((["x< ]]> y|<&"], []), self.lines_of("--lang", "de.po"))
+
+    def test_raw_translations_are_noted(self):
+        texts = [*self.broken, "a & b", "a ]]> b", "<", "&"]
+        for text in texts:
+            with self.subTest(text=text):
+                self.write("de.po", catalogue({"Other": "<b>x</b> &amp; &#8364;", "Unused": text}))
+                result = self.report("--set", "A=1", "--lang", "de.po", "--raw")
+                self.expect_done(result)
+                self.assertRegex(result.notes[0], "^1 translation is not well-formed, and with --raw a "
+                                                  r"part of the template may be lost: de\.po:10:1: .+")
+        self.write("de.po", catalogue({f"Unused {i}": text for i, text in enumerate(texts)}))
+        result = self.report("--set", "A=1", "--lang", "de.po", "--raw")
+        self.assertRegex(result.notes[0], f"^{len(texts)} translations are not well-formed")
+
+    def test_an_original_with_half_of_an_element(self):
+        """Its other half is elsewhere in the template."""
+        self.write("de.po", catalogue({"Name": "x", "</b> a <b>": "</b> c <b>"}))
+        self.assertEqual((["x"], []), self.lines_of("--lang", "de.po"))
+
+    def test_a_large_catalogue(self):
+        self.write("de.po", catalogue({"Name": "x", **{f"<b>{i}</b>": f"<i>{i}</i>"
+                                                       for i in range(50_000)}}))
+        self.assertEqual((["x"], []), self.lines_of("--lang", "de.po"))
+
+
 class BrokenCatalogues(TranslationCase):
 
     def test_the_place_of_the_error(self):

@@ -7,8 +7,10 @@
 #include <string_view>
 
 #include "command_error.h"
+#include "console.h"
 #include "input_file.h"
 #include "xml_content.h"
+#include "xml_documents.h"
 
 namespace cli {
 namespace {
@@ -38,6 +40,7 @@ public:
     const std::string& keyword() const { return keyword_; }
     const std::string& value() const { return value_; }
 
+    std::string placeOfKeyword() const { return placeText(path_, positionOf(text_, start_)); }
     [[noreturn]] void failAtKeyword(const std::string& message) const { fail(start_, message); }
 
 private:
@@ -113,16 +116,23 @@ std::string replaceAll(const std::string& text, char letter, const char* replace
 }
 
 /// "]]>" ends a section that was never begun, also when the template has the first of the three.
+/// Sections that the text begins and ends stay.
 std::string withoutSectionEnds(const std::string& text) {
+    constexpr std::string_view start = "<![CDATA[";
+    constexpr std::string_view end = "]]>";
     std::string result;
     std::size_t brackets = 2;
-    for (const char each : text) {
-        if (each == '>' && brackets >= 2) {
-            result += "&gt;";
-        } else {
-            result += each;
+    for (std::size_t i = 0; i < text.size(); ++i) {
+        const bool isStart = text.compare(i, start.size(), start) == 0;
+        const std::size_t close = isStart ? text.find(end, i + start.size()) : std::string::npos;
+        if (close != std::string::npos) {
+            result += text.substr(i, close + end.size() - i);
+            i = close + end.size() - 1;
+            brackets = 0;
+            continue;
         }
-        brackets = each == ']' ? brackets + 1 : 0;
+        result += text[i] == '>' && brackets >= 2 ? "&gt;" : std::string(1, text[i]);
+        brackets = text[i] == ']' ? brackets + 1 : 0;
     }
     return result;
 }
@@ -138,9 +148,22 @@ std::string asMarkup(const std::string& original, const std::string& translation
         isInOriginal("&") ? escapedPlainAmpersands(translation) : escapedAmpersands(translation);
     if (!isInOriginal("<")) markup = replaceAll(markup, '<', "&lt;");
     if (!isInOriginal("<") && !isInOriginal(">")) markup = replaceAll(markup, '>', "&gt;");
-    if (markup.find("<![CDATA[") == std::string::npos) markup = withoutSectionEnds(markup);
-    // A marker in an attribute stands between single quotes.
-    if (!isInOriginal("'")) markup = replaceAll(markup, '\'', "&#39;");
+    markup = withoutSectionEnds(markup);
+    // A marker in an attribute stands between single quotes, and has no "<".
+    if (!isInOriginal("'") && !isInOriginal("<")) markup = replaceAll(markup, '\'', "&#39;");
+    return markup;
+}
+
+/// Where the original has no markup, nothing of the translation is left that could be a mistake. An
+/// original with half of an element is not well-formed itself, nor is what stands for it.
+std::string wellFormedMarkup(const std::string& original, const std::string& translation,
+                             const PoReader& reader) {
+    std::string markup = asMarkup(original, translation);
+    if (original.find('<') == std::string::npos) return markup;
+    const std::string mistake = mistakeInContent(markup);
+    if (!mistake.empty() && mistakeInContent(original).empty()) {
+        reader.failAtKeyword("the translation is not well-formed: " + mistake);
+    }
     return markup;
 }
 
@@ -167,7 +190,23 @@ void requireFitCharacters(const std::string& translation, const PoReader& reader
 
 }  // namespace
 
-Catalogue::Catalogue(const std::string& path, bool raw) : path_(path) {
+void Catalogue::addRaw(const std::string& original, const std::string& translation,
+                       const std::string& place) {
+    texts_[original] = translation;
+    const std::string mistake = mistakeInContent(translation);
+    if (mistake.empty()) return;
+    if (mistakes_++ == 0) firstMistake_ = place + ": " + mistake;
+}
+
+void Catalogue::noteMistakes(Console& console) const {
+    if (mistakes_ == 0) return;
+    const char* const are = mistakes_ == 1 ? " translation is" : " translations are";
+    console.note(
+        std::to_string(mistakes_) + are +
+        " not well-formed, and with --raw a part of the template may be lost: " + firstMistake_);
+}
+
+Catalogue::Catalogue(const std::string& path, bool raw, Console& console) : path_(path) {
     const std::string content = readInputFile(path, pathHint);
     if (!isPlainUtf8(content)) {
         throw usageError(path + ": the catalogue is not valid UTF-8", "convert it with msgconv");
@@ -186,11 +225,16 @@ Catalogue::Catalogue(const std::string& path, bool raw) : path_(path) {
             if (original.empty()) checkHeader(translation, reader);
             if (!original.empty() && !translation.empty()) {
                 requireFitCharacters(translation, reader);
-                texts_[original] = raw ? translation : asMarkup(original, translation);
+                if (raw) {
+                    addRaw(original, translation, reader.placeOfKeyword());
+                } else {
+                    texts_[original] = wellFormedMarkup(original, translation, reader);
+                }
             }
             hasOriginal = false;
         }
     }
+    noteMistakes(console);
 }
 
 const std::string* Catalogue::find(const std::string& text) const {

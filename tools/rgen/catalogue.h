@@ -12,13 +12,16 @@
 
 namespace cli {
 
+class Console;
+
 class Catalogue {
 public:
     /// Reads a PO file. Throws a CommandError with line and column, also for a translation with
     /// characters that XML cannot hold. Unless `raw` is set, "&", "<", ">" and "'" in a translation
     /// are escaped, each unless the original has it, too; "]]>" and an "&" that starts no reference
-    /// are escaped even then.
-    Catalogue(const std::string& path, bool raw);
+    /// are escaped even then. Throws one, too, for a translation with markup that is not well-formed:
+    /// the library would take what it can of the template. With `raw` it is noted instead.
+    Catalogue(const std::string& path, bool raw, Console& console);
 
     const std::string& path() const { return path_; }
 
@@ -26,7 +29,13 @@ public:
     const std::string* find(const std::string& text) const;
 
 private:
+    void addRaw(const std::string& original, const std::string& translation,
+                const std::string& place);
+    void noteMistakes(Console& console) const;
+
     std::string path_;
+    std::size_t mistakes_ = 0;
+    std::string firstMistake_;
     std::unordered_map<std::string, std::string> texts_;
 };
 

@@ -34,10 +34,11 @@ const char* RGEN_CALL sameText(const char* text, void*) {
 /// The translate callback of one report; afterwards the generator has none again.
 class TranslationScope {
 public:
-    TranslationScope(const Generator& generator, const std::string& cataloguePath, bool raw)
+    TranslationScope(const Generator& generator, const std::string& cataloguePath, bool raw,
+                     Console& console)
         : generator_(generator) {
         if (cataloguePath.empty()) return;
-        catalogue_ = std::make_unique<Catalogue>(cataloguePath, raw);
+        catalogue_ = std::make_unique<Catalogue>(cataloguePath, raw, console);
         translator_ = std::make_unique<Translator>(*catalogue_);
         rgen_setTranslateFunction(generator_.handle(), Translator::translate, translator_.get());
     }
@@ -239,7 +240,8 @@ ReportOutcome makeReport(const ReportSurroundings& surroundings, const ReportOrd
     outcome.format = formatOf(order.arguments);
     outcome.values = numberOfNames(order.input);
     const std::string catalogue = chosenCatalogue(surroundings, order);
-    const TranslationScope translation(surroundings.generator, catalogue, surroundings.raw);
+    const TranslationScope translation(surroundings.generator, catalogue, surroundings.raw,
+                                       surroundings.console);
     requireOtherFile(surroundings.inputs, order.arguments.output);
     requireOtherFile(filesRead(), order.arguments.output);
     noteDamage(surroundings, order.type);

@@ -5,6 +5,7 @@
 
 #include <libxml/xmlsave.h>
 
+#include <limits>
 #include <memory>
 #include <optional>
 
@@ -121,6 +122,27 @@ std::vector<std::string> propertyNames(const std::string& path) {
     for (xmlNode* element : entries(document.get(), "data", "properties", "property"))
         names.push_back(attribute(element, "name"));
     return names;
+}
+
+std::string mistakeInContent(const std::string& content) {
+    if (content.find_first_of("<>&") == std::string::npos) return {};
+    const std::string document = "<r>" + content + "</r>";
+    if (document.size() > static_cast<std::size_t>(std::numeric_limits<int>::max())) {
+        return "it is too large";
+    }
+    const std::unique_ptr<xmlParserCtxt, void (*)(xmlParserCtxt*)> context(xmlNewParserCtxt(),
+                                                                           xmlFreeParserCtxt);
+    if (!context) throw std::bad_alloc();
+    // A prefix without a declaration is no mistake of this kind: the document is there.
+    constexpr int options =
+        XML_PARSE_NOERROR | XML_PARSE_NOWARNING | XML_PARSE_NONET | XML_PARSE_HUGE;
+    const Owned<xmlDoc> read(xmlCtxtReadMemory(context.get(), document.data(),
+                                               static_cast<int>(document.size()), nullptr, "UTF-8",
+                                               options));
+    if (read) return {};
+    const xmlError* const error = xmlCtxtGetLastError(context.get());
+    const bool isKnown = error != nullptr && error->message != nullptr;
+    return isKnown ? trimmed(error->message) : "it is no XML";
 }
 
 std::string damageOf(const std::string& path) {

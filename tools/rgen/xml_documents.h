@@ -29,6 +29,10 @@ std::vector<std::string> propertyNames(const std::string& path);
 /// What is wrong with an XML file, with its line; empty when it is well-formed.
 std::string damageOf(const std::string& path);
 
+/// What is wrong with a text that is to be the content of an element; empty when it is well-formed.
+/// Prefixes need not be declared.
+std::string mistakeInContent(const std::string& content);
+
 /// Names and texts of a dump that the library wrote.
 std::map<std::string, std::string> readDump(const std::string& path);
 
