@@ -180,7 +180,7 @@ class Sizes(CliCase):
         self.write("batch.ndjson", '{"output": "a.txt", "set": {"A": 1e400}}\n')
         result = self.rgen("report", "-d", "case", "--batch", "batch.ndjson")
         self.assertEqual(1, result.code, result)
-        self.assertIn("rgen: batch.ndjson:1: not JSON: number overflow", result.err)
+        self.assertIn("rgen: batch.ndjson:1:38: not JSON: number overflow", result.err)
 
     def test_unsigned_addresses_whatever_the_case_of_the_hint(self):
         self.write("data.json", '{"A:Address": 18446744073709551615}')
