@@ -14,15 +14,15 @@
 
 namespace cli {
 
-/// Makes a folder that its owner may use, whatever the umask says, and nobody else may enter; false
-/// when something has the name already.
+/// Makes a folder that its owner may use, whatever the umask says, and nobody else may enter;
+/// false when something has the name already.
 bool makeOwnFolder(const std::string& path);
 
 /// Tells whether a folder of this user is at the path itself, not a link to one.
 bool isOwnFolder(const std::string& path);
 
-/// Writes a new file that its owner may read and write, whatever the umask says. Fails when anything
-/// is at the path, a link included.
+/// Writes a new file that its owner may read and write, whatever the umask says. Fails when
+/// anything is at the path, a link included.
 void writeNewFile(const std::string& path, std::string_view bytes);
 
 /// Takes from a new file the rights of its owner that the umask takes from every other new file.
