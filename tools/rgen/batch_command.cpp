@@ -158,7 +158,7 @@ void Batch::addInputsOfOptions() {
 
 /// Before anything is written: no report may take the place of what this or another line reads, or
 /// of a file whose name is the beginning of its own. What "@FILE" names is not opened: a pipe can
-/// be read once. Where reports end up is found out here, too, since each changes what links lead to.
+/// be read once. Where reports end up is found out here, too: each changes what links lead to.
 void Batch::requireOtherFiles(const std::vector<std::pair<std::size_t, std::string>>& lines) {
     std::vector<std::pair<std::string, std::string>> outputs;
     std::set<std::string> places;

@@ -20,7 +20,7 @@ public:
     /// characters that XML cannot hold. Unless `raw` is set, "&", "<", ">" and "'" in a translation
     /// are escaped, each unless the original has it, too; "]]>" and an "&" that starts no reference
     /// are escaped even then. Throws one, too, for a translation with markup that is not
-    /// well-formed: the library would take what it can of the template. With `raw` it is noted instead.
+    /// well-formed: the library would take what it can of the template. With `raw` it is noted.
     Catalogue(const std::string& path, bool raw, Console& console);
 
     const std::string& path() const { return path_; }

@@ -28,8 +28,8 @@ void writeNewFile(const std::string& path, std::string_view bytes);
 /// Takes from a new file the rights of its owner that the umask takes from every other new file.
 void applyMask(const std::string& path);
 
-/// While it lives, the umask takes no rights from the owner of a new file, so that a program that is
-/// started meanwhile can read what it writes.
+/// While it lives, the umask takes no rights from the owner of a new file, so that a program that
+/// is started meanwhile can read what it writes.
 class OwnerRights {
 public:
     OwnerRights();
