@@ -29,6 +29,7 @@ MISTAKES = [
     (GUID, "", 4, "the guid is empty", FORM),
     ("guid=", "Guid=", 4, '"Guid" is not known in <type>',
      'write guid="xxxxxxxx-xxxx-xxxx-xxxx-xxxxxxxxxxxx"'),
+    ("guid=", 'xmlns:x="urn:x" x:guid=', 4, "guid is in a namespace", "write it without prefix"),
     ("guid=", "name=", 4, "this <type> has no guid",
      'write guid="xxxxxxxx-xxxx-xxxx-xxxx-xxxxxxxxxxxx"'),
     ("persistDataFile>", "persistDatafil>", 5, "<persistDatafil> is not known in <type>",

@@ -1,4 +1,5 @@
-// The way down a configuration, as the library goes it: config, reportTypes, type, two file names.
+// The elements of a configuration in the order in which the library looks for them: config,
+// reportTypes, type, two file names.
 //
 // SPDX-License-Identifier: MIT
 #include "config_check.h"
@@ -144,7 +145,11 @@ private:
     }
 
     void checkGuid(xmlNode* type) {
-        if (xmlHasProp(type, xmlText("guid")) == nullptr) {
+        if (xmlHasNsProp(type, xmlText("guid"), nullptr) == nullptr) {
+            if (xmlHasProp(type, xmlText("guid")) != nullptr) {
+                add(type, "guid is in a namespace", "write it without prefix");
+                return;
+            }
             std::string other;
             for (const xmlAttr* each = type->properties; each != nullptr; each = each->next) {
                 if (!nearestWord(nameOf(each->name), {"guid"}).empty()) other = nameOf(each->name);

@@ -24,7 +24,7 @@ std::string nameOf(const xmlChar* name) {
 }
 
 std::string attribute(xmlNode* element, const char* name) {
-    return trimmed(plainText(Owned<xmlChar>(xmlGetProp(element, xmlText(name)))));
+    return trimmed(plainText(Owned<xmlChar>(xmlGetNoNsProp(element, xmlText(name)))));
 }
 
 std::string textInside(xmlNode* element) {
