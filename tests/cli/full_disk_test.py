@@ -51,8 +51,18 @@ class WithoutRoom(ConversionCase):
                 before = self.contents()
                 result = self.rgen(command, "--data", "large.json", "-o", f"{place}/o.xml",
                                    prefix=prefix)
-                self.assertIn((result.code, result.out), ((1, b""), (4, b"")), result)
+                self.assertEqual((4, b""), (result.code, result.out), result)
                 self.assertEqual(1, len(result.messages), result)
+                self.assertEqual(before, self.contents())
+
+    def expect_no_data(self, place, prefix=()):
+        """Persistent data stays as it was."""
+        before = self.contents()
+        for command in ("set", "replace"):
+            with self.subTest(command=command):
+                result = self.rgen("persist", command, "-d", f"{place}/data", "--data", "large.json",
+                                   prefix=prefix)
+                self.assertEqual((4, b"", 1), (result.code, result.out, len(result.messages)), result)
                 self.assertEqual(before, self.contents())
 
     def expect_no_line(self, place, prefix=()):
@@ -89,6 +99,7 @@ class WithoutRoom(ConversionCase):
     def expect_nothing(self, place, prefix=()):
         self.expect_no_report(place, prefix=prefix)
         self.expect_no_other_file(place, prefix)
+        self.expect_no_data(place, prefix)
         self.expect_no_line(place, prefix)
         self.expect_cut_output_is_noticed(place, prefix)
 
@@ -101,6 +112,7 @@ class FullDisks(WithoutRoom):
         for name in ("o.txt", "o.html", "o.pdf", "o.xml", "small.txt", "a.txt", "b.txt", "c.html",
                      "d.pdf"):
             self.write(f"disk/{name}", "older")
+        self.make_data_dir("disk/data")
         small_disks.fill(self.folder / "disk", free)
 
     def names(self):
@@ -121,6 +133,8 @@ class FullDisks(WithoutRoom):
     def test_not_even_room_for_a_folder(self):
         self.mounted("ext4", free=0)
         self.expect_no_report("disk")
+        result = self.rgen("init", "disk/new")
+        self.assertEqual((4, b""), (result.code, result.out), result)
 
     def test_what_has_room_is_delivered(self):
         self.mounted("ext4", free=400_000)
@@ -133,7 +147,7 @@ class LimitedFiles(WithoutRoom):
 
     def setUp(self):
         super().setUp()
-        (self.folder / "out").mkdir()
+        self.make_data_dir("out/data")
 
     def test_the_signal_is_ignored(self):
         self.expect_nothing("out", with_small_files(LIMIT))
@@ -142,6 +156,25 @@ class LimitedFiles(WithoutRoom):
     def test_the_signal_would_end_the_program(self):
         """rgen ignores it; under Wine the default action ends Wine itself."""
         self.expect_nothing("out", with_small_files(LIMIT, "default"))
+
+    @linux_only
+    def test_persistent_data_and_a_limit_at_every_place(self):
+        """Whatever fails leaves nothing that is in the way of the next one."""
+        before = self.contents()
+        for limit in (0, 1, 100, 150, 200, 400, 1000, 5000):
+            with self.subTest(limit=limit):
+                result = self.rgen("persist", "set", "-d", "case", "--data", "large.json",
+                                   prefix=with_small_files(limit))
+                self.assertIn(result.code, (4, 5) if limit == 0 else (4,), result)
+                self.assertEqual(before, self.contents())
+        self.expect_done(self.rgen("persist", "set", "-d", "case", "A=1"))
+
+    def test_a_data_directory_without_room(self):
+        before = self.contents()
+        result = self.rgen("init", "new", prefix=with_small_files(100))
+        self.assertEqual((4, b""), (result.code, result.out), result)
+        self.assertEqual(before, {name: content for name, content in self.contents().items()
+                                  if content is not None or name in before})
 
     def test_a_limit_at_every_place_of_the_report(self):
         """Also one that cuts nothing but the last byte, and none."""

@@ -109,20 +109,42 @@ class OneBadText(TextCase):
         self.expect_notes(self.set_values(OTHERS))
         before = self.contents()
         for text in ("&foo;", "&#xD800;", "&f oo;", "&#0;", "&<b>;", "&;", "a&b c;d", "&#1;", "&nbsp;",
-                     "&#xFFFE;", "&#x110000;", "&#12x;", "&#x;", "&a&amp;", "x&amp;y&foo;"):
+                     "&#xFFFE;", "&#x110000;", "&#12x;", "&#x;", "&a&amp;", "x&amp;y&foo;",
+                     "x &amp;foo; y", "&amp;#x1;", "&amp;#xD800;", "&#38;foo;", "&#0000;"):
             for command in ("set", "replace"):
                 with self.subTest(text=text, command=command):
                     result = self.persist(command, "--raw", "more=1", f"bad={text}")
                     self.assertEqual((2, b""), (result.code, result.out), result)
                     self.assertRegex(result.messages[0], '^rgen: "bad": persistent data cannot hold '
-                                     '"&.*;"; write "&amp;" for a plain "&", or leave out --raw$')
+                                     '"&.*;"; write "&amp;amp;" for a plain "&", or leave out --raw$')
                     self.assertEqual(before, self.contents())
 
     def test_raw_texts_with_references_that_it_knows(self):
         self.expect_notes(self.set_values(OTHERS))
-        self.expect_done(self.persist("set", "--raw", "bad=&amp;foo;&lt;&#8364;&#x41;&quot;&apos;"))
+        self.expect_done(self.persist("set", "--raw", "bad=&amp;amp;foo;&lt;&#8364;&#x41;&quot;&apos;"))
         self.assertEqual({**OTHERS, "bad": '&foo;<€A"\''}, self.stored())
         ElementTree.parse(self.folder / STORE)
+
+    def test_zeros_before_the_number_of_a_reference(self):
+        self.expect_notes(self.persist("set", "--raw", "A=&#0000000000065;", "B=&#x00000000000042;"))
+        self.expect_whole({"A": "A", "B": "B"})
+
+    def test_what_a_note_says_to_write_keeps_the_sign(self):
+        note = '"A": with --raw a plain "&" is lost; write "&amp;amp;"'
+        for text in ("AT&T", "AT&amp;T"):
+            with self.subTest(text=text):
+                result = self.persist("set", "--raw", "-q", f"A={text}")
+                self.assertEqual(0, result.code, result)
+                self.assertIn(note, self.persist("set", "--raw", f"A={text}").notes)
+        self.expect_notes(self.persist("set", "--raw", "A=AT&amp;amp;T"))
+        self.expect_whole({"A": "AT&T"})
+
+    def test_names_that_become_one(self):
+        result = self.persist("set", "k\x01=v1", "k\x02=v2")
+        self.expect_notes(result, *('"k\\x0%d": the library stored it as "k\ufffd"' % number
+                                    for number in (1, 2)),
+                          '"k\ufffd" is given more than once; value counts')
+        self.assertEqual({"k\ufffd": "v2"}, self.stored())
 
     def test_a_raw_text_with_a_plain_sign(self):
         self.expect_notes(self.set_values(OTHERS))

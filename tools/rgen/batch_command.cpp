@@ -74,7 +74,7 @@ void Batch::makeOne(const BatchLine& line, std::size_t number, JsonDocument& rep
     }
     ReportOrder order;
     order.type = findReportType(surroundings_.directory, line.type);
-    recoverPersistentData(surroundings_.directory, order.type, console_);
+    recoverForReading(surroundings_.directory, order.type, console_);
     order.arguments = line.report;
     {
         const EndAtOnce whilePipesWait;

@@ -140,6 +140,7 @@ void checkPersistentData(const DataDirectory& directory, const ReportType& type,
     const std::string name = type.name + ", persistent data";
     try {
         recoverPersistentData(directory, type, checks.console());
+        requireReadable(directory.path(type.persistDataFile));
     } catch (const CommandError& error) {
         checks.add(name, Result::Failed, errorText(error));
         return;

@@ -114,8 +114,11 @@ ExitCode runDump(const Arguments& arguments, Console& console, JsonDocument& doc
     const std::string file = folder->file("dump.xml");
     const RgenStatus status = generator.dump(inOrder(values), file);
     if (status < 0) {
-        throw generator.failure(outputName(output), status,
-                                "check that the folder exists, may be written and has room");
+        CommandError error =
+            generator.failure(outputName(output), status,
+                              "check that the folder exists, may be written and has room");
+        if (status == RGEN_E_CREATE_PERSIST) error.exitCode = ExitCode::Unverified;
+        throw error;
     }
     if (output == "-") {
         printData(readInputFile(file, "try again"));

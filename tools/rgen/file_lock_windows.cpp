@@ -48,17 +48,39 @@ void copyRights(const fs::path& from, const fs::path& to) {
     }
 }
 
+/// Tells whether an open file is an empty one with one name, and no link.
+bool isLockFile(HANDLE file) {
+    BY_HANDLE_FILE_INFORMATION facts = {};
+    constexpr DWORD others = FILE_ATTRIBUTE_REPARSE_POINT | FILE_ATTRIBUTE_DIRECTORY;
+    return GetFileType(file) == FILE_TYPE_DISK && GetFileInformationByHandle(file, &facts) != 0 &&
+           (facts.dwFileAttributes & others) == 0 && facts.nFileSizeHigh == 0 &&
+           facts.nFileSizeLow == 0 && facts.nNumberOfLinks == 1;
+}
+
 }  // namespace
 
 FileLock::~FileLock() {
-    if (file_ != -1) CloseHandle(reinterpret_cast<HANDLE>(file_));
+    if (file_ == -1) return;
+    HANDLE file = reinterpret_cast<HANDLE>(file_);
+    FILE_DISPOSITION_INFO disposition = {};
+    disposition.DeleteFile = TRUE;
+    if (isLockFile(file)) {
+        SetFileInformationByHandle(file, FileDispositionInfo, &disposition, sizeof disposition);
+    }
+    CloseHandle(file);
 }
 
+/// The file is removed by its owner, not by the way it is opened: what turns out to be no lock file
+/// stays.
 bool FileLock::tryLock() {
     HANDLE file =
         CreateFileW(path_.c_str(), GENERIC_READ | GENERIC_WRITE | DELETE, /*share=*/0, nullptr,
-                    OPEN_ALWAYS, FILE_ATTRIBUTE_NORMAL | FILE_FLAG_DELETE_ON_CLOSE, nullptr);
+                    OPEN_ALWAYS, FILE_ATTRIBUTE_NORMAL | FILE_FLAG_OPEN_REPARSE_POINT, nullptr);
     if (file != INVALID_HANDLE_VALUE) {
+        if (!isLockFile(file)) {
+            CloseHandle(file);
+            throw NotALockFile();
+        }
         file_ = reinterpret_cast<std::intptr_t>(file);
         return true;
     }

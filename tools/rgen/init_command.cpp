@@ -4,22 +4,24 @@
 #include <algorithm>
 #include <cctype>
 #include <filesystem>
-#include <fstream>
 #include <memory>
+#include <system_error>
 
 #include "commands.h"
 #include "embedded_files.h"
 #include "input_file.h"
 #include "interruption.h"
 #include "report_type.h"
+#include "safe_files.h"
 
 namespace cli {
 namespace {
 
 namespace fs = std::filesystem;
 
-[[noreturn]] void failToWrite(const std::string& path, const std::string& reason) {
-    throw CommandError(ExitCode::Environment, "cannot write \"" + path + "\": " + reason,
+[[noreturn]] void failToWrite(const std::string& path, const std::error_code& reason) {
+    throw CommandError(isFullDisk(reason) ? ExitCode::Unverified : ExitCode::Environment,
+                       "cannot write \"" + path + "\": " + reason.message(),
                        "check the rights of the folder and the room on the disk");
 }
 
@@ -29,15 +31,15 @@ void requireAbsent(const std::string& path) {
     throw usageError("\"" + path + "\" exists; nothing was written");
 }
 
-void writeNewFile(const std::string& path, std::string_view content) {
+void writeWithFolder(const std::string& path, std::string_view content) {
     std::error_code failure;
     fs::create_directories(fs::u8path(folderOf(path)), failure);
-    if (failure) failToWrite(folderOf(path), failure.message());
-    errno = 0;
-    std::ofstream file(fs::u8path(path), std::ios::binary);
-    file.write(content.data(), static_cast<std::streamsize>(content.size()));
-    file.close();
-    if (!file) failToWrite(path, std::generic_category().message(errno == 0 ? EIO : errno));
+    if (failure) failToWrite(folderOf(path), failure);
+    try {
+        writeNewFile(path, content);
+    } catch (const std::system_error& error) {
+        failToWrite(path, error.code());
+    }
 }
 
 /// Removes what was written unless everything was.
@@ -50,7 +52,7 @@ public:
 
     void write(const std::string& path, std::string_view content) {
         files_.push_back(std::make_unique<TemporaryFile>(path));
-        writeNewFile(path, content);
+        writeWithFolder(path, content);
     }
 
     void keep() {

@@ -100,6 +100,16 @@ void requireAccess(const std::string& path) {
                        "check the rights of it and of the folders that it is in");
 }
 
+void requireReadable(const std::string& path) {
+    std::error_code ignored;
+    if (!std::filesystem::is_regular_file(std::filesystem::u8path(path), ignored)) return;
+    try {
+        readInputFile(path, "check its rights");
+    } catch (const CommandError& error) {
+        throw CommandError(ExitCode::Environment, error.what(), error.hint);
+    }
+}
+
 std::string joinedPath(const std::string& folder, const std::string& name) {
     if (folder.empty() || folder == ".") return name;
     const char last = folder.back();

@@ -35,6 +35,10 @@ bool exists(const std::string& path);
 /// Throws a CommandError when rights or the system keep from seeing whether something is there.
 void requireAccess(const std::string& path);
 
+/// Throws a CommandError when there is a file that cannot be read for want of rights: to those who
+/// read it all the same it would look empty.
+void requireReadable(const std::string& path);
+
 /// `folder` and `name` with a separator between; "." is left out.
 std::string joinedPath(const std::string& folder, const std::string& name);
 

@@ -30,8 +30,10 @@ public:
         : console_(console), directory_(openDataDirectory(arguments.dataDir)) {
         generator_.setDataDir(directory_.folder);
         type_ = findReportType(directory_, arguments.type);
-        recoverPersistentData(directory_, type_, console_);
     }
+
+    /// To be called before data is only read.
+    void recover() { recoverForReading(directory_, type_, console_); }
 
     /// To be called before data is read that is to be changed: nobody else changes it from here on.
     void lock() {
@@ -63,7 +65,7 @@ public:
         const InterruptGuard guard;
         const StagedStore stage(path(), type_.guid, type_.guidText);
         const RgenStatus written = stage.write(inOrder(values));
-        if (written < 0) fail(written);
+        if (written < 0) failToStage(written);
         const std::map<std::string, std::string> stored = checked(stage);
         throwIfInterrupted();
         stage.deliver();
@@ -124,6 +126,7 @@ private:
 
     /// The library reads what it can of a damaged file; writing that back would lose the rest.
     void requireUndamaged() const {
+        requireReadable(path());
         const std::string damage = damageOf(path());
         if (damage.empty()) return;
         throw CommandError(ExitCode::Refused, "\"" + path() + "\" is damaged: " + damage,
@@ -138,6 +141,15 @@ private:
                 ? "correct the file, or replace all of it with rgen persist replace"
                 : "\"rgen explain " + Generator::statusHex(status) + "\" says more";
         throw generator_.failure(isUnknown ? directory_.configPath() : path(), status, advice);
+    }
+
+    /// The library does not say why it cannot create a file; the folder of the stage is writable.
+    [[noreturn]] void failToStage(RgenStatus status) const {
+        if (status != RGEN_E_CREATE_PERSIST) fail(status);
+        CommandError error = generator_.failure(
+            path(), status, "check that the disk of \"" + folderOf(path()) + "\" has room");
+        error.exitCode = ExitCode::Unverified;
+        throw error;
     }
 
     void compare(const Value& wanted, const std::map<std::string, std::string>& stored) const {
@@ -192,14 +204,15 @@ void requireStorable(const Value& value) {
                      "shorten it");
 }
 
-/// An unknown reference makes the file no XML, and of such a file no other value is read whole.
-/// Only raw texts have one.
-void requireKnownReferences(const Value& value) {
-    const std::optional<std::string> unknown = findUnknownReference(value.content);
+/// An unknown reference makes the file no XML, and of such a file no other value is read whole. One
+/// that appears when the file is read does the same to a report. Only raw texts have them.
+void requireKnownReferences(const Value& value, bool raw) {
+    std::optional<std::string> unknown = findUnknownReference(value.content);
+    if (!unknown && raw) unknown = findUnknownReference(withoutReferences(value.content));
     if (!unknown) return;
     throw usageError("\"" + shortened(value.name) + "\": persistent data cannot hold \"" +
                          shortened(*unknown) + "\"",
-                     "write \"&amp;\" for a plain \"&\", or leave out --raw");
+                     "write \"&amp;amp;\" for a plain \"&\", or leave out --raw");
 }
 
 /// `text` as XML can hold it, with a note when that is not all of it. Of the blanks at its edges,
@@ -215,9 +228,9 @@ std::string storable(const std::string& text, const std::string& subject, Consol
 }
 
 /// What stands in the file for the text is XML that any reader takes.
-void makeStorable(Value& value, Console& console) {
+void makeStorable(Value& value, bool raw, Console& console) {
     value.content = storable(value.content, "\"" + shortened(value.name) + "\"", console);
-    requireKnownReferences(value);
+    requireKnownReferences(value, raw);
     requireStorable(value);
 }
 
@@ -234,14 +247,15 @@ void makeNameStorable(Value& value, Console& console) {
 ValueSet newValues(const Arguments& arguments, PersistentData& data, Console& console) {
     ReportInput input = collectInput(arguments.values, data.generator(), console);
     addAssignments(arguments.operands, "value", arguments.values.raw, input.values);
-    noteLosses(input, arguments.values.raw, console);
+    noteLosses(input, arguments.values.raw, console, Readings::Twice);
     ValueSet set;
     for (Value value : inOrder(input.values)) {
         if (!arguments.values.raw) value.content = escapedAmpersands(value.content);
-        makeStorable(value, console);
+        makeStorable(value, arguments.values.raw, console);
         makeNameStorable(value, console);
-        set.replace(std::move(value));
+        set.add(std::move(value));
     }
+    set.noteRepeated(console);
     return set;
 }
 
@@ -290,7 +304,8 @@ void printValues(const std::vector<std::string>& names,
 }  // namespace
 
 ExitCode runPersistGet(const Arguments& arguments, Console& console, JsonDocument& document) {
-    const PersistentData data(arguments, console);
+    PersistentData data(arguments, console);
+    data.recover();
     const std::vector<Value> values = data.read();
     if (values.empty()) console.note("there is no persistent data yet");
     std::vector<std::string> names = arguments.operands;

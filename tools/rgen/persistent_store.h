@@ -2,8 +2,8 @@
 // killed leave it: whole, with the old values or with the new ones.
 //
 // The library removes the file and writes it anew under its configured name. So rgen lets it write
-// in a data directory of its own, "<file>.writing", reads what came of it, and gives it the file's
-// name in one step. Readers need no lock for that; who reads, merges and writes holds the lock
+// in a data directory of its own, in a folder "rgen.part-...", reads what came of it, and gives it
+// the file's name in one step. Readers need no lock for that; who reads, merges and writes holds the lock
 // "<file>.lock".
 //
 // SPDX-License-Identifier: MIT
@@ -14,6 +14,7 @@
 
 #include "file_lock.h"
 #include "generator.h"
+#include "interruption.h"
 #include "report_type.h"
 
 namespace cli {
@@ -31,15 +32,12 @@ private:
     FileLock lock_;
 };
 
-/// What the library makes of values, in a folder beside the file that they are meant for. Only the
-/// holder of the lock makes one; the folder goes with it.
+/// What the library makes of values, in a folder beside the file that they are meant for. The
+/// folder goes with it.
 class StagedStore {
 public:
     /// Throws a CommandError when there can be no folder.
     StagedStore(const std::string& path, const RgenGuid& guid, const std::string& guidText);
-    ~StagedStore();
-    StagedStore(const StagedStore&) = delete;
-    StagedStore& operator=(const StagedStore&) = delete;
 
     RgenStatus write(const std::vector<Value>& values) const;
     std::vector<Value> read(RgenStatus& status) const;
@@ -54,7 +52,7 @@ private:
     std::string inside(const std::string& name) const;
 
     std::string path_;
-    std::string folder_;
+    TemporaryFolder stage_;
     RgenGuid guid_;
     Generator generator_;
 };
@@ -64,8 +62,11 @@ private:
 /// lock. Throws a CommandError when the data cannot come back.
 void putKeptDataBack(const std::string& path, Console& console);
 
-/// The same for those who only read: the lock is taken when there is something to put back.
+/// The same without a lock, which is taken when there is something to put back.
 void recoverPersistentData(const DataDirectory& directory, const ReportType& type,
                            Console& console);
+
+/// The same for those who only read: data that cannot come back is noted.
+void recoverForReading(const DataDirectory& directory, const ReportType& type, Console& console);
 
 }  // namespace cli

@@ -81,7 +81,7 @@ ExitCode runReport(const Arguments& arguments, Console& console, JsonDocument& d
     surroundings.inputs.addDataDirectory(surroundings.directory);
     generator.setDataDir(surroundings.directory.folder);
     const ReportType type = findReportType(surroundings.directory, arguments.type);
-    recoverPersistentData(surroundings.directory, type, console);
+    recoverForReading(surroundings.directory, type, console);
     const ReportOrder order{type, arguments.report,
                             collectInput(arguments.values, generator, console)};
     noteLosses(order.input, arguments.values.raw, console);

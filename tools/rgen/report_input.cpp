@@ -21,11 +21,17 @@ ValueReading readingFor(const std::string& source, bool raw) {
     return reading;
 }
 
-void notePlainAmpersands(const ValueSet& values, Console& console) {
+bool losesAmpersand(const std::string& content, Readings readings) {
+    return hasPlainAmpersand(content) ||
+           (readings == Readings::Twice && hasPlainAmpersand(withoutReferences(content)));
+}
+
+void notePlainAmpersands(const ValueSet& values, Readings readings, Console& console) {
+    const std::string good = readings == Readings::Twice ? "&amp;amp;" : "&amp;";
     for (const auto& [name, value] : values.values()) {
-        if (value.type != RGEN_TYPE_STRING || !hasPlainAmpersand(value.content)) continue;
-        console.note("\"" + shortened(name) +
-                     "\": with --raw a plain \"&\" is lost; write \"&amp;\"");
+        if (value.type != RGEN_TYPE_STRING || !losesAmpersand(value.content, readings)) continue;
+        console.note("\"" + shortened(name) + "\": with --raw a plain \"&\" is lost; write \"" +
+                     good + "\"");
     }
 }
 
@@ -52,10 +58,10 @@ ReportInput collectInput(const ValueArguments& arguments, Generator& generator, 
     return input;
 }
 
-void noteLosses(const ReportInput& input, bool raw, Console& console) {
+void noteLosses(const ReportInput& input, bool raw, Console& console, Readings readings) {
     for (const ValueSet* set : {&input.values, &input.pairs}) {
         set->noteRepeated(console);
-        if (raw) notePlainAmpersands(*set, console);
+        if (raw) notePlainAmpersands(*set, readings, console);
     }
 }
 

@@ -21,7 +21,10 @@ struct ReportInput {
 ReportInput collectInput(const ValueArguments& arguments, Generator& generator, Console& console);
 
 /// Notes names that were given more than once and, with `raw`, texts in which a plain "&" is lost.
-void noteLosses(const ReportInput& input, bool raw, Console& console);
+/// Those of persistent data are read twice before a report shows them.
+enum class Readings { Once, Twice };
+void noteLosses(const ReportInput& input, bool raw, Console& console,
+                Readings readings = Readings::Once);
 
 /// Reads "NAME[:HINT]=VALUE" arguments into `values`. `option` names them in messages.
 void addAssignments(const std::vector<std::string>& assignments, const std::string& option,

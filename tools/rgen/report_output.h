@@ -46,7 +46,7 @@ public:
     /// Calls the library with a request that lacks nothing but its texts.
     RgenStatus generate(const Generator& generator, Request& request, const std::string& format);
 
-    /// Writes what a successful call has returned under a temporary name, and converts it. Gives
+    /// Writes what a successful call has returned under a temporary name, and converts it. Returns
     /// the status that the library has for a target that cannot be made or replaced, and for a
     /// missing converter; throws a CommandError for what the library would not notice.
     RgenStatus prepare();

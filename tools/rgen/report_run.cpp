@@ -194,6 +194,7 @@ void noteDamage(const ReportSurroundings& surroundings, const ReportType& type) 
     const std::string path = surroundings.directory.path(type.persistDataFile);
     std::error_code ignored;
     if (!fs::is_regular_file(fs::u8path(path), ignored)) return;
+    requireReadable(path);
     const std::string damage = damageOf(path);
     if (damage.empty()) return;
     surroundings.console.note("\"" + path + "\" is damaged: " + damage +

@@ -99,17 +99,6 @@ ReportType typeNamed(const DataDirectory& directory, const std::vector<ReportTyp
                      "give the GUID");
 }
 
-/// What cannot be read for want of rights would look like a configuration without report types.
-void requireReadableConfiguration(const std::string& path) {
-    std::error_code ignored;
-    if (!fs::is_regular_file(fs::u8path(path), ignored)) return;
-    try {
-        readInputFile(path, "check its rights");
-    } catch (const CommandError& error) {
-        throw CommandError(ExitCode::Environment, error.what(), error.hint);
-    }
-}
-
 }  // namespace
 
 std::string DataDirectory::path(const std::string& inside) const {
@@ -149,7 +138,7 @@ DataDirectory openDataDirectory(const std::optional<std::string>& given) {
                                directory.configPath() + "\" is missing)",
                            "make one with: " + advice);
     }
-    requireReadableConfiguration(directory.configPath());
+    requireReadable(directory.configPath());
     return directory;
 }
 

@@ -35,26 +35,18 @@ bool isXmlCharacter(std::uint32_t character) {
     return !isSurrogate && character <= 0x10FFFF && character != 0xFFFE && character != 0xFFFF;
 }
 
-/// The character of a valid UTF-8 sequence.
-std::uint32_t characterOf(std::string_view sequence) {
-    constexpr unsigned firstBits[] = {0, 0x7F, 0x1F, 0x0F, 0x07};
-    std::uint32_t character = static_cast<unsigned char>(sequence[0]) & firstBits[sequence.size()];
-    for (std::size_t i = 1; i < sequence.size(); ++i)
-        character = (character << 6U) | (static_cast<unsigned char>(sequence[i]) & 0x3FU);
-    return character;
-}
-
 /// The number of bytes at the start of `text` that are one character of XML, 0 when there is none.
 std::size_t fitLength(std::string_view text) {
     const std::size_t length = tools::sequenceLength(text);
-    return length != 0 && isXmlCharacter(characterOf(text.substr(0, length))) ? length : 0;
+    return length != 0 && isXmlCharacter(tools::codePoint(text.substr(0, length))) ? length : 0;
 }
 
 /// The character of "#65" or "#x41"; one that XML cannot hold is none.
 std::optional<std::string> numericReference(std::string_view name) {
     const bool isHex = name.size() > 1 && name[1] == 'x';
-    const std::string digits(name.substr(isHex ? 2 : 1));
+    std::string digits(name.substr(isHex ? 2 : 1));
     const char* const allowed = isHex ? "0123456789abcdefABCDEF" : "0123456789";
+    digits.erase(0, std::min(digits.find_first_not_of('0'), digits.size()));
     if (digits.empty() || digits.size() > 8 ||
         digits.find_first_not_of(allowed) != std::string::npos) {
         return std::nullopt;
@@ -137,7 +129,7 @@ std::optional<UnfitCharacter> findUnfitCharacter(const std::string& text) {
                               static_cast<unsigned>(static_cast<unsigned char>(text[i])));
             } else {
                 std::snprintf(name, sizeof name, "U+%04X",
-                              static_cast<unsigned>(characterOf(whole.substr(i, bytes))));
+                              static_cast<unsigned>(tools::codePoint(whole.substr(i, bytes))));
             }
             return UnfitCharacter{i, name};
         }

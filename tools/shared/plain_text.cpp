@@ -3,7 +3,6 @@
 // SPDX-License-Identifier: MIT
 #include "plain_text.h"
 
-#include <cstdint>
 #include <cstdio>
 
 namespace tools {
@@ -11,14 +10,6 @@ namespace {
 
 unsigned byteAt(std::string_view text, std::size_t at) {
     return static_cast<unsigned char>(text[at]);
-}
-
-std::uint32_t codePoint(std::string_view sequence) {
-    if (sequence.size() == 1) return byteAt(sequence, 0);
-    std::uint32_t code = byteAt(sequence, 0) & (0x7FU >> sequence.size());
-    for (std::size_t i = 1; i < sequence.size(); ++i)
-        code = (code << 6U) | (byteAt(sequence, i) & 0x3FU);
-    return code;
 }
 
 /// Characters that are not shown themselves but change what is.
@@ -69,6 +60,14 @@ std::size_t sequenceLength(std::string_view text) {
         if (byteAt(text, i) < 0x80 || byteAt(text, i) > 0xBF) return 0;
     }
     return length;
+}
+
+std::uint32_t codePoint(std::string_view sequence) {
+    if (sequence.size() == 1) return byteAt(sequence, 0);
+    std::uint32_t code = byteAt(sequence, 0) & (0x7FU >> sequence.size());
+    for (std::size_t i = 1; i < sequence.size(); ++i)
+        code = (code << 6U) | (byteAt(sequence, i) & 0x3FU);
+    return code;
 }
 
 std::string printable(std::string_view text, std::string_view kept) {

@@ -3,6 +3,7 @@
 // SPDX-License-Identifier: MIT
 #pragma once
 
+#include <cstdint>
 #include <string>
 #include <string_view>
 
@@ -16,5 +17,8 @@ std::string printable(std::string_view text, std::string_view kept = {});
 
 /// Length of the UTF-8 sequence at the start of `text`, 0 when there is no valid one.
 std::size_t sequenceLength(std::string_view text);
+
+/// The character of a valid UTF-8 sequence.
+std::uint32_t codePoint(std::string_view sequence);
 
 }  // namespace tools
