@@ -65,7 +65,7 @@ fs::path lockFileOf(const std::string& path) {
     const fs::path place = placeOf(path);
     std::string name = place.filename().u8string();
     if (name.size() > longest) name = startOf(name, longest) + "-" + hashOf(name);
-    return place.parent_path() / fs::u8path(name + ".lock");
+    return fs::u8path(joinedPath(folderOf(place.u8string()), name + ".lock"));
 }
 
 std::string folderAdvice(const std::string& path) {
