@@ -104,7 +104,8 @@ class LocksOfOtherUsers(SharingCase):
         with path.open() as file:
             fcntl.flock(file, fcntl.LOCK_EX)
             waiting = self.start("persist", "set", "-d", "case", "A=1")
-            while waiting.process.poll() is None and stat.S_IMODE(path.stat().st_mode) != 0o666:
+            while waiting.process.poll() is None and \
+                    b"waiting" not in os.pread(waiting.err.fileno(), 1000, 0):
                 pass
             mode = stat.S_IMODE(path.stat().st_mode)
         self.expect_done(waiting.finish())
