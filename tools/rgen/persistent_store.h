@@ -3,8 +3,8 @@
 //
 // The library removes the file and writes it anew under its configured name. So rgen lets it write
 // in a data directory of its own, in a folder "rgen.part-...", reads what came of it, and gives it
-// the file's name in one step. Readers need no lock for that; who reads, merges and writes holds the lock
-// "<file>.lock".
+// the file's name in one step. Readers need no lock for that; who reads, merges and writes holds
+// the lock "<file>.lock".
 //
 // SPDX-License-Identifier: MIT
 #pragma once
