@@ -152,6 +152,9 @@ void writeIntoSpecialFile(const std::string& path, std::string_view bytes) {
 }
 
 bool isFullDisk(const std::error_code& failure) {
+    // The C++ library's own functions report by its numbers, the others by those of Windows.
+    if (failure.category() != std::system_category())
+        return failure == std::errc::no_space_on_device;
     const int reason = failure.value();
     return reason == ERROR_DISK_FULL || reason == ERROR_HANDLE_DISK_FULL ||
            reason == ERROR_FILE_TOO_LARGE;
