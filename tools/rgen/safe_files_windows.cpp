@@ -177,7 +177,8 @@ std::optional<std::string> fileIdentity(const std::string& path) {
 std::string comparableName(const std::string& name) {
     std::wstring letters = fs::u8path(name).wstring();
     letters.erase(letters.find_last_not_of(L". ") + 1);
-    CharUpperBuffW(letters.data(), static_cast<DWORD>(letters.size()));
+    const auto length = static_cast<int>(letters.size());
+    LCMapStringW(LOCALE_INVARIANT, LCMAP_UPPERCASE, letters.data(), length, letters.data(), length);
     return fs::path(letters).u8string();
 }
 
