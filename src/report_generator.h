@@ -7,11 +7,11 @@
 #include <memory>
 #include <string>
 
+#include "lock/priority_mutex.h"
 #include "memory/malloc_allocated.h"
 #include "memory/pool_slot.h"
-#include "store/xml_context_reference.h"
+#include "store/xml/context_reference.h"
 #include "strata_repgenlib/rgen.h"
-#include "sync/priority_mutex.h"
 
 namespace rgen {
 

@@ -14,7 +14,7 @@
 #include "report_generator.h"
 #include "store/data_directory.h"
 #include "store/persistent_data.h"
-#include "store/xml_parser_context.h"
+#include "store/xml/parser_context.h"
 #include "strata_repgenlib/rgen.h"
 #include "sync/cancellation_registry.h"
 #include "variant/raw_dump.h"

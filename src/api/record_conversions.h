@@ -4,8 +4,8 @@
 #pragma once
 
 #include "generate/input_params.h"
-#include "store/guid.h"
-#include "store/property_document.h"
+#include "store/base/guid.h"
+#include "store/xml/property_document.h"
 #include "strata_repgenlib/rgen.h"
 #include "variant/variant.h"
 

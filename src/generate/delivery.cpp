@@ -8,7 +8,7 @@
 
 #include "generate/external_converter.h"
 #include "platform/platform.h"
-#include "store/file_system.h"
+#include "store/base/file_system.h"
 #include "variant/hinted_convertors.h"
 
 namespace rgen {

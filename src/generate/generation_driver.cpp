@@ -11,10 +11,10 @@
 #include "generate/delivery.h"
 #include "generate/transformation.h"
 #include "platform/platform.h"
+#include "store/base/file_system.h"
 #include "store/data_directory.h"
-#include "store/file_system.h"
 #include "store/persistent_data.h"
-#include "store/xml_memory.h"
+#include "store/xml/memory.h"
 #include "sync/cancellation_registry.h"
 #include "variant/hinted_convertors.h"
 

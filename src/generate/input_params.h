@@ -6,8 +6,8 @@
 #include <cstdint>
 #include <string>
 
-#include "store/guid.h"
-#include "store/property_document.h"
+#include "store/base/guid.h"
+#include "store/xml/property_document.h"
 #include "variant/variant.h"
 
 namespace rgen {

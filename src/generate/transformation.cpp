@@ -13,10 +13,10 @@
 #include <utility>
 
 #include "generate/translation.h"
-#include "store/file_system.h"
-#include "store/xml_memory.h"
-#include "store/xml_parser_context.h"
-#include "store/xslt_stack_guard.h"
+#include "store/base/file_system.h"
+#include "store/xml/memory.h"
+#include "store/xml/parser_context.h"
+#include "store/xml/stack_guard.h"
 
 namespace rgen {
 namespace {

@@ -7,8 +7,8 @@
 
 #include "report_generator.h"
 #include "status.h"
-#include "store/property_document.h"
-#include "store/xml_handles.h"
+#include "store/xml/handles.h"
+#include "store/xml/property_document.h"
 #include "sync/cancellation.h"
 #include "variant/variant.h"
 

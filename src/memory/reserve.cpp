@@ -6,7 +6,7 @@
 
 #include <new>
 
-#include "memory/spin_lock.h"
+#include "lock/spin_lock.h"
 
 namespace rgen::memory {
 
@@ -14,7 +14,7 @@ void* Reserve::take(std::size_t blockSize) noexcept {
     if (blockSize > size) return nullptr;
     constexpr std::size_t unit = sizeof(Header);
     const std::size_t needed = unit + (blockSize + unit - 1) / unit * unit;
-    const SpinLock lock(isBusy_);
+    const sync::SpinLock lock(isBusy_);
     if (needed > size - used_) return nullptr;
     auto* header = ::new (bytes_.data() + used_) Header{blockSize, 0};
     used_ += needed;
@@ -23,7 +23,7 @@ void* Reserve::take(std::size_t blockSize) noexcept {
 }
 
 void Reserve::give(void* /*block*/) noexcept {
-    const SpinLock lock(isBusy_);
+    const sync::SpinLock lock(isBusy_);
     if (--blocksInUse_ == 0) used_ = 0;
 }
 

@@ -8,9 +8,9 @@
 #include <utility>
 
 #include "platform/platform.h"
-#include "store/file_system.h"
-#include "store/xml_file.h"
-#include "store/xml_parser_context.h"
+#include "store/base/file_system.h"
+#include "store/xml/file.h"
+#include "store/xml/parser_context.h"
 
 namespace rgen {
 namespace {

@@ -7,7 +7,7 @@
 
 #include "report_generator.h"
 #include "status.h"
-#include "store/guid.h"
+#include "store/base/guid.h"
 #include "store/report_type_map.h"
 
 namespace rgen {

@@ -6,12 +6,12 @@
 
 #include <utility>
 
+#include "store/base/file_system.h"
 #include "store/data_directory.h"
-#include "store/file_system.h"
-#include "store/xml_file.h"
-#include "store/xml_parser_context.h"
-#include "store/xml_text.h"
-#include "store/xpath_query.h"
+#include "store/xml/file.h"
+#include "store/xml/parser_context.h"
+#include "store/xml/text.h"
+#include "store/xml/xpath.h"
 #include "variant/hinted_convertors.h"
 
 namespace rgen {

@@ -7,8 +7,8 @@
 
 #include "report_generator.h"
 #include "status.h"
-#include "store/guid.h"
-#include "store/property_document.h"
+#include "store/base/guid.h"
+#include "store/xml/property_document.h"
 #include "variant/variant.h"
 
 namespace rgen {

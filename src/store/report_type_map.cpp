@@ -9,8 +9,8 @@
 #include <string_view>
 
 #include "ascii.h"
-#include "store/xml_text.h"
-#include "store/xpath_query.h"
+#include "store/xml/text.h"
+#include "store/xml/xpath.h"
 
 namespace rgen {
 namespace {

@@ -10,7 +10,7 @@
 
 #include "report_generator.h"
 #include "status.h"
-#include "store/guid.h"
+#include "store/base/guid.h"
 
 namespace rgen {
 

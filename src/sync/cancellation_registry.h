@@ -7,7 +7,7 @@
 #include <string>
 
 #include "report_generator.h"
-#include "store/guid.h"
+#include "store/base/guid.h"
 #include "sync/cancellation.h"
 
 namespace rgen::sync {

@@ -4,10 +4,10 @@
 // SPDX-License-Identifier: MIT
 #include "variant/raw_dump.h"
 
-#include "store/file_system.h"
-#include "store/property_document.h"
-#include "store/xml_file.h"
-#include "store/xml_parser_context.h"
+#include "store/base/file_system.h"
+#include "store/xml/file.h"
+#include "store/xml/parser_context.h"
+#include "store/xml/property_document.h"
 #include "variant/hinted_convertors.h"
 
 namespace rgen {

@@ -5,11 +5,12 @@
 
 #include <string>
 
-#include "report_generator.h"
 #include "status.h"
 #include "variant/variant.h"
 
 namespace rgen {
+
+struct ReportGenerator;
 
 /// Replaces the file at `path`. Failures: RGEN_E_DELETE_DUMP (the old file stays),
 /// RGEN_E_CREATE_PERSIST (the old file is gone). The generator is not consulted, no lock is taken.

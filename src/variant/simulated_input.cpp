@@ -7,11 +7,11 @@
 #include <cstdlib>
 #include <utility>
 
-#include "store/file_system.h"
-#include "store/xml_file.h"
-#include "store/xml_parser_context.h"
-#include "store/xml_text.h"
-#include "store/xpath_query.h"
+#include "store/base/file_system.h"
+#include "store/xml/file.h"
+#include "store/xml/parser_context.h"
+#include "store/xml/text.h"
+#include "store/xml/xpath.h"
 #include "variant/byte_dump.h"
 
 namespace rgen {

@@ -5,11 +5,12 @@
 
 #include <string>
 
-#include "report_generator.h"
 #include "status.h"
 #include "variant/variant.h"
 
 namespace rgen {
+
+struct ReportGenerator;
 
 /// Reads the valid properties of the file at `path` into `values`; others are skipped. RGEN_OK also
 /// when all were skipped. Failures: RGEN_E_OPEN_SIMULATION (also for a null path),

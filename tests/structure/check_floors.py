@@ -1,5 +1,6 @@
-"""The floors of the architecture: no file of the library includes a higher floor, no circles; only
-the platform sources know an OS header; the boundary records appear in src/api alone.
+"""The floors of the architecture: a file of the library or of a program includes files of its own
+folder and of lower floors, no circles; only the platform sources know an OS header; the boundary
+records appear in src/api alone.
 
 SPDX-License-Identifier: MIT
 """
@@ -18,13 +19,32 @@ HEADER_USERS = re.compile(r"^(include/|src/api/|src/report_generator\.h$)")
 OUTSIDE = ["examples", "tools", "tests/host", "tests/abi", "tests/bindings"]
 
 
+# Where the compiler looks for an include, by the folder of the including file.
+INCLUDE_FOLDERS = {
+    "include": ["include"],
+    "src": ["src", "include"],
+    "tools": ["tools", "include"],
+    "tools/rgen": ["tools/rgen", "tools", "include"],
+    "tools/vellum": ["tools/vellum", "tools"],
+}
+
+
 def read_floors():
     floors = {}
     for line in (ROOT / "tests/structure/floors.txt").read_text().splitlines():
         if line and not line.startswith("#"):
-            floor, stem = line.split()
-            floors[stem] = int(floor)
+            floor, place = line.split()
+            floors[place] = int(floor)
     return floors
+
+
+def place_of(name, places):
+    """The file itself or the innermost of its folders among the places; None without one."""
+    while name not in places:
+        name = name.rpartition("/")[0]
+        if not name:
+            return None
+    return name
 
 
 def includes_of(path):
@@ -32,38 +52,44 @@ def includes_of(path):
     return re.findall(r'^\s*#\s*include\s*[<"]([^>"]+)[>"]', text, flags=re.M)
 
 
-def resolve(name):
+def resolve(name, including):
     """The project file that an include names, or None for a foreign header."""
-    for base in ("src", "include"):
+    for base in INCLUDE_FOLDERS[place_of(including, INCLUDE_FOLDERS)]:
         if (ROOT / base / name).is_file():
             return f"{base}/{name}"
     return None
 
 
-def check_library(floors):
+def check_include(name, target, floors):
+    place, target_place = place_of(name, floors), place_of(target, floors)
+    if place is None or target_place is None:
+        problem(f"{name if place is None else target}: has no floor in tests/structure/floors.txt")
+    elif place != target_place and floors[target_place] >= floors[place]:
+        problem(f"{name} (floor {floors[place]}) includes {target} (floor {floors[target_place]})")
+
+
+def check_includes(floors):
     graph = {}
-    for path in code_files("include", "src"):
+    for path in code_files("include", "src", "tools"):
         name = relative(path)
-        floor = floors.get(name.rsplit(".", 1)[0])
-        if floor is None:
-            problem(f"{name}: has no floor in tests/structure/floors.txt")
-            continue
-        graph[name] = []
-        for include in includes_of(path):
-            target = resolve(include)
-            if target is None and OS_HEADERS.match(include) and not OS_SOURCES.match(name):
-                problem(f"{name}: includes the system header <{include}>")
-            if target is None:
-                continue
-            graph[name].append(target)
-            target_floor = floors.get(target.rsplit(".", 1)[0], 0)
-            if target_floor > floor:
-                problem(f"{name} (floor {floor}) includes {target} (floor {target_floor})")
-            if target.endswith("/rgen.h") and not HEADER_USERS.match(name):
-                problem(f"{name}: includes the public header; only src/api may")
-        if RECORD_NAMES.search(without_comments(path.read_text())) and not RECORD_USERS.match(name):
-            problem(f"{name}: uses a boundary record; only src/api may")
+        targets = (resolve(include, name) for include in includes_of(path))
+        graph[name] = [target for target in targets if target is not None]
+        check_include(name, name, floors)
+        for target in graph[name]:
+            check_include(name, target, floors)
     return graph
+
+
+def check_library_file(path):
+    """What holds in the library alone."""
+    name = relative(path)
+    for include in includes_of(path):
+        if OS_HEADERS.match(include) and not OS_SOURCES.match(name):
+            problem(f"{name}: includes the system header <{include}>")
+        if include == "strata_repgenlib/rgen.h" and not HEADER_USERS.match(name):
+            problem(f"{name}: includes the public header; only src/api may")
+    if RECORD_NAMES.search(without_comments(path.read_text())) and not RECORD_USERS.match(name):
+        problem(f"{name}: uses a boundary record; only src/api may")
 
 
 def check_circles(graph):
@@ -84,20 +110,21 @@ def check_circles(graph):
 def check_outside():
     for path in code_files(*OUTSIDE):
         for include in includes_of(path):
-            target = resolve(include)
             local = (path.parent / include).is_file() or (ROOT / "tests" / include).is_file()
-            if target and target.startswith("src/") and not local:
-                problem(f"{relative(path)}: includes {target}; only the public header is allowed")
+            if (ROOT / "src" / include).is_file() and not local:
+                problem(f"{relative(path)}: includes src/{include}; only the public header is allowed")
 
 
 def check_table(floors):
-    for stem in floors:
-        if not any((ROOT / f"{stem}{ending}").is_file() for ending in (".h", ".cpp")):
-            problem(f"tests/structure/floors.txt: {stem} does not exist")
+    for place in floors:
+        if not (ROOT / place).exists():
+            problem(f"tests/structure/floors.txt: {place} does not exist")
 
 
 floor_table = read_floors()
 check_table(floor_table)
-check_circles(check_library(floor_table))
+check_circles(check_includes(floor_table))
+for library_file in code_files("include", "src"):
+    check_library_file(library_file)
 check_outside()
 finish("floors")

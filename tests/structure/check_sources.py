@@ -1,11 +1,10 @@
 """Budgets and habits that can be read off the sources: file sizes, one OS conditional, no left-over
-marks, licence lines, unique file names, ASCII in the library.
+marks, licence lines, file names, ASCII in the library.
 
 SPDX-License-Identifier: MIT
 """
 
 import re
-from collections import defaultdict
 
 from project_files import (CODE_ENDINGS, ROOT, code_files, finish, own_files, problem, relative,
                            without_comments)
@@ -26,7 +25,7 @@ MARKS = re.compile(r"\b(TO" r"DO|FIX" r"ME|XX" r"X|HA" r"CK)\b")
 SCRIPT_NAMES = {"CMakeLists.txt", "setup", "dependencies", "demo", "test", "lint", "run",
                 "run-under-wine", "run_test_program", "inventory-data", "picture",
                 "measure-conversion", "benchmark", "compare-with-peers", "fuzz", "soak", "coverage",
-                "mutate", "site", "release", "check-release", "check-debian-package"}
+                "site", "release", "check-release", "check-debian-package"}
 LICENSED_ENDINGS = CODE_ENDINGS | BINDING_ENDINGS | {".cmake", ".py", ".sh", ".map", ".def", ".dict",
                                                      ".toml"}
 
@@ -84,23 +83,17 @@ def check_binding_file(path):
             problem(f"{name}:{number}: more than {LONGEST_COMMENT_LINE} columns, or blanks at the end")
 
 
-def check_unique_names():
-    places = defaultdict(list)
-    for path in code_files():
-        places[path.name].append(relative(path))
-    for name, where in places.items():
-        if len(where) > 1:
-            problem(f"file name used twice: {', '.join(where)}")
-        if not re.fullmatch(r"[a-z][a-z0-9_]*\.(c|cpp|h|hpp)", name):
-            problem(f"{where[0]}: file names are snake_case")
+def check_file_name(path):
+    if not re.fullmatch(r"[a-z][a-z0-9_]*\.(c|cpp|h|hpp)", path.name):
+        problem(f"{relative(path)}: file names are snake_case")
 
 
 check_os_conditionals()
 for code_file in code_files():
     check_code_file(code_file)
+    check_file_name(code_file)
 for file in own_files():
     check_text_file(file)
     if file.suffix in BINDING_ENDINGS:
         check_binding_file(file)
-check_unique_names()
 finish("sources")

@@ -19,7 +19,7 @@
 #include <new>
 #include <utility>
 
-#include "store/xml_parser_context.h"
+#include "store/xml/parser_context.h"
 
 namespace rgen_test {
 namespace {

@@ -6,7 +6,7 @@
 #include <mutex>
 
 #include "platform/platform.h"
-#include "store/xml_parser_context.h"
+#include "store/xml/parser_context.h"
 
 namespace rgen_test {
 namespace {

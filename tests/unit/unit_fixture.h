@@ -10,7 +10,7 @@
 #include <string>
 
 #include "report_generator.h"
-#include "store/guid.h"
+#include "store/base/guid.h"
 #include "support/status_printer.h"
 #include "support/temp_folder.h"
 

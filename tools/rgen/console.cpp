@@ -11,7 +11,7 @@
 
 #include "command_error.h"
 #include "host_system.h"
-#include "plain_text.h"
+#include "process/plain_text.h"
 
 namespace cli {
 namespace {

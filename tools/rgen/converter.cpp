@@ -8,8 +8,8 @@
 #include <memory>
 #include <system_error>
 
-#include "child_process.h"
 #include "interruption.h"
+#include "process/child_process.h"
 #include "safe_files.h"
 
 namespace cli {

@@ -8,7 +8,6 @@
 #include <optional>
 #include <system_error>
 
-#include "child_process.h"
 #include "commands.h"
 #include "config_check.h"
 #include "error_document.h"
@@ -17,6 +16,7 @@
 #include "input_file.h"
 #include "own_version.h"
 #include "persistent_store.h"
+#include "process/child_process.h"
 #include "report_output.h"
 #include "report_run.h"
 #include "report_type.h"

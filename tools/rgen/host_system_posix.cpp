@@ -14,8 +14,8 @@
 #include <filesystem>
 #include <thread>
 
-#include "child_process.h"
 #include "host_system.h"
+#include "process/child_process.h"
 #include "strata_repgenlib/rgen.h"
 
 namespace cli {

@@ -13,7 +13,7 @@
 
 #include "command_error.h"
 #include "input_files.h"
-#include "plain_text.h"
+#include "process/plain_text.h"
 
 namespace cli {
 namespace {

@@ -6,7 +6,7 @@
 #include <nlohmann/json.hpp>
 #include <string_view>
 
-#include "plain_text.h"
+#include "process/plain_text.h"
 
 namespace cli {
 

@@ -8,12 +8,12 @@
 #include <fstream>
 #include <system_error>
 
-#include "child_process.h"
 #include "console.h"
 #include "converter.h"
 #include "host_system.h"
 #include "input_file.h"
-#include "pdf_file.h"
+#include "process/child_process.h"
+#include "process/pdf_file.h"
 #include "safe_files.h"
 #include "xml_content.h"
 

@@ -9,7 +9,7 @@
 #include <string_view>
 
 #include "input_file.h"
-#include "plain_text.h"
+#include "process/plain_text.h"
 
 namespace cli {
 namespace {

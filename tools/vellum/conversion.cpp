@@ -8,10 +8,10 @@
 #include <thread>
 
 #include "failure.h"
-#include "guardian.h"
 #include "output_file.h"
 #include "page_file.h"
 #include "page_url.h"
+#include "process/guardian.h"
 #include "staged_page.h"
 #include "warnings.h"
 #include "watch.h"

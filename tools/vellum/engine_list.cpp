@@ -5,11 +5,11 @@
 
 #include <algorithm>
 
-#include "child_process.h"
 #include "failure.h"
 #include "html_tags.h"
 #include "message.h"
 #include "page_url.h"
+#include "process/child_process.h"
 
 namespace vellum {
 namespace {

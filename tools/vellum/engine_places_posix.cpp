@@ -3,8 +3,8 @@
 // SPDX-License-Identifier: MIT
 #include <unistd.h>
 
-#include "child_process.h"
 #include "engine_list.h"
+#include "process/child_process.h"
 
 namespace vellum {
 

@@ -6,8 +6,8 @@
 
 #include <algorithm>
 
-#include "child_process.h"
 #include "engine_list.h"
+#include "process/child_process.h"
 
 namespace vellum {
 namespace {

@@ -5,7 +5,7 @@
 
 #include <cstdio>
 
-#include "plain_text.h"
+#include "process/plain_text.h"
 
 namespace vellum {
 

@@ -6,10 +6,10 @@
 #include <fstream>
 #include <system_error>
 
-#include "child_process.h"
 #include "error_page.h"
 #include "failure.h"
-#include "pdf_file.h"
+#include "process/child_process.h"
+#include "process/pdf_file.h"
 
 namespace vellum {
 namespace {

@@ -8,7 +8,7 @@
 #include <functional>
 #include <string>
 
-#include "guardian.h"
+#include "process/guardian.h"
 
 namespace vellum {
 

@@ -6,7 +6,7 @@
 #include <algorithm>
 #include <string_view>
 
-#include "child_process.h"
+#include "process/child_process.h"
 
 namespace vellum {
 namespace {

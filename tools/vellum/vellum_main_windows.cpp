@@ -11,9 +11,9 @@
 #include <exception>
 #include <filesystem>
 
-#include "guardian.h"
 #include "literal_command_line.h"
 #include "message.h"
+#include "process/guardian.h"
 #include "vellum_program.h"
 
 int wmain(int argc, wchar_t** argv) {

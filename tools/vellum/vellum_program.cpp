@@ -9,13 +9,13 @@
 #include <exception>
 #include <fstream>
 
-#include "child_process.h"
 #include "conversion.h"
 #include "failure.h"
 #include "message.h"
 #include "options.h"
 #include "output_file.h"
-#include "plain_text.h"
+#include "process/child_process.h"
+#include "process/plain_text.h"
 #include "watch.h"
 
 namespace vellum {

@@ -9,7 +9,7 @@
 #include <set>
 #include <string>
 
-#include "child_process.h"
+#include "process/child_process.h"
 #include "staged_page.h"
 
 namespace vellum {

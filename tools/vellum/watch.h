@@ -9,9 +9,9 @@
 #include <cstdint>
 #include <filesystem>
 
-#include "child_process.h"
 #include "engine_list.h"
 #include "output_file.h"
+#include "process/child_process.h"
 
 namespace vellum {
 

@@ -10,7 +10,7 @@
 
 #include "api/record_conversions.h"
 #include "report_generator.h"
-#include "store/xml_parser_context.h"
+#include "store/xml/parser_context.h"
 #include "strata_repgenlib/rgen.h"
 #include "support/fault_injection.h"
 #include "support/temp_folder.h"

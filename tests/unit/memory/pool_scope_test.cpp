@@ -14,9 +14,9 @@
 #include <unordered_map>
 
 #include "memory/pool_allocator.h"
-#include "store/xml_handles.h"
-#include "store/xml_memory.h"
-#include "store/xml_parser_context.h"
+#include "store/xml/handles.h"
+#include "store/xml/memory.h"
+#include "store/xml/parser_context.h"
 #include "support/fault_injection.h"
 #include "support/scope_fault_check.h"
 

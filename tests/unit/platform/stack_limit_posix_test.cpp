@@ -14,8 +14,8 @@
 
 #include "memory/pool_scope.h"
 #include "platform/platform.h"
-#include "store/xml_handles.h"
-#include "store/xslt_stack_guard.h"
+#include "store/xml/handles.h"
+#include "store/xml/stack_guard.h"
 #include "support/fault_injection.h"
 #include "support/sized_thread.h"
 

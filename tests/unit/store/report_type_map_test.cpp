@@ -7,8 +7,8 @@
 
 #include <string>
 
-#include "store/xml_handles.h"
-#include "store/xml_parser_context.h"
+#include "store/xml/handles.h"
+#include "store/xml/parser_context.h"
 #include "support/fault_injection.h"
 #include "unit/unit_fixture.h"
 

@@ -1,0 +1,21 @@
+"""Runs the suites about an installation and the hosts that are built with it.
+
+Usage: run_consumer_tests.py [SUITE...]            these suites, all of them by default
+       run_consumer_tests.py --all-but SUITE...    all other suites
+
+A suite is a file of this folder without its ending. The variables that installed_case.py and
+program_case.py list say what is tested. The last line is "all tests ran to the end" when no case was
+left out.
+
+SPDX-License-Identifier: MIT
+"""
+
+import sys
+from pathlib import Path
+
+FOLDER = Path(__file__).resolve().parent
+sys.path.insert(0, str(FOLDER.parents[1] / "support"))
+
+import suite_runner  # It is in the folder that was added.
+
+sys.exit(suite_runner.run(FOLDER))

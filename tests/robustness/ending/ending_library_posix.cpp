@@ -1,0 +1,38 @@
+// The library loaded with dlopen, and never closed.
+//
+// SPDX-License-Identifier: MIT
+#include <dlfcn.h>
+
+#include <cstring>
+
+#include "robustness/ending/ending_library.h"
+
+namespace rgen_test {
+namespace {
+
+template <typename Function>
+bool find(void* library, const char* name, Function& function) {
+    void* found = dlsym(library, name);
+    std::memcpy(&function, &found, sizeof function);
+    return found != nullptr;
+}
+
+}  // namespace
+
+bool openLibrary(const char* path, EndingLibrary& library) {
+    void* handle = dlopen(path, RTLD_NOW | RTLD_LOCAL);
+    bool isWhole = handle != nullptr;
+#define RGEN_TEST_FOUND(member, name) isWhole = isWhole && find(handle, #name, library.member)
+    RGEN_TEST_FUNCTIONS(RGEN_TEST_FOUND);
+#undef RGEN_TEST_FOUND
+    return isWhole;
+}
+
+bool loadLateLibrary(const char* path, void (*function)()) {
+    void* handle = dlopen(path, RTLD_NOW | RTLD_LOCAL);
+    void* place = handle != nullptr ? dlsym(handle, "late_function") : nullptr;
+    if (place != nullptr) std::memcpy(place, &function, sizeof function);
+    return place != nullptr;
+}
+
+}  // namespace rgen_test

@@ -1,0 +1,72 @@
+// Every element of XSLT with every kind of node inside, alone and beside another one: no block is
+// released twice, none is left (scope_fault_check.h looks after each case).
+//
+// SPDX-License-Identifier: MIT
+#include "support/node_kinds.h"
+
+#include <string>
+
+#include "generate/transformation.h"
+#include "store/xml/memory.h"
+#include "support/scope_fault_check.h"
+#include "unit/unit_fixture.h"
+
+namespace rgen_test {
+namespace {
+
+using MakeSheet = std::string (*)(const NodeText&, const std::string&, const std::string&);
+
+class NodeKindsInPools : public UnitTest {
+protected:
+    void transform(const std::string& sheet) {
+        putTemplate(sheet);
+        const rgen::XmlMemoryScope memory(slot_);
+        rgen::ByteVector result;
+        static_cast<void>(rgen::transform(generator, "html", {{"a", "1"}, {"b", "2"}}, path_,
+                                          *source_.getToken(), result));
+    }
+    void expectOrder(const std::string& sheet) {
+        transform(sheet);
+        const auto faults = acknowledgeScopeFaults();
+        EXPECT_EQ(0U, faults.poolsLeft);
+        EXPECT_EQ(0U, faults.wrongReleases);
+    }
+    void expectOrderWith(MakeSheet makeSheet, const NodeText& place, const std::string& after) {
+        SCOPED_TRACE(place.label);
+        for (const NodeText& kind : nodeKinds()) {
+            SCOPED_TRACE(kind.label);
+            expectOrder(makeSheet(place, kind.xml + after, "html"));
+            if (!after.empty()) expectOrder(makeSheet(place, after + kind.xml, "html"));
+        }
+    }
+    void expectOrderEverywhere(const std::string& after) {
+        for (const NodeText& place : bodyPlaces())
+            expectOrderWith(sheetWithBody, place, after);
+        for (const NodeText& place : topLevelPlaces())
+            expectOrderWith(sheetWithTopLevel, place, after);
+    }
+
+private:
+    const std::string path_ = folder.dataFile("templates/html/test_stylesheet.xsl");
+    rgen::sync::CancellationTokenSource source_;
+    rgen::memory::PoolSlot slot_;
+};
+
+TEST_F(NodeKindsInPools, Alone) {
+    expectOrderEverywhere("");
+}
+
+TEST_F(NodeKindsInPools, BesideText) {
+    expectOrderEverywhere("text");
+}
+
+TEST_F(NodeKindsInPools, BesideCdata) {
+    expectOrderEverywhere("<![CDATA[cdata]]>");
+}
+
+TEST_F(NodeKindsInPools, BesideAnElement) {
+    expectOrderEverywhere("<i/>");
+}
+
+}  // namespace
+}  // namespace rgen_test

@@ -1,0 +1,278 @@
+// Child processes and program files on Windows.
+//
+// SPDX-License-Identifier: MIT
+#include <windows.h>
+
+#include <psapi.h>
+
+#include <cwchar>
+#include <system_error>
+
+#include "process/child_process.h"
+
+namespace tools {
+
+struct ChildProcess::State {
+    HANDLE process = nullptr;
+    /// Ends every process in it when its last handle is closed.
+    HANDLE job = nullptr;
+    std::optional<int> exitCode;
+
+    ~State() {
+        if (process != nullptr) CloseHandle(process);
+        if (job != nullptr) CloseHandle(job);
+    }
+};
+
+namespace {
+
+[[noreturn]] void fail(const std::string& what) {
+    throw std::system_error(static_cast<int>(GetLastError()), std::system_category(), what);
+}
+
+std::wstring wide(const std::string& text) {
+    return std::filesystem::u8path(text).wstring();
+}
+
+/// An argument as the C runtime of the new program takes it apart again.
+std::wstring quoted(const std::wstring& argument) {
+    std::wstring text = L"\"";
+    std::size_t slashes = 0;
+    for (const wchar_t letter : argument) {
+        slashes = letter == L'\\' ? slashes + 1 : 0;
+        if (letter == L'"') text.append(slashes + 1, L'\\');
+        text += letter;
+        if (letter == L'"') slashes = 0;
+    }
+    return text.append(slashes, L'\\') + L"\"";
+}
+
+std::wstring commandLine(const ProcessRequest& request) {
+    std::wstring line = quoted(request.program.wstring());
+    for (const std::string& argument : request.arguments)
+        line += L" " + quoted(wide(argument));
+    return line;
+}
+
+/// This process's variables with the request's in their place, as CreateProcessW takes them.
+std::wstring environmentBlock(const ProcessRequest& request) {
+    std::wstring block;
+    wchar_t* const own = GetEnvironmentStringsW();
+    for (const wchar_t* variable = own; *variable != L'\0'; variable += std::wcslen(variable) + 1) {
+        const std::wstring text = variable;
+        bool isReplaced = false;
+        for (const auto& [name, value] : request.environment) {
+            const std::wstring start = wide(name) + L"=";
+            isReplaced = isReplaced || _wcsnicmp(text.c_str(), start.c_str(), start.size()) == 0;
+        }
+        if (!isReplaced) block.append(text).push_back(L'\0');
+    }
+    FreeEnvironmentStringsW(own);
+    for (const auto& [name, value] : request.environment)
+        block.append(wide(name) + L"=" + wide(value)).push_back(L'\0');
+    block.push_back(L'\0');
+    return block;
+}
+
+HANDLE makeJob(std::uint64_t memoryLimit) {
+    HANDLE job = CreateJobObjectW(nullptr, nullptr);
+    JOBOBJECT_EXTENDED_LIMIT_INFORMATION limits = {};
+    limits.BasicLimitInformation.LimitFlags = JOB_OBJECT_LIMIT_KILL_ON_JOB_CLOSE;
+    if (memoryLimit > 0) {
+        limits.BasicLimitInformation.LimitFlags |= JOB_OBJECT_LIMIT_JOB_MEMORY;
+        // Whoever watches over the limit sees a program that passes it; one that is refused memory
+        // only says that something failed.
+        limits.JobMemoryLimit = memoryLimit + memoryLimit / 4;
+    }
+    SetInformationJobObject(job, JobObjectExtendedLimitInformation, &limits, sizeof limits);
+    return job;
+}
+
+DWORD activeProcesses(HANDLE job) {
+    JOBOBJECT_BASIC_ACCOUNTING_INFORMATION facts = {};
+    QueryInformationJobObject(job, JobObjectBasicAccountingInformation, &facts, sizeof facts,
+                              nullptr);
+    return facts.ActiveProcesses;
+}
+
+/// The numbers of a job's processes.
+std::vector<ULONG_PTR> processesOf(HANDLE job) {
+    constexpr std::size_t most = 1024;
+    constexpr std::size_t head = sizeof(JOBOBJECT_BASIC_PROCESS_ID_LIST);
+    std::vector<ULONG_PTR> buffer(head / sizeof(ULONG_PTR) + most);
+    auto* const list = reinterpret_cast<JOBOBJECT_BASIC_PROCESS_ID_LIST*>(buffer.data());
+    const auto size = static_cast<DWORD>(buffer.size() * sizeof(ULONG_PTR));
+    if (QueryInformationJobObject(job, JobObjectBasicProcessIdList, list, size, nullptr) == 0)
+        return {};
+    return {list->ProcessIdList, list->ProcessIdList + list->NumberOfProcessIdsInList};
+}
+
+/// What a process has committed for itself.
+std::uint64_t ownMemory(ULONG_PTR number) {
+    HANDLE process =
+        OpenProcess(PROCESS_QUERY_INFORMATION | PROCESS_VM_READ, FALSE, static_cast<DWORD>(number));
+    if (process == nullptr) return 0;
+    PROCESS_MEMORY_COUNTERS facts = {};
+    const BOOL isKnown = K32GetProcessMemoryInfo(process, &facts, sizeof facts);
+    CloseHandle(process);
+    return isKnown == 0 ? 0 : facts.PagefileUsage;
+}
+
+HANDLE openInheritable(const wchar_t* path, DWORD access, DWORD creation) {
+    SECURITY_ATTRIBUTES inheritable = {sizeof inheritable, nullptr, TRUE};
+    return CreateFileW(path, access, FILE_SHARE_READ | FILE_SHARE_WRITE, &inheritable, creation,
+                       FILE_ATTRIBUTE_NORMAL, nullptr);
+}
+
+}  // namespace
+
+ChildProcess::ChildProcess(const ProcessRequest& request) : state_(std::make_unique<State>()) {
+    HANDLE input = openInheritable(L"NUL", GENERIC_READ, OPEN_EXISTING);
+    HANDLE output = openInheritable(request.outputFile.c_str(), GENERIC_WRITE, CREATE_ALWAYS);
+    if (output == INVALID_HANDLE_VALUE) fail("cannot prepare a process");
+    STARTUPINFOW start = {};
+    start.cb = sizeof start;
+    start.dwFlags = STARTF_USESTDHANDLES;
+    start.hStdInput = input;
+    start.hStdOutput = output;
+    start.hStdError = output;
+    std::wstring line = commandLine(request);
+    std::wstring block = environmentBlock(request);
+    PROCESS_INFORMATION process = {};
+    // Suspended until it belongs to the job, so that no child of it escapes.
+    const BOOL isStarted =
+        CreateProcessW(request.program.c_str(), line.data(), nullptr, nullptr, TRUE,
+                       CREATE_NO_WINDOW | CREATE_SUSPENDED | CREATE_UNICODE_ENVIRONMENT,
+                       block.data(), nullptr, &start, &process);
+    const DWORD reason = GetLastError();
+    CloseHandle(input);
+    CloseHandle(output);
+    if (isStarted == 0) {
+        SetLastError(reason);
+        fail("cannot start " + request.program.u8string());
+    }
+    state_->process = process.hProcess;
+    // It ends its processes when its handle is closed, in whatever way.
+    state_->job = makeJob(request.memoryLimit);
+    // An older Windows refuses this inside another job; then the process alone can be ended.
+    AssignProcessToJobObject(state_->job, process.hProcess);
+    ResumeThread(process.hThread);
+    CloseHandle(process.hThread);
+}
+
+ChildProcess::~ChildProcess() {
+    kill();
+}
+
+bool ChildProcess::hasEnded() {
+    if (state_->exitCode) return true;
+    if (WaitForSingleObject(state_->process, 0) != WAIT_OBJECT_0) return false;
+    DWORD code = 0;
+    GetExitCodeProcess(state_->process, &code);
+    state_->exitCode = static_cast<int>(code);
+    return true;
+}
+
+std::optional<int> ChildProcess::wait(std::chrono::milliseconds longest) {
+    WaitForSingleObject(state_->process, static_cast<DWORD>(longest.count()));
+    hasEnded();
+    return state_->exitCode;
+}
+
+std::uint64_t ChildProcess::memory() const {
+    std::uint64_t bytes = 0;
+    for (const ULONG_PTR number : processesOf(state_->job))
+        bytes += ownMemory(number);
+    return bytes;
+}
+
+void ChildProcess::kill() {
+    constexpr UINT killedCode = 1;
+    TerminateJobObject(state_->job, killedCode);
+    if (state_->exitCode) return;
+    TerminateProcess(state_->process, killedCode);
+    WaitForSingleObject(state_->process, INFINITE);
+    state_->exitCode = -1;
+    // The others of the job are gone in a moment.
+    constexpr DWORD pause = 5;
+    for (int round = 0; round < 100 && activeProcesses(state_->job) > 0; ++round)
+        Sleep(pause);
+}
+
+std::optional<std::filesystem::path> findProgram(const std::string& name) {
+    const std::wstring wideName = wide(name);
+    std::wstring found(MAX_PATH, L'\0');
+    for (;;) {
+        const DWORD length = SearchPathW(nullptr, wideName.c_str(), L".exe",
+                                         static_cast<DWORD>(found.size()), found.data(), nullptr);
+        if (length == 0) return std::nullopt;
+        if (length < found.size()) {
+            found.resize(length);
+            return absolutePath(found);
+        }
+        found.resize(length + 1);
+    }
+}
+
+std::filesystem::path ownFolder() {
+    std::wstring name(MAX_PATH, L'\0');
+    for (;;) {
+        const DWORD length =
+            GetModuleFileNameW(nullptr, name.data(), static_cast<DWORD>(name.size()));
+        if (length < name.size()) {
+            name.resize(length);
+            return std::filesystem::path(name).parent_path();
+        }
+        name.resize(name.size() * 2);
+    }
+}
+
+std::filesystem::path makePrivateFolder(const std::string& prefix) {
+    // The folder for temporary files belongs to the user; a name that exists is somebody else's.
+    const std::filesystem::path parent = std::filesystem::temp_directory_path();
+    const std::string start = prefix + "-" + std::to_string(processNumber()) + "-";
+    for (unsigned number = 0; number < 1000; ++number) {
+        std::error_code ignored;
+        const std::filesystem::path folder = parent / (start + std::to_string(number));
+        if (std::filesystem::create_directory(folder, ignored)) return folder;
+    }
+    fail("cannot make a temporary folder");
+}
+
+void makeNewFile(const std::filesystem::path& path) {
+    HANDLE file = CreateFileW(path.c_str(), GENERIC_WRITE, 0, nullptr, CREATE_NEW,
+                              FILE_ATTRIBUTE_NORMAL, nullptr);
+    if (file == INVALID_HANDLE_VALUE) fail("cannot make a file");
+    CloseHandle(file);
+}
+
+void makeNewFolder(const std::filesystem::path& path) {
+    // The folder for temporary files belongs to the user.
+    if (CreateDirectoryW(path.c_str(), nullptr) == 0) fail("cannot make a temporary folder");
+}
+
+std::optional<std::string> environmentVariable(const std::string& name) {
+    const wchar_t* const value = _wgetenv(wide(name).c_str());
+    if (value == nullptr) return std::nullopt;
+    return std::filesystem::path(value).u8string();
+}
+
+std::filesystem::path absolutePath(const std::filesystem::path& path) {
+    std::wstring full(MAX_PATH, L'\0');
+    for (;;) {
+        const DWORD length =
+            GetFullPathNameW(path.c_str(), static_cast<DWORD>(full.size()), full.data(), nullptr);
+        if (length == 0) return path;
+        if (length < full.size()) {
+            full.resize(length);
+            return full;
+        }
+        full.resize(length);
+    }
+}
+
+unsigned long processNumber() {
+    return GetCurrentProcessId();
+}
+
+}  // namespace tools
