@@ -10,7 +10,7 @@ namespace StrataRepgenlib
     /// <summary>Values of RgenCVariant::type.</summary>
     public enum RgenVariantType : ulong
     {
-        /// <summary>Holds nothing (after a free).</summary>
+        /// <summary>No value (after a free).</summary>
         RGEN_TYPE_EMPTY = 0,
         /// <summary>A signed 64-bit integer.</summary>
         RGEN_TYPE_INT64 = 1,
@@ -18,14 +18,14 @@ namespace StrataRepgenlib
         RGEN_TYPE_STRING = 2,
         /// <summary>Bytes.</summary>
         RGEN_TYPE_BYTE_ARRAY = 3,
-        /// <summary>A handle of the system.</summary>
+        /// <summary>A handle of the operating system.</summary>
         RGEN_TYPE_HANDLE = 4,
     }
 
     /// <summary>Values of RgenCVariant::hint: how a 64-bit integer is shown in a report.</summary>
     public enum RgenHint : ulong
     {
-        /// <summary>That of a zero-filled or freed record.</summary>
+        /// <summary>The hint of a zero-filled or freed record.</summary>
         RGEN_HINT_UNINITIALIZED = 0,
         /// <summary>Signed decimal.</summary>
         RGEN_HINT_GENERIC = 1,
@@ -41,7 +41,7 @@ namespace StrataRepgenlib
         RGEN_HINT_ADDRESS = 6,
         /// <summary>Signed decimal.</summary>
         RGEN_HINT_SPEED = 7,
-        /// <summary>Marks byte arrays that come back from the library.</summary>
+        /// <summary>Marks byte arrays that the library returns.</summary>
         RGEN_HINT_DUMP = 8,
     }
 
@@ -50,7 +50,7 @@ namespace StrataRepgenlib
     {
         /// <summary>Write the file outputPath.</summary>
         RGEN_OUTPUT_FILE = 0,
-        /// <summary>Return the open handle of a file that vanishes on close.</summary>
+        /// <summary>Return the open handle of a file that is deleted on close.</summary>
         RGEN_OUTPUT_DELETE_ON_CLOSE = 1,
         /// <summary>Return the bytes.</summary>
         RGEN_OUTPUT_BYTES = 2,
@@ -78,29 +78,29 @@ namespace StrataRepgenlib
         public byte data4_7;
     }
 
-    /// <summary>A text with its own heap buffer. 16 bytes.</summary>
+    /// <summary>A text in a heap buffer. 16 bytes.</summary>
     [StructLayout(LayoutKind.Sequential)]
     public struct RgenAnsiString
     {
         /// <summary>Number of bytes, without the terminating zero byte.</summary>
         public uint length;
-        /// <summary>Buffer of length + 1 bytes, zero-terminated; null in a zero-filled or freed
+        /// <summary>Buffer of length + 1 bytes, null-terminated; null in a zero-filled or freed
         /// record.</summary>
         public IntPtr data;
     }
 
-    /// <summary>Bytes with their own heap buffer. 16 bytes.</summary>
+    /// <summary>Bytes in a heap buffer. 16 bytes.</summary>
     [StructLayout(LayoutKind.Sequential)]
     public struct RgenByteArray
     {
-        /// <summary>Number of bytes (the low 32 bits, where a caller passed more).</summary>
+        /// <summary>Number of bytes (the low 32 bits if a caller passed more).</summary>
         public uint size;
         /// <summary>Buffer of the bytes, without terminator; null in a zero-filled or freed
         /// record.</summary>
         public IntPtr data;
     }
 
-    /// <summary>The value of a RgenCVariant; RgenCVariant::type tells which member is meant. 16
+    /// <summary>The value of a RgenCVariant; RgenCVariant::type tells which member is valid. 16
     /// bytes.</summary>
     [StructLayout(LayoutKind.Explicit)]
     public struct RgenCVariantValue
@@ -120,13 +120,13 @@ namespace StrataRepgenlib
         public IntPtr handleValue;
     }
 
-    /// <summary>A named, typed, hinted value. 48 bytes.</summary>
+    /// <summary>A value with name, type and hint. 48 bytes.</summary>
     [StructLayout(LayoutKind.Sequential)]
     public struct RgenCVariant
     {
         /// <summary>The value's name, its key in the input set.</summary>
         public RgenAnsiString name;
-        /// <summary>The value itself.</summary>
+        /// <summary>The value, in the member that type selects.</summary>
         public RgenCVariantValue value;
         /// <summary>One of RgenVariantType.</summary>
         public ulong type;
@@ -160,25 +160,24 @@ namespace StrataRepgenlib
     [StructLayout(LayoutKind.Sequential)]
     public struct RgenCInputParams
     {
-        /// <summary>Typed values; they win over pairs and persistent data of the same
+        /// <summary>Typed values; they replace pairs and persistent data of the same
         /// name.</summary>
         public RgenCVariantSet variants;
-        /// <summary>Name/text pairs; they win over persistent data of the same name.</summary>
+        /// <summary>Name/text pairs; they replace persistent data of the same name.</summary>
         public RgenCAnsiStringPairSet pairs;
         /// <summary>Selects the report type in config.xml.</summary>
         public RgenGuid templateGuid;
-        /// <summary>One of RgenOutputMode; anything else ends with
+        /// <summary>One of RgenOutputMode; any other value results in
         /// RGEN_E_UNKNOWN_OUTPUT_MODE.</summary>
         public ulong outputMode;
-        /// <summary>Not zero: a "pdf" report is written as the template made it, without the
-        /// converter.</summary>
+        /// <summary>Not zero: a "pdf" report is the unconverted output of the template.</summary>
         public ulong skipExternalConversion;
-        /// <summary>"html", "pdf" or "txt"; also names the template's folder.</summary>
+        /// <summary>"html", "pdf" or "txt"; also the name of the template's folder.</summary>
         public RgenAnsiString outputFormat;
-        /// <summary>Path of the output file in modes 0 and 1; not looked at in mode 2. For a "pdf"
-        /// that is converted it must not contain a double quote.</summary>
+        /// <summary>Path of the output file in modes 0 and 1; ignored in mode 2. For a "pdf" that
+        /// is converted it must not contain a double quote.</summary>
         public RgenAnsiString outputPath;
-        /// <summary>Handed to the converter after " -b "; it must not contain a double
+        /// <summary>Passed to the converter after " -b "; it must not contain a double
         /// quote.</summary>
         public RgenAnsiString converterBaseArg;
     }
@@ -332,12 +331,11 @@ namespace StrataRepgenlib
         [DllImport(Library, CallingConvention = CallingConvention.Cdecl, ExactSpelling = true)]
         public static extern IntPtr rgen_newReportGenerator();
 
-        /// <summary>Ends a generator and releases everything it holds.</summary>
+        /// <summary>Frees a generator and everything it owns.</summary>
         [DllImport(Library, CallingConvention = CallingConvention.Cdecl, ExactSpelling = true)]
         public static extern void rgen_freeReportGenerator(IntPtr generator);
 
-        /// <summary>Names the folder in which the generator keeps its data directory
-        /// ".rgen".</summary>
+        /// <summary>Sets the folder that contains the generator's data directory ".rgen".</summary>
         [DllImport(Library, CallingConvention = CallingConvention.Cdecl, ExactSpelling = true)]
         public static extern int rgen_setDataDirPath(IntPtr generator, byte[] path);
 
@@ -376,24 +374,24 @@ namespace StrataRepgenlib
         public static extern int rgen_getPersistentData(IntPtr generator, IntPtr guid, ref
             RgenCAnsiStringPairSet pairs);
 
-        /// <summary>Replaces the persistent data of a report type by name/text pairs.</summary>
+        /// <summary>Replaces the persistent data of a report type with name/text pairs.</summary>
         [DllImport(Library, CallingConvention = CallingConvention.Cdecl, ExactSpelling = true)]
         public static extern int rgen_setPersistentDataFromAnsiStringPairSet(IntPtr generator, ref
             RgenGuid guid, ref RgenCAnsiStringPairSet pairs);
 
-        /// <summary>Replaces the persistent data of a report type by name/text pairs. Takes
+        /// <summary>Replaces the persistent data of a report type with name/text pairs. Takes
         /// IntPtr.Zero for null.</summary>
         [DllImport(Library, CallingConvention = CallingConvention.Cdecl, ExactSpelling = true)]
         public static extern int rgen_setPersistentDataFromAnsiStringPairSet(IntPtr generator,
             IntPtr guid, IntPtr pairs);
 
-        /// <summary>Replaces the persistent data of a report type by the display texts of typed
+        /// <summary>Replaces the persistent data of a report type with the display texts of typed
         /// values.</summary>
         [DllImport(Library, CallingConvention = CallingConvention.Cdecl, ExactSpelling = true)]
         public static extern int rgen_setPersistentDataFromCVariantSet(IntPtr generator, ref
             RgenGuid guid, ref RgenCVariantSet variants);
 
-        /// <summary>Replaces the persistent data of a report type by the display texts of typed
+        /// <summary>Replaces the persistent data of a report type with the display texts of typed
         /// values. Takes IntPtr.Zero for null.</summary>
         [DllImport(Library, CallingConvention = CallingConvention.Cdecl, ExactSpelling = true)]
         public static extern int rgen_setPersistentDataFromCVariantSet(IntPtr generator, IntPtr
@@ -411,7 +409,7 @@ namespace StrataRepgenlib
         public static extern int rgen_dumpRawInputDataToFile(IntPtr generator, IntPtr input, byte[]
             path);
 
-        /// <summary>Reads typed values from an XML file, so that a host can run with simulated
+        /// <summary>Reads typed values from an XML file, for a host that runs with simulated
         /// input.</summary>
         [DllImport(Library, CallingConvention = CallingConvention.Cdecl, ExactSpelling = true)]
         public static extern int rgen_getSimulatedRawDataFromFile(IntPtr generator, byte[] path, ref
@@ -421,7 +419,7 @@ namespace StrataRepgenlib
         [DllImport(Library, CallingConvention = CallingConvention.Cdecl, ExactSpelling = true)]
         public static extern IntPtr rgen_getStatusCodeDescription(IntPtr generator, int status);
 
-        /// <summary>Creates a text record from a zero-terminated text.</summary>
+        /// <summary>Creates a text record from a null-terminated text.</summary>
         [DllImport(Library, CallingConvention = CallingConvention.Cdecl, ExactSpelling = true)]
         public static extern int rgen_createRgenAnsiString(byte[] text, ref RgenAnsiString target);
 
@@ -430,13 +428,13 @@ namespace StrataRepgenlib
         public static extern int rgen_createRgenByteArray(byte[] bytes, ulong size, ref
             RgenByteArray target);
 
-        /// <summary>Creates a set of name/text pairs, all empty. The lower-case "pair" in the name
-        /// is no slip.</summary>
+        /// <summary>Creates a set of empty name/text pairs. The lower-case "pair" in the function
+        /// name is intended.</summary>
         [DllImport(Library, CallingConvention = CallingConvention.Cdecl, ExactSpelling = true)]
         public static extern int rgen_createRgenCAnsiStringpairSet(ref RgenCAnsiStringPairSet
             target, ulong count);
 
-        /// <summary>Creates a set of values, all empty.</summary>
+        /// <summary>Creates a set of empty values.</summary>
         [DllImport(Library, CallingConvention = CallingConvention.Cdecl, ExactSpelling = true)]
         public static extern int rgen_createRgenCVariantSet(ref RgenCVariantSet target, ulong
             count);
@@ -446,8 +444,8 @@ namespace StrataRepgenlib
         public static extern int rgen_createRgenCVariantInt64(byte[] name, long value, ulong hint,
             ref RgenCVariant target);
 
-        /// <summary>Creates a named handle. Reports, dumps and persistent data leave handles
-        /// out.</summary>
+        /// <summary>Creates a named handle. Reports, dumps and persistent data do not contain
+        /// handles.</summary>
         [DllImport(Library, CallingConvention = CallingConvention.Cdecl, ExactSpelling = true)]
         public static extern int rgen_createRgenCVariantHandle(byte[] name, IntPtr handle, ulong
             hint, ref RgenCVariant target);
@@ -475,12 +473,12 @@ namespace StrataRepgenlib
         [DllImport(Library, CallingConvention = CallingConvention.Cdecl, ExactSpelling = true)]
         public static extern void rgen_freeRgenCVariant(ref RgenCVariant record);
 
-        /// <summary>Frees all values of a set, the array, and empties the record.</summary>
+        /// <summary>Frees all values of a set and its array, and empties the record.</summary>
         [DllImport(Library, CallingConvention = CallingConvention.Cdecl, ExactSpelling = true)]
         public static extern void rgen_freeRgenCVariantSet(ref RgenCVariantSet set);
 
-        /// <summary>Frees all texts of a set of pairs, both arrays, and empties the record. The
-        /// counterpart of rgen_createRgenCAnsiStringpairSet, in spite of its name.</summary>
+        /// <summary>Frees all texts of a set of pairs and both arrays, and empties the record. In
+        /// spite of its name it is the counterpart of rgen_createRgenCAnsiStringpairSet.</summary>
         [DllImport(Library, CallingConvention = CallingConvention.Cdecl, ExactSpelling = true)]
         public static extern void rgen_freeRgenCAnsiStringSet(ref RgenCAnsiStringPairSet set);
 

@@ -137,7 +137,7 @@ pub fn status_name(status: RgenStatus) -> Option<&'static str> {
     })
 }
 
-/// A value of `RgenVariantType`. Holds nothing (after a free).
+/// A value of `RgenVariantType`. No value (after a free).
 pub const RGEN_TYPE_EMPTY: u64 = 0;
 /// A value of `RgenVariantType`. A signed 64-bit integer.
 pub const RGEN_TYPE_INT64: u64 = 1;
@@ -145,10 +145,10 @@ pub const RGEN_TYPE_INT64: u64 = 1;
 pub const RGEN_TYPE_STRING: u64 = 2;
 /// A value of `RgenVariantType`. Bytes.
 pub const RGEN_TYPE_BYTE_ARRAY: u64 = 3;
-/// A value of `RgenVariantType`. A handle of the system.
+/// A value of `RgenVariantType`. A handle of the operating system.
 pub const RGEN_TYPE_HANDLE: u64 = 4;
 
-/// A value of `RgenHint`. That of a zero-filled or freed record.
+/// A value of `RgenHint`. The hint of a zero-filled or freed record.
 pub const RGEN_HINT_UNINITIALIZED: u64 = 0;
 /// A value of `RgenHint`. Signed decimal.
 pub const RGEN_HINT_GENERIC: u64 = 1;
@@ -164,17 +164,17 @@ pub const RGEN_HINT_SIZE: u64 = 5;
 pub const RGEN_HINT_ADDRESS: u64 = 6;
 /// A value of `RgenHint`. Signed decimal.
 pub const RGEN_HINT_SPEED: u64 = 7;
-/// A value of `RgenHint`. Marks byte arrays that come back from the library.
+/// A value of `RgenHint`. Marks byte arrays that the library returns.
 pub const RGEN_HINT_DUMP: u64 = 8;
 
 /// A value of `RgenOutputMode`. Write the file outputPath.
 pub const RGEN_OUTPUT_FILE: u64 = 0;
-/// A value of `RgenOutputMode`. Return the open handle of a file that vanishes on close.
+/// A value of `RgenOutputMode`. Return the open handle of a file that is deleted on close.
 pub const RGEN_OUTPUT_DELETE_ON_CLOSE: u64 = 1;
 /// A value of `RgenOutputMode`. Return the bytes.
 pub const RGEN_OUTPUT_BYTES: u64 = 2;
 
-/// The generator behind a handle; hosts only ever hold a pointer to it. See HANDLES.
+/// Opaque generator; hosts use pointers to it only. See HANDLES.
 #[repr(C)]
 pub struct RgenReportGenerator {
     _private: [u8; 0],
@@ -194,27 +194,27 @@ pub struct RgenGuid {
     pub data4: [u8; 8],
 }
 
-/// A text with its own heap buffer. 16 bytes.
+/// A text in a heap buffer. 16 bytes.
 #[repr(C)]
 #[derive(Clone, Copy)]
 pub struct RgenAnsiString {
     /// Number of bytes, without the terminating zero byte.
     pub length: u32,
-    /// Buffer of length + 1 bytes, zero-terminated; null in a zero-filled or freed record.
+    /// Buffer of length + 1 bytes, null-terminated; null in a zero-filled or freed record.
     pub data: *mut CChar,
 }
 
-/// Bytes with their own heap buffer. 16 bytes.
+/// Bytes in a heap buffer. 16 bytes.
 #[repr(C)]
 #[derive(Clone, Copy)]
 pub struct RgenByteArray {
-    /// Number of bytes (the low 32 bits, where a caller passed more).
+    /// Number of bytes (the low 32 bits if a caller passed more).
     pub size: u32,
     /// Buffer of the bytes, without terminator; null in a zero-filled or freed record.
     pub data: *mut u8,
 }
 
-/// The value of a RgenCVariant; RgenCVariant::type tells which member is meant. 16 bytes.
+/// The value of a RgenCVariant; RgenCVariant::type tells which member is valid. 16 bytes.
 #[repr(C)]
 #[derive(Clone, Copy)]
 pub union RgenCVariantValue {
@@ -229,13 +229,13 @@ pub union RgenCVariantValue {
     pub handleValue: *mut c_void,
 }
 
-/// A named, typed, hinted value. 48 bytes.
+/// A value with name, type and hint. 48 bytes.
 #[repr(C)]
 #[derive(Clone, Copy)]
 pub struct RgenCVariant {
     /// The value's name, its key in the input set.
     pub name: RgenAnsiString,
-    /// The value itself.
+    /// The value, in the member that type selects.
     pub value: RgenCVariantValue,
     /// One of RgenVariantType.
     pub r#type: u64,
@@ -269,22 +269,22 @@ pub struct RgenCAnsiStringPairSet {
 #[repr(C)]
 #[derive(Clone, Copy)]
 pub struct RgenCInputParams {
-    /// Typed values; they win over pairs and persistent data of the same name.
+    /// Typed values; they replace pairs and persistent data of the same name.
     pub variants: RgenCVariantSet,
-    /// Name/text pairs; they win over persistent data of the same name.
+    /// Name/text pairs; they replace persistent data of the same name.
     pub pairs: RgenCAnsiStringPairSet,
     /// Selects the report type in config.xml.
     pub templateGuid: RgenGuid,
-    /// One of RgenOutputMode; anything else ends with RGEN_E_UNKNOWN_OUTPUT_MODE.
+    /// One of RgenOutputMode; any other value results in RGEN_E_UNKNOWN_OUTPUT_MODE.
     pub outputMode: u64,
-    /// Not zero: a "pdf" report is written as the template made it, without the converter.
+    /// Not zero: a "pdf" report is the unconverted output of the template.
     pub skipExternalConversion: u64,
-    /// "html", "pdf" or "txt"; also names the template's folder.
+    /// "html", "pdf" or "txt"; also the name of the template's folder.
     pub outputFormat: RgenAnsiString,
-    /// Path of the output file in modes 0 and 1; not looked at in mode 2. For a "pdf" that is
-    /// converted it must not contain a double quote.
+    /// Path of the output file in modes 0 and 1; ignored in mode 2. For a "pdf" that is converted
+    /// it must not contain a double quote.
     pub outputPath: RgenAnsiString,
-    /// Handed to the converter after " -b "; it must not contain a double quote.
+    /// Passed to the converter after " -b "; it must not contain a double quote.
     pub converterBaseArg: RgenAnsiString,
 }
 
@@ -297,9 +297,9 @@ pub type RgenTranslateFunction =
 extern "C" {
     /// Creates a generator.
     pub fn rgen_newReportGenerator() -> *mut RgenReportGenerator;
-    /// Ends a generator and releases everything it holds.
+    /// Frees a generator and everything it owns.
     pub fn rgen_freeReportGenerator(generator: *mut RgenReportGenerator);
-    /// Names the folder in which the generator keeps its data directory ".rgen".
+    /// Sets the folder that contains the generator's data directory ".rgen".
     pub fn rgen_setDataDirPath(
         generator: *mut RgenReportGenerator,
         path: *const CChar,
@@ -324,13 +324,13 @@ extern "C" {
         guid: *const RgenGuid,
         pairs: *mut RgenCAnsiStringPairSet,
     ) -> RgenStatus;
-    /// Replaces the persistent data of a report type by name/text pairs.
+    /// Replaces the persistent data of a report type with name/text pairs.
     pub fn rgen_setPersistentDataFromAnsiStringPairSet(
         generator: *mut RgenReportGenerator,
         guid: *const RgenGuid,
         pairs: *const RgenCAnsiStringPairSet,
     ) -> RgenStatus;
-    /// Replaces the persistent data of a report type by the display texts of typed values.
+    /// Replaces the persistent data of a report type with the display texts of typed values.
     pub fn rgen_setPersistentDataFromCVariantSet(
         generator: *mut RgenReportGenerator,
         guid: *const RgenGuid,
@@ -342,7 +342,7 @@ extern "C" {
         input: *const RgenCInputParams,
         path: *const CChar,
     ) -> RgenStatus;
-    /// Reads typed values from an XML file, so that a host can run with simulated input.
+    /// Reads typed values from an XML file, for a host that runs with simulated input.
     pub fn rgen_getSimulatedRawDataFromFile(
         generator: *mut RgenReportGenerator,
         path: *const CChar,
@@ -353,16 +353,17 @@ extern "C" {
         generator: *const RgenReportGenerator,
         status: RgenStatus,
     ) -> *const CChar;
-    /// Creates a text record from a zero-terminated text.
+    /// Creates a text record from a null-terminated text.
     pub fn rgen_createRgenAnsiString(text: *const CChar, target: *mut RgenAnsiString) -> i32;
     /// Creates a byte array record.
     pub fn rgen_createRgenByteArray(bytes: *const u8, size: u64, target: *mut RgenByteArray) -> i32;
-    /// Creates a set of name/text pairs, all empty. The lower-case "pair" in the name is no slip.
+    /// Creates a set of empty name/text pairs. The lower-case "pair" in the function name is
+    /// intended.
     pub fn rgen_createRgenCAnsiStringpairSet(
         target: *mut RgenCAnsiStringPairSet,
         count: u64,
     ) -> i32;
-    /// Creates a set of values, all empty.
+    /// Creates a set of empty values.
     pub fn rgen_createRgenCVariantSet(target: *mut RgenCVariantSet, count: u64) -> i32;
     /// Creates a named 64-bit integer.
     pub fn rgen_createRgenCVariantInt64(
@@ -371,7 +372,7 @@ extern "C" {
         hint: u64,
         target: *mut RgenCVariant,
     ) -> i32;
-    /// Creates a named handle. Reports, dumps and persistent data leave handles out.
+    /// Creates a named handle. Reports, dumps and persistent data do not contain handles.
     pub fn rgen_createRgenCVariantHandle(
         name: *const CChar,
         handle: *mut c_void,
@@ -399,10 +400,10 @@ extern "C" {
     pub fn rgen_freeRgenByteArray(record: *mut RgenByteArray);
     /// Frees the buffers of a value and empties the record; a handle in it is not closed.
     pub fn rgen_freeRgenCVariant(record: *mut RgenCVariant);
-    /// Frees all values of a set, the array, and empties the record.
+    /// Frees all values of a set and its array, and empties the record.
     pub fn rgen_freeRgenCVariantSet(set: *mut RgenCVariantSet);
-    /// Frees all texts of a set of pairs, both arrays, and empties the record. The counterpart of
-    /// rgen_createRgenCAnsiStringpairSet, in spite of its name.
+    /// Frees all texts of a set of pairs and both arrays, and empties the record. In spite of its
+    /// name it is the counterpart of rgen_createRgenCAnsiStringpairSet.
     pub fn rgen_freeRgenCAnsiStringSet(set: *mut RgenCAnsiStringPairSet);
     /// Frees everything inside a request and fills the record with zeros.
     pub fn rgen_freeRgenCInputParams(input: *mut RgenCInputParams);
