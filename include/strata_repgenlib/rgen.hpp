@@ -1,6 +1,6 @@
 /*
- * strata_repgenlib for C++17 and later: owners, exceptions and containers around rgen.h. Nothing
- * but this header and the library is needed; all of it is inline and stands on the C interface.
+ * strata_repgenlib for C++17 and later: RAII types, exceptions and containers on top of rgen.h.
+ * Header-only: it needs this header, rgen.h and the library.
  *
  *     namespace repgen = strata::repgen;
  *
@@ -12,32 +12,32 @@
  *     request.values["Started"] = std::chrono::system_clock::now();
  *     generator.generateFile(request, "report.html");
  *
- * The contract of rgen.h holds; its headings are referred to. What this header adds:
+ * The contract of rgen.h holds; comments below refer to its headings. This header adds:
  *
  * TEXTS
- *   Texts are UTF-8, given as anything that a std::string_view can be made of; from C++20 on also
- *   as char8_t texts. A text stands in a report as it is: "&" is escaped on the way to the library,
- *   in persistent data twice. Text::markup() switches that off for one text, which is then XML
- *   content in the sense of rgen.h. A text, name or path with a zero byte inside throws
+ *   Texts are UTF-8, passed as any type that converts to std::string_view; from C++20 on also as
+ *   char8_t texts. A text appears in a report unchanged: this header escapes "&" for the library,
+ *   in persistent data twice. Text::markup() switches the escaping off for one text, which is then
+ *   XML content in the sense of rgen.h. A text, name or path that contains a zero byte throws
  *   std::invalid_argument, since the library would cut it there.
  *
  * PATHS
- *   A Path is made of a std::filesystem::path or of a text, which is UTF-8 on every system. A
- *   relative one, that of the data directory as well, counts from the folder that is the current
- *   one at the time of each call.
+ *   A Path is constructed from a std::filesystem::path or from a text, which is UTF-8 on every
+ *   system. A relative path, that of the data directory included, is resolved against the current
+ *   folder at the time of each call.
  *
  * ERRORS
- *   Every failure is an exception. A negative status becomes a StatusError, a conversion to pdf
- *   that made no pdf a ConversionError. What a translator throws leaves the call that generates.
- *   The exceptions of the library itself (see EXCEPTIONS in rgen.h: std::bad_alloc,
- *   std::range_error, std::runtime_error and what is derived from it) pass through, if the host and
- *   the library come from the same family of compilers: GCC or Clang with libstdc++ on Linux,
- *   MinGW-w64 on Windows. Another compiler on Windows does not see them, they end the process.
- *   Whatever is thrown, nothing leaks and the generator can be used on.
+ *   Every failure is an exception. A negative status becomes a StatusError, a conversion that
+ *   produced no valid pdf a ConversionError. An exception of a translator leaves the generating
+ *   call. The exceptions of the library itself (see EXCEPTIONS in rgen.h: std::bad_alloc,
+ *   std::range_error, std::runtime_error and classes derived from it) pass through if host and
+ *   library are built with the same compiler family: GCC or Clang with libstdc++ on Linux,
+ *   MinGW-w64 on Windows. With another compiler on Windows they terminate the process. After any
+ *   exception nothing has leaked and the generator can still be used.
  *
  * THREADS
- *   A Generator may be used by several threads at once, as its handle may; moving, ending and
- *   assigning it is for one thread alone. All other objects are plain values.
+ *   Several threads may use a Generator at once, as they may its handle; moving, destroying and
+ *   assigning it requires that no other thread uses it. All other objects are plain values.
  *
  * SPDX-License-Identifier: MIT
  */
@@ -89,10 +89,10 @@ enum class Hint : std::uint64_t {
     Size = RGEN_HINT_SIZE,                   /**< Signed decimal. */
     Address = RGEN_HINT_ADDRESS,             /**< "0x" and lower-case hexadecimal digits. */
     Speed = RGEN_HINT_SPEED,                 /**< Signed decimal. */
-    Dump = RGEN_HINT_DUMP                    /**< Bytes that come back from the library. */
+    Dump = RGEN_HINT_DUMP                    /**< Bytes that the library returns. */
 };
 
-/** What a Value holds; the numbers are those of RgenVariantType. */
+/** The type of a Value; the numbers are those of RgenVariantType. */
 enum class ValueType : std::uint64_t {
     Integer = RGEN_TYPE_INT64,
     Text = RGEN_TYPE_STRING,
@@ -100,7 +100,7 @@ enum class ValueType : std::uint64_t {
     Handle = RGEN_TYPE_HANDLE
 };
 
-/** Whether a text is meant as it stands, or is XML content already. */
+/** Whether a text is to be escaped (Plain) or is XML content already (Markup). */
 enum class TextForm { Plain, Markup };
 
 /* ---- Statuses ------------------------------------------------------------------------------- */
@@ -164,16 +164,16 @@ inline std::string_view statusName(RgenStatus status) noexcept {
 }
 
 /**
- * A failure that the library reported. what() says all of it: "report.html: Template is not found
- * in folder (0xC0000009 RGEN_E_TEMPLATE_NOT_FOUND)".
+ * A failure that the library reported. An example of what(): "report.html: Template is not found in
+ * folder (0xC0000009 RGEN_E_TEMPLATE_NOT_FOUND)".
  */
 class StatusError : public std::runtime_error {
 public:
     /**
-     * @param subject  What the call was about, for what().
+     * @param subject  The file or report type of the call, for what().
      * @param status   The status.
-     * @param text     The library's description of it, which lives as long as the library is
-     *                 loaded; see Generator::statusText.
+     * @param text     The library's description of it, valid as long as the library is loaded; see
+     *                 Generator::statusText.
      */
     StatusError(std::string_view subject, RgenStatus status, const char* text)
         : std::runtime_error(message(subject, status, text)), status_(status), text_(text) {}
@@ -187,7 +187,7 @@ public:
     /** The library's description in English. */
     std::string_view text() const noexcept { return text_; }
 
-    /** Tells whether the generation was cancelled, which is no failure of anything. */
+    /** Whether the status is RGEN_CANCELED. */
     bool isCancellation() const noexcept { return name() == "RGEN_CANCELED"; }
 
 private:
@@ -195,38 +195,38 @@ private:
         char number[16] = {};
         std::snprintf(number, sizeof number, "0x%08X", static_cast<unsigned>(status));
         const std::string_view name = statusName(status);
-        std::string words(subject);
-        words.append(": ").append(text).append(" (").append(number);
-        if (!name.empty()) words.append(" ").append(name);
-        return words + ")";
+        std::string full(subject);
+        full.append(": ").append(text).append(" (").append(number);
+        if (!name.empty()) full.append(" ").append(name);
+        return full + ")";
     }
 
     RgenStatus status_;
     const char* text_;
 };
 
-/** The library reported success, but the converter made no pdf, or not a whole one. */
+/** The library reported success, but the converter wrote no pdf or an incomplete one. */
 class ConversionError : public std::runtime_error {
 public:
     /**
-     * @param path     UTF-8 path of the file that was asked for.
+     * @param path     UTF-8 path of the requested file.
      * @param problem  What is wrong with it.
-     * @param reason   What the converter says, may be empty.
+     * @param reason   The converter's message, may be empty.
      */
     ConversionError(const std::string& path, const std::string& problem, std::string reason)
         : std::runtime_error(path + ": " + problem + (reason.empty() ? "" : ": " + reason)),
           reason_(std::make_shared<std::string>(std::move(reason))) {}
 
-    /** The text of "<path>.error.txt"; empty when the converter left none. */
+    /** The text of "<path>.error.txt"; empty if the converter wrote none. */
     const std::string& reason() const noexcept { return *reason_; }
 
 private:
     std::shared_ptr<const std::string> reason_;
 };
 
-/* ---- Inside --------------------------------------------------------------------------------- */
+/* ---- Implementation ------------------------------------------------------------------------- */
 
-/** What the rest of this header stands on; nothing in here is for hosts. */
+/** Implementation details; not for hosts. */
 namespace detail {
 
 template <typename Source>
@@ -235,7 +235,7 @@ using ElementOf = std::decay_t<decltype(std::declval<const Source&>()[0])>;
 template <typename Letter>
 constexpr bool isByte = std::is_same_v<Letter, unsigned char> || std::is_same_v<Letter, std::byte>;
 
-/// char and, where there is one, char8_t; it has no name in C++17.
+/// char and, from C++20 on, char8_t, which has no name in C++17.
 template <typename Letter>
 constexpr bool isLetter = std::is_integral_v<Letter> && sizeof(Letter) == 1 && !isByte<Letter> &&
                           !std::is_same_v<Letter, signed char> && !std::is_same_v<Letter, bool>;
@@ -271,8 +271,8 @@ using EntryOf = decltype(*std::begin(std::declval<Range&>()));
 template <typename Entry>
 constexpr bool hasTwoParts = std::tuple_size<std::decay_t<Entry>>::value == 2;
 
-/// A range whose entries have two parts, a name and something that an Item can be made of. A view
-/// may be one that cannot be walked through when it is constant.
+/// A range whose entries have two parts: a name and something that converts to Item. The range is
+/// not const, since some views can be iterated only when they are not.
 template <typename Range, typename Item, typename = void>
 constexpr bool isRangeOf = false;
 template <typename Range, typename Item>
@@ -291,7 +291,8 @@ std::string toUtf8(const Source& source) {
     return {reinterpret_cast<const char*>(view.data()), view.size()};
 }
 
-/// `Native` is what u8string() gives, so that the branch of the other language version is not seen.
+/// `Native` is the result type of u8string(). It is a template parameter so that the branch of the
+/// other language version is not compiled.
 template <typename Native = decltype(std::filesystem::path().u8string())>
 std::filesystem::path pathOf(const std::string& utf8) {
     const Native native(utf8.begin(), utf8.end());
@@ -324,27 +325,27 @@ inline std::string escaped(std::string_view text) {
     return replaced(text, '&', "&amp;");
 }
 
-/// "]]>" is nothing that a text of a template may hold.
+/// A text of a template must not contain "]]>".
 inline std::string withoutSectionEnds(std::string text) {
     for (std::size_t at = text.find("]]>"); at != std::string::npos; at = text.find("]]>", at))
         text.replace(at + 2, 1, "&gt;");
     return text;
 }
 
-/// Tells whether XML may hold the character.
+/// Whether XML may contain the character.
 constexpr bool isXmlCharacter(std::uint32_t character) noexcept {
     if (character < 0x20) return character == '\t' || character == '\n' || character == '\r';
     const bool isSurrogate = character >= 0xD800 && character <= 0xDFFF;
     return character <= 0x10FFFF && !isSurrogate && character != 0xFFFE && character != 0xFFFF;
 }
 
-/// What a text starts with: so many bytes, and whether they are a character that XML may hold.
+/// The first character of a text: its bytes, and whether XML may contain it.
 struct LeadingCharacter {
     std::size_t length;
     bool isForXml;
 };
 
-/// A byte that belongs to no character in UTF-8 stands for itself.
+/// A byte that is not part of valid UTF-8 counts as a character of its own.
 inline LeadingCharacter leadingCharacter(std::string_view rest) {
     constexpr std::uint32_t smallest[] = {0, 0, 0x80, 0x800, 0x10000};
     const auto byteAt = [rest](std::size_t at) { return static_cast<unsigned char>(rest[at]); };
@@ -361,8 +362,8 @@ inline LeadingCharacter leadingCharacter(std::string_view rest) {
     return {length, character >= smallest[length] && isXmlCharacter(character)};
 }
 
-/// What XML cannot hold becomes U+FFFD: in the file of persistent data or in a template a single
-/// such character would make the library lose all references after it.
+/// Replaces characters that XML cannot contain by U+FFFD: a single one of them in persistent data
+/// or in a template would make the library lose all references after it.
 inline std::string storable(std::string_view text) {
     std::string result;
     result.reserve(text.size());
@@ -374,7 +375,8 @@ inline std::string storable(std::string_view text) {
     return result;
 }
 
-/// As the library reads it twice. It also cuts white space at the edges, which references save.
+/// For persistent data, which the library reads twice. It also removes leading and trailing white
+/// space, so that is written as references.
 inline std::string escapedTwice(const std::string& text) {
     constexpr std::string_view blanks = " \t\r\n";
     const std::size_t start = (std::min)(text.find_first_not_of(blanks), text.size());
@@ -403,7 +405,7 @@ inline std::string utf8Character(std::uint32_t character) {
             byte(0, 0x80)};
 }
 
-/// The value of a digit of that base, or the base for another character.
+/// The value of a digit of that base, or the base if the character is not such a digit.
 constexpr std::uint32_t digitOf(char letter, std::uint32_t base) noexcept {
     std::uint32_t digit = base;
     if (letter >= '0' && letter <= '9') digit = static_cast<std::uint32_t>(letter - '0');
@@ -412,7 +414,7 @@ constexpr std::uint32_t digitOf(char letter, std::uint32_t base) noexcept {
     return digit < base ? digit : base;
 }
 
-/// The number of "#65" or "#x41"; nothing for what is no number, 0x110000 for a greater one.
+/// The number of "#65" or "#x41", at most 0x110000; nothing if it is not a number.
 inline std::optional<std::uint32_t> referencedNumber(std::string_view name) {
     const bool isHex = name.size() > 1 && name[1] == 'x';
     const std::uint32_t base = isHex ? 16 : 10;
@@ -427,7 +429,7 @@ inline std::optional<std::uint32_t> referencedNumber(std::string_view name) {
     return number;
 }
 
-/// The character of "#65" or "#x41"; empty for what is none.
+/// The character of "#65" or "#x41"; empty if the number is not a character.
 inline std::string numericReference(std::string_view name) {
     const std::uint32_t number = referencedNumber(name).value_or(0);
     const bool isSurrogate = number >= 0xD800 && number <= 0xDFFF;
@@ -444,14 +446,14 @@ inline std::string referencedText(std::string_view name) {
     return !name.empty() && name[0] == '#' ? numericReference(name) : std::string();
 }
 
-/// The reference that `rest` starts with, "&amp;"; empty when there is none. No name is longer.
+/// The reference at the start of `rest`, such as "&amp;"; empty if there is none.
 inline std::string_view referenceAt(std::string_view rest) {
-    constexpr std::size_t longest = 12;
-    const std::size_t end = rest.substr(0, longest).find(';');
+    constexpr std::size_t longestReference = 12;
+    const std::size_t end = rest.substr(0, longestReference).find(';');
     return end == std::string_view::npos ? std::string_view() : rest.substr(0, end + 1);
 }
 
-/// The text that XML content stands for; what is no reference stays.
+/// Replaces the references in XML content by their characters; any other "&" stays.
 inline std::string withoutReferences(std::string_view content) {
     std::string text;
     while (!content.empty()) {
@@ -468,7 +470,7 @@ inline std::string withoutReferences(std::string_view content) {
     return text;
 }
 
-/// The reference that `rest` starts with, "&amp;", or "&" alone where none begins.
+/// The reference at the start of `rest`, such as "&amp;", or "&" alone if there is none.
 inline std::string_view ampersandAt(std::string_view rest) {
     const bool isNumeric = rest.size() > 1 && rest[1] == '#';
     const std::size_t nameStart = isNumeric ? 2 : 1;
@@ -480,7 +482,7 @@ inline std::string_view ampersandAt(std::string_view rest) {
     return isNumeric && !referencedNumber(name) ? rest.substr(0, 1) : rest.substr(0, end + 1);
 }
 
-/// A reference that XML knows, as a document may hold it; empty for another one.
+/// The form in which a document may contain a reference; empty if XML does not know it.
 inline std::string heldReference(std::string_view reference) {
     if (reference.size() == 1) return {};
     const std::string_view name = reference.substr(1, reference.size() - 2);
@@ -488,8 +490,8 @@ inline std::string heldReference(std::string_view reference) {
     return isXmlCharacter(*referencedNumber(name)) ? std::string(reference) : "&#xFFFD;";
 }
 
-/// A text in which `meant` decides what stands in the place of each "&": it is given the reference
-/// that starts there, or "&" alone, and how much of the text is left from there on.
+/// Replaces each reference in a text, or "&" alone, by the result of `meant`. Its arguments are the
+/// reference and the number of bytes from there to the end of the text.
 template <typename Meant>
 std::string mapAmpersands(std::string_view text, Meant meant) {
     std::string result;
@@ -505,8 +507,8 @@ std::string mapAmpersands(std::string_view text, Meant meant) {
     return result.append(text);
 }
 
-/// Markup that damages nothing after it; refuses references that XML does not know. To the library
-/// a name goes up to the next ";", whatever is in between, and without one just the "&" is lost.
+/// Returns markup that damages nothing after it; throws for references that XML does not know. For
+/// the library a name ends at the next ";", whatever is in between; without one only "&" is lost.
 inline std::string checkedMarkup(const std::string& content, const char* what) {
     const std::string text = storable(content);
     const std::size_t lastEnd = text.rfind(';') + 1;
@@ -523,8 +525,8 @@ inline std::string checkedMarkup(const std::string& content, const char* what) {
     });
 }
 
-/// A translation becomes part of a template. What looks like markup in it is meant as such only if
-/// the original has it, too, and nothing in it may damage what follows in the template.
+/// Escapes a translation, which becomes part of a template. Markup characters stay only if the
+/// original has them, too; nothing in the result can damage the rest of the template.
 inline std::string asMarkup(std::string_view original, std::string translation) {
     const auto has = [original](std::string_view part) {
         return original.find(part) != std::string_view::npos;
@@ -537,16 +539,16 @@ inline std::string asMarkup(std::string_view original, std::string translation) 
     });
     if (!has("<")) translation = replaced(translation, '<', "&lt;");
     if (!has(">")) translation = replaced(translation, '>', "&gt;");
-    // A CDATA section of the translation's own needs its end.
+    // If the translation has a CDATA section, its end must stay.
     if (translation.find("<![CDATA[") == std::string::npos) {
         translation = withoutSectionEnds(std::move(translation));
     }
-    // A marked text with its two quotes can only stand in an attribute between apostrophes.
+    // A marked text contains double quotes, so an attribute with it is delimited by apostrophes.
     if (!has("'")) translation = replaced(translation, '\'', "&#39;");
     return translation;
 }
 
-/// Reads so many bytes of a file from a position on; fewer at its end.
+/// Reads up to `length` bytes of a file from position `start`.
 inline std::string partOf(std::ifstream& file, std::streamoff start, std::size_t length) {
     std::string part(length, '\0');
     file.clear();
@@ -556,7 +558,7 @@ inline std::string partOf(std::ifstream& file, std::streamoff start, std::size_t
     return part;
 }
 
-/// Tells whether the file begins with "%PDF-" and has "%%EOF" in its last 1024 bytes.
+/// Whether the file begins with "%PDF-" and has "%%EOF" in its last 1024 bytes.
 inline bool isWholePdf(std::ifstream& file) {
     constexpr std::size_t searched = 1024;
     file.seekg(0, std::ios::end);
@@ -566,8 +568,9 @@ inline bool isWholePdf(std::ifstream& file) {
            partOf(file, tail, searched).find("%%EOF") != std::string::npos;
 }
 
-/// Refuses what the converter would take for something else, and removes the text of an earlier
-/// failure, which would be taken for one of this conversion. What cannot be removed stays.
+/// Throws for a double quote, which would break the converter's command line, and removes the error
+/// text of an earlier conversion, which would be mistaken for one of this conversion. Failure to
+/// remove it is ignored.
 inline void prepareConversion(const std::string& path, const std::string& base) {
     if (path.find('"') != std::string::npos || base.find('"') != std::string::npos) {
         throw std::invalid_argument("the path or base of a pdf holds a double quote");
@@ -579,11 +582,11 @@ inline void prepareConversion(const std::string& path, const std::string& base) 
             std::filesystem::remove(note, ignored);
         }
     } catch (const std::system_error&) {
-        // The path is no UTF-8, which the library tells.
+        // The path is not valid UTF-8, which the library reports.
     }
 }
 
-/// Checks what the converter made of a successful generation.
+/// Checks the converter's output after a successful generation.
 inline void verifyPdf(const std::string& path) {
     constexpr std::size_t longestReason = 65536;
     std::ifstream note(pathOf(path + ".error.txt"), std::ios::binary);
@@ -596,12 +599,12 @@ inline void verifyPdf(const std::string& path) {
     if (!isWholePdf(file)) {
         throw ConversionError(path, "the converter's file is not a whole pdf", reason);
     }
-    // A page about its failure is no report; an older text was removed before the conversion.
+    // The pdf may be a page about the failure. prepareConversion removed any older error text.
     if (hasNote) throw ConversionError(path, "the converter failed", reason);
 }
 
-// The one question that each system answers in its own way. The declarations are those of the
-// system's headers, which hosts need not have.
+// The only part that depends on the operating system. The function is declared here so that hosts
+// need no system header.
 #if defined(_WIN32)
 extern "C" __declspec(dllimport) int __stdcall CloseHandle(void* handle);
 inline void closeHandle(void* handle) noexcept {
@@ -638,8 +641,8 @@ inline void release(RgenCInputParams& record) noexcept {
 /* ---- Values --------------------------------------------------------------------------------- */
 
 /**
- * A record of rgen.h with everything in it, for calls that this header does not wrap. It starts
- * filled with zeros, can be moved, not copied, and is freed with the matching function of rgen.h.
+ * Owns a record of rgen.h and its buffers, for calls that this header does not wrap. The record is
+ * zero-filled at first and freed with the matching function of rgen.h. Movable, not copyable.
  *
  *     Owned<RgenCVariant> result;
  *     rgen_generateReport(generator.handle(), &input, result.get());
@@ -651,9 +654,7 @@ public:
     ~Owned() { detail::release(record_); }
     Owned(const Owned&) = delete;
     Owned& operator=(const Owned&) = delete;
-    /** Takes the record over; the other one is empty then. */
     Owned(Owned&& other) noexcept : record_(std::exchange(other.record_, Record{})) {}
-    /** Frees the own record and takes the other one over, which is empty then. */
     Owned& operator=(Owned&& other) noexcept {
         if (this != &other) {
             detail::release(record_);
@@ -662,17 +663,11 @@ public:
         return *this;
     }
 
-    /** The record. */
     Record* get() noexcept { return &record_; }
-    /** The record. */
     const Record* get() const noexcept { return &record_; }
-    /** The record. */
     Record& operator*() noexcept { return record_; }
-    /** The record. */
     const Record& operator*() const noexcept { return record_; }
-    /** The record. */
     Record* operator->() noexcept { return &record_; }
-    /** The record. */
     const Record* operator->() const noexcept { return &record_; }
 
 private:
@@ -685,20 +680,19 @@ public:
     /** The GUID of zeros. */
     constexpr Guid() noexcept = default;
 
-    /** The GUID of a record. */
     constexpr Guid(const RgenGuid& record) noexcept : record_(record) {}
 
     /**
-     * Reads "5a0c6f1e-3b74-4e59-9d21-7c8e0f6a41b2", in either letter case and also in braces. A
-     * wrong constant does not compile: constexpr Guid type("...").
+     * Parses "5a0c6f1e-3b74-4e59-9d21-7c8e0f6a41b2", in upper or lower case, with or without
+     * braces. As a constant, constexpr Guid type("..."), an invalid text does not compile.
      *
-     * Exceptions: std::invalid_argument for another text.
+     * Exceptions: std::invalid_argument for an invalid text.
      */
     constexpr explicit Guid(std::string_view text) : record_{} {
         if (!read(text)) throw std::invalid_argument("this is no GUID");
     }
 
-    /** As the constructor, but gives nothing for another text. Exceptions: none. */
+    /** As the constructor, but returns nullopt for an invalid text. Exceptions: none. */
     static constexpr std::optional<Guid> parse(std::string_view text) noexcept {
         Guid guid;
         return guid.read(text) ? std::optional<Guid>(guid) : std::nullopt;
@@ -717,11 +711,9 @@ public:
     /** The record for functions of rgen.h. */
     constexpr const RgenGuid& record() const noexcept { return record_; }
 
-    /** Compares all that they hold. */
     friend bool operator==(const Guid& left, const Guid& right) noexcept {
         return std::memcmp(&left.record_, &right.record_, sizeof left.record_) == 0;
     }
-    /** The opposite. */
     friend bool operator!=(const Guid& left, const Guid& right) noexcept {
         return !(left == right);
     }
@@ -753,7 +745,7 @@ private:
         return true;
     }
 
-    /// Digits come from the left, the highest one of a field first.
+    /// Stores one digit of the text form; digit 0 is the first.
     constexpr void put(std::size_t digit, std::uint32_t value) noexcept {
         if (digit < 8) {
             record_.data1 = record_.data1 * 16U + value;
@@ -783,7 +775,7 @@ private:
 /** The path of a file or folder; see PATHS. */
 class Path {
 public:
-    /** From a text, which is UTF-8, or from whatever a std::filesystem::path can be made of. */
+    /** From a UTF-8 text, or from anything else that converts to std::filesystem::path. */
     template <typename Source, typename = std::enable_if_t<
                                    !std::is_same_v<Source, Path> &&
                                    (detail::isText<Source> ||
@@ -797,13 +789,12 @@ public:
         detail::withoutZero(utf8_, "a path");
     }
 
-    /** A null pointer is no path. */
     Path(std::nullptr_t) = delete;
 
-    /** The path in UTF-8, as the library takes it. */
+    /** The path in UTF-8, as it is passed to the library. */
     const std::string& utf8() const noexcept { return utf8_; }
 
-    /** The path for the C++ library. */
+    /** The path as std::filesystem::path. */
     std::filesystem::path native() const { return detail::pathOf(utf8_); }
 
 private:
@@ -815,15 +806,14 @@ class Text {
 public:
     Text() = default;
 
-    /** A text that stands in the report as it is. */
+    /** A plain text, which appears in the report unchanged. */
     template <typename Source, typename = std::enable_if_t<detail::isText<Source>>>
     Text(const Source& plain) : content_(detail::toUtf8(plain)) {}
 
-    /** A null pointer is no text. */
     Text(std::nullptr_t) = delete;
 
     /**
-     * XML content, handed to the library as it is: "&#8364;" is a euro sign, a plain "&" is lost.
+     * XML content, passed to the library unchanged: "&#8364;" is a euro sign, a plain "&" is lost.
      * Persistent data is read twice, see TEXTS in rgen.h.
      */
     template <typename Source, typename = std::enable_if_t<detail::isText<Source>>>
@@ -833,16 +823,14 @@ public:
         return text;
     }
 
-    /** The text as it was given. */
+    /** The text, not escaped. */
     const std::string& content() const noexcept { return content_; }
-    /** Whether it is XML content. */
+    /** Plain or Markup. */
     TextForm form() const noexcept { return form_; }
 
-    /** Compares all that they hold. */
     friend bool operator==(const Text& left, const Text& right) noexcept {
         return left.content_ == right.content_ && left.form_ == right.form_;
     }
-    /** The opposite. */
     friend bool operator!=(const Text& left, const Text& right) noexcept {
         return !(left == right);
     }
@@ -853,41 +841,39 @@ private:
 };
 
 /**
- * A typed value: text, integer, time, bytes or handle. It is made of what it is to hold:
+ * A typed value: text, integer, time, bytes or handle.
  *
  *     Value("text")                      Value(42)
  *     Value(4096, Hint::Address)         Value(std::chrono::system_clock::now())
  *     Value(Bytes{1, 2})                 Value::handle(pointer)
  *     Value(Text::markup("&#8364;"))
  *
- * There is no value of a bool or a single character: neither has a display of its own.
+ * A bool or a single character does not convert to Value: neither has a display form.
  */
 class Value {
 public:
     /** The empty text. */
     Value() = default;
 
-    /** A text. */
     Value(Text text) : content_(std::move(text)) {}
 
-    /** A text that stands in the report as it is. */
+    /** A plain text, which appears in the report unchanged. */
     template <typename Source, std::enable_if_t<detail::isText<Source>, int> = 0>
     Value(const Source& text) : content_(Text(text)) {}
 
-    /** A null pointer is no value. */
     Value(std::nullptr_t) = delete;
 
     /**
      * An integer of any width.
      *
-     * Exceptions: std::out_of_range for numbers above 2^63 - 1; under Hint::Address they are taken
-     * by their bits.
+     * Exceptions: std::out_of_range for numbers above 2^63 - 1, except with Hint::Address, which
+     * shows the bits of the number.
      */
     template <typename Number, std::enable_if_t<detail::isNumber<Number>, int> = 0>
     Value(Number number, Hint hint = Hint::Generic)
         : content_(toInteger(number, hint)), hint_(hint) {}
 
-    /** A moment, shown as local time: date and time, unless the hint says Date or Time alone. */
+    /** A point in time, shown as local date and time, or as one of them by Hint::Date or Time. */
     template <typename Duration>
     Value(std::chrono::time_point<std::chrono::system_clock, Duration> moment,
           Hint hint = Hint::DateTime)
@@ -900,7 +886,7 @@ public:
     Value(const Range& bytes)
         : content_(toBytes(std::data(bytes), std::size(bytes))), hint_(Hint::Dump) {}
 
-    /** A handle. Reports, dumps and persistent data leave it out; it is never closed. */
+    /** A handle. Reports, dumps and persistent data do not contain it; it is never closed. */
     static Value handle(void* handle, Hint hint = Hint::Generic) {
         Value value;
         value.content_ = handle;
@@ -908,7 +894,7 @@ public:
         return value;
     }
 
-    /** What the value holds. */
+    /** The type of the content. */
     ValueType type() const noexcept {
         constexpr ValueType types[] = {ValueType::Text, ValueType::Integer, ValueType::ByteArray,
                                        ValueType::Handle};
@@ -917,22 +903,17 @@ public:
     /** For a text always Generic, for bytes Dump. */
     Hint hint() const noexcept { return hint_; }
 
-    /** The content; each throws std::bad_variant_access for a value of another type. */
+    /** The integer. This and the next four throw std::bad_variant_access for another type. */
     std::int64_t integer() const { return std::get<std::int64_t>(content_); }
-    /** The text. Exceptions: std::bad_variant_access for another type, here and below. */
     const std::string& text() const { return std::get<Text>(content_).content(); }
     /** The text with its form. */
     const Text& markedText() const { return std::get<Text>(content_); }
-    /** The bytes. */
     const Bytes& bytes() const { return std::get<Bytes>(content_); }
-    /** The handle. */
     void* handle() const { return std::get<void*>(content_); }
 
-    /** Compares all that they hold. */
     friend bool operator==(const Value& left, const Value& right) {
         return left.content_ == right.content_ && left.hint_ == right.hint_;
     }
-    /** The opposite. */
     friend bool operator!=(const Value& left, const Value& right) { return !(left == right); }
 
 private:
@@ -959,8 +940,8 @@ private:
 };
 
 /**
- * Named things, sorted by name: the Values and Texts of a request. Of two things of one name the
- * later counts. Names are plain texts.
+ * Named items, sorted by name: the Values and Texts of a request. Of two items with the same name
+ * the later is used. Names are plain texts.
  *
  *     Values values = {{"Device", "Disk 1"}, {"Size", {512, Hint::Size}}};
  *     values["Sector"] = bytes;
@@ -969,17 +950,14 @@ private:
 template <typename Item>
 class Named {
 public:
-    /** How the things are kept. */
     using Map = std::map<std::string, Item, std::less<>>;
-    /** A name and its thing. */
     using Entry = std::pair<std::string, Item>;
 
     Named() = default;
 
-    /** The things of a list. */
     Named(std::initializer_list<Entry> entries) { add(entries); }
 
-    /** From any range of pairs: a name and something that an Item can be made of. */
+    /** From any range of pairs: a name and something that converts to Item. */
     template <typename Range, std::enable_if_t<!std::is_same_v<std::decay_t<Range>, Named> &&
                                                    detail::isRangeOf<Range, Item>,
                                                int> = 0>
@@ -987,7 +965,7 @@ public:
         add(entries);
     }
 
-    /** Adds the entries of a range: a map, a vector of pairs or tuples of two, a view. */
+    /** Adds the entries of a range: a map, a view, or a vector of pairs or two-element tuples. */
     template <typename Range, std::enable_if_t<detail::isRangeOf<Range, Item>, int> = 0>
     Named& add(Range&& entries) {
         for (auto&& entry : entries)
@@ -995,44 +973,37 @@ public:
         return *this;
     }
 
-    /** Adds the entries of a list. */
     Named& add(std::initializer_list<Entry> entries) {
         for (const Entry& entry : entries)
             add(entry.first, entry.second);
         return *this;
     }
 
-    /** Adds one thing, or replaces that of its name. */
+    /** Adds an item; replaces an item with the same name. */
     template <typename Name, std::enable_if_t<detail::isText<Name>, int> = 0>
     Named& add(const Name& name, Item item) {
         map_.insert_or_assign(detail::toUtf8(name), std::move(item));
         return *this;
     }
 
-    /** The thing of that name; a new, empty one when there is none. */
+    /** The item with that name; inserts an empty one if there is none. */
     template <typename Name, std::enable_if_t<detail::isText<Name>, int> = 0>
     Item& operator[](const Name& name) {
         return map_[detail::toUtf8(name)];
     }
 
-    /** The thing of that name. Exceptions: std::out_of_range when there is none. */
+    /** The item with that name. Exceptions: std::out_of_range if there is none. */
     const Item& at(std::string_view name) const {
         const auto found = map_.find(name);
         if (found == map_.end()) throw std::out_of_range("nothing is named " + std::string(name));
         return found->second;
     }
 
-    /** Tells whether something has that name. */
     bool contains(std::string_view name) const { return map_.find(name) != map_.end(); }
-    /** Number of things. */
     std::size_t size() const noexcept { return map_.size(); }
-    /** Tells whether there is none. */
     bool empty() const noexcept { return map_.empty(); }
-    /** The first entry; sorted by name. */
     auto begin() const noexcept { return map_.begin(); }
-    /** Behind the last entry. */
     auto end() const noexcept { return map_.end(); }
-    /** All entries. */
     const Map& map() const noexcept { return map_; }
 
 private:
@@ -1045,41 +1016,39 @@ using Values = Named<Value>;
 using Texts = Named<Text>;
 
 /**
- * What a report is made of. The same request can be used again, by several threads at once, too.
+ * The input of a report. A request can be used again, also by several threads at once.
  *
  *     Request request{type, "txt", {{"Device", "Disk 1"}}};
  */
 struct Request {
     /** The report type. */
     Guid type{};
-    /** "html", "pdf" or "txt"; also names the template's folder. */
+    /** "html", "pdf" or "txt"; also the name of the template's folder. */
     std::string format = "html";
-    /** Typed values; they win over pairs and persistent data of the same name. */
+    /** Typed values; they replace pairs and persistent data of the same name. */
     Values values{};
-    /** Name/text pairs; they win over persistent data of the same name. */
+    /** Name/text pairs; they replace persistent data of the same name. */
     Texts pairs{};
-    /** False: a "pdf" report is written as the template made it, without the converter. */
+    /** False: a "pdf" report is the unconverted output of the template. */
     bool convert = true;
-    /** UTF-8; handed to the converter as its base. No double quote in it. */
+    /** UTF-8; passed to the converter as its base. It must not contain a double quote. */
     std::string converterBase{};
 };
 
 /**
- * The open file of Generator::generateOpenFile, which the system deletes when it is closed. It can
- * be moved, not copied.
+ * The open file of Generator::generateOpenFile, which the system deletes when it is closed.
+ * Movable, not copyable.
  */
 class OpenFile {
 public:
     OpenFile() noexcept = default;
-    /** Takes the handle over. */
+    /** Takes ownership of the handle. */
     explicit OpenFile(void* handle) noexcept : handle_(handle), isOpen_(true) {}
     ~OpenFile() { close(); }
     OpenFile(const OpenFile&) = delete;
     OpenFile& operator=(const OpenFile&) = delete;
-    /** Takes the file over; the other one is closed then. */
     OpenFile(OpenFile&& other) noexcept
         : handle_(other.handle_), isOpen_(std::exchange(other.isOpen_, false)) {}
-    /** Closes the own file and takes the other one over, which is closed then. */
     OpenFile& operator=(OpenFile&& other) noexcept {
         if (this != &other) {
             close();
@@ -1089,26 +1058,24 @@ public:
         return *this;
     }
 
-    /** Tells whether there is an open file. */
     bool isOpen() const noexcept { return isOpen_; }
-    /** As isOpen. */
     explicit operator bool() const noexcept { return isOpen_; }
 
-    /** Windows: the HANDLE, for writing only. Linux: the descriptor as a pointer. */
+    /** Windows: the HANDLE, write-only. Linux: the descriptor as a pointer. */
     void* get() const noexcept { return handle_; }
 
-    /** Linux: the descriptor, whose offset is the end of the report: seek before reading. */
+    /** Linux: the descriptor. Its file offset is at the end of the report: seek before reading. */
     int descriptor() const noexcept {
         return static_cast<int>(reinterpret_cast<std::intptr_t>(handle_));
     }
 
-    /** Gives the handle away; the caller closes it. */
+    /** Returns the handle and its ownership; the caller closes it. */
     void* release() noexcept {
         isOpen_ = false;
         return handle_;
     }
 
-    /** Closes the file, which deletes it. A closed file stays closed. */
+    /** Closes the file, which deletes it; does nothing if it is not open. */
     void close() noexcept {
         if (std::exchange(isOpen_, false)) detail::closeHandle(handle_);
     }
@@ -1130,12 +1097,12 @@ inline void createText(const std::string& text, RgenAnsiString& record) {
     require(rgen_createRgenAnsiString(text.c_str(), &record) != 0);
 }
 
-/// On their way in texts go to a report, which reads them once, or to the persistent data.
+/// Where a text is used: in a report, which reads it once, or in persistent data, read twice.
 enum class Target { Report, Store };
 
-/// The library keeps no more of a persistent text, and cuts the rest without a word.
+/// The library silently cuts a longer persistent text.
 constexpr std::size_t longestStored = 10000000;
-/// It loses a persistent name that takes so much in its file, where a letter becomes up to six.
+/// The library loses a persistent name that is too long in its file, where a byte takes up to six.
 constexpr std::size_t longestStoredName = 1000000;
 
 inline void requireStorable(bool isShortEnough, const char* what) {
@@ -1151,7 +1118,7 @@ inline std::string nameFor(const std::string& name, Target target) {
     return stored;
 }
 
-/// The length counts as the first of the two readings leaves it: "&" as "&amp;".
+/// The limit applies to the text after the first of the two readings: "&" counts as "&amp;".
 inline std::string contentForStore(const Text& text) {
     std::string content = text.form() == TextForm::Markup ? checkedMarkup(text.content(), "a text")
                                                           : escapedTwice(storable(text.content()));
@@ -1170,14 +1137,14 @@ inline std::string contentFor(const Text& text, Target target) {
 inline void createBytes(const char* name, const Bytes& bytes, Target target, RgenCVariant& record) {
     // A persistent byte is stored as "AB ".
     requireStorable(target == Target::Report || bytes.size() <= longestStored / 3, "a byte array");
-    // The library wants an address even for no bytes.
+    // The library requires a non-null pointer even for no bytes.
     static constexpr std::uint8_t nothing = 0;
     const std::uint8_t* const start = bytes.empty() ? &nothing : bytes.data();
     rgen_createRgenCVariantByteArray(name, start, bytes.size(), RGEN_HINT_DUMP, &record);
     require(bytes.empty() || record.value.byteArrayValue.data != nullptr);
 }
 
-/// The create functions return 1 even when memory for a name is exhausted.
+/// Checks the name itself: the create functions return 1 even if memory for it is exhausted.
 inline void createValue(const std::string& name, const Value& value, Target target,
                         RgenCVariant& record) {
     const std::string used = nameFor(name, target);
@@ -1197,7 +1164,7 @@ inline void createValue(const std::string& name, const Value& value, Target targ
     require(record.name.data != nullptr);
 }
 
-/// A set with an array even for no values: the dump asks for one.
+/// Creates an array even for no values: the dump requires one.
 inline void createValues(const Values& values, Target target, RgenCVariantSet& set) {
     require(rgen_createRgenCVariantSet(&set, (std::max<std::size_t>)(1, values.size())) != 0);
     RgenCVariant* record = set.items;
@@ -1249,47 +1216,47 @@ inline Value valueOf(const RgenCVariant& record) {
     return textOf(record.value.stringValue);
 }
 
-/// What translators threw, by the thread that generates. A thread has a place from the start of a
-/// call to its end, so that keeping an exception needs no memory.
-class RaisedExceptions {
+/// Exceptions of translators, by generating thread. A thread has an entry from the start of a call
+/// to its end, so that storing an exception needs no memory.
+class ThrownExceptions {
 public:
     void open() {
         const std::lock_guard lock(mutex_);
-        raised_[std::this_thread::get_id()] = nullptr;
+        thrown_[std::this_thread::get_id()] = nullptr;
     }
     bool isEmpty() {
         const std::lock_guard lock(mutex_);
-        const auto place = raised_.find(std::this_thread::get_id());
-        return place == raised_.end() || !place->second;
+        const auto entry = thrown_.find(std::this_thread::get_id());
+        return entry == thrown_.end() || !entry->second;
     }
-    void keep(std::exception_ptr exception) {
+    void store(std::exception_ptr exception) {
         const std::lock_guard lock(mutex_);
-        const auto place = raised_.find(std::this_thread::get_id());
-        if (place != raised_.end()) place->second = std::move(exception);
+        const auto entry = thrown_.find(std::this_thread::get_id());
+        if (entry != thrown_.end()) entry->second = std::move(exception);
     }
     std::exception_ptr close() {
         const std::lock_guard lock(mutex_);
-        const auto place = raised_.find(std::this_thread::get_id());
-        if (place == raised_.end()) return nullptr;
-        std::exception_ptr exception = place->second;
-        raised_.erase(place);
+        const auto entry = thrown_.find(std::this_thread::get_id());
+        if (entry == thrown_.end()) return nullptr;
+        std::exception_ptr exception = entry->second;
+        thrown_.erase(entry);
         return exception;
     }
 
 private:
     std::mutex mutex_;
-    std::map<std::thread::id, std::exception_ptr> raised_;
+    std::map<std::thread::id, std::exception_ptr> thrown_;
 };
 
-/// The place of one call among them.
-class RaisedInCall {
+/// The entry of one call in ThrownExceptions.
+class ThrownInCall {
 public:
-    explicit RaisedInCall(RaisedExceptions& exceptions) : exceptions_(exceptions) {
+    explicit ThrownInCall(ThrownExceptions& exceptions) : exceptions_(exceptions) {
         exceptions_.open();
     }
-    ~RaisedInCall() { exceptions_.close(); }
-    RaisedInCall(const RaisedInCall&) = delete;
-    RaisedInCall& operator=(const RaisedInCall&) = delete;
+    ~ThrownInCall() { exceptions_.close(); }
+    ThrownInCall(const ThrownInCall&) = delete;
+    ThrownInCall& operator=(const ThrownInCall&) = delete;
 
     void rethrow() {
         const std::exception_ptr exception = exceptions_.close();
@@ -1297,14 +1264,14 @@ public:
     }
 
 private:
-    RaisedExceptions& exceptions_;
+    ThrownExceptions& exceptions_;
 };
 
-/// A translator and the text that it gave last: the library copies it before it asks again.
+/// A translator and its last result, which the library copies before the next call.
 struct Translation {
     std::function<std::string(std::string_view)> translate;
     TextForm form;
-    RaisedExceptions& exceptions;
+    ThrownExceptions& exceptions;
     std::string text;
 
     static const char* RGEN_CALL call(const char* text, void* context) noexcept {
@@ -1318,7 +1285,7 @@ struct Translation {
                                                      : checkedMarkup(self.text, "a translation");
             return self.text.c_str();
         } catch (...) {
-            self.exceptions.keep(std::current_exception());
+            self.exceptions.store(std::current_exception());
             return text;
         }
     }
@@ -1326,14 +1293,14 @@ struct Translation {
     static const char* RGEN_CALL same(const char* text, void* /*context*/) noexcept { return text; }
 };
 
-/// What stays at its place when a Generator moves.
+/// On the heap, since the translate callback has pointers into it, which must survive a move.
 struct GeneratorState {
     GeneratorState() : handle(rgen_newReportGenerator()) { require(handle != nullptr); }
     ~GeneratorState() { rgen_freeReportGenerator(handle); }
     GeneratorState(const GeneratorState&) = delete;
     GeneratorState& operator=(const GeneratorState&) = delete;
 
-    RaisedExceptions exceptions;
+    ThrownExceptions exceptions;
     std::mutex settings;
     std::unique_ptr<Translation> translation;
     RgenReportGenerator* handle;
@@ -1344,15 +1311,16 @@ struct GeneratorState {
 /* ---- Generator ------------------------------------------------------------------------------ */
 
 /**
- * A report generator. It can be moved, not copied; a moved-from one can only be assigned or ended.
+ * A report generator. Movable, not copyable; a moved-from generator can only be assigned or
+ * destroyed.
  *
- * Threads: see THREADS, and THREADS AND THE LOCK in rgen.h for what waits for what.
- * Exceptions: where a function says "those of the library", see ERRORS.
+ * Threads: see THREADS, and THREADS AND THE LOCK in rgen.h for which calls wait for which.
+ * Exceptions: "those of the library" below refers to ERRORS.
  */
 class Generator {
 public:
     /**
-     * A generator without a data directory: name one before anything else.
+     * A generator without a data directory: call setDataDir before anything else.
      *
      * Exceptions: std::bad_alloc.
      */
@@ -1361,49 +1329,48 @@ public:
     /** A generator with the data directory "<folder>/.rgen"; see setDataDir. */
     explicit Generator(const Path& folder) : Generator() { setDataDir(folder); }
 
-    /** The handle for functions of rgen.h; the generator keeps it. */
+    /** The handle for functions of rgen.h; the generator owns it. */
     RgenReportGenerator* handle() const noexcept { return state_->handle; }
 
     /**
-     * Names the folder in which the generator keeps its data directory ".rgen".
+     * Sets the folder that contains the generator's data directory ".rgen".
      *
-     * @param folder  An existing folder; nothing is created here.
+     * @param folder  An existing folder; this function creates nothing.
      *
      * Exceptions: StatusError with RGEN_E_DIR_NOT_FOUND (the previous data directory stays in
-     * force); those of the library.
+     * use); those of the library.
      */
     void setDataDir(const Path& folder) {
         check(rgen_setDataDirPath(handle(), folder.utf8().c_str()), folder.utf8());
     }
 
     /**
-     * Sets what translates the marked texts of templates; it is for generations that start to
-     * translate after it.
+     * Sets the translator of the marked texts of templates, for generations that reach their
+     * translation after this call.
      *
      * @param translator  A callable that takes a std::string_view or std::string, the marked text
-     *                    as it stands in the template, and gives a text of any kind, which is
-     *                    copied at once. It is kept until the next one is set, and called on the
+     *                    as written in the template, and returns a text of any type, which is
+     *                    copied at once. It is stored until the next one is set, and called on the
      *                    generating threads, by one at a time. It must not call this generator; see
      *                    THE CALLBACK in rgen.h.
-     * @param form        Plain: "&", "<", ">" and "'" in a translation are escaped, each unless the
-     *                    original has it, too; "]]>", unless the translation has a CDATA section,
-     *                    and an "&" that starts no reference of XML are escaped in any case. "{"
-     *                    and "}" are not: in attributes of the template they stand for an XPath
-     *                    expression. Markup: the translation becomes part of the template as it is;
-     *                    a reference that XML does not know is an std::invalid_argument. What XML
-     *                    cannot hold becomes U+FFFD in both forms; a text that is given back
-     *                    unchanged stays as it is.
+     * @param form        Plain: each of "&", "<", ">" and "'" is escaped in a translation unless
+     *                    the original contains it, too. "]]>" (unless the translation has a CDATA
+     *                    section) and an "&" that starts no reference of XML are always escaped.
+     *                    "{" and "}" are not: in attributes of the template they delimit an XPath
+     *                    expression. Markup: the translation becomes part of the template
+     *                    unchanged; a reference that XML does not know throws
+     *                    std::invalid_argument. In both forms characters that XML cannot contain
+     *                    become U+FFFD; a text that is returned unchanged stays unchanged.
      *
-     * When the translator throws an exception, this and all further texts of the report stay as
-     * they are, and the exception leaves the call that generates after its end; a file may be there
-     * then.
+     * If the translator throws, this and all further texts of the report stay untranslated, and the
+     * generating call throws the exception at its end, when an output file may already exist.
      *
      * Threads: waits while a transformation runs on this generator.
      * Exceptions: std::bad_alloc; those of the library.
      */
     template <typename Translator>
     void setTranslator(Translator translator, TextForm form = TextForm::Plain) {
-        // It may be one that can only be moved, which a std::function does not take.
+        // std::function requires a copyable callable; this one may be move-only.
         auto kept = std::make_shared<Translator>(std::move(translator));
         auto translate = [kept = std::move(kept)](std::string_view text) {
             if constexpr (std::is_invocable_v<Translator&, std::string_view>) {
@@ -1419,7 +1386,7 @@ public:
         std::swap(state_->translation, next);
     }
 
-    /** Marked texts stay as they are again. Threads, exceptions: as setTranslator. */
+    /** Removes the translator: marked texts stay unchanged. Otherwise as setTranslator. */
     void clearTranslator() {
         const std::lock_guard lock(state_->settings);
         rgen_setTranslateFunction(handle(), detail::Translation::same, nullptr);
@@ -1429,17 +1396,17 @@ public:
     /**
      * Generates a report as a file; an existing one is replaced.
      *
-     * For "pdf" the converter runs, unless the request says otherwise. Since its exit code tells
-     * nothing, the file itself is looked at afterwards: it must begin with "%PDF-" and have "%%EOF"
-     * at its end. What an earlier conversion left as "<output>.error.txt" is removed beforehand.
+     * For "pdf" the converter runs, unless request.convert is false. Since the library ignores its
+     * exit code, this function checks the file: it must begin with "%PDF-" and end with "%%EOF". An
+     * "<output>.error.txt" of an earlier conversion is removed first.
      *
-     * @param request  What the report is made of.
+     * @param request  The input of the report.
      * @param output   The file. For a "pdf" that is converted it must not contain a double quote.
      * @return         The path of the file.
      *
      * Exceptions: StatusError with the statuses of rgen_generateReport; ConversionError;
      * std::invalid_argument (see TEXTS; a double quote in the path or the base of a "pdf" that is
-     * converted); what the translator threw; those of the library.
+     * converted); those of the translator; those of the library.
      */
     std::filesystem::path generateFile(const Request& request, const Path& output) {
         const bool isConverted = request.format == "pdf" && request.convert;
@@ -1450,12 +1417,12 @@ public:
     }
 
     /**
-     * Generates a report in memory, without any conversion.
+     * Generates a report in memory, without conversion.
      *
-     * @param request  What the report is made of.
+     * @param request  The input of the report.
      * @return         The bytes of the report.
      *
-     * Exceptions: as generateFile, but for ConversionError.
+     * Exceptions: as generateFile, except ConversionError.
      */
     Bytes generateBytes(const Request& request) {
         const Owned<RgenCVariant> result = generate(request, RGEN_OUTPUT_BYTES, {});
@@ -1466,11 +1433,11 @@ public:
     /**
      * Generates a report as a file that the system deletes when it is closed, without conversion.
      *
-     * @param request  What the report is made of.
-     * @param output   The file. Windows takes the path in the ANSI code page: keep to ASCII.
-     * @return         The open file; on Linux its name is gone already.
+     * @param request  The input of the report.
+     * @param output   The file. Windows reads the path in the ANSI code page: use ASCII only.
+     * @return         The open file; on Linux its name has been removed already.
      *
-     * Exceptions: as generateFile, but for ConversionError.
+     * Exceptions: as generateFile, except ConversionError.
      */
     OpenFile generateOpenFile(const Request& request, const Path& output) {
         const Owned<RgenCVariant> result =
@@ -1480,10 +1447,10 @@ public:
     }
 
     /**
-     * Asks all generations that run on this generator to stop. They end with a StatusError whose
+     * Asks all generations that run on this generator to stop. They throw a StatusError whose
      * isCancellation() is true, unless they are past their last check.
      *
-     * Threads: for another thread than the generating one; waits while a transformation runs.
+     * Threads: for a thread other than the generating one; waits while a transformation runs.
      * Exceptions: those of the library.
      */
     void cancel() { rgen_cancel(handle(), nullptr); }
@@ -1494,16 +1461,16 @@ public:
     /**
      * Reads the persistent data of a report type.
      *
-     * The texts are what reports show: what setPersistentData was given comes back. Only entries
-     * without a name or text and white space at the edges of a name are not kept. Control
-     * characters (but for tab, carriage return and line feed), U+FFFE, U+FFFF and what is no UTF-8
-     * come back as U+FFFD.
+     * Returns the texts that were passed to setPersistentData, as reports show them. Entries
+     * without a name or text are skipped, and names have no leading or trailing white space.
+     * Control characters (except tab, carriage return and line feed), U+FFFE, U+FFFF and invalid
+     * UTF-8 are returned as U+FFFD.
      *
      * @param type  The report type.
-     * @return      Names and texts; none when the file holds none.
+     * @return      Names and texts; empty if the file contains none.
      *
-     * Exceptions: StatusError with RGEN_E_OPEN_PERSIST when nothing was stored yet or the file
-     * cannot be read, or one of the CONFIGURATION STATUSES; those of the library.
+     * Exceptions: StatusError with RGEN_E_OPEN_PERSIST if nothing was stored yet or the file cannot
+     * be read, or with one of the CONFIGURATION STATUSES; those of the library.
      */
     std::map<std::string, std::string> persistentData(const Guid& type) const {
         Owned<RgenCAnsiStringPairSet> pairs;
@@ -1526,14 +1493,14 @@ public:
      * Replaces the persistent data of a report type; there is no merging.
      *
      * @param type   The report type.
-     * @param texts  Names and texts. A Text::markup is read twice before it stands in a report.
-     *               What XML cannot hold becomes U+FFFD.
+     * @param texts  Names and texts. A Text::markup is read twice before it appears in a report.
+     *               Characters that XML cannot contain become U+FFFD.
      *
      * Exceptions: StatusError with the statuses of rgen_setPersistentDataFromAnsiStringPairSet;
-     * std::invalid_argument (see TEXTS) also for what the store would cut, a text of more than
-     * 10,000,000 bytes ("&" and each white space at an edge count as five) and a name of more than
-     * 1,000,000, and for a Text::markup with a reference that XML does not know, which would damage
-     * other entries; those of the library.
+     * std::invalid_argument (see TEXTS), also for a text of more than 10,000,000 bytes ("&" and
+     * each leading or trailing white space character count as five) or a name of more than
+     * 1,000,000, which the library would cut or lose, and for a Text::markup with a reference that
+     * XML does not know, which would damage other entries; those of the library.
      */
     void setPersistentData(const Guid& type, const Texts& texts) {
         Owned<RgenCAnsiStringPairSet> pairs;
@@ -1543,8 +1510,8 @@ public:
     }
 
     /**
-     * Replaces the persistent data of a report type by the display texts of typed values; types and
-     * hints are not stored, handles are left out. Otherwise as setPersistentData.
+     * Replaces the persistent data of a report type with the display texts of typed values; types,
+     * hints and handles are not stored. All else is as in setPersistentData.
      */
     void setPersistentValues(const Guid& type, const Values& values) {
         Owned<RgenCVariantSet> set;
@@ -1570,14 +1537,14 @@ public:
     }
 
     /**
-     * Reads typed values from an XML file of the shape that rgen.h describes, so that a host can
-     * run with simulated input.
+     * Reads typed values from an XML file, for a host that runs with simulated input. The format is
+     * described at rgen_getSimulatedRawDataFromFile. For an invalid byte array the library writes
+     * one line to standard output.
      *
      * @param input  The file.
-     * @return       The values; none when the file is missing, cannot be read, or holds no valid
+     * @return       The values; empty if the file is missing, cannot be read, or contains no valid
      *               property. The library has no status for these.
      *
-     * An invalid byte dump in it makes the library write one line to standard output.
      * Exceptions: those of the library.
      */
     Values simulatedInput(const Path& input) const {
@@ -1599,7 +1566,7 @@ public:
      * Describes a status in English.
      *
      * @param status  Any number.
-     * @return        A text that lives as long as the library is loaded.
+     * @return        A text that is valid as long as the library is loaded.
      *
      * Exceptions: std::bad_alloc.
      */
@@ -1616,12 +1583,12 @@ private:
                                  const std::string& output) {
         const Owned<RgenCInputParams> input = detail::toRecord(request, mode, output);
         Owned<RgenCVariant> result;
-        detail::RaisedInCall raised(state_->exceptions);
+        detail::ThrownInCall thrown(state_->exceptions);
         const RgenStatus status = rgen_generateReport(handle(), input.get(), result.get());
-        // A handle of a report that the host never gets is closed.
+        // Closes the handle if an exception follows, since the host then never receives it.
         OpenFile unwanted =
             result->type == RGEN_TYPE_HANDLE ? OpenFile(result->value.handleValue) : OpenFile();
-        raised.rethrow();
+        thrown.rethrow();
         check(status, output.empty() ? request.type.text() : output);
         unwanted.release();
         return result;
