@@ -1,7 +1,7 @@
-"""Checks the pages of promises: each statement names the tests that hold it, and these exist.
+"""Checks the pages of guarantees: each statement names its tests, and these exist.
 
 A statement is a row of a table or an item of a list in one of the pages below. A test is named as
-`Suite.Case`, `Suite.*`, or by its script. Where no test can show it, the statement says "By reading".
+`Suite.Case`, `Suite.*`, or by its script. A statement that cannot be tested says "Not tested".
 
 SPDX-License-Identifier: MIT
 """
@@ -11,7 +11,7 @@ import re
 from project_files import ROOT, finish, problem
 
 PAGES = ("docs/security.md", "docs/threading.md")
-# Names tests here and there; those exist, too.
+# Names some tests, which must exist, too.
 COMPARISON = "docs/linux-port.md"
 CASE = re.compile(r"\bTEST(?:_F|_P)?\(\s*(\w+),\s*(\w+)\s*\)")
 PYTHON_CASE = re.compile(r"^    def (test_\w+)\(", re.M)
@@ -54,7 +54,7 @@ def statements(text):
 def check_statement(place, statement, cases):
     named = NAMED.findall(statement)
     scripts = SCRIPT.findall(statement)
-    if not named and not scripts and "By reading" not in statement:
+    if not named and not scripts and "Not tested" not in statement:
         problem(f"{place}: names no test: {statement[:70]}")
     suites = {suite for suite, _ in cases}
     for suite, case in named:
