@@ -7,7 +7,7 @@
 # third_party::benchmark, and for the command-line host third_party::cli11 and third_party::json.
 
 set(RGEN_FLAVOUR "" CACHE STRING "Flavour of the third-party libraries (see scripts/dependencies)")
-set(RGEN_DEPENDENCIES "" CACHE PATH "Their folder; asked of scripts/dependencies when empty")
+set(RGEN_DEPENDENCIES "" CACHE PATH "Their folder; made by scripts/dependencies when empty")
 
 if(NOT RGEN_FLAVOUR)
     if(WIN32)
@@ -19,13 +19,16 @@ endif()
 
 set(rgen_third_party ${RGEN_DEPENDENCIES})
 if(NOT rgen_third_party)
+    # Builds the flavour if it is not in the cache yet; that takes a minute and no rights.
+    execute_process(COMMAND ${PROJECT_SOURCE_DIR}/scripts/dependencies ${RGEN_FLAVOUR}
+                    OUTPUT_QUIET RESULT_VARIABLE result)
+    if(NOT result EQUAL 0)
+        message(FATAL_ERROR "The third-party libraries cannot be built (see above).")
+    endif()
     execute_process(
         COMMAND ${PROJECT_SOURCE_DIR}/scripts/dependencies --print-prefix ${RGEN_FLAVOUR}
         OUTPUT_VARIABLE rgen_third_party OUTPUT_STRIP_TRAILING_WHITESPACE
-        RESULT_VARIABLE result)
-    if(NOT result EQUAL 0)
-        message(FATAL_ERROR "The third-party libraries are missing (see above).")
-    endif()
+        COMMAND_ERROR_IS_FATAL ANY)
 endif()
 
 file(STRINGS ${rgen_third_party}/versions.env rgen_third_party_versions)
@@ -79,7 +82,7 @@ function(rgen_header_library name folder version_header prefix minimum)
     find_path(RGEN_${name}_INCLUDE ${version_header} NO_CMAKE_FIND_ROOT_PATH
               DOC "Folder of the headers of ${name}")
     if(NOT RGEN_${name}_INCLUDE)
-        message(FATAL_ERROR "The headers of ${name} are missing; scripts/setup installs them.")
+        message(FATAL_ERROR "The headers of ${name} are missing; \"scripts/setup linux\" installs them.")
     endif()
     set(version "")
     foreach(part MAJOR MINOR PATCH)

@@ -16,12 +16,24 @@ preset_flavour() {
     esac
 }
 
-# build_preset PRESET [TARGET...]: configures and builds; the compiler is heard only when it fails.
+# Lets a new build folder take compiled objects of earlier builds from the cache folder, where ccache
+# is installed. Precompiled headers need the settings; the clone's own place does not matter.
+use_compiler_cache() {
+    command -v ccache >/dev/null || return 0
+    export CCACHE_DIR=${RGEN_CACHE_DIR:-${XDG_CACHE_HOME:-$HOME/.cache}/strata_repgenlib}/compiler
+    export CCACHE_BASEDIR=$root CCACHE_NOHASHDIR=1 CCACHE_MAXSIZE=5G
+    export CCACHE_SLOPPINESS=pch_defines,time_macros,include_file_mtime,include_file_ctime
+    export CMAKE_C_COMPILER_LAUNCHER=ccache CMAKE_CXX_COMPILER_LAUNCHER=ccache
+}
+
+# build_preset PRESET [TARGET...]: configures and builds; the compiler's output is shown only when it
+# fails.
 build_preset() {
     local preset=$1 log=$root/build/$1.log targets=()
     shift
     (($# == 0)) || targets=(--target "$@")
     mkdir -p "$root/build"
+    use_compiler_cache
     step "building $preset"
     cd "$root"
     quietly "$log" cmake --preset "$preset"

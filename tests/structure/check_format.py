@@ -6,11 +6,14 @@ SPDX-License-Identifier: MIT
 """
 
 import re
+import shutil
 import subprocess
 import sys
 
 from project_files import ROOT, code_files, finish, problem, relative
 
+if shutil.which(sys.argv[1]) is None:
+    sys.exit(f"{sys.argv[1]} is missing; run: scripts/setup test")
 names = [relative(path) for path in code_files()]
 run = subprocess.run([sys.argv[1], "--dry-run", "-Werror", "--style=file", *names], cwd=ROOT,
                      capture_output=True, text=True, check=False)
