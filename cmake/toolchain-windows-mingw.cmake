@@ -14,16 +14,16 @@ set(CMAKE_FIND_ROOT_PATH_MODE_LIBRARY ONLY)
 set(CMAKE_FIND_ROOT_PATH_MODE_INCLUDE ONLY)
 set(CMAKE_FIND_ROOT_PATH_MODE_PACKAGE ONLY)
 
-# The oldest Windows release whose interface may be used: a newer function does not even compile.
+# The oldest supported Windows release: using a newer function is a compile error.
 file(STRINGS ${CMAKE_CURRENT_LIST_DIR}/versions.env api_level_line REGEX "^WINDOWS_API_LEVEL=")
 string(REGEX REPLACE "^.*=" "" api_level "${api_level_line}")
 set(CMAKE_C_FLAGS_INIT "-D_WIN32_WINNT=${api_level} -DWINVER=${api_level}")
 set(CMAKE_CXX_FLAGS_INIT "-D_WIN32_WINNT=${api_level} -DWINVER=${api_level}")
 
-# No compiler runtime library has to travel with the programs and the DLL.
+# Link the compiler's runtime libraries statically, so that programs and DLL need no other files.
 set(CMAKE_EXE_LINKER_FLAGS_INIT "-static")
 set(CMAKE_SHARED_LINKER_FLAGS_INIT "-static")
 
-# Programs run under Wine, in an environment of this build's own.
+# Run programs under Wine, in a prefix that belongs to this build folder.
 set(CMAKE_CROSSCOMPILING_EMULATOR
     ${CMAKE_CURRENT_LIST_DIR}/../scripts/run-under-wine ${CMAKE_BINARY_DIR}/wine)

@@ -1,20 +1,20 @@
 # SPDX-License-Identifier: MIT
-# Finds, downloads and unpacks the third-party source packages. Doors: resolve_sources (from archives
-# that are already here), download_sources (from the Debian archive), unpack_sources, and for what the
-# packages say about their parts list_sources and collect_licences.
-# The chosen versions end up in the associative array source_version, by library name.
+# Finds, downloads and unpacks the third-party source packages. Entry points: resolve_sources (uses
+# archives that are already downloaded), download_sources (from the Debian archive), unpack_sources;
+# list_sources and collect_licences write what the packages say about their parts.
+# The chosen versions are stored in the associative array source_version, by library name.
 
 declare -A source_version=()
 libraries=(libxml2 libxslt boost benchmark)
 
-# setting LIBRARY WHAT: a value of cmake/versions.env; an environment variable RGEN_<LIBRARY>_SERIES
-# or RGEN_<LIBRARY>_MINIMUM takes its place, for trying another release.
+# setting LIBRARY WHAT: prints a value of cmake/versions.env. The environment variables
+# RGEN_<LIBRARY>_SERIES and RGEN_<LIBRARY>_MINIMUM override it, for trying another release.
 setting() {
     local name="${1^^}_$2" override="RGEN_${1^^}_$2"
     echo "${!override:-${!name}}"
 }
 
-# highest_version LIBRARY: of the versions on standard input, the highest one that is wanted.
+# highest_version LIBRARY: prints the highest accepted one of the versions on standard input.
 highest_version() {
     local series minimum version best='' upstream
     series=$(setting "$1" SERIES)
@@ -29,19 +29,19 @@ highest_version() {
     echo "$best"
 }
 
-# The .dsc file name of a version (without the epoch).
+# dsc_name LIBRARY VERSION: prints the name of the .dsc file (without the epoch).
 dsc_name() {
     echo "$(setting "$1" SOURCE)_${2#*:}.dsc"
 }
 
-# The files that a .dsc lists, as "sha256 name" lines.
+# dsc_files DSC: prints the files that a .dsc lists, as lines "sha256 name".
 dsc_files() {
     awk '/^Checksums-Sha256:/ { on = 1; next } /^[^ ]/ { on = 0 } on && NF == 3 { print $1, $3 }' \
         "$1"
 }
 
-# resolve_sources DIR: picks a version of each library among the archives in DIR.
-# The result is false when one is not there as a whole.
+# resolve_sources DIR: chooses a version of each library among the archives in DIR. Fails when an
+# archive of a library is missing.
 resolve_sources() {
     local dir=$1 library prefix file
     source_version=()
@@ -61,7 +61,7 @@ resolve_sources() {
     done
 }
 
-# The address of the Debian archive that this system uses.
+# Prints the address of the Debian archive that this system uses.
 debian_mirror() {
     local site origin label
     if [[ -n ${RGEN_DEBIAN_MIRROR:-} ]]; then
@@ -85,7 +85,8 @@ debian_mirror() {
         "the source packages."
 }
 
-# private_apt DIR: an apt set-up in DIR that shares nothing with the system's but its proxy settings.
+# private_apt DIR: writes an apt configuration into DIR that shares nothing with the system's but
+# the proxy settings.
 private_apt() {
     local dir=$1 mirror suite keyring=/usr/share/keyrings/debian-archive-keyring.gpg
     mirror=$(debian_mirror)
@@ -107,7 +108,7 @@ END
     done >"$dir/sources.list"
 }
 
-# offered_versions APT_CONF SOURCE: every version that the suites offer.
+# offered_versions APT_CONF SOURCE: prints every version that the suites offer.
 offered_versions() {
     apt-cache -c "$1" showsrc --only-source "$2" 2>/dev/null | sed -n 's/^Version: //p' | sort -u
 }
@@ -117,12 +118,12 @@ no_version() {
     die "No Debian suite offers a usable $(setting "$library" SOURCE)." \
         "Wanted:  $(setting "$library" MINIMUM) or later in the series $(setting "$library" SERIES)" \
         "Offered: ${offered:-nothing} (suites: $DEBIAN_RELEASE $DEBIAN_LATER_SUITES)" \
-        "Set RGEN_SOURCE_ARCHIVES to a folder that holds the wanted source packages, or take the" \
+        "Set RGEN_SOURCE_ARCHIVES to a folder that holds the wanted source packages, or use the" \
         "next release with RGEN_${upper}_SERIES (and RGEN_${upper}_MINIMUM); then all tests must pass."
 }
 
-# download_sources DIR: brings the highest wanted version of each library to DIR. apt checks the
-# archive's signature and every checksum.
+# download_sources DIR: downloads the highest accepted version of each library into DIR. apt checks
+# the archive's signature and every checksum.
 download_sources() {
     local dir=$1 library source version conf offered staging
     staging=$dir.part.$$
@@ -147,51 +148,36 @@ download_sources() {
     rmdir "$staging"
 }
 
-# unpack_sources ARCHIVES DIR: unpacks each library to DIR/<library>, patches applied.
+# unpack_sources ARCHIVES DIR: unpacks each library to DIR/<library> and applies Debian's patches
+# and then this project's.
 unpack_sources() {
     local archives=$1 dir=$2 library dsc
     mkdir -p "$dir"
     for library in libxml2 libxslt benchmark; do
         dsc=$archives/$(dsc_name "$library" "${source_version[$library]}")
         quietly "$dir/$library.log" dpkg-source -x "$dsc" "$dir/$library"
+        apply_patches "$library" "$dir/$library"
     done
-    mend_sorting "$dir/libxml2/timsort.h"
-    mend_attributes "$dir/libxslt/libxslt/attributes.c"
     unpack_boost "$archives" "$dir"
 }
 
-# mend_sorting FILE: libxml2 prints a line and ends the process when it finds no memory for sorting a
-# large node set. Afterwards it sorts the two runs that it wanted to merge in place.
-mend_sorting() {
-    local file=$1
-    sed -i -e '/^static void TIM_SORT_RESIZE/,/^}/ { /fprintf(stderr/,/exit(1);/ c\
-      return;
-}' -e '/^  storage = store->storage;$/ a\
-  if (store->alloc < MIN(A, B)) {\
-    BINARY_INSERTION_SORT(\&dst[curr], A + B);\
-    return;\
-  }' "$file"
-    ! grep -q 'exit(1)' "$file" && grep -q 'BINARY_INSERTION_SORT(&dst\[curr\], A + B)' "$file" ||
-        die "The sorting of this libxml2 is not the one that scripts/lib/sources.sh mends." \
-            "Compare $file with the function mend_sorting."
+# apply_patches LIBRARY TREE: applies this project's own changes of a library, the files
+# cmake/third_party/LIBRARY-*.patch. Each says at its top why it is there. A patch has to match
+# exactly, but for line numbers.
+apply_patches() {
+    local library=$1 tree=$2 patch output
+    for patch in "$root/cmake/third_party/$library"-*.patch; do
+        [[ -f $patch ]] || continue
+        output=$(patch --directory "$tree" --strip 1 --fuzz 0 --forward --no-backup-if-mismatch \
+            --reject-file - --input "$patch" 2>&1) ||
+            die "The patch ${patch##*/} does not fit $library ${source_version[$library]}." \
+                "Adapt it to this release, or remove it if the release no longer needs it." \
+                "$output"
+    done
 }
 
-# mend_attributes FILE: xsl:attribute with one text inside lets the result share the stylesheet's text
-# without asking whether it belongs to their common dictionary. That of a CDATA section, and of blanks
-# that xml:space preserves, does not, and would be freed twice. Afterwards it asks, as the copying of
-# texts into elements does.
-mend_attributes() {
-    local file=$1 condition='^\t    (ctxt->insert->doc->dict == ctxt->dict))$'
-    sed -i -e "s/$condition/\t    (ctxt->insert->doc->dict == ctxt->dict) \&\&\\
-\t    (xmlDictOwns(ctxt->dict, inst->children->content) == 1))/" "$file"
-    [[ $(grep -c 'xmlDictOwns(ctxt->dict, inst->children->content) == 1' "$file") == 1 &&
-        $(grep -c -- '->content = inst->children->content' "$file") == 1 ]] ||
-        die "The attributes of this libxslt are not those that scripts/lib/sources.sh mends." \
-            "Compare $file with the function mend_attributes."
-}
-
-# Only Boost.Filesystem and the header libraries that it includes are unpacked; the rest of Boost
-# would take half a minute and a gigabyte.
+# unpack_boost ARCHIVES DIR: unpacks Boost.Filesystem and the header libraries that it includes. The
+# whole of Boost would take half a minute and a gigabyte.
 unpack_boost() {
     local archives=$1 dir=$2 dsc name library patch
     local header_libraries=(assert atomic config container_hash core detail io iterator mpl predef
@@ -215,7 +201,7 @@ unpack_boost() {
     apply_boost_patches "$dir/boost" "$dir/boost-debian/debian/patches"
 }
 
-# Applies those of Debian's patches that concern an unpacked file.
+# Applies those of Debian's patches that change an unpacked file.
 apply_boost_patches() {
     local tree=$1 patches=$2 patch file
     while read -r patch _; do
@@ -228,7 +214,7 @@ apply_boost_patches() {
     done <"$patches/series"
 }
 
-# list_sources ARCHIVES: the source archives of all libraries, as "library sha256 file" lines.
+# list_sources ARCHIVES: prints the source archives of all libraries as lines "library sha256 file".
 list_sources() {
     local library
     for library in "${libraries[@]}"; do
@@ -237,8 +223,8 @@ list_sources() {
     done
 }
 
-# collect_licences SOURCES DIR: the licences of the unpacked libraries that programs are delivered with,
-# as DIR/<library>.txt: upstream's own text, and for libxml2 the notices of single files, too.
+# collect_licences SOURCES DIR: writes the licences of the libraries that are part of a release to
+# DIR/<library>.txt: upstream's text, and for libxml2 also the notices of single files.
 collect_licences() {
     local sources=$1 dir=$2
     mkdir -p "$dir"
