@@ -13,7 +13,7 @@ NUMBERS = {"uint8_t": "byte", "uint16_t": "ushort", "int32_t": "int", "uint32_t"
            "int64_t": "long", "uint64_t": "ulong", "void": "void"}
 
 HEAD = """// The C interface of strata_repgenlib as C# sees it.
-// Written by bindings/generate_declarations.py out of the public headers; do not edit.
+// Written by bindings/generate_declarations.py from the public headers; do not edit.
 //
 // SPDX-License-Identifier: MIT
 using System;
@@ -183,7 +183,7 @@ def native_lines(header: Header) -> Iterator[str]:
     yield "        /// <summary>The name by which the runtime looks for the library.</summary>"
     yield '        public const string Library = "strata_repgenlib";'
     yield ""
-    yield "        /// <summary>Version of the header that this file was made of.</summary>"
+    yield "        /// <summary>The version of the header that this file was made from.</summary>"
     yield f'        public const string HeaderVersion = "{header.version_text}";'
     yield ""
     yield from status_lines(header.statuses)

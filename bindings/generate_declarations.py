@@ -1,7 +1,7 @@
-"""Writes the declarations of the library for C# and Rust out of the public headers.
+"""Writes the declarations for C# and Rust and the statuses for Python from the public headers.
 
 Usage: generate_declarations.py           writes the files
-       generate_declarations.py --check   says whether they are up to date, code 1 when not
+       generate_declarations.py --check   compares them; exit code 1 when one is out of date
 
 SPDX-License-Identifier: MIT
 """
@@ -15,6 +15,7 @@ sys.path.insert(0, str(FOLDER))
 
 from csharp_declarations import csharp_text
 from header_reader import HeaderError, read_headers
+from python_declarations import python_text
 from rust_declarations import rust_text
 
 HEADERS = FOLDER.parent / "include" / "strata_repgenlib"
@@ -22,18 +23,19 @@ SHOWN_LINES = 40
 
 
 def generated_files() -> dict[Path, str]:
-    """The text of each file, by its path below this folder."""
+    """The text of each file, by its path in this folder."""
     header = read_headers(HEADERS)
     return {Path("csharp/RgenNative.cs"): csharp_text(header),
+            Path("python/strata_repgenlib/status.py"): python_text(header),
             Path("rust/src/rgen_native.rs"): rust_text(header)}
 
 
 def differences(path: Path, wanted: str) -> list[str]:
-    """What a file lacks, as the lines of a comparison."""
+    """The differences between a file and its wanted text, as lines of a comparison."""
     target = FOLDER / path
     found = target.read_text(encoding="utf-8") if target.is_file() else ""
     return list(difflib.unified_diff(found.splitlines(), wanted.splitlines(), f"bindings/{path}",
-                                     "what the headers give", lineterm=""))
+                                     "generated from the headers", lineterm=""))
 
 
 def write_files(files: dict[Path, str]) -> None:
@@ -49,7 +51,7 @@ def check_files(files: dict[Path, str]) -> int:
         if lines:
             code = 1
             print("\n".join(lines[:SHOWN_LINES]))
-            print(f"bindings/{path} is not what the headers give: "
+            print(f"bindings/{path} is out of date: "
                   "run bindings/generate_declarations.py and commit the result")
     return code
 

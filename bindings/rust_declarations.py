@@ -13,7 +13,7 @@ NUMBERS = {"char": "CChar", "uint8_t": "u8", "uint16_t": "u16", "int32_t": "i32"
            "int64_t": "i64", "uint64_t": "u64", "void": "c_void"}
 
 HEAD = """// The C interface of strata_repgenlib as Rust sees it, letter for letter.
-// Written by bindings/generate_declarations.py out of the public headers; do not edit.
+// Written by bindings/generate_declarations.py from the public headers; do not edit.
 //
 // SPDX-License-Identifier: MIT
 
@@ -43,7 +43,7 @@ def doc_lines(text: str, indent: str = "") -> Iterator[str]:
 
 
 def constant_lines(header: Header) -> Iterator[str]:
-    yield "/// Version of the header that these declarations were made of."
+    yield "/// The version of the header that these declarations were made from."
     yield f'pub const HEADER_VERSION: &str = "{header.version_text}";'
     yield ""
     for name, base in header.aliases.items():

@@ -1,5 +1,5 @@
 // The C interface of strata_repgenlib as C# sees it.
-// Written by bindings/generate_declarations.py out of the public headers; do not edit.
+// Written by bindings/generate_declarations.py from the public headers; do not edit.
 //
 // SPDX-License-Identifier: MIT
 using System;
@@ -195,43 +195,44 @@ namespace StrataRepgenlib
         /// <summary>The name by which the runtime looks for the library.</summary>
         public const string Library = "strata_repgenlib";
 
-        /// <summary>Version of the header that this file was made of.</summary>
+        /// <summary>The version of the header that this file was made from.</summary>
         public const string HeaderVersion = "0.1.0";
 
         /// <summary>The operation did what was asked.</summary>
         public const int RGEN_OK = unchecked((int)0x00000000);
         /// <summary>A required pointer argument is null.</summary>
         public const int RGEN_E_BAD_PARAMETER = unchecked((int)0xC0000001);
-        /// <summary>The path given to rgen_setDataDirPath names nothing.</summary>
+        /// <summary>Nothing exists at the path passed to rgen_setDataDirPath.</summary>
         public const int RGEN_E_DIR_NOT_FOUND = unchecked((int)0xC0000002);
-        /// <summary>The data directory is missing and somebody else created it meanwhile; set the
-        /// path again.</summary>
+        /// <summary>The data directory was missing, and another process has just created it; set
+        /// the path again.</summary>
         public const int RGEN_E_CREATE_DIR = unchecked((int)0xC0000003);
         /// <summary>The default config.xml cannot be written.</summary>
         public const int RGEN_E_CREATE_CONFIG = unchecked((int)0xC0000004);
-        /// <summary>config.xml cannot be opened, or nothing of it parses.</summary>
+        /// <summary>config.xml cannot be opened, or no part of it can be parsed.</summary>
         public const int RGEN_E_OPEN_CONFIG = unchecked((int)0xC0000005);
-        /// <summary>The persistent data file is missing, or nothing of it parses.</summary>
+        /// <summary>The persistent data file is missing, or no part of it can be parsed.</summary>
         public const int RGEN_E_OPEN_PERSIST = unchecked((int)0xC0000006);
         /// <summary>Values, pairs and persistent data together hold no property.</summary>
         public const int RGEN_E_EMPTY_INPUT = unchecked((int)0xC0000007);
         /// <summary>config.xml has no usable entry for the GUID.</summary>
         public const int RGEN_E_GUID_NOT_IN_CONFIG = unchecked((int)0xC0000008);
-        /// <summary>No template file lies in the folder of the output format.</summary>
+        /// <summary>There is no template file in the folder of the output format.</summary>
         public const int RGEN_E_TEMPLATE_NOT_FOUND = unchecked((int)0xC0000009);
         /// <summary>The output format is not "html", "pdf" or "txt".</summary>
         public const int RGEN_E_UNKNOWN_FORMAT = unchecked((int)0xC000000A);
         /// <summary>The output path is a directory, or the old output file cannot be
         /// removed.</summary>
         public const int RGEN_E_OVERWRITE_OUTPUT = unchecked((int)0xC000000B);
-        /// <summary>The output file, or the temporary HTML file beside it, cannot be
+        /// <summary>The output file, or the temporary HTML file next to it, cannot be
         /// created.</summary>
         public const int RGEN_E_CREATE_OUTPUT = unchecked((int)0xC000000C);
         /// <summary>Writing the delete-on-close file failed.</summary>
         public const int RGEN_E_WRITE_OUTPUT = unchecked((int)0xC000000D);
         /// <summary>The output mode is not 0, 1 or 2.</summary>
         public const int RGEN_E_UNKNOWN_OUTPUT_MODE = unchecked((int)0xC000000E);
-        /// <summary>The delete-on-close file took fewer bytes than it was given.</summary>
+        /// <summary>Only a part of the bytes could be written to the delete-on-close
+        /// file.</summary>
         public const int RGEN_E_WRITE_ALL_OUTPUT = unchecked((int)0xC000000F);
         /// <summary>The old persistent data file cannot be removed.</summary>
         public const int RGEN_E_DELETE_PERSIST = unchecked((int)0xC0000010);
@@ -241,8 +242,8 @@ namespace StrataRepgenlib
         public const int RGEN_E_RUN_EXTERNAL = unchecked((int)0xC0000012);
         /// <summary>The exit code of the converter cannot be queried.</summary>
         public const int RGEN_E_EXTERNAL_FAILED = unchecked((int)0xC0000013);
-        /// <summary>The simulation file is missing, or nothing of it parses (seen inside the
-        /// library only).</summary>
+        /// <summary>The simulation file is missing, or no part of it can be parsed (used internally
+        /// only).</summary>
         public const int RGEN_E_OPEN_SIMULATION = unchecked((int)0xC0000014);
         /// <summary>The old dump file cannot be removed.</summary>
         public const int RGEN_E_DELETE_DUMP = unchecked((int)0xC0000015);

@@ -1,6 +1,6 @@
 /*
  * The 37 status values of strata_repgenlib. rgen.h includes this file; a host includes rgen.h.
- * rgen_getStatusCodeDescription gives the English sentence for each of them.
+ * rgen_getStatusCodeDescription returns an English description of each.
  *
  * SPDX-License-Identifier: MIT
  */
@@ -12,8 +12,8 @@
 /**
  * Outcome of an operation: zero or positive is success, negative is failure.
  *
- * The upper half tells the group: 0x0000 success; 0xC000 arguments, directories, files and the
- * converter; 0xC001 reading the configuration and the persistent data; 0xC002 the template;
+ * The upper half of the number is the group: 0x0000 success; 0xC000 arguments, directories, files
+ * and the converter; 0xC001 reading the configuration and the persistent data; 0xC002 the template;
  * 0x8000 cancellation.
  */
 typedef int32_t RgenStatus;
@@ -32,33 +32,33 @@ typedef int32_t RgenStatus;
 #define RGEN_OK RGEN_STATUS(0x00000000U)
 /** A required pointer argument is null. */
 #define RGEN_E_BAD_PARAMETER RGEN_STATUS(0xC0000001U)
-/** The path given to rgen_setDataDirPath names nothing. */
+/** Nothing exists at the path passed to rgen_setDataDirPath. */
 #define RGEN_E_DIR_NOT_FOUND RGEN_STATUS(0xC0000002U)
-/** The data directory is missing and somebody else created it meanwhile; set the path again. */
+/** The data directory was missing, and another process has just created it; set the path again. */
 #define RGEN_E_CREATE_DIR RGEN_STATUS(0xC0000003U)
 /** The default config.xml cannot be written. */
 #define RGEN_E_CREATE_CONFIG RGEN_STATUS(0xC0000004U)
-/** config.xml cannot be opened, or nothing of it parses. */
+/** config.xml cannot be opened, or no part of it can be parsed. */
 #define RGEN_E_OPEN_CONFIG RGEN_STATUS(0xC0000005U)
-/** The persistent data file is missing, or nothing of it parses. */
+/** The persistent data file is missing, or no part of it can be parsed. */
 #define RGEN_E_OPEN_PERSIST RGEN_STATUS(0xC0000006U)
 /** Values, pairs and persistent data together hold no property. */
 #define RGEN_E_EMPTY_INPUT RGEN_STATUS(0xC0000007U)
 /** config.xml has no usable entry for the GUID. */
 #define RGEN_E_GUID_NOT_IN_CONFIG RGEN_STATUS(0xC0000008U)
-/** No template file lies in the folder of the output format. */
+/** There is no template file in the folder of the output format. */
 #define RGEN_E_TEMPLATE_NOT_FOUND RGEN_STATUS(0xC0000009U)
 /** The output format is not "html", "pdf" or "txt". */
 #define RGEN_E_UNKNOWN_FORMAT RGEN_STATUS(0xC000000AU)
 /** The output path is a directory, or the old output file cannot be removed. */
 #define RGEN_E_OVERWRITE_OUTPUT RGEN_STATUS(0xC000000BU)
-/** The output file, or the temporary HTML file beside it, cannot be created. */
+/** The output file, or the temporary HTML file next to it, cannot be created. */
 #define RGEN_E_CREATE_OUTPUT RGEN_STATUS(0xC000000CU)
 /** Writing the delete-on-close file failed. */
 #define RGEN_E_WRITE_OUTPUT RGEN_STATUS(0xC000000DU)
 /** The output mode is not 0, 1 or 2. */
 #define RGEN_E_UNKNOWN_OUTPUT_MODE RGEN_STATUS(0xC000000EU)
-/** The delete-on-close file took fewer bytes than it was given. */
+/** Only a part of the bytes could be written to the delete-on-close file. */
 #define RGEN_E_WRITE_ALL_OUTPUT RGEN_STATUS(0xC000000FU)
 /** The old persistent data file cannot be removed. */
 #define RGEN_E_DELETE_PERSIST RGEN_STATUS(0xC0000010U)
@@ -68,7 +68,7 @@ typedef int32_t RgenStatus;
 #define RGEN_E_RUN_EXTERNAL RGEN_STATUS(0xC0000012U)
 /** The exit code of the converter cannot be queried. */
 #define RGEN_E_EXTERNAL_FAILED RGEN_STATUS(0xC0000013U)
-/** The simulation file is missing, or nothing of it parses (seen inside the library only). */
+/** The simulation file is missing, or no part of it can be parsed (used internally only). */
 #define RGEN_E_OPEN_SIMULATION RGEN_STATUS(0xC0000014U)
 /** The old dump file cannot be removed. */
 #define RGEN_E_DELETE_DUMP RGEN_STATUS(0xC0000015U)

@@ -1,6 +1,7 @@
-// The description table and its export. The texts are part of the interface, with their spelling
-// ("is not exist", "intput", "occured"). The table is constant data: nothing is made for the first
-// call, and exit functions and the destructors of a host's global objects find it whole.
+// The descriptions of the statuses in rgen_status.h, and the function that exports them. The texts
+// are part of the interface, including their spelling ("is not exist", "intput", "occured"). The
+// table is constant data: it needs no initialisation, so exit functions and destructors of a host's
+// global objects can still use it.
 //
 // SPDX-License-Identifier: MIT
 #include "api/status_text.h"
@@ -74,7 +75,7 @@ const char* statusText(Status status) noexcept {
 }
 
 const char* unknownCodeText(Status status) noexcept {
-    // On purpose: no negative number comes this far, so no host ever sees the first text.
+    // On purpose: no negative number reaches this line, so no host ever sees the first text.
     return failed(status) ? "Unknown message code" : "Unknown code.";
 }
 

@@ -37,7 +37,7 @@ const char* rgenTestName(RgenStatus status) {
 #define RGEN_TEST_STATUS(name) \
     case name:                 \
         return #name;
-#include "every_status.h"
+#include "every_status.inc"
 #undef RGEN_TEST_STATUS
         default:
             return status == failures[0] ? "never" : 0;

@@ -38,7 +38,7 @@ const char* nameOf(RgenStatus status) {
 #define RGEN_TEST_STATUS(name) \
     case name:                 \
         return #name;
-#include "every_status.h"
+#include "every_status.inc"
 #undef RGEN_TEST_STATUS
         default:
             return nullptr;

@@ -1,4 +1,4 @@
-// What the statuses of the library mean to a person: likely causes and the next thing to try.
+// Explanations of the library's statuses: likely causes and what to do next.
 //
 // SPDX-License-Identifier: MIT
 #pragma once
@@ -10,21 +10,21 @@
 
 namespace cli {
 
-/// What a person wants to know of one status.
+/// The explanation of one status.
 struct StatusExplanation {
     RgenStatus status;
     /// The name in rgen_status.h, "RGEN_E_EMPTY_INPUT".
     std::string_view name;
-    /// One to three, the likeliest first, without a period at the end.
+    /// One to three, the most likely first, without a period at the end.
     std::vector<std::string_view> causes;
     /// One sentence with its period.
     std::string_view next;
 };
 
-/// All 37, in the order of rgen_status.h.
+/// All statuses, in the order of rgen_status.h.
 const std::vector<StatusExplanation>& statusTable();
 
-/// The entry of a status; null for a number that is none of the 37.
+/// The entry of a status; null for a number that is not a status.
 const StatusExplanation* findStatus(RgenStatus status);
 
 }  // namespace cli

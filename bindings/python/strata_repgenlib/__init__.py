@@ -10,9 +10,10 @@
 SPDX-License-Identifier: MIT
 """
 
-from .errors import Cancelled, ConversionError, LibraryNotFoundError, Status, StatusError
+from .errors import Cancelled, ConversionError, LibraryNotFoundError, StatusError
 from .generator import Generator
 from .library import Library, load_library
+from .status import Status
 from .values import Handle, Hint, Hinted, Markup, Request, Value
 from .version import __version__
 

@@ -16,9 +16,10 @@ from typing import IO, Any, Callable, Optional, Type, Union
 from . import library as c
 from .calls import Calls, Raised, Translate, Translation, interruptible
 from .checks import StrPath, as_absolute, as_path, check_data_dir, check_folder, check_output, probe
-from .errors import Cancelled, Status, StatusError, forget_reason, verify_pdf
+from .errors import Cancelled, StatusError, forget_reason, verify_pdf
 from .records import (Target, bytes_of, fill_pairs, fill_values, guid_record, input_record, owned,
                       text_of, value_of)
+from .status import Status
 from .texts import encoded, without_references
 from .values import Entries, ReportType, Request, Text, Value
 

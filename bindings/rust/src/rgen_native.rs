@@ -1,5 +1,5 @@
 // The C interface of strata_repgenlib as Rust sees it, letter for letter.
-// Written by bindings/generate_declarations.py out of the public headers; do not edit.
+// Written by bindings/generate_declarations.py from the public headers; do not edit.
 //
 // SPDX-License-Identifier: MIT
 
@@ -12,7 +12,7 @@ use core::ffi::c_void;
 /// A `char` of C on x64, where it has a sign.
 pub type CChar = i8;
 
-/// Version of the header that these declarations were made of.
+/// The version of the header that these declarations were made from.
 pub const HEADER_VERSION: &str = "0.1.0";
 
 /// Zero or positive is success, negative is failure.
@@ -22,33 +22,33 @@ pub type RgenStatus = i32;
 pub const RGEN_OK: RgenStatus = 0;
 /// A required pointer argument is null.
 pub const RGEN_E_BAD_PARAMETER: RgenStatus = 0xC0000001_u32 as RgenStatus;
-/// The path given to rgen_setDataDirPath names nothing.
+/// Nothing exists at the path passed to rgen_setDataDirPath.
 pub const RGEN_E_DIR_NOT_FOUND: RgenStatus = 0xC0000002_u32 as RgenStatus;
-/// The data directory is missing and somebody else created it meanwhile; set the path again.
+/// The data directory was missing, and another process has just created it; set the path again.
 pub const RGEN_E_CREATE_DIR: RgenStatus = 0xC0000003_u32 as RgenStatus;
 /// The default config.xml cannot be written.
 pub const RGEN_E_CREATE_CONFIG: RgenStatus = 0xC0000004_u32 as RgenStatus;
-/// config.xml cannot be opened, or nothing of it parses.
+/// config.xml cannot be opened, or no part of it can be parsed.
 pub const RGEN_E_OPEN_CONFIG: RgenStatus = 0xC0000005_u32 as RgenStatus;
-/// The persistent data file is missing, or nothing of it parses.
+/// The persistent data file is missing, or no part of it can be parsed.
 pub const RGEN_E_OPEN_PERSIST: RgenStatus = 0xC0000006_u32 as RgenStatus;
 /// Values, pairs and persistent data together hold no property.
 pub const RGEN_E_EMPTY_INPUT: RgenStatus = 0xC0000007_u32 as RgenStatus;
 /// config.xml has no usable entry for the GUID.
 pub const RGEN_E_GUID_NOT_IN_CONFIG: RgenStatus = 0xC0000008_u32 as RgenStatus;
-/// No template file lies in the folder of the output format.
+/// There is no template file in the folder of the output format.
 pub const RGEN_E_TEMPLATE_NOT_FOUND: RgenStatus = 0xC0000009_u32 as RgenStatus;
 /// The output format is not "html", "pdf" or "txt".
 pub const RGEN_E_UNKNOWN_FORMAT: RgenStatus = 0xC000000A_u32 as RgenStatus;
 /// The output path is a directory, or the old output file cannot be removed.
 pub const RGEN_E_OVERWRITE_OUTPUT: RgenStatus = 0xC000000B_u32 as RgenStatus;
-/// The output file, or the temporary HTML file beside it, cannot be created.
+/// The output file, or the temporary HTML file next to it, cannot be created.
 pub const RGEN_E_CREATE_OUTPUT: RgenStatus = 0xC000000C_u32 as RgenStatus;
 /// Writing the delete-on-close file failed.
 pub const RGEN_E_WRITE_OUTPUT: RgenStatus = 0xC000000D_u32 as RgenStatus;
 /// The output mode is not 0, 1 or 2.
 pub const RGEN_E_UNKNOWN_OUTPUT_MODE: RgenStatus = 0xC000000E_u32 as RgenStatus;
-/// The delete-on-close file took fewer bytes than it was given.
+/// Only a part of the bytes could be written to the delete-on-close file.
 pub const RGEN_E_WRITE_ALL_OUTPUT: RgenStatus = 0xC000000F_u32 as RgenStatus;
 /// The old persistent data file cannot be removed.
 pub const RGEN_E_DELETE_PERSIST: RgenStatus = 0xC0000010_u32 as RgenStatus;
@@ -58,7 +58,7 @@ pub const RGEN_E_CREATE_PERSIST: RgenStatus = 0xC0000011_u32 as RgenStatus;
 pub const RGEN_E_RUN_EXTERNAL: RgenStatus = 0xC0000012_u32 as RgenStatus;
 /// The exit code of the converter cannot be queried.
 pub const RGEN_E_EXTERNAL_FAILED: RgenStatus = 0xC0000013_u32 as RgenStatus;
-/// The simulation file is missing, or nothing of it parses (seen inside the library only).
+/// The simulation file is missing, or no part of it can be parsed (used internally only).
 pub const RGEN_E_OPEN_SIMULATION: RgenStatus = 0xC0000014_u32 as RgenStatus;
 /// The old dump file cannot be removed.
 pub const RGEN_E_DELETE_DUMP: RgenStatus = 0xC0000015_u32 as RgenStatus;

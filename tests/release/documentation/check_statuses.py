@@ -1,6 +1,6 @@
-"""Compares docs/statuses.md with what "rgen explain" says.
+"""Compares docs/statuses.md with the output of "rgen explain", and that with rgen_status.h.
 
-Usage: check_statuses.py RGEN [--accept]      --accept writes the page anew
+Usage: check_statuses.py RGEN [--accept]      --accept rewrites the page
 
 SPDX-License-Identifier: MIT
 """
@@ -13,27 +13,28 @@ from pathlib import Path
 
 ROOT = Path(__file__).resolve().parents[3]
 PAGE = ROOT / "docs/statuses.md"
-sys.path.insert(0, str(ROOT / "tests/structure"))
+sys.path[:0] = [str(ROOT / "tests/structure"), str(ROOT / "bindings")]
 
-from project_files import finish, problem  # It is in the folder that was added.
+from header_reader import read_headers  # In bindings.
+from project_files import finish, problem  # In tests/structure.
 
 HARD_BLANK = "\0"
 HEAD = """# Statuses
 
 All 37 statuses of the library: number, name, the English text of `rgen_getStatusCodeDescription`
-(letter for letter, slips included), likely causes and the next thing to try. `rgen explain` prints
+(letter for letter, misspellings included), likely causes and the next thing to try. `rgen explain` prints
 the same, and a test compares this page with it. Zero and positive numbers are success, negative
 ones failure.
 
-The upper half of the number tells the group: `0x0000` success; `0xC000` arguments, directories,
+The upper half of the number is the group: `0x0000` success; `0xC000` arguments, directories,
 files and the converter; `0xC001` reading the configuration and the persistent data; `0xC002` the
-template; `0x8000` cancellation. A number without a description gives "Undescribed error" when one
-of its two highest bits is set, and "Unknown code." otherwise.
+template; `0x8000` cancellation. The description of any other number is "Undescribed error" if one
+of its two highest bits is set, else "Unknown code.".
 """
 
 
 def wrapped(text, first, rest):
-    """The words in lines of at most 100 columns; a single one may be longer."""
+    """The words in lines of at most 100 columns, unless a single word is longer."""
     lines = [first]
     for word in text.split():
         if len(lines[-1]) + len(word) >= 100 and lines[-1].strip():
@@ -43,7 +44,7 @@ def wrapped(text, first, rest):
 
 
 def plain(text):
-    """Elements and commands as code, with blanks inside that `wrapped` does not break at."""
+    """Elements and commands as code, with blanks at which `wrapped` does not break lines."""
     text = re.sub(r'"(rgen [^"]*)"', r"`\1`", text)
     text = re.sub(r"[\w/]*(?:<[^<>]*>)+", r"`\g<0>`", text)
     return re.sub(r"`[^`]*`", lambda code: code.group(0).replace(" ", HARD_BLANK), text)
@@ -59,15 +60,25 @@ def page_text(statuses):
     return text
 
 
+def check_order(statuses):
+    """The statuses that the program explains are those of the header, in the same order."""
+    wanted = [(status.name, f"0x{status.value & 0xFFFFFFFF:08X}")
+              for status in read_headers(ROOT / "include/strata_repgenlib").statuses]
+    if wanted != [(status["name"], status["status"]) for status in statuses]:
+        problem("\"rgen explain\" does not have the statuses of rgen_status.h in their order")
+
+
 def main():
     program, *options = sys.argv[1:]
     told = subprocess.run([program, "explain", "--json"], capture_output=True, check=True).stdout
-    wanted = page_text(json.loads(told)["statuses"])
+    statuses = json.loads(told)["statuses"]
+    check_order(statuses)
+    wanted = page_text(statuses)
     if options == ["--accept"]:
         PAGE.write_text(wanted, encoding="utf-8")
     if not PAGE.is_file() or PAGE.read_text(encoding="utf-8") != wanted:
         problem(f"{PAGE.relative_to(ROOT)} differs from \"rgen explain\"; "
-                f"write it anew: python3 {Path(__file__).relative_to(ROOT)} {program} --accept")
+                f"rewrite it: python3 {Path(__file__).relative_to(ROOT)} {program} --accept")
     finish("statuses")
 
 
