@@ -1,15 +1,16 @@
 # SPDX-License-Identifier: MIT
-# A fresh Debian of the release that the project is built on, in a folder. Door: make_debian_root.
-# Needs console.sh, sources.sh, cmake/versions.env and $root; takes root rights.
+# Makes a new Debian, of the release that the project is built on, in a folder. Entry points:
+# make_debian_root, in_debian_root. Needs console.sh, sources.sh, cmake/versions.env, $root and root
+# rights.
 
-# The archive of the minimal system; it is made once and kept in the cache.
+# Prints the path of the archive with the minimal system, which is made once and stored in the cache.
 debian_base() {
     local cache=${RGEN_CACHE_DIR:-${XDG_CACHE_HOME:-$HOME/.cache}/strata_repgenlib}
     realpath -m "$cache/debian-$DEBIAN_RELEASE-base.tar"
 }
 
-# How mounts of ours stay away from the rest of the machine. Inside a chroot, the root is no mount
-# point whose propagation could be changed; whoever made the chroot has decided then.
+# Prints the mount propagation that hides our mounts from the rest of the machine. Inside a chroot
+# the root is not a mount point, so its propagation cannot be changed.
 mount_propagation() {
     if unshare --mount --propagation private true 2>/dev/null; then
         echo private
@@ -18,8 +19,8 @@ mount_propagation() {
     fi
 }
 
-# Makes the archive unless it is there. debootstrap mounts and makes devices in the new folder
-# alone, and in a mount space of its own.
+# Makes the archive unless it exists. debootstrap mounts file systems and makes devices only in the
+# new folder, in a separate mount namespace.
 ensure_debian_base() {
     local base work
     base=$(debian_base)
@@ -37,15 +38,15 @@ ensure_debian_base() {
     rm -rf --one-file-system "$work"
 }
 
-# make_debian_root DIR: a fresh system in DIR.
+# make_debian_root DIR: unpacks a new system into DIR.
 make_debian_root() {
     ensure_debian_base
     mkdir -p "$1"
     tar -xf "$(debian_base)" --numeric-owner -C "$1"
 }
 
-# in_debian_root DIR COMMAND...: runs a command in it, with processes and mounts of its own and
-# nothing of this machine's devices.
+# in_debian_root DIR COMMAND...: runs a command in it, in separate process and mount namespaces and
+# without this machine's devices.
 in_debian_root() {
     local dir=$1
     shift

@@ -1,8 +1,8 @@
 # SPDX-License-Identifier: MIT
-# How the output of "rgen doctor" is judged.
+# Evaluates the output of "rgen doctor".
 
-# is_healthy_without_engine LOG: library, reports and data directory are fine, and nothing failed
-# but the converter.
+# is_healthy_without_engine LOG: true if library, report and data directory are fine and at most the
+# converter failed.
 is_healthy_without_engine() {
     local check
     for check in library report 'data directory'; do

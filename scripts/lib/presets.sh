@@ -1,10 +1,10 @@
 # SPDX-License-Identifier: MIT
 # The presets of CMakePresets.json, for the scripts that build them. Needs console.sh and $root.
-# The preset coverage is for scripts/coverage alone.
+# The preset coverage is only for scripts/coverage.
 
 all_presets=(linux windows-mingw sanitizers threads)
 
-# The flavour of the third-party libraries that a preset takes.
+# preset_flavour PRESET: prints the flavour of the third-party libraries that a preset uses.
 preset_flavour() {
     case $1 in
         linux | coverage) echo linux ;;

@@ -1,27 +1,27 @@
 # SPDX-License-Identifier: MIT
-# How packages are built from a copy of the sources, for scripts/release and scripts/check-release,
-# and what a folder with a release is.
-# Needs console.sh and $root.
+# Builds packages from a copy of the sources and recognises folders with releases, for
+# scripts/release and scripts/check-release. Needs console.sh and $root.
 
 release_presets=(linux windows-mingw)
 release_flavours=(linux windows)
-# Debian packages that decide about the bytes, besides the group build of scripts/setup and llvm.
+# Debian packages on which the bytes depend, besides the group build of scripts/setup and llvm.
 release_tools=(base-files binutils-common cpp-12 g++-12 gcc-12 gcc-12-base libc6 libc6-dev
     libgcc-12-dev libgcc-s1 libstdc++-12-dev libstdc++6 gcc-mingw-w64-x86-64-posix
-    gcc-mingw-w64-x86-64-posix-runtime mingw-w64-x86-64-dev liblzma5 zlib1g dpkg)
+    gcc-mingw-w64-x86-64-posix-runtime mingw-w64-x86-64-dev liblzma5 zlib1g dpkg
+    tar gzip zip)
 
-# The version of the sources, which the public header states.
+# Prints the version of the sources, from the public header.
 release_version() {
     sed -n 's/^#define RGEN_VERSION_\(MAJOR\|MINOR\|PATCH\) \([0-9]*\).*/\2/p' \
         "$root/include/strata_repgenlib/rgen.h" | paste -sd .
 }
 
-# The time that packages carry: the one that is given, or that of the last commit.
+# Prints the time stored in packages: SOURCE_DATE_EPOCH, or the time of the last commit.
 release_epoch() {
     echo "${SOURCE_DATE_EPOCH:-$(git -C "$root" log -1 --format=%ct)}"
 }
 
-# copy_sources DIR: the files that git knows, and new ones that it does not ignore.
+# copy_sources DIR: copies the files that git tracks, and new ones that it does not ignore.
 copy_sources() {
     mkdir -p "$1"
     (cd "$root" && git ls-files --cached --others --exclude-standard -z |
@@ -30,8 +30,8 @@ copy_sources() {
 }
 
 # build_packages WORK OUTPUT: copies the sources to WORK, builds both systems there with the
-# settings of their presets, and puts the packages into OUTPUT. The third-party libraries are those
-# of scripts/dependencies, whose variables count here, too.
+# settings of their presets, and writes the packages to OUTPUT. The variables of
+# scripts/dependencies apply here, too.
 build_packages() {
     local work=$1 output=$2 preset log
     copy_sources "$work/source"
@@ -48,12 +48,12 @@ build_packages() {
         quietly "$log" cpack --config "build/$preset/CPackConfig.cmake" -B "$work/packages"
     done
     cd "$root"
-    # CPack's own description of each run names folders of this machine.
+    # CPack also writes a description of each run, which contains paths of this machine.
     find "$work/packages" -maxdepth 1 -type f ! -name '*-x64.json' -exec mv -t "$output" {} +
     write_sources >"$output/SOURCES"
 }
 
-# What the bytes of the packages depend on besides the sources: archives and versions.
+# Prints what the bytes of the packages depend on besides the sources: archives and versions.
 write_sources() {
     local flavour prefix llvm
     llvm=llvm-$(sed -n 's/^CLANG_FUZZER_VERSION=//p' "$root/cmake/versions.env")
@@ -75,21 +75,21 @@ is_empty_folder() {
     [[ -d $1 && -z $(ls -A "$1") ]]
 }
 
-# What differs between the files of a folder and its SHA256SUMS, which lists all others.
+# unlisted_files FOLDER: compares the files of a folder with its SHA256SUMS, which must list all others.
 unlisted_files() {
     diff <(cd "$1" && find . -mindepth 1 ! -path ./SHA256SUMS -printf '%y %P\n' | LC_ALL=C sort) \
         <(sed 's/^[0-9a-f]\{64\}  /f /' "$1/SHA256SUMS" | LC_ALL=C sort)
 }
 
-# Whether a folder holds a release and nothing else.
+# is_release FOLDER: true if a folder contains a release and nothing else.
 is_release() {
     [[ -f $1/RELEASE-NOTES.md && -f $1/SHA256SUMS ]] &&
         [[ $(head -n 1 "$1/RELEASE-NOTES.md") == '# strata_repgenlib '* ]] &&
         unlisted_files "$1" >/dev/null
 }
 
-# differing_files RELEASE PACKAGES: names the files that only one of the two has, or that differ. A
-# release has two more, which scripts/release writes.
+# differing_files RELEASE PACKAGES: prints the files that differ or that only one folder has, except
+# the two that scripts/release adds.
 differing_files() {
     local name
     { ls -A "$1" && ls -A "$2"; } | LC_ALL=C sort -u |

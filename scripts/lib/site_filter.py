@@ -21,7 +21,7 @@ HEADING = re.compile(r"(#{1,6}) (.+?)\s*$")
 LINK = r"(!?)\[((?:[^\[\]]|\[[^\]]*\])*)\]\(([^()\s]+)\)"
 CODE = r"(`+)(.+?)\4"
 TOKEN = re.compile(f"{LINK}|{CODE}")
-# Comments that say how a block is tested are none of the reader's business.
+# Comments that say how a block is tested are not for readers.
 COMMENT = re.compile(r"<!--.*?-->\s*$")
 CONVENTION = re.compile(r"^( \*)   (?=\S)", re.M)
 PARAGRAPH = re.compile(r"(?<=[*.]) (Ownership|Threads|Exceptions|Units): (\w+(?:::)?)")
@@ -41,7 +41,7 @@ def plain_text(title):
 
 
 def anchor_of(path, title):
-    """The anchor of a heading in the site; also takes the anchor that code hosts form of it."""
+    """The anchor of a heading in the site, from its title or from the anchor that code hosts give it."""
     plain = re.sub(r"[^\w\- ]", "", plain_text(title).lower()).replace(" ", "-")
     return f"{page_name(path)}_{re.sub(r'[^a-z0-9]', '_', plain)}"
 
@@ -68,7 +68,7 @@ class PageFilter:
         self.levels = set()
 
     def reference(self, target, text):
-        """A link to another page as Doxygen's HTML has it; empty for other targets."""
+        """A link to another page, as HTML of the Doxygen site; empty for other targets."""
         name, _, anchor = target.partition("#")
         file = (self.path.parent / name).resolve() if name else self.path
         if "://" in target or file.suffix not in (".md", ".h", ".hpp"):
@@ -99,7 +99,7 @@ class PageFilter:
         return self.heading(*heading.groups()) if heading else TOKEN.sub(self.token, line)
 
     def heading(self, marks, title):
-        """Doxygen counts the levels below the title of the page, and allows no gap."""
+        """Doxygen counts heading levels from the page's title, and allows no gaps."""
         plain = plain_text(title)
         if len(marks) == 1:
             return f"# {plain}" if self.is_main else f"# {plain} {{#{page_name(self.path)}}}"
@@ -143,7 +143,7 @@ def linked_comment(line, headings, names):
 
 def titled_paragraphs(line):
     """A line in which "Threads:" and the like begin a paragraph with a title. Lines keep their
-    indentation: Doxygen takes what is further right for code."""
+    indentation: Doxygen treats text further to the right as code."""
     margin = re.match(r"\s*", line).group(0)
 
     def titled(found):

@@ -135,7 +135,7 @@ class DebianPackage(PackageCase):
     def test_a_fresh_debian_takes_it_uses_it_and_loses_it_again(self):
         check = SOURCE_FOLDER / "scripts/check-debian-package"
         printed = self.tool(*root_command(), check, package())
-        self.assertIn("goes without a trace", printed)
+        self.assertIn("purged without leaving files", printed)
 
     def test_cases_fail_where_there_are_no_root_rights(self):
         refused = subprocess.CalledProcessError(1, "sudo")
