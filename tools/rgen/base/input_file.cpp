@@ -1,0 +1,134 @@
+// Reading files as a whole and finding places in them.
+//
+// SPDX-License-Identifier: MIT
+#include "base/input_file.h"
+
+#include <algorithm>
+#include <cerrno>
+#include <filesystem>
+#include <fstream>
+#include <iostream>
+#include <system_error>
+#include <vector>
+
+#include "base/command_error.h"
+#include "base/file_set.h"
+#include "process/plain_text.h"
+
+namespace cli {
+namespace {
+
+constexpr const char* byteOrderMark = "\xEF\xBB\xBF";
+
+CommandError unreadable(const std::string& path, int reason, const std::string& hint) {
+    return usageError("cannot read \"" + path + "\": " + std::generic_category().message(reason),
+                      hint);
+}
+
+std::string wholeStream(std::istream& stream) {
+    std::string content;
+    std::vector<char> buffer(65536);
+    while (stream.read(buffer.data(), static_cast<std::streamsize>(buffer.size())) ||
+           stream.gcount() > 0) {
+        content.append(buffer.data(), static_cast<std::size_t>(stream.gcount()));
+    }
+    return content;
+}
+
+}  // namespace
+
+std::string readInputFile(const std::string& path, const std::string& hint) {
+    if (path == "-") return wholeStream(std::cin);
+    // The system would end the name there and open another file.
+    if (path.find('\0') != std::string::npos) throw unreadable(path, EINVAL, hint);
+    const std::filesystem::path file = std::filesystem::u8path(path);
+    std::error_code ignored;
+    if (std::filesystem::is_directory(file, ignored)) throw unreadable(path, EISDIR, hint);
+    errno = 0;
+    std::ifstream stream(file, std::ios::binary);
+    if (!stream) throw unreadable(path, errno == 0 ? EIO : errno, hint);
+    std::string content = wholeStream(stream);
+    if (stream.bad()) throw unreadable(path, EIO, hint);
+    filesRead().add(path);
+    return content;
+}
+
+TextPosition positionOf(const std::string& text, std::size_t offset) {
+    TextPosition position;
+    const std::size_t start = text.compare(0, 3, byteOrderMark) == 0 ? 3 : 0;
+    for (std::size_t i = start; i < std::min(offset, text.size()); ++i) {
+        if (text[i] == '\n') {
+            ++position.line;
+            position.column = 1;
+        } else if ((static_cast<unsigned char>(text[i]) & 0xC0U) != 0x80U) {
+            ++position.column;
+        }
+    }
+    return position;
+}
+
+std::string inputName(const std::string& path) {
+    return path == "-" ? "standard input" : path;
+}
+
+std::string placeText(const std::string& file, const TextPosition& position) {
+    return inputName(file) + ":" + std::to_string(position.line) + ":" +
+           std::to_string(position.column);
+}
+
+bool isPlainUtf8(const std::string& text) {
+    for (std::size_t i = 0; i < text.size();) {
+        const std::size_t length = tools::sequenceLength(std::string_view(text).substr(i));
+        if (length == 0 || text[i] == '\0') return false;
+        i += length;
+    }
+    return true;
+}
+
+bool exists(const std::string& path) {
+    std::error_code ignored;
+    return std::filesystem::exists(std::filesystem::u8path(path), ignored);
+}
+
+bool isSpecialFile(const std::string& path) {
+    if (path == "-") return false;
+    std::error_code ignored;
+    const std::filesystem::file_status status =
+        std::filesystem::status(std::filesystem::u8path(path), ignored);
+    return std::filesystem::exists(status) && !std::filesystem::is_regular_file(status);
+}
+
+void requireAccess(const std::string& path) {
+    std::error_code failure;
+    const std::filesystem::file_status status =
+        std::filesystem::status(std::filesystem::u8path(path), failure);
+    if (!failure || status.type() == std::filesystem::file_type::not_found) return;
+    throw CommandError(ExitCode::Environment,
+                       "cannot look at \"" + path + "\": " + failure.message(),
+                       "check the rights of it and of the folders that it is in");
+}
+
+void requireReadable(const std::string& path) {
+    std::error_code ignored;
+    if (!std::filesystem::is_regular_file(std::filesystem::u8path(path), ignored)) return;
+    try {
+        readInputFile(path, "check its rights");
+    } catch (const CommandError& error) {
+        throw CommandError(ExitCode::Environment, error.what(), error.hint);
+    }
+}
+
+std::string joinedPath(const std::string& folder, const std::string& name) {
+    if (folder.empty() || folder == ".") return name;
+    const char last = folder.back();
+    const bool hasDrives = std::filesystem::path::preferred_separator == '\\';
+    const bool hasSeparator = last == '/' || (hasDrives && (last == '\\' || last == ':'));
+    return folder + (hasSeparator ? "" : "/") + name;
+}
+
+std::string folderOf(const std::string& path) {
+    const std::string folder = std::filesystem::u8path(path).parent_path().u8string();
+    return folder.empty() ? "." : folder;
+}
+
+}  // namespace cli

@@ -1,0 +1,24 @@
+// Small things about words.
+//
+// SPDX-License-Identifier: MIT
+#include "base/text_functions.h"
+
+namespace cli {
+
+std::string joined(const std::vector<std::string>& words, const std::string& separator) {
+    std::string text;
+    for (const std::string& word : words) {
+        if (!text.empty()) text += separator;
+        text += word;
+    }
+    return text;
+}
+
+std::string lowerCase(std::string text) {
+    for (char& letter : text) {
+        if (letter >= 'A' && letter <= 'Z') letter = static_cast<char>(letter - 'A' + 'a');
+    }
+    return text;
+}
+
+}  // namespace cli

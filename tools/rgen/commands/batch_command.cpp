@@ -1,0 +1,274 @@
+// rgen report --batch: one report for each line. A line that fails does not stop the others.
+//
+// SPDX-License-Identifier: MIT
+#include <algorithm>
+#include <chrono>
+#include <set>
+#include <sstream>
+
+#include "base/input_file.h"
+#include "base/interruption.h"
+#include "commands/commands.h"
+#include "data/batch_file.h"
+#include "data/data_file.h"
+#include "data/persistent_store.h"
+#include "library/error_json.h"
+#include "report/report_generation.h"
+#include "report/report_output.h"
+
+namespace cli {
+namespace {
+
+/// The whole run: what all lines share, and what has become of them.
+class Batch {
+public:
+    Batch(const Arguments& arguments, Console& console)
+        : arguments_(arguments),
+          console_(console),
+          surroundings_{generator_, openDataDirectory(arguments.dataDir), console,
+                        arguments.values.raw} {
+        addDataDirectoryFiles(surroundings_.directory, surroundings_.inputs);
+        generator_.setDataDir(surroundings_.directory.folder);
+    }
+
+    void run();
+    ExitCode finish(JsonDocument& document) const;
+
+private:
+    std::string placeOf(std::size_t line) const;
+    void addInputs(const BatchLine& line, const std::vector<std::string>& filesNamed);
+    void addInputsOfOptions();
+    void requireOtherFiles(const std::vector<std::pair<std::size_t, std::string>>& lines);
+    std::string summary(std::size_t done, std::size_t notBegun) const;
+    BatchLine readWholeLine(const std::string& text, std::size_t line) const;
+    void runLine(const std::string& text, std::size_t line, std::size_t number, std::size_t all);
+    void makeOne(const BatchLine& line, std::size_t number, JsonDocument& report);
+    void fail(std::size_t line, const std::string& output, const CommandError& error,
+              JsonDocument& report);
+
+    const Arguments& arguments_;
+    Console& console_;
+    Generator generator_;
+    ReportSurroundings surroundings_;
+    /// The data files whose "@FILE" are known.
+    std::set<std::string> dataFiles_;
+    /// The lines whose output is that of an earlier one.
+    std::set<std::size_t> repeatedOutputs_;
+    std::vector<JsonDocument> reports_;
+    /// "batch.ndjson:17: item-17.html: ..."
+    std::vector<std::string> failures_;
+    /// Number of lines with a report.
+    std::size_t all_ = 0;
+    /// One report was begun and not finished.
+    bool interrupted_ = false;
+};
+
+std::string Batch::placeOf(std::size_t line) const {
+    return inputName(arguments_.batch) + ":" + std::to_string(line) + ":";
+}
+
+void Batch::makeOne(const BatchLine& line, std::size_t number, JsonDocument& report) {
+    if (repeatedOutputs_.count(number) > 0) {
+        throw usageError(line.report.output + ": an earlier line writes the same file",
+                         "name another output");
+    }
+    ReportOrder order;
+    order.type = findReportType(surroundings_.directory, line.type);
+    recoverForReading(surroundings_.directory, order.type, console_);
+    order.arguments = line.report;
+    {
+        const EndAtOnce whilePipesWait;
+        order.input = collectInput(line.values, generator_, console_);
+    }
+    for (const Value& value : line.set)
+        order.input.values.add(value);
+    for (const Value& pair : line.pairs)
+        order.input.pairs.add(pair);
+    noteLosses(order.input, arguments_.values.raw, console_);
+    const ReportOutcome outcome = makeReport(surroundings_, order);
+    report.set("ok", true);
+    describeReport(order, outcome, console_, report);
+}
+
+void Batch::fail(std::size_t line, const std::string& output, const CommandError& error,
+                 JsonDocument& report) {
+    describeFailure(error, report);
+    report.set("output", output);
+    const std::string place = placeOf(line);
+    const std::string text = errorText(error);
+    failures_.push_back(text.rfind(place, 0) == 0 ? text : place + " " + text);
+}
+
+BatchLine Batch::readWholeLine(const std::string& text, std::size_t line) const {
+    const EndAtOnce whilePipesWait;
+    return readBatchLine(text, line, arguments_);
+}
+
+void Batch::runLine(const std::string& text, std::size_t line, std::size_t number,
+                    std::size_t all) {
+    JsonDocument report;
+    report.set("line", static_cast<std::int64_t>(line));
+    std::string output;
+    console_.beginNotes(placeOf(line) + " ");
+    try {
+        const BatchLine order = readWholeLine(text, line);
+        output = order.report.output;
+        console_.progress(std::to_string(number) + "/" + std::to_string(all) + " " + output);
+        makeOne(order, line, report);
+    } catch (const CommandError& error) {
+        if (error.exitCode == ExitCode::Interrupted) throw;
+        fail(line, output, error, report);
+    } catch (const std::bad_alloc&) {
+        throw;
+    } catch (const std::exception& exception) {
+        fail(line, output,
+             {ExitCode::Environment, outputName(output) + ": " + exception.what(),
+              "check paths and access rights"},
+             report);
+    }
+    reports_.push_back(std::move(report));
+}
+
+void Batch::addInputs(const BatchLine& line, const std::vector<std::string>& filesNamed) {
+    for (const std::string& file : filesNamed)
+        surroundings_.inputs.add(file);
+    for (const std::string& file : line.values.data) {
+        surroundings_.inputs.add(file);
+        if (!dataFiles_.insert(file).second) continue;
+        for (const std::string& named : filesNamedIn(file))
+            surroundings_.inputs.add(named);
+    }
+    if (namesCatalogueFile(line.report.lang)) surroundings_.inputs.add(line.report.lang);
+}
+
+void Batch::addInputsOfOptions() {
+    if (arguments_.batch != "-") surroundings_.inputs.add(arguments_.batch);
+    std::vector<std::string> files;
+    ValueReading reading;
+    reading.filesNamed = &files;
+    try {
+        for (const std::string& assignment : arguments_.values.set)
+            readAssignment(assignment, "--set", reading);
+    } catch (const CommandError&) {
+        // Every line fails in its turn.
+    }
+    for (const std::string& file : files)
+        surroundings_.inputs.add(file);
+}
+
+/// Before anything is written: no report may take the place of what this or another line reads, or
+/// of a file whose name is the beginning of its own. What "@FILE" names is not opened: a pipe can
+/// be read once. Where reports end up is found out here, too: each changes what links lead to.
+void Batch::requireOtherFiles(const std::vector<std::pair<std::size_t, std::string>>& lines) {
+    std::vector<std::pair<std::string, std::string>> outputs;
+    std::set<std::string> places;
+    addInputsOfOptions();
+    for (const auto& [number, text] : lines) {
+        try {
+            std::vector<std::string> filesNamed;
+            const BatchLine line = readBatchLine(text, number, arguments_, &filesNamed);
+            const std::string& output = line.report.output;
+            addInputs(line, filesNamed);
+            outputs.emplace_back(placeOf(number), output);
+            const bool isNew = isSpecialFile(output) || places.insert(placeWritten(output)).second;
+            if (!isNew) repeatedOutputs_.insert(number);
+        } catch (const CommandError&) {
+            // The line fails in its turn.
+        }
+    }
+    for (const auto& [place, output] : outputs) {
+        if (output.find('\0') != std::string::npos) {
+            throw usageError(place + " \"output\" has a zero character", "take out \\u0000");
+        }
+        try {
+            requireOtherFile(surroundings_.inputs, output);
+        } catch (const CommandError& error) {
+            throw CommandError(error.exitCode, place + " " + error.what(), error.hint);
+        }
+    }
+}
+
+void Batch::run() {
+    const std::string content = readInputFile(arguments_.batch, "check the path given to --batch");
+    std::vector<std::pair<std::size_t, std::string>> lines;
+    std::istringstream stream(content);
+    std::size_t number = 0;
+    for (std::string line; std::getline(stream, line);) {
+        ++number;
+        if (line.find_first_not_of(" \t\r\xEF\xBB\xBF") != std::string::npos) {
+            lines.emplace_back(number, line);
+        }
+    }
+    if (lines.empty()) {
+        throw usageError(inputName(arguments_.batch) + ": there is no report in it",
+                         "write one JSON object in each line");
+    }
+    requireOtherFiles(lines);
+    all_ = lines.size();
+    const InterruptGuard guard;
+    try {
+        for (std::size_t i = 0; i < lines.size(); ++i)
+            runLine(lines[i].second, lines[i].first, i + 1, lines.size());
+    } catch (const CommandError& error) {
+        if (error.exitCode != ExitCode::Interrupted) throw;
+        interrupted_ = true;
+    }
+}
+
+std::string Batch::summary(std::size_t done, std::size_t notBegun) const {
+    std::string text = countText(all_, "report") + ": " + std::to_string(done) + " done, " +
+                       std::to_string(failures_.size()) + " failed";
+    if (interrupted_) text += ", 1 interrupted, " + std::to_string(notBegun) + " not begun";
+    return text;
+}
+
+ExitCode Batch::finish(JsonDocument& document) const {
+    console_.progress({});
+    for (const std::string& failure : failures_)
+        console_.errorLine(failure);
+    const std::size_t done = reports_.size() - failures_.size();
+    const std::size_t notBegun = all_ - reports_.size() - (interrupted_ ? 1 : 0);
+    console_.say(summary(done, notBegun));
+    const CommandError interruption(ExitCode::Interrupted, "interrupted");
+    if (interrupted_) console_.error(interruption);
+    if (interrupted_) {
+        describeFailure(interruption, document);
+    } else if (!failures_.empty()) {
+        describeFailure({ExitCode::Refused, countText(failures_.size(), "report") + " failed"},
+                        document);
+    }
+    document.set("done", static_cast<std::int64_t>(done));
+    document.set("failed", static_cast<std::int64_t>(failures_.size()));
+    document.set("notBegun", static_cast<std::int64_t>(notBegun));
+    document.set("reports", reports_);
+    if (interrupted_) return ExitCode::Interrupted;
+    return failures_.empty() ? ExitCode::Done : ExitCode::Refused;
+}
+
+}  // namespace
+
+ExitCode runBatch(const Arguments& arguments, Console& console, JsonDocument& document) {
+    const std::vector<std::string>& data = arguments.values.data;
+    const bool readsInput = std::find(data.begin(), data.end(), "-") != data.end();
+    if (arguments.showData || readsInput || !arguments.report.output.empty()) {
+        const std::string option = arguments.showData ? "--show-data"
+                                   : readsInput       ? "--data -"
+                                                      : "--output";
+        throw usageErrorOf("report", option + " and --batch exclude each other",
+                           "the lines of the batch say it");
+    }
+    const auto start = std::chrono::steady_clock::now();
+    Batch batch(arguments, console);
+    batch.run();
+    const std::chrono::duration<double, std::milli> took = std::chrono::steady_clock::now() - start;
+    if (arguments.timing && !arguments.json) {
+        console.plain("rgen: timing: total " + millisecondsText(took.count()));
+    } else if (arguments.timing) {
+        JsonDocument timing;
+        timing.set("total", took.count());
+        document.set("timing", timing);
+    }
+    return batch.finish(document);
+}
+
+}  // namespace cli

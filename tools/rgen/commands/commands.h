@@ -1,0 +1,29 @@
+// The commands. Each does its work and fills the document that --json prints; it raises a
+// CommandError when it cannot.
+//
+// SPDX-License-Identifier: MIT
+#pragma once
+
+#include "base/arguments.h"
+#include "base/command_error.h"
+#include "base/console.h"
+#include "base/json_document.h"
+
+namespace cli {
+
+ExitCode runReport(const Arguments& arguments, Console& console, JsonDocument& document);
+ExitCode runBatch(const Arguments& arguments, Console& console, JsonDocument& document);
+ExitCode runPersistGet(const Arguments& arguments, Console& console, JsonDocument& document);
+ExitCode runPersistSet(const Arguments& arguments, Console& console, JsonDocument& document);
+ExitCode runPersistUnset(const Arguments& arguments, Console& console, JsonDocument& document);
+ExitCode runPersistReplace(const Arguments& arguments, Console& console, JsonDocument& document);
+ExitCode runDump(const Arguments& arguments, Console& console, JsonDocument& document);
+ExitCode runSimulate(const Arguments& arguments, Console& console, JsonDocument& document);
+ExitCode runInit(const Arguments& arguments, Console& console, JsonDocument& document);
+ExitCode runTypes(const Arguments& arguments, Console& console, JsonDocument& document);
+ExitCode runExplain(const Arguments& arguments, Console& console, JsonDocument& document);
+ExitCode runDoctor(const Arguments& arguments, Console& console, JsonDocument& document);
+ExitCode runCompletion(const Arguments& arguments, Console& console, JsonDocument& document);
+ExitCode runVersion(const Arguments& arguments, JsonDocument& document);
+
+}  // namespace cli

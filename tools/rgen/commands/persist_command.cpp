@@ -1,0 +1,367 @@
+// rgen persist: the library replaces the whole set, so "set" and "unset" read, merge and write
+// back, under a lock. What was stored is read again, so that nothing gets lost unsaid.
+//
+// SPDX-License-Identifier: MIT
+#include <algorithm>
+#include <filesystem>
+#include <map>
+#include <optional>
+
+#include "base/input_file.h"
+#include "base/interruption.h"
+#include "base/suggestion.h"
+#include "base/xml_text.h"
+#include "commands/commands.h"
+#include "data/persistent_store.h"
+#include "data/report_input.h"
+#include "data/report_type.h"
+#include "data/xml_documents.h"
+#include "library/generator.h"
+#include "report/report_generation.h"
+
+namespace cli {
+namespace {
+
+namespace fs = std::filesystem;
+
+class PersistentData {
+public:
+    PersistentData(const Arguments& arguments, Console& console)
+        : console_(console), directory_(openDataDirectory(arguments.dataDir)) {
+        generator_.setDataDir(directory_.folder);
+        type_ = findReportType(directory_, arguments.type);
+    }
+
+    /// To be called before data is only read.
+    void recover() { recoverForReading(directory_, type_, console_); }
+
+    /// To be called before data is read that is to be changed: nobody else changes it from here on.
+    void lock() {
+        requireStore();
+        lock_.emplace(path(), console_);
+        putKeptDataBack(path(), console_);
+    }
+
+    Generator& generator() { return generator_; }
+    std::string path() const { return directory_.path(type_.persistDataFile); }
+
+    /// No data, or no file yet, is an empty set; a file that cannot be read is an error.
+    std::vector<Value> read() const {
+        RgenStatus status = RGEN_OK;
+        std::vector<Value> values = generator_.persistentData(type_.guid, status);
+        const bool hasStore = !type_.persistDataFile.empty() && hasFile();
+        if (hasStore) requireUndamaged();
+        const bool isEmpty = status == RGEN_E_NO_PERSIST_VALUES ||
+                             status == RGEN_E_NO_VALID_PERSIST_VALUES ||
+                             (status == RGEN_E_OPEN_PERSIST && !hasStore);
+        if (status >= 0 || isEmpty) return values;
+        fail(status);
+    }
+
+    /// Stores exactly these values, after the library has written and read them beside the file;
+    /// whatever goes wrong, the old file stays. Says what of `wanted` the library did not keep as
+    /// it was; returns the number of stored values.
+    std::size_t write(const ValueSet& values, const ValueSet& wanted) {
+        const InterruptGuard guard;
+        const StagedStore stage(path(), type_.guid, type_.guidText);
+        const RgenStatus written = stage.write(inOrder(values));
+        if (written < 0) failToStage(written);
+        const std::map<std::string, std::string> stored = checked(stage);
+        throwIfInterrupted();
+        stage.deliver();
+        for (const auto& [name, value] : wanted.values())
+            compare(value, stored);
+        return stored.size();
+    }
+
+    void describe(std::size_t stored, JsonDocument& document) const {
+        describeType(document);
+        document.set("stored", static_cast<std::int64_t>(stored));
+        document.set("notes", console_.notes());
+        console_.say(countText(stored, "value") + " stored");
+    }
+
+    void describeType(JsonDocument& document) const {
+        JsonDocument type;
+        type.set("guid", type_.guidText);
+        type.set("name", type_.name);
+        document.set("type", type);
+    }
+
+private:
+    bool hasFile() const {
+        requireAccess(path());
+        return exists(path());
+    }
+
+    /// The configuration names a file for the report type, and what has its name can be replaced.
+    void requireStore() const {
+        if (type_.persistDataFile.empty()) {
+            RgenStatus status = RGEN_OK;
+            generator_.persistentData(type_.guid, status);
+            fail(status < 0 ? status : RGEN_E_GUID_NOT_IN_CONFIG);
+        }
+        std::error_code ignored;
+        if (!hasFile() || fs::is_regular_file(fs::u8path(path()), ignored)) return;
+        throw CommandError(
+            ExitCode::Environment, "\"" + path() + "\" is no ordinary file",
+            "move it away, or name another file in \"" + directory_.configPath() + "\"");
+    }
+
+    /// The texts of what the library wrote, as a report would read them.
+    std::map<std::string, std::string> checked(const StagedStore& stage) const {
+        const std::string damage = stage.damage();
+        if (!damage.empty()) {
+            throw CommandError(ExitCode::Unverified,
+                               "the new data would be damaged: " + damage + "; nothing was stored",
+                               "store fewer values at once to find the one that does it");
+        }
+        RgenStatus status = RGEN_OK;
+        std::map<std::string, std::string> stored;
+        for (const Value& value : stage.read(status))
+            stored[value.name] = value.content;
+        if (status == RGEN_E_OPEN_PERSIST) fail(status);
+        return stored;
+    }
+
+    /// The library reads what it can of a damaged file; writing that back would lose the rest.
+    void requireUndamaged() const {
+        requireReadable(path());
+        const std::string damage = damageOf(path());
+        if (damage.empty()) return;
+        throw CommandError(ExitCode::Refused, "\"" + path() + "\" is damaged: " + damage,
+                           "correct it, or replace all of it with rgen persist replace");
+    }
+
+    [[noreturn]] void fail(RgenStatus status) const {
+        const bool isUnknown = status == RGEN_E_GUID_NOT_IN_CONFIG;
+        const std::string advice =
+            isUnknown ? "\"rgen types\" lists the report types of \"" + directory_.folder + "\""
+            : status == RGEN_E_OPEN_PERSIST
+                ? "correct the file, or replace all of it with rgen persist replace"
+                : "\"rgen explain " + Generator::statusHex(status) + "\" says more";
+        throw generator_.failure(isUnknown ? directory_.configPath() : path(), status, advice);
+    }
+
+    /// The library does not say why it cannot create a file; the folder of the stage is writable.
+    [[noreturn]] void failToStage(RgenStatus status) const {
+        if (status != RGEN_E_CREATE_PERSIST) fail(status);
+        CommandError error = generator_.failure(
+            path(), status, "check that the disk of \"" + folderOf(path()) + "\" has room");
+        error.exitCode = ExitCode::Unverified;
+        throw error;
+    }
+
+    void compare(const Value& wanted, const std::map<std::string, std::string>& stored) const {
+        const std::string name = "\"" + shortened(wanted.name) + "\": the library stor";
+        const auto found = stored.find(wanted.name);
+        if (found != stored.end()) {
+            const std::string text = withoutReferences(wanted.content);
+            if (wanted.type != RGEN_TYPE_STRING || found->second == text) return;
+            console_.note(name + "ed \"" + shortened(withoutReferences(found->second)) +
+                          "\" instead of \"" + shortened(withoutReferences(text)) + "\"");
+        } else if (trimmed(wanted.name).empty()) {
+            console_.note(name + "es no value without a name");
+        } else {
+            console_.note(name + "es no value without a text");
+        }
+    }
+
+    Console& console_;
+    DataDirectory directory_;
+    Generator generator_;
+    ReportType type_;
+    std::optional<StoreLock> lock_;
+};
+
+/// Values as they came from the library, ready to be stored again as they are.
+ValueSet storedAgain(std::vector<Value> values) {
+    ValueSet set;
+    for (Value& value : values) {
+        value.content = escapedAmpersands(value.content);
+        set.replace(std::move(value));
+    }
+    return set;
+}
+
+/// What the library would store and read only a part of is refused. A name stands in an attribute,
+/// where a character takes up to six bytes of what is read.
+void requireStorable(const Value& value) {
+    constexpr std::size_t longestText = 10000000;
+    constexpr std::size_t longestName = 1000000;
+    const std::string name = "\"" + shortened(value.name) + "\": ";
+    if (value.name.size() > longestName) {
+        throw usageError(name + "names of persistent data hold at most 1,000,000 bytes",
+                         "shorten it");
+    }
+    // Bytes are stored as a hex dump, which has three characters for each.
+    const bool isText = value.type == RGEN_TYPE_STRING;
+    const std::size_t size =
+        isText ? withoutReferences(value.content).size() : 3 * value.bytes.size();
+    if (size <= longestText) return;
+    throw usageError(name + "persistent texts hold at most 10,000,000 bytes" +
+                         (isText ? ", \"&\" counted as \"&amp;\"" : ", each byte counted as three"),
+                     "shorten it");
+}
+
+/// An unknown reference makes the file no XML, and of such a file no other value is read whole. One
+/// that appears when the file is read does the same to a report. Only raw texts have them.
+void requireKnownReferences(const Value& value, bool raw) {
+    std::optional<std::string> unknown = findUnknownReference(value.content);
+    if (!unknown && raw) unknown = findUnknownReference(withoutReferences(value.content));
+    if (!unknown) return;
+    throw usageError("\"" + shortened(value.name) + "\": persistent data cannot hold \"" +
+                         shortened(*unknown) + "\"",
+                     "write \"&amp;amp;\" for a plain \"&\", or leave out --raw");
+}
+
+/// `text` as XML can hold it, with a note when that is not all of it. Of the blanks at its edges,
+/// which the library cuts when it reads, XML cannot hold all either.
+std::string storable(const std::string& text, const std::string& subject, Console& console) {
+    if (!findUnfitCharacter(text)) return text;
+    const std::string inner = trimmed(text);
+    const std::optional<UnfitCharacter> unfit = findUnfitCharacter(inner);
+    console.note(subject + (unfit ? ": characters that XML cannot hold, such as " + unfit->name +
+                                        ", are stored as U+FFFD"
+                                  : ": blanks at its edges are cut"));
+    return withoutUnfitCharacters(inner);
+}
+
+/// What stands in the file for the text is XML that any reader takes.
+void makeStorable(Value& value, bool raw, Console& console) {
+    value.content = storable(value.content, "\"" + shortened(value.name) + "\"", console);
+    requireKnownReferences(value, raw);
+    requireStorable(value);
+}
+
+/// The name as the library stores it.
+void makeNameStorable(Value& value, Console& console) {
+    const std::string name = withoutUnfitCharacters(trimmed(value.name));
+    if (name == value.name || name.empty()) return;
+    console.note("\"" + shortened(value.name) + "\": the library stored it as \"" +
+                 shortened(name) + "\"");
+    value.name = name;
+}
+
+/// The new values of the arguments. Texts are escaped a second time, since they are read twice.
+ValueSet newValues(const Arguments& arguments, PersistentData& data, Console& console) {
+    ReportInput input = collectInput(arguments.values, data.generator(), console);
+    addAssignments(arguments.operands, "value", arguments.values.raw, input.values);
+    noteLosses(input, arguments.values.raw, console, Readings::Twice);
+    ValueSet set;
+    for (Value value : inOrder(input.values)) {
+        if (!arguments.values.raw) value.content = escapedAmpersands(value.content);
+        makeStorable(value, arguments.values.raw, console);
+        makeNameStorable(value, console);
+        set.add(std::move(value));
+    }
+    set.noteRepeated(console);
+    return set;
+}
+
+/// The library reads no value without a text, so that setting one would remove what is there.
+void requireTexts(const ValueSet& values) {
+    for (const auto& [name, value] : values.values()) {
+        const bool isText = value.type == RGEN_TYPE_STRING;
+        const bool isBytes = value.type == RGEN_TYPE_BYTE_ARRAY;
+        if ((!isText || !trimmed(withoutReferences(value.content)).empty()) &&
+            (!isBytes || !value.bytes.empty())) {
+            continue;
+        }
+        throw usageError("\"" + shortened(name) + "\": persistent data keeps no empty text",
+                         "remove the value with: rgen persist unset \"" + shortened(name) + "\"");
+    }
+}
+
+[[noreturn]] void failUnknown(const std::string& name, const std::vector<Value>& values) {
+    std::vector<std::string> names;
+    names.reserve(values.size());
+    for (const Value& value : values)
+        names.push_back(value.name);
+    throw usageError("persistent data has no \"" + shortened(name) + "\"",
+                     didYouMean(name, names, "\"rgen persist get\" lists the names"));
+}
+
+const Value& findValue(const std::vector<Value>& values, const std::string& name) {
+    for (const Value& value : values) {
+        if (value.name == name) return value;
+    }
+    failUnknown(name, values);
+}
+
+void printValues(const std::vector<std::string>& names,
+                 const std::map<std::string, std::string>& texts) {
+    if (names.size() == 1) {
+        printLines(texts.at(names.front()) + "\n");
+        return;
+    }
+    std::string lines;
+    for (const auto& [name, text] : texts)
+        lines.append(name).append("=").append(text).append("\n");
+    printLines(lines);
+}
+
+}  // namespace
+
+ExitCode runPersistGet(const Arguments& arguments, Console& console, JsonDocument& document) {
+    PersistentData data(arguments, console);
+    data.recover();
+    const std::vector<Value> values = data.read();
+    if (values.empty()) console.note("there is no persistent data yet");
+    std::vector<std::string> names = arguments.operands;
+    if (names.empty()) {
+        for (const Value& value : values)
+            names.push_back(value.name);
+    }
+    std::map<std::string, std::string> texts;
+    for (const std::string& name : names) {
+        const std::string& content = findValue(values, name).content;
+        texts[name] = arguments.values.raw ? content : withoutReferences(content);
+    }
+    data.describeType(document);
+    JsonDocument object;
+    for (const auto& [name, text] : texts)
+        object.set(name, text);
+    document.set("values", object);
+    document.set("notes", console.notes());
+    if (!arguments.json) printValues(arguments.operands, texts);
+    return ExitCode::Done;
+}
+
+ExitCode runPersistSet(const Arguments& arguments, Console& console, JsonDocument& document) {
+    PersistentData data(arguments, console);
+    const ValueSet added = newValues(arguments, data, console);
+    requireTexts(added);
+    data.lock();
+    ValueSet all = storedAgain(data.read());
+    for (const auto& [name, value] : added.values())
+        all.replace(value);
+    data.describe(data.write(all, added), document);
+    return ExitCode::Done;
+}
+
+ExitCode runPersistUnset(const Arguments& arguments, Console& console, JsonDocument& document) {
+    PersistentData data(arguments, console);
+    data.lock();
+    const std::vector<Value> values = data.read();
+    std::vector<Value> kept = values;
+    for (const std::string& name : arguments.operands) {
+        findValue(values, name);
+        kept.erase(std::remove_if(kept.begin(), kept.end(),
+                                  [&name](const Value& value) { return value.name == name; }),
+                   kept.end());
+    }
+    const ValueSet rest = storedAgain(std::move(kept));
+    data.describe(data.write(rest, rest), document);
+    return ExitCode::Done;
+}
+
+ExitCode runPersistReplace(const Arguments& arguments, Console& console, JsonDocument& document) {
+    PersistentData data(arguments, console);
+    const ValueSet values = newValues(arguments, data, console);
+    data.lock();
+    data.describe(data.write(values, values), document);
+    return ExitCode::Done;
+}
+
+}  // namespace cli

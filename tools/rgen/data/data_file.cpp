@@ -1,0 +1,272 @@
+// JSON data files are read as a stream of events, since only the stream still knows the line, the
+// column and every digit of a number. Doors: readDataFile, readJsonValues.
+//
+// SPDX-License-Identifier: MIT
+#include "data/data_file.h"
+
+#include <algorithm>
+#include <filesystem>
+#include <iterator>
+#include <nlohmann/json.hpp>
+#include <set>
+
+#include "base/command_error.h"
+#include "base/console.h"
+#include "base/input_file.h"
+#include "base/json_error_text.h"
+#include "base/xml_text.h"
+#include "data/xml_documents.h"
+#include "library/generator.h"
+
+namespace cli {
+namespace {
+
+using nlohmann::json;
+
+/// Reads the text and keeps its place where the events see it.
+class CountingIterator {
+public:
+    // NOLINTBEGIN(readability-identifier-naming): names that the standard library looks for.
+    using iterator_category = std::input_iterator_tag;
+    using value_type = char;
+    using difference_type = std::ptrdiff_t;
+    using pointer = const char*;
+    using reference = const char&;
+    // NOLINTEND(readability-identifier-naming)
+
+    CountingIterator(const char* place, const char** furthest)
+        : place_(place), furthest_(furthest) {}
+
+    reference operator*() const { return *place_; }
+    CountingIterator& operator++() {
+        *furthest_ = ++place_;
+        return *this;
+    }
+    CountingIterator operator++(int) {
+        CountingIterator before = *this;
+        ++*this;
+        return before;
+    }
+    bool operator==(const CountingIterator& other) const { return place_ == other.place_; }
+    bool operator!=(const CountingIterator& other) const { return place_ != other.place_; }
+
+private:
+    const char* place_;
+    const char** furthest_;
+};
+
+class ValueEvents : public nlohmann::json_sax<json> {
+public:
+    ValueEvents(const std::string& text, const std::string& place, const ValueReading& reading)
+        : furthest(text.data()), text_(text), place_(place), reading_(reading) {}
+
+    bool null() override { return noValue("null is"); }
+    bool boolean(bool value) override { return noValue(value ? "true is" : "false is"); }
+    bool number_integer(number_integer_t value) override { return number(std::to_string(value)); }
+    bool number_unsigned(number_unsigned_t value) override { return number(std::to_string(value)); }
+    bool number_float(number_float_t, const string_t& digits) override { return number(digits); }
+    bool string(string_t& value) override {
+        requireObject();
+        add(value, "text", start('"'));
+        return true;
+    }
+    bool binary(binary_t&) override { return false; }
+    bool start_object(std::size_t) override {
+        if (isOpen_) return noValue("an object is");
+        isOpen_ = true;
+        return true;
+    }
+    bool end_object() override { return true; }
+    bool start_array(std::size_t) override { return noValue("an array is"); }
+    bool end_array() override { return true; }
+    bool key(string_t& value) override {
+        name_ = value;
+        nameStart_ = start('"');
+        try {
+            splitNameAndHint(name_);
+        } catch (const CommandError& error) {
+            throw usageError(at(nameStart_) + error.what() + " in \"" + shortened(name_) + "\"",
+                             error.hint);
+        }
+        return true;
+    }
+    bool parse_error(std::size_t offset, const std::string&,
+                     const nlohmann::detail::exception& error) override {
+        throw usageError(
+            at(offset == 0 ? 0 : offset - 1) + "not JSON: " + parserWords(error.what()),
+            "correct the file");
+    }
+
+    std::vector<Value> values;
+    /// Behind the last character that the parser has read.
+    const char* furthest;
+
+private:
+    std::string at(std::size_t offset) const {
+        return placeText(place_, positionOf(text_, offset)) + ": ";
+    }
+
+    std::size_t offsetOfFurthest() const {
+        return std::min(static_cast<std::size_t>(furthest - text_.data()), text_.size());
+    }
+
+    /// The start of the token that was just read: a text up to its opening quote, another token
+    /// over its characters.
+    std::size_t start(char quote) const {
+        std::size_t end = offsetOfFurthest();
+        if (quote == '"') {
+            end = text_.rfind('"', end == 0 ? 0 : end - 1);
+            for (std::size_t open = end; open != 0 && open != std::string::npos;) {
+                open = text_.rfind('"', open - 1);
+                if (open == std::string::npos || !isEscaped(open)) return open;
+            }
+            return end;
+        }
+        const auto isTokenCharacter = [](char letter) {
+            return std::isalnum(static_cast<unsigned char>(letter)) != 0 || letter == '+' ||
+                   letter == '-' || letter == '.';
+        };
+        if (end > 0 && !isTokenCharacter(text_[end - 1])) --end;
+        while (end > 0 && isTokenCharacter(text_[end - 1]))
+            --end;
+        return end;
+    }
+
+    bool isEscaped(std::size_t quote) const {
+        std::size_t slashes = 0;
+        while (slashes < quote && text_[quote - slashes - 1] == '\\')
+            ++slashes;
+        return slashes % 2 == 1;
+    }
+
+    void requireObject() const {
+        if (!isOpen_) {
+            throw usageError(at(0) + "a JSON object is expected",
+                             "write { \"NAME\": \"TEXT\", ... }");
+        }
+    }
+
+    [[noreturn]] bool noValue(const std::string& what) const {
+        requireObject();
+        const bool isBracket = what.rfind("an ", 0) == 0;
+        const std::size_t offset = isBracket ? offsetOfFurthest() - 1 : start('t');
+        throw usageError(at(offset) + what + " no value",
+                         "write a text in quotes or a whole number");
+    }
+
+    bool number(const std::string& digits) {
+        requireObject();
+        const std::size_t offset = start('n');
+        if (digits.find_first_of(".eE") != std::string::npos) {
+            throw usageError(at(offset) + digits + " is not a whole number", inQuotes);
+        }
+        add(digits, "int", offset);
+        return true;
+    }
+
+    void add(const std::string& text, const std::string& defaultHint, std::size_t offset) {
+        try {
+            values.push_back(readValue(name_, text, defaultHint, reading_));
+        } catch (const CommandError& error) {
+            const std::string what = error.what();
+            const bool isTooLarge = what.find("does not fit into 64 bits") != std::string::npos;
+            throw CommandError(
+                error.exitCode,
+                at(offset) + (isTooLarge ? text + " does not fit into 64 bits" : what),
+                isTooLarge ? inQuotes : error.hint);
+        }
+    }
+
+    static constexpr const char* inQuotes = "write it in quotes to hand it over as text";
+
+    const std::string& text_;
+    const std::string& place_;
+    const ValueReading& reading_;
+    bool isOpen_ = false;
+    std::string name_;
+    std::size_t nameStart_ = 0;
+};
+
+bool looksLikeXml(const std::string& content) {
+    const std::size_t first = content.find_first_not_of("\xEF\xBB\xBF \t\r\n");
+    return first != std::string::npos && content[first] == '<';
+}
+
+/// Names the properties of a file that are not among the values that the library took from it.
+void noteSkipped(const std::string& path, const std::set<std::string>& taken, Console& console) {
+    std::string skipped;
+    std::size_t count = 0;
+    for (const std::string& name : propertyNames(path)) {
+        if (taken.count(name) > 0) continue;
+        skipped += count++ == 0 ? "" : ", ";
+        skipped += name.empty() ? "(without a name)" : name;
+    }
+    if (count == 0) return;
+    console.note(path + ": " + std::to_string(count) +
+                 (count == 1 ? " property is" : " properties are") +
+                 " skipped by the library: " + skipped);
+}
+
+std::vector<Value> readSimulatedInput(const std::string& path, Generator& generator,
+                                      Console& console) {
+    std::vector<Value> values = generator.simulatedInput(path);
+    if (values.empty()) {
+        throw usageError("\"" + path + "\": the library finds no values in it",
+                         "write JSON, or XML as \"rgen simulate\" does");
+    }
+    std::set<std::string> taken;
+    for (Value& value : values) {
+        value.source = path;
+        taken.insert(value.name);
+        if (value.type != RGEN_TYPE_STRING || !hasPlainAmpersand(value.content)) continue;
+        console.note("\"" + shortened(value.name) +
+                     "\": a plain \"&\" in simulated input is lost; " +
+                     "write \"&amp;amp;\" in \"" + path + "\"");
+    }
+    noteSkipped(path, taken, console);
+    return values;
+}
+
+}  // namespace
+
+std::vector<Value> readJsonValues(const std::string& text, const std::string& place,
+                                  const ValueReading& reading) {
+    ValueEvents events(text, place, reading);
+    const char* const start = text.data();
+    const CountingIterator first(start, &events.furthest);
+    const CountingIterator last(start + text.size(), &events.furthest);
+    json::sax_parse(first, last, &events);
+    return std::move(events.values);
+}
+
+std::vector<std::string> filesNamedIn(const std::string& path) {
+    std::vector<std::string> files;
+    std::error_code ignored;
+    if (path == "-" || !std::filesystem::is_regular_file(std::filesystem::u8path(path), ignored)) {
+        return files;
+    }
+    try {
+        const std::string content = readInputFile(path, {});
+        if (looksLikeXml(content)) return files;
+        ValueReading reading;
+        reading.folder = folderOf(path);
+        reading.filesNamed = &files;
+        readJsonValues(content, path, reading);
+    } catch (const CommandError&) {
+        // Whoever reads the values says what is wrong.
+    }
+    return files;
+}
+
+std::vector<Value> readDataFile(const std::string& path, bool raw, Generator& generator,
+                                Console& console) {
+    const std::string content = readInputFile(path, "check the path given to --data");
+    if (path != "-" && looksLikeXml(content)) return readSimulatedInput(path, generator, console);
+    ValueReading reading;
+    reading.raw = raw;
+    reading.source = path == "-" ? "standard input" : path;
+    reading.folder = path == "-" ? "." : folderOf(path);
+    return readJsonValues(content, path, reading);
+}
+
+}  // namespace cli

@@ -1,0 +1,36 @@
+// All values of a request, from every place that the arguments name.
+//
+// SPDX-License-Identifier: MIT
+#pragma once
+
+#include <vector>
+
+#include "base/arguments.h"
+#include "values/value.h"
+
+namespace cli {
+
+class Generator;
+
+struct ReportInput {
+    ValueSet values;
+    ValueSet pairs;
+};
+
+/// Reads the data files, then the options, so that options win.
+ReportInput collectInput(const ValueArguments& arguments, Generator& generator, Console& console);
+
+/// Notes names that were given more than once and, with `raw`, texts in which a plain "&" is lost.
+/// Those of persistent data are read twice before a report shows them.
+enum class Readings { Once, Twice };
+void noteLosses(const ReportInput& input, bool raw, Console& console,
+                Readings readings = Readings::Once);
+
+/// Reads "NAME[:HINT]=VALUE" arguments into `values`. `option` names them in messages.
+void addAssignments(const std::vector<std::string>& assignments, const std::string& option,
+                    bool raw, ValueSet& values);
+
+/// The values in the order of their names.
+std::vector<Value> inOrder(const ValueSet& set);
+
+}  // namespace cli

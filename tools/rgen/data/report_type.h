@@ -1,0 +1,66 @@
+// Data directories and the report types in them.
+//
+// SPDX-License-Identifier: MIT
+#pragma once
+
+#include <optional>
+#include <string>
+#include <vector>
+
+#include "strata_repgenlib/rgen.h"
+
+namespace cli {
+
+class InputFiles;
+
+/// The folder that holds ".rgen".
+struct DataDirectory {
+    std::string folder;
+
+    /// The path of something inside ".rgen".
+    std::string path(const std::string& inside) const;
+    std::string configPath() const { return path("config.xml"); }
+};
+
+struct ReportType {
+    RgenGuid guid = {};
+    std::string guidText;
+    /// The template's file name without its ending; empty when the configuration lacks the GUID.
+    std::string name;
+    std::string templateFile;
+    std::string persistDataFile;
+};
+
+/// The folder that `given` names, the current one without it; a path that ends in ".rgen" means the
+/// folder around it. Nothing is checked.
+DataDirectory namedDataDirectory(const std::optional<std::string>& given);
+
+/// The same; raises a CommandError when there is no data directory in the folder.
+DataDirectory openDataDirectory(const std::optional<std::string>& given);
+
+/// All usable report types, sorted by name.
+std::vector<ReportType> reportTypes(const DataDirectory& directory);
+
+/// The report type with this GUID or name; without one the only one there is. Raises a
+/// CommandError. A GUID that the configuration lacks is left to the library.
+ReportType findReportType(const DataDirectory& directory, const std::optional<std::string>& wanted);
+
+/// The path of the template of a report type.
+std::string templatePath(const DataDirectory& directory, const ReportType& type,
+                         const std::string& format);
+
+/// The formats of the library.
+const std::vector<std::string>& outputFormats();
+
+/// The catalogue for a language: "translations/<template>-<language>.po" or
+/// "translations/<language>.po"; empty when there is none.
+std::string cataloguePath(const DataDirectory& directory, const ReportType& type,
+                          const std::string& language);
+
+/// The languages that have a catalogue for the report type, sorted.
+std::vector<std::string> catalogueLanguages(const DataDirectory& directory, const ReportType& type);
+
+/// Adds the files of a data directory: configuration, templates, translations and persistent data.
+void addDataDirectoryFiles(const DataDirectory& directory, InputFiles& files);
+
+}  // namespace cli

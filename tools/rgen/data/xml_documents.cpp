@@ -1,0 +1,190 @@
+// The elements that the library looks for, and no others.
+//
+// SPDX-License-Identifier: MIT
+#include "data/xml_documents.h"
+
+#include <libxml/xmlsave.h>
+
+#include <limits>
+#include <memory>
+#include <optional>
+
+#include "base/command_error.h"
+#include "base/guid_text.h"
+#include "base/xml_text.h"
+#include "data/xml_nodes.h"
+
+namespace cli {
+namespace {
+
+/// Children of `parent` with this name, letter case as written.
+std::vector<xmlNode*> elements(xmlNode* parent, const char* name) {
+    std::vector<xmlNode*> found;
+    for (xmlNode* child = parent == nullptr ? nullptr : parent->children; child != nullptr;
+         child = child->next) {
+        if (child->type == XML_ELEMENT_NODE && child->ns == nullptr &&
+            xmlStrEqual(child->name, xmlText(name)) != 0) {
+            found.push_back(child);
+        }
+    }
+    return found;
+}
+
+/// The elements "root/list/entry".
+std::vector<xmlNode*> entries(xmlDoc* document, const char* root, const char* list,
+                              const char* entry) {
+    std::vector<xmlNode*> all;
+    xmlNode* top = document == nullptr ? nullptr : xmlDocGetRootElement(document);
+    if (top == nullptr || xmlStrEqual(top->name, xmlText(root)) == 0) return all;
+    for (xmlNode* folder : elements(top, list)) {
+        for (xmlNode* element : elements(folder, entry))
+            all.push_back(element);
+    }
+    return all;
+}
+
+/// The trimmed text of the last child with this name in whatever letter case; nothing when there is
+/// none, or when it has nothing inside.
+std::optional<std::string> childText(xmlNode* parent, const char* name) {
+    xmlNode* last = nullptr;
+    for (xmlNode* child = parent->children; child != nullptr; child = child->next) {
+        if (xmlStrcasecmp(child->name, xmlText(name)) == 0) last = child;
+    }
+    if (last == nullptr || last->children == nullptr) return std::nullopt;
+    return trimmed(textInside(last));
+}
+
+std::string byteList(const std::vector<std::uint8_t>& bytes) {
+    constexpr char digits[] = "0123456789ABCDEF";
+    std::string text;
+    for (const std::uint8_t byte : bytes) {
+        if (!text.empty()) text += ", ";
+        text += {'0', 'x', digits[byte >> 4U], digits[byte & 0x0FU]};
+    }
+    return text;
+}
+
+const char* libraryHintName(ValueHint hint) {
+    static constexpr const char* names[] = {"",     "Generic", "Time",  "Date", "DateTime",
+                                            "Size", "Address", "Speed", "Dump"};
+    return names[hint];
+}
+
+void addProperty(xmlNode* list, const Value& value) {
+    const bool isText = value.type == RGEN_TYPE_STRING;
+    const bool isNumber = value.type == RGEN_TYPE_INT64;
+    const std::string text = isText     ? value.content
+                             : isNumber ? std::to_string(value.number)
+                                        : byteList(value.bytes);
+    // The text itself is XML content; as the text of a property it is escaped once more.
+    xmlNode* property = xmlNewTextChild(list, nullptr, xmlText("property"), xmlText(text.c_str()));
+    if (property == nullptr) throw std::bad_alloc();
+    const char* const type = isText ? "string" : isNumber ? "int64" : "byte_array";
+    xmlNewProp(property, xmlText("name"), xmlText(value.name.c_str()));
+    xmlNewProp(property, xmlText("type"), xmlText(type));
+    xmlNewProp(property, xmlText("hint"), xmlText(libraryHintName(value.hint)));
+}
+
+}  // namespace
+
+std::vector<ConfiguredType> readConfiguration(const std::string& path) {
+    const Owned<xmlDoc> document = readDocument(path);
+    if (!document) {
+        throw CommandError(ExitCode::Environment, "\"" + path + "\" cannot be read as XML",
+                           "correct it, or make another data directory with rgen init");
+    }
+    // Of several entries for one GUID the last usable name wins, each of the two on its own.
+    std::map<std::string, ConfiguredType> types;
+    for (xmlNode* element : entries(document.get(), "config", "reportTypes", "type")) {
+        const std::string written = attribute(element, "guid");
+        const std::string guid = guidTextOf(written);
+        const std::optional<std::string> persistDataFile = childText(element, "persistDataFile");
+        const std::optional<std::string> reportTypeFile = childText(element, "reportTypeFile");
+        // The library takes no braces.
+        const bool isGuid = !guid.empty() && guid.size() == written.size();
+        if (!isGuid || !persistDataFile || !reportTypeFile) continue;
+        ConfiguredType& type = types[guid];
+        type.guid = guid;
+        if (!persistDataFile->empty()) type.persistDataFile = *persistDataFile;
+        if (!reportTypeFile->empty()) type.reportTypeFile = *reportTypeFile;
+    }
+    std::vector<ConfiguredType> all;
+    for (const auto& [guid, type] : types) {
+        const bool isUsable = !type.persistDataFile.empty() && !type.reportTypeFile.empty();
+        if (isUsable) all.push_back(type);
+    }
+    return all;
+}
+
+std::vector<std::string> propertyNames(const std::string& path) {
+    const Owned<xmlDoc> document = readDocument(path);
+    std::vector<std::string> names;
+    for (xmlNode* element : entries(document.get(), "data", "properties", "property"))
+        names.push_back(attribute(element, "name"));
+    return names;
+}
+
+std::string mistakeInContent(const std::string& content) {
+    if (content.find_first_of("<>&") == std::string::npos) return {};
+    const std::string document = "<r>" + content + "</r>";
+    if (document.size() > static_cast<std::size_t>(std::numeric_limits<int>::max())) {
+        return "it is too large";
+    }
+    const std::unique_ptr<xmlParserCtxt, void (*)(xmlParserCtxt*)> context(xmlNewParserCtxt(),
+                                                                           xmlFreeParserCtxt);
+    if (!context) throw std::bad_alloc();
+    // A prefix without a declaration is no mistake of this kind: the document is there.
+    constexpr int options =
+        XML_PARSE_NOERROR | XML_PARSE_NOWARNING | XML_PARSE_NONET | XML_PARSE_HUGE;
+    const Owned<xmlDoc> read(xmlCtxtReadMemory(context.get(), document.data(),
+                                               static_cast<int>(document.size()), nullptr, "UTF-8",
+                                               options));
+    if (read) return {};
+    const xmlError* const error = xmlCtxtGetLastError(context.get());
+    const bool isKnown = error != nullptr && error->message != nullptr;
+    return isKnown ? trimmed(error->message) : "it is no XML";
+}
+
+std::string damageOf(const std::string& path) {
+    // Without XML_PARSE_HUGE, as the library reads: what is too large for it counts as damage.
+    const std::string content = readXml(path);
+    const std::unique_ptr<xmlParserCtxt, void (*)(xmlParserCtxt*)> context(xmlNewParserCtxt(),
+                                                                           xmlFreeParserCtxt);
+    if (!context) throw std::bad_alloc();
+    const Owned<xmlDoc> document(
+        xmlCtxtReadMemory(context.get(), content.data(), static_cast<int>(content.size()), nullptr,
+                          "UTF-8", XML_PARSE_NOERROR | XML_PARSE_NOWARNING));
+    if (document) return {};
+    const xmlError* const error = xmlCtxtGetLastError(context.get());
+    if (error == nullptr || error->message == nullptr) return "it is no XML";
+    return "line " + std::to_string(error->line) + ": " + trimmed(error->message);
+}
+
+std::map<std::string, std::string> readDump(const std::string& path) {
+    const Owned<xmlDoc> document = readDocument(path);
+    std::map<std::string, std::string> texts;
+    for (xmlNode* element : entries(document.get(), "data", "properties", "property")) {
+        // Names are taken as they are: rgen wrote them.
+        const Owned<xmlChar> name(xmlGetProp(element, xmlText("name")));
+        texts[plainText(name)] = textInside(element);
+    }
+    return texts;
+}
+
+std::string simulatedInputDocument(const std::map<std::string, Value>& values) {
+    const Owned<xmlDoc> document(xmlNewDoc(xmlText("1.0")));
+    if (!document) throw std::bad_alloc();
+    xmlNode* root = xmlNewDocNode(document.get(), nullptr, xmlText("data"), nullptr);
+    xmlDocSetRootElement(document.get(), root);
+    xmlNode* list = xmlNewChild(root, nullptr, xmlText("properties"), nullptr);
+    for (const auto& [name, value] : values)
+        addProperty(list, value);
+    xmlChar* bytes = nullptr;
+    int size = 0;
+    xmlDocDumpFormatMemoryEnc(document.get(), &bytes, &size, "UTF-8", 1);
+    const Owned<xmlChar> owner(bytes);
+    if (!owner) throw std::bad_alloc();
+    return {reinterpret_cast<const char*>(bytes), static_cast<std::size_t>(size)};
+}
+
+}  // namespace cli

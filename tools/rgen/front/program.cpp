@@ -1,0 +1,103 @@
+// From the command line to the exit code: the one place where failures become messages.
+//
+// SPDX-License-Identifier: MIT
+#include "front/program.h"
+
+#include <algorithm>
+#include <exception>
+#include <map>
+
+#include "base/host_system.h"
+#include "base/interruption.h"
+#include "commands/commands.h"
+#include "front/command_line.h"
+#include "library/error_json.h"
+
+namespace cli {
+namespace {
+
+using Command = ExitCode (*)(const Arguments&, Console&, JsonDocument&);
+
+const std::map<std::string, Command>& commands() {
+    static const std::map<std::string, Command> all = {
+        {"completion", runCompletion},
+        {"doctor", runDoctor},
+        {"dump", runDump},
+        {"explain", runExplain},
+        {"init", runInit},
+        {"persist get", runPersistGet},
+        {"persist replace", runPersistReplace},
+        {"persist set", runPersistSet},
+        {"persist unset", runPersistUnset},
+        {"report", runReport},
+        {"simulate", runSimulate},
+        {"types", runTypes},
+    };
+    return all;
+}
+
+/// Says what went wrong; what the document holds already stays in it. Nothing is said when the
+/// reader of standard output has gone: it has seen enough.
+ExitCode fail(const CommandError& error, bool json, Console& console, JsonDocument& document) {
+    if (error.exitCode == ExitCode::ClosedPipe) return error.exitCode;
+    console.error(error);
+    if (!json) return error.exitCode;
+    describeFailure(error, document);
+    try {
+        printData(document.text());
+    } catch (const CommandError&) {
+        // Nobody reads it; the first error counts.
+    }
+    return error.exitCode;
+}
+
+ExitCode runCommandLine(const CommandLine& commandLine, Console& console, JsonDocument& document) {
+    const Arguments& arguments = commandLine.arguments;
+    if (!commandLine.help.empty()) {
+        printData(commandLine.help);
+        return ExitCode::Done;
+    }
+    const ExitCode code = commandLine.wantsVersion
+                              ? runVersion(arguments, document)
+                              : commands().at(arguments.command)(arguments, console, document);
+    if (arguments.json) printData(document.text());
+    return code;
+}
+
+/// Failures of the library that have no status come as exceptions.
+CommandError libraryException(const std::exception& exception) {
+    return {ExitCode::Environment, exception.what(), "check paths and access rights"};
+}
+
+}  // namespace
+
+int runProgram(const std::vector<std::string>& arguments) {
+    prepareStreams();
+    searchOwnFolder();
+    listenForInterrupts();
+    bool json = std::find(arguments.begin(), arguments.end(), "--json") != arguments.end();
+    Console console;
+    JsonDocument document;
+    document.set("ok", true);
+    ExitCode code = ExitCode::Done;
+    try {
+        const CommandLine commandLine = parseCommandLine(arguments);
+        if (arguments.empty()) {
+            console.plain(commandLine.help);
+            return static_cast<int>(ExitCode::Usage);
+        }
+        json = commandLine.arguments.json;
+        console = Console(commandLine.arguments.quiet);
+        code = runCommandLine(commandLine, console, document);
+    } catch (const CommandError& error) {
+        code = fail(error, json, console, document);
+    } catch (const std::bad_alloc&) {
+        code = fail({ExitCode::Environment, "memory is exhausted", "use less data"}, json, console,
+                    document);
+    } catch (const std::exception& exception) {
+        code = fail(libraryException(exception), json, console, document);
+    }
+    return static_cast<int>(code);
+}
+
+}  // namespace cli

@@ -1,0 +1,283 @@
+// The road of one report: format, catalogue, request, library, delivery.
+//
+// SPDX-License-Identifier: MIT
+#include "report/report_generation.h"
+
+#include <algorithm>
+#include <chrono>
+#include <cstdio>
+#include <filesystem>
+#include <memory>
+
+#include "base/console.h"
+#include "base/input_file.h"
+#include "base/json_document.h"
+#include "base/text_functions.h"
+#include "data/po_catalogue.h"
+#include "data/xml_documents.h"
+#include "report/report_output.h"
+
+namespace cli {
+namespace {
+
+namespace fs = std::filesystem;
+using Clock = std::chrono::steady_clock;
+
+double millisecondsSince(Clock::time_point start) {
+    return std::chrono::duration<double, std::milli>(Clock::now() - start).count();
+}
+
+const char* RGEN_CALL sameText(const char* text, void*) {
+    return text;
+}
+
+/// The translate callback of one report; afterwards the generator has none again.
+class TranslationScope {
+public:
+    TranslationScope(const Generator& generator, const std::string& cataloguePath, bool raw,
+                     Console& console)
+        : generator_(generator) {
+        if (cataloguePath.empty()) return;
+        catalogue_ = std::make_unique<Catalogue>(cataloguePath, raw, console);
+        translator_ = std::make_unique<Translator>(*catalogue_);
+        rgen_setTranslateFunction(generator_.handle(), Translator::translate, translator_.get());
+    }
+    ~TranslationScope() {
+        if (translator_) rgen_setTranslateFunction(generator_.handle(), sameText, nullptr);
+    }
+    TranslationScope(const TranslationScope&) = delete;
+    TranslationScope& operator=(const TranslationScope&) = delete;
+
+    std::vector<std::string> untranslated() const {
+        return translator_ ? translator_->untranslated() : std::vector<std::string>();
+    }
+
+private:
+    const Generator& generator_;
+    std::unique_ptr<Catalogue> catalogue_;
+    std::unique_ptr<Translator> translator_;
+};
+
+std::string formatOf(const ReportArguments& arguments) {
+    if (!arguments.format.empty()) return arguments.format;
+    const std::string ending = lowerCase(fs::u8path(arguments.output).extension().u8string());
+    for (const std::string& format : outputFormats()) {
+        if (ending == "." + format) return format;
+    }
+    throw usageErrorOf("report",
+                       "the format of \"" + arguments.output + "\" is not known from its ending",
+                       "give --format html, pdf or txt");
+}
+
+OutputPlan planOf(const ReportArguments& arguments, const std::string& format) {
+    OutputPlan plan;
+    plan.target = arguments.output;
+    plan.converterBase = arguments.base;
+    if (arguments.mode == "bytes") plan.delivery = Delivery::Bytes;
+    if (arguments.mode == "delete-on-close") plan.delivery = Delivery::DeleteOnClose;
+    const bool isPdf = format == "pdf" && !arguments.noConvert;
+    plan.converts = isPdf && plan.delivery == Delivery::File;
+    if (isPdf && !plan.converts) {
+        throw usageErrorOf("report", "--mode " + arguments.mode + " does not convert to pdf",
+                           "give --no-convert to get the page itself");
+    }
+    const bool hasQuote = (arguments.output + arguments.base).find('"') != std::string::npos;
+    if (plan.converts && hasQuote) {
+        throw usageErrorOf("report", "the path of a pdf and --base must not contain a double quote",
+                           "choose another name");
+    }
+    return plan;
+}
+
+/// The catalogue that --lang names; empty without it.
+std::string chosenCatalogue(const ReportSurroundings& surroundings, const ReportOrder& order) {
+    const std::string& lang = order.arguments.lang;
+    if (lang.empty() || namesCatalogueFile(lang)) return lang;
+    std::string path = cataloguePath(surroundings.directory, order.type, lang);
+    if (!path.empty()) return path;
+    const std::string languages = joined(catalogueLanguages(surroundings.directory, order.type));
+    throw usageError("there is no catalogue for \"" + lang + "\" in \"" +
+                         surroundings.directory.path("translations") + "\"",
+                     languages.empty() ? "give a .po file" : "there is: " + languages);
+}
+
+std::string adviceOnOutput(const std::string& output) {
+    std::error_code ignored;
+    const std::string folder = folderOf(output);
+    if (fs::is_directory(fs::u8path(output), ignored)) return "it is a folder";
+    if (isSpecialFile(output)) return "it is no ordinary file; --mode bytes writes into it";
+    if (!fs::exists(fs::u8path(folder), ignored)) {
+        return "the folder \"" + folder + "\" does not exist";
+    }
+    return "check the rights of the folder, and that no other program has the file open";
+}
+
+std::string adviceFor(RgenStatus status, const ReportSurroundings& surroundings,
+                      const ReportOrder& order, const ReportOutput& output,
+                      const std::string& format) {
+    const std::string path = templatePath(surroundings.directory, order.type, format);
+    switch (status) {
+        case RGEN_E_EMPTY_INPUT:
+            return "give values with --data, --set or --pair";
+        case RGEN_E_GUID_NOT_IN_CONFIG:
+            return "\"rgen types\" lists the report types of \"" + surroundings.directory.folder +
+                   "\"";
+        case RGEN_E_TEMPLATE_NOT_FOUND:
+            return "looked for \"" + path + "\"";
+        case RGEN_E_XSLT_PARSE:
+        case RGEN_E_XSLT_APPLY:
+        case RGEN_E_XSLT_RESULT:
+            return "the template is \"" + path + "\"";
+        case RGEN_E_OVERWRITE_OUTPUT:
+        case RGEN_E_CREATE_OUTPUT:
+            return adviceOnOutput(order.arguments.output);
+        case RGEN_E_WRITE_OUTPUT:
+        case RGEN_E_WRITE_ALL_OUTPUT:
+            return "check that the disk has room";
+        case RGEN_E_RUN_EXTERNAL:
+            return output.converterFault();
+        case RGEN_E_OPEN_CONFIG:
+        case RGEN_E_NO_TYPE_MAP:
+        case RGEN_E_NO_VALID_TYPE_MAP:
+            return "look at \"" + surroundings.directory.configPath() + "\"";
+        default:
+            return "\"rgen explain " + Generator::statusHex(status) + "\" says more";
+    }
+}
+
+[[noreturn]] void fail(RgenStatus status, const ReportSurroundings& surroundings,
+                       const ReportOrder& order, const ReportOutput& output,
+                       const std::string& format) {
+    CommandError error =
+        surroundings.generator.failure(outputName(order.arguments.output), status,
+                                       adviceFor(status, surroundings, order, output, format));
+    if (status == RGEN_E_RUN_EXTERNAL) error.exitCode = ExitCode::Environment;
+    const bool isWriting = status == RGEN_E_WRITE_OUTPUT || status == RGEN_E_WRITE_ALL_OUTPUT;
+    if (isWriting) error.exitCode = ExitCode::Unverified;
+    throw error;
+}
+
+/// Failures of the library without a status are exceptions.
+RgenStatus callLibrary(const ReportSurroundings& surroundings, const ReportOrder& order,
+                       ReportOutput& output, const std::string& format) {
+    Request request;
+    request.setValues(inOrder(order.input.values));
+    request.setPairs(inOrder(order.input.pairs));
+    request.record.templateGuid = order.type.guid;
+    try {
+        return output.generate(surroundings.generator, request, format);
+    } catch (const std::bad_alloc&) {
+        throw;
+    } catch (const CommandError&) {
+        throw;
+    } catch (const std::exception& exception) {
+        throw CommandError(ExitCode::Environment,
+                           outputName(order.arguments.output) + ": " + exception.what(),
+                           "check the access rights of the data directory");
+    }
+}
+
+void noteUntranslated(const std::vector<std::string>& texts, const std::string& path,
+                      Console& console) {
+    if (texts.empty()) return;
+    constexpr std::size_t shown = 3;
+    std::string list;
+    for (std::size_t i = 0; i < std::min(shown, texts.size()); ++i)
+        list += (i == 0 ? "" : ", ") + ("\"" + shortened(texts[i]) + "\"");
+    const char* const have = texts.size() == 1 ? " text has" : " texts have";
+    console.note(std::to_string(texts.size()) + have + " no translation in " + path + ": " + list +
+                 (texts.size() > shown ? ", ..." : ""));
+}
+
+/// The library takes what it can read of a damaged file and says nothing.
+void noteDamage(const ReportSurroundings& surroundings, const ReportType& type) {
+    const std::string path = surroundings.directory.path(type.persistDataFile);
+    std::error_code ignored;
+    if (!fs::is_regular_file(fs::u8path(path), ignored)) return;
+    requireReadable(path);
+    const std::string damage = damageOf(path);
+    if (damage.empty()) return;
+    surroundings.console.note("\"" + path + "\" is damaged: " + damage +
+                              "; the report has what can be read of it");
+}
+
+std::size_t numberOfNames(const ReportInput& input) {
+    std::size_t number = input.values.size();
+    for (const auto& [name, pair] : input.pairs.values())
+        if (input.values.values().count(name) == 0) ++number;
+    return number;
+}
+
+}  // namespace
+
+std::string countText(std::uint64_t count, const std::string& word) {
+    return std::to_string(count) + " " + word + (count == 1 ? "" : "s");
+}
+
+std::string outputName(const std::string& output) {
+    return output == "-" ? "standard output" : output;
+}
+
+bool namesCatalogueFile(const std::string& lang) {
+    const fs::path path = fs::u8path(lang);
+    return path.extension() == ".po" || path.has_parent_path();
+}
+
+void requireOtherFile(const InputFiles& inputs, const std::string& output) {
+    const auto input = inputs.find(output);
+    if (!input) return;
+    throw usageError(output + ": reports are made from this file, \"" + *input + "\"",
+                     "name another output");
+}
+
+std::string millisecondsText(double milliseconds) {
+    char text[32] = {};
+    std::snprintf(text, sizeof text, "%.1f ms", milliseconds);
+    return text;
+}
+
+ReportOutcome makeReport(const ReportSurroundings& surroundings, const ReportOrder& order) {
+    ReportOutcome outcome;
+    outcome.format = formatOf(order.arguments);
+    outcome.values = numberOfNames(order.input);
+    const std::string catalogue = chosenCatalogue(surroundings, order);
+    const TranslationScope translation(surroundings.generator, catalogue, surroundings.raw,
+                                       surroundings.console);
+    requireOtherFile(surroundings.inputs, order.arguments.output);
+    requireOtherFile(filesRead(), order.arguments.output);
+    noteDamage(surroundings, order.type);
+    const InterruptGuard guard(surroundings.generator.handle());
+    throwIfInterrupted();
+
+    const Clock::time_point start = Clock::now();
+    ReportOutput output(planOf(order.arguments, outcome.format));
+    RgenStatus status = callLibrary(surroundings, order, output, outcome.format);
+    throwIfInterrupted();
+    if (status >= 0) status = output.prepare();
+    if (status < 0) fail(status, surroundings, order, output, outcome.format);
+    outcome.generateMilliseconds = millisecondsSince(start);
+
+    const Clock::time_point delivery = Clock::now();
+    outcome.bytes = output.deliver();
+    outcome.deliverMilliseconds = millisecondsSince(delivery);
+    outcome.untranslated = translation.untranslated();
+    noteUntranslated(outcome.untranslated, catalogue, surroundings.console);
+    return outcome;
+}
+
+void describeReport(const ReportOrder& order, const ReportOutcome& outcome, const Console& console,
+                    JsonDocument& document) {
+    JsonDocument type;
+    type.set("guid", order.type.guidText);
+    type.set("name", order.type.name);
+    document.set("output", order.arguments.output);
+    document.set("format", outcome.format);
+    document.set("type", type);
+    document.set("mode", order.arguments.mode);
+    document.set("bytes", static_cast<std::int64_t>(outcome.bytes));
+    document.set("values", static_cast<std::int64_t>(outcome.values));
+    document.set("untranslated", outcome.untranslated);
+    document.set("notes", console.notes());
+}
+
+}  // namespace cli

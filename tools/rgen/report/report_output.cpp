@@ -1,0 +1,169 @@
+// Everything is written in a folder of rgen's own beside the target; the rename at the end makes
+// the report appear.
+//
+// SPDX-License-Identifier: MIT
+#include "report/report_output.h"
+
+#include <filesystem>
+#include <fstream>
+#include <system_error>
+
+#include "base/console.h"
+#include "base/host_system.h"
+#include "base/input_file.h"
+#include "base/safe_files.h"
+#include "base/xml_text.h"
+#include "process/child_process.h"
+#include "process/pdf_file.h"
+#include "report/converter.h"
+
+namespace cli {
+namespace {
+
+namespace fs = std::filesystem;
+
+/// The first line of a file that has words in it.
+std::string firstLine(const std::string& path) {
+    std::ifstream file(fs::u8path(path), std::ios::binary);
+    for (std::string line; std::getline(file, line);) {
+        if (!trimmed(line).empty()) return trimmed(line);
+    }
+    return {};
+}
+
+CommandError unwritable(const std::string& target, const std::error_code& reason) {
+    return {ExitCode::Unverified, "cannot write \"" + target + "\": " + reason.message(),
+            "check that the folder exists, may be written and has room"};
+}
+
+}  // namespace
+
+ReportOutput::ReportOutput(OutputPlan plan) : plan_(std::move(plan)) {}
+
+RgenStatus ReportOutput::generate(const Generator& generator, Request& request,
+                                  const std::string& format) {
+    request.record.outputMode = RGEN_OUTPUT_BYTES;
+    request.record.skipExternalConversion = 1;
+    if (plan_.delivery == Delivery::DeleteOnClose) {
+        request.record.outputMode = RGEN_OUTPUT_DELETE_ON_CLOSE;
+        // A folder or device in its place is left to the library.
+        path_ = plan_.target;
+        const RgenStatus status = isSpecialFile(path_) ? RGEN_OK : makeFolder("report");
+        if (status < 0) return status;
+    }
+    request.setTexts(format, path_, plan_.converterBase);
+    return rgen_generateReport(generator.handle(), &request.record, &result_);
+}
+
+std::string_view ReportOutput::bytes() const {
+    if (result_.type != RGEN_TYPE_BYTE_ARRAY || result_.value.byteArrayValue.size == 0) return {};
+    const RgenByteArray& array = result_.value.byteArrayValue;
+    return {reinterpret_cast<const char*>(array.data), array.size};
+}
+
+RgenStatus ReportOutput::prepare() {
+    const bool isFile = plan_.delivery != Delivery::DeleteOnClose;
+    if (!isFile || (plan_.target == "-" && !plan_.converts)) return RGEN_OK;
+    if (isSpecialFile(plan_.target)) {
+        return plan_.delivery == Delivery::File ? RGEN_E_OVERWRITE_OUTPUT : RGEN_OK;
+    }
+    const RgenStatus status = makeFolder(plan_.converts ? "report.pdf" : "report");
+    if (status < 0) return status;
+    const std::string written = plan_.converts ? path_ + ".html" : path_;
+    try {
+        writeNewFile(written, bytes());
+    } catch (const std::system_error& error) {
+        throw unwritable(plan_.target, error.code());
+    }
+    return plan_.converts ? convert(written) : RGEN_OK;
+}
+
+RgenStatus ReportOutput::makeFolder(const std::string& fileName) {
+    try {
+        folder_ = plan_.target == "-" ? std::make_unique<TemporaryFolder>()
+                                      : std::make_unique<TemporaryFolder>(plan_.target);
+    } catch (const std::system_error& error) {
+        if (plan_.delivery != Delivery::Bytes && !isFullDisk(error.code())) {
+            return RGEN_E_CREATE_OUTPUT;
+        }
+        throw unwritable(plan_.target, error.code());
+    }
+    path_ = folder_->file(fileName);
+    return RGEN_OK;
+}
+
+RgenStatus ReportOutput::convert(const std::string& page) {
+    Conversion conversion;
+    conversion.page = page;
+    conversion.output = path_;
+    conversion.said = folder_->file("converter.log");
+    // The page is not where the author looks for pictures from.
+    conversion.base = plan_.converterBase;
+    if (conversion.base.empty() && plan_.target != "-") {
+        conversion.base = tools::absolutePath(fs::u8path(folderOf(plan_.target))).u8string();
+    }
+    converterFault_ = runConverter(conversion);
+    if (!converterFault_.empty()) return RGEN_E_RUN_EXTERNAL;
+    verifyPdf(conversion.said);
+    return RGEN_OK;
+}
+
+void ReportOutput::failAsConverted(const std::string& what, const std::string& said) const {
+    std::string reason = firstLine(path_ + ".error.txt");
+    if (reason.empty()) reason = firstLine(said);
+    throw CommandError(ExitCode::Unverified, plan_.target + ": " + what,
+                       reason.empty() ? "run \"rgen doctor\"" : reason);
+}
+
+void ReportOutput::verifyPdf(const std::string& said) const {
+    if (!exists(path_)) failAsConverted("the converter made no file", said);
+    if (!tools::isWholePdf(fs::u8path(path_))) {
+        failAsConverted("the converter's file is not a whole PDF", said);
+    }
+    // A page about its failure is no report.
+    if (exists(path_ + ".error.txt")) failAsConverted("the converter failed", said);
+}
+
+std::uint64_t ReportOutput::deliver() {
+    if (plan_.delivery == Delivery::DeleteOnClose) {
+        return closeDeleteOnCloseFile(result_.value.handleValue);
+    }
+    std::error_code ignored;
+    const std::uint64_t size =
+        plan_.converts ? fs::file_size(fs::u8path(path_), ignored) : bytes().size();
+    if (plan_.target == "-") {
+        const std::string file = plan_.converts ? readInputFile(path_, "try again") : std::string();
+        const EndAtOnce atOnce;
+        printData(plan_.converts ? std::string_view(file) : bytes());
+    } else if (folder_) {
+        folder_->deliver(path_, plan_.target);
+    } else {
+        writeOutputFile(plan_.target, bytes());
+    }
+    return size;
+}
+
+void writeOutputFile(const std::string& path, std::string_view bytes) {
+    try {
+        if (isSpecialFile(path)) {
+            const EndAtOnce atOnce;
+            return writeIntoSpecialFile(path, bytes);
+        }
+        const TemporaryFolder folder(path);
+        const std::string part = folder.file("output");
+        writeNewFile(part, bytes);
+        folder.deliver(part, path);
+    } catch (const std::system_error& error) {
+        throw unwritable(path, error.code());
+    }
+}
+
+void writeOutput(const std::string& path, std::string_view bytes) {
+    if (path == "-") {
+        printData(bytes);
+    } else {
+        writeOutputFile(path, bytes);
+    }
+}
+
+}  // namespace cli

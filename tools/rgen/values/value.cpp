@@ -1,0 +1,200 @@
+// From "NAME:HINT" and a text to a typed value.
+//
+// SPDX-License-Identifier: MIT
+#include "values/value.h"
+
+#include <algorithm>
+#include <filesystem>
+#include <limits>
+
+#include "base/command_error.h"
+#include "base/console.h"
+#include "base/input_file.h"
+#include "base/suggestion.h"
+#include "base/text_functions.h"
+#include "base/xml_text.h"
+#include "values/literal_parser.h"
+
+namespace cli {
+namespace {
+
+struct HintWord {
+    const char* word;
+    ValueType type;
+    ValueHint hint;
+};
+
+// Of several words for one hint the first is shown.
+constexpr HintWord words[] = {
+    {"text", RGEN_TYPE_STRING, RGEN_HINT_GENERIC},
+    {"int", RGEN_TYPE_INT64, RGEN_HINT_GENERIC},
+    {"size", RGEN_TYPE_INT64, RGEN_HINT_SIZE},
+    {"speed", RGEN_TYPE_INT64, RGEN_HINT_SPEED},
+    {"address", RGEN_TYPE_INT64, RGEN_HINT_ADDRESS},
+    {"time", RGEN_TYPE_INT64, RGEN_HINT_TIME},
+    {"date", RGEN_TYPE_INT64, RGEN_HINT_DATE},
+    {"datetime", RGEN_TYPE_INT64, RGEN_HINT_DATE_TIME},
+    {"bytes", RGEN_TYPE_BYTE_ARRAY, RGEN_HINT_DUMP},
+    {"generic", RGEN_TYPE_INT64, RGEN_HINT_GENERIC},
+    {"dump", RGEN_TYPE_BYTE_ARRAY, RGEN_HINT_DUMP},
+};
+
+const HintWord* findHint(const std::string& text) {
+    const std::string word = lowerCase(text);
+    const auto found = std::find_if(std::begin(words), std::end(words),
+                                    [&word](const HintWord& hint) { return word == hint.word; });
+    return found == std::end(words) ? nullptr : found;
+}
+
+bool isTimeHint(ValueHint hint) {
+    return hint == RGEN_HINT_TIME || hint == RGEN_HINT_DATE || hint == RGEN_HINT_DATE_TIME;
+}
+
+std::vector<std::uint8_t> bytesOf(const std::string& text, const ValueReading& reading) {
+    if (text.empty() || text[0] != '@') return readBytes(text);
+    const std::string path = text.substr(1);
+    const bool isWhole = path.empty() || std::filesystem::u8path(path).has_root_path();
+    const std::string place = isWhole ? path : joinedPath(reading.folder, path);
+    if (reading.filesNamed != nullptr) {
+        reading.filesNamed->push_back(place);
+        return {};
+    }
+    const std::string content = readInputFile(place, "check the path behind @");
+    if (content.size() > std::numeric_limits<std::uint32_t>::max()) {
+        throw usageError("\"" + path + "\" is too large", "byte arrays hold less than 4 GiB");
+    }
+    return {content.begin(), content.end()};
+}
+
+std::string contentOf(const std::string& text, const ValueReading& reading) {
+    if (!isPlainUtf8(text)) {
+        throw usageError("the text is not valid UTF-8, or holds a zero character",
+                         "bytes of any kind are values with the hint bytes");
+    }
+    return reading.raw ? text : escapedAmpersands(text);
+}
+
+/// The name and text of "NAME=TEXT", and the words in front of what is wrong with it.
+struct Assignment {
+    Assignment(const std::string& argument, const std::string& option)
+        : place(option + " \"" + shortened(argument, 60) + "\": ") {
+        const std::size_t equals = argument.find('=');
+        if (equals == std::string::npos || equals == 0) {
+            throw usageError(place + "NAME=VALUE is expected");
+        }
+        name = argument.substr(0, equals);
+        text = argument.substr(equals + 1);
+    }
+
+    CommandError failure(const CommandError& error, const std::string& more = {}) const {
+        return {error.exitCode, place + error.what(), error.hint + more};
+    }
+
+    std::string place;
+    std::string name;
+    std::string text;
+};
+
+void requireKnownHint(const Assignment& assignment) {
+    try {
+        splitNameAndHint(assignment.name);
+    } catch (const CommandError& error) {
+        throw assignment.failure(error, " (a name with a colon is followed by its hint: \"" +
+                                            assignment.name + ":text=...\")");
+    }
+}
+
+Value readArgument(const Assignment& assignment, const std::string& nameAndHint,
+                   const ValueReading& reading) {
+    try {
+        return readValue(nameAndHint, assignment.text, "text", reading);
+    } catch (const CommandError& error) {
+        throw assignment.failure(error);
+    }
+}
+
+}  // namespace
+
+void ValueSet::add(Value value) {
+    if (values_.count(value.name) > 0) repeated_.insert(value.name);
+    replace(std::move(value));
+}
+
+void ValueSet::noteRepeated(Console& console) const {
+    for (const std::string& name : repeated_) {
+        console.note("\"" + shortened(name) + "\" is given more than once; " +
+                     values_.at(name).source + " counts");
+    }
+}
+
+void ValueSet::replace(Value value) {
+    std::string name = value.name;
+    values_[std::move(name)] = std::move(value);
+}
+
+std::vector<std::string> hintWords() {
+    std::vector<std::string> all;
+    for (const HintWord& hint : words)
+        all.emplace_back(hint.word);
+    return all;
+}
+
+std::string hintWord(const Value& value) {
+    for (const HintWord& hint : words) {
+        if (hint.type == value.type && (hint.hint == value.hint || value.type != RGEN_TYPE_INT64)) {
+            return hint.word;
+        }
+    }
+    return "int";
+}
+
+NameAndHint splitNameAndHint(const std::string& text) {
+    const std::size_t colon = text.rfind(':');
+    if (colon == std::string::npos) return {text, {}};
+    NameAndHint parts{text.substr(0, colon), text.substr(colon + 1)};
+    if (findHint(parts.hint) != nullptr) return parts;
+    const std::string advice = didYouMean(parts.hint, hintWords(),
+                                          "the hints are text, int, size, "
+                                          "speed, address, time, date, datetime and bytes");
+    throw usageError("there is no hint \"" + parts.hint + "\"", advice);
+}
+
+Value readValue(const std::string& nameAndHint, const std::string& text,
+                const std::string& defaultHint, const ValueReading& reading) {
+    const NameAndHint parts = splitNameAndHint(nameAndHint);
+    if (parts.name.empty()) throw usageError("the name is empty", "write NAME=VALUE");
+    if (!isPlainUtf8(parts.name)) {
+        throw usageError("the name is not valid UTF-8, or holds a zero character");
+    }
+    const HintWord* hint = findHint(parts.hint.empty() ? defaultHint : parts.hint);
+    Value value;
+    value.name = parts.name;
+    value.source = reading.source;
+    value.type = hint->type;
+    value.hint = hint->hint;
+    if (hint->type == RGEN_TYPE_STRING) {
+        value.content = contentOf(text, reading);
+    } else if (hint->type == RGEN_TYPE_BYTE_ARRAY) {
+        value.bytes = bytesOf(text, reading);
+    } else if (isTimeHint(hint->hint)) {
+        value.number = readTime(text);
+    } else {
+        value.number = readInteger(text, hint->hint == RGEN_HINT_ADDRESS);
+    }
+    return value;
+}
+
+Value readAssignment(const std::string& argument, const std::string& option,
+                     const ValueReading& reading) {
+    const Assignment assignment(argument, option);
+    requireKnownHint(assignment);
+    return readArgument(assignment, assignment.name, reading);
+}
+
+Value readPair(const std::string& argument, const std::string& option,
+               const ValueReading& reading) {
+    const Assignment assignment(argument, option);
+    return readArgument(assignment, assignment.name + ":text", reading);
+}
+
+}  // namespace cli
