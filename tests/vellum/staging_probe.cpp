@@ -17,12 +17,12 @@
 #include <functional>
 #include <iostream>
 
-#include "failure.h"
-#include "page_file.h"
-#include "staged_page.h"
+#include "base/failure.h"
+#include "engine/watchdog.h"
+#include "page/page_file.h"
+#include "page/staged_page.h"
+#include "page/warnings.h"
 #include "vellum/stand_in_engine.h"
-#include "warnings.h"
-#include "watch.h"
 
 namespace {
 

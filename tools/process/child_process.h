@@ -56,31 +56,4 @@ private:
     std::unique_ptr<State> state_;
 };
 
-/// The file that the system would start under this program name, if any.
-std::optional<std::filesystem::path> findProgram(const std::string& name);
-
-/// The folder of the running program.
-std::filesystem::path ownFolder();
-
-/// Makes a new folder in the system's folder for temporary files that nobody else may enter. Raises
-/// std::system_error.
-std::filesystem::path makePrivateFolder(const std::string& prefix);
-
-/// Makes a new empty file, or a new folder that nobody else may enter, where nothing is yet. Raises
-/// std::system_error.
-void makeNewFile(const std::filesystem::path& path);
-void makeNewFolder(const std::filesystem::path& path);
-
-/// Letters and digits that nobody can foresee.
-std::string randomLetters();
-
-unsigned long processNumber();
-
-/// The UTF-8 value of a variable of the environment; nothing when it is not set.
-std::optional<std::string> environmentVariable(const std::string& name);
-
-/// The path counted from the current folder, without "." and ".."; on Windows network paths keep
-/// their server.
-std::filesystem::path absolutePath(const std::filesystem::path& path);
-
 }  // namespace tools

@@ -172,11 +172,6 @@ std::uint64_t ownMemory(const std::filesystem::path& folder) {
     return bytes;
 }
 
-bool isRunnable(const std::filesystem::path& path) {
-    std::error_code ignored;
-    return std::filesystem::is_regular_file(path, ignored) && access(path.c_str(), X_OK) == 0;
-}
-
 }  // namespace
 
 ChildProcess::ChildProcess(const ProcessRequest& request) : state_(std::make_unique<State>()) {
@@ -272,55 +267,6 @@ void ChildProcess::kill() {
     constexpr int pause = 5;
     for (int round = 0; round < 100 && ::kill(-state_->process, 0) == 0; ++round)
         poll(nullptr, 0, pause);
-}
-
-std::optional<std::filesystem::path> findProgram(const std::string& name) {
-    const std::filesystem::path given = name;
-    if (given.has_parent_path()) {
-        return isRunnable(given) ? std::optional(std::filesystem::absolute(given)) : std::nullopt;
-    }
-    const char* const searchPath = std::getenv("PATH");
-    std::istringstream folders(searchPath == nullptr ? "/bin:/usr/bin" : searchPath);
-    for (std::string folder; std::getline(folders, folder, ':');) {
-        const std::filesystem::path path = std::filesystem::path(folder) / name;
-        if (isRunnable(path)) return std::filesystem::absolute(path);
-    }
-    return std::nullopt;
-}
-
-std::filesystem::path ownFolder() {
-    std::error_code failure;
-    const std::filesystem::path program = std::filesystem::read_symlink("/proc/self/exe", failure);
-    return failure ? std::filesystem::path() : program.parent_path();
-}
-
-std::filesystem::path makePrivateFolder(const std::string& prefix) {
-    std::string path = (std::filesystem::temp_directory_path() / (prefix + "-XXXXXX")).string();
-    if (mkdtemp(path.data()) == nullptr) fail("cannot make a temporary folder");
-    return path;
-}
-
-void makeNewFile(const std::filesystem::path& path) {
-    const int file = open(path.c_str(), O_WRONLY | O_CREAT | O_EXCL | O_NOFOLLOW | O_CLOEXEC, 0666);
-    if (file < 0) fail("cannot make a file");
-    close(file);
-}
-
-void makeNewFolder(const std::filesystem::path& path) {
-    if (mkdir(path.c_str(), 0700) != 0) fail("cannot make a temporary folder");
-}
-
-std::optional<std::string> environmentVariable(const std::string& name) {
-    const char* const value = std::getenv(name.c_str());
-    return value == nullptr ? std::nullopt : std::optional<std::string>(value);
-}
-
-std::filesystem::path absolutePath(const std::filesystem::path& path) {
-    return std::filesystem::absolute(path).lexically_normal();
-}
-
-unsigned long processNumber() {
-    return static_cast<unsigned long>(getpid());
 }
 
 }  // namespace tools

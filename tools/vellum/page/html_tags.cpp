@@ -1,0 +1,216 @@
+// A scanner for start tags, as the HTML standard's tokenizer reads them.
+//
+// SPDX-License-Identifier: MIT
+#include "page/html_tags.h"
+
+#include <algorithm>
+#include <cstdlib>
+
+namespace vellum {
+namespace {
+
+constexpr std::string_view blanks = " \t\n\r\f";
+
+bool isLetter(char letter) {
+    return (letter >= 'a' && letter <= 'z') || (letter >= 'A' && letter <= 'Z');
+}
+
+char lower(char letter) {
+    return letter >= 'A' && letter <= 'Z' ? static_cast<char>(letter - 'A' + 'a') : letter;
+}
+
+/// The place of `wanted` (lower case) from `at` on, in whatever letter case; the page's size when
+/// it is not there.
+std::size_t findWord(const std::string& page, std::string_view wanted, std::size_t at) {
+    const auto same = [](char one, char other) { return lower(one) == other; };
+    const auto found = std::search(page.begin() + static_cast<std::ptrdiff_t>(at), page.end(),
+                                   wanted.begin(), wanted.end(), same);
+    return static_cast<std::size_t>(found - page.begin());
+}
+
+std::size_t firstOf(const std::string& page, std::string_view letters, std::size_t at) {
+    return std::min(page.find_first_of(letters, at), page.size());
+}
+
+std::size_t firstOther(const std::string& page, std::string_view letters, std::size_t at) {
+    return std::min(page.find_first_not_of(letters, at), page.size());
+}
+
+std::size_t behindNext(const std::string& page, char letter, std::size_t at) {
+    const std::size_t place = page.find(letter, at);
+    return place == std::string::npos ? page.size() : place + 1;
+}
+
+/// The place behind a comment that starts at `at`. On purpose: one walk for both of its ends, since
+/// each of many comments would search the whole page for an end that it never has.
+std::size_t endOfComment(const std::string& page, std::size_t at) {
+    if (page.compare(at, 5, "<!-->") == 0) return at + 5;
+    if (page.compare(at, 6, "<!--->") == 0) return at + 6;
+    for (std::size_t dashes = page.find("--", at + 4); dashes != std::string::npos;
+         dashes = page.find("--", dashes + 1)) {
+        if (page.compare(dashes, 3, "-->") == 0) return dashes + 3;
+        if (page.compare(dashes, 4, "--!>") == 0) return dashes + 4;
+    }
+    return page.size();
+}
+
+/// The place behind an element whose contents are text.
+std::size_t endOfTextElement(const std::string& page, const HtmlTag& tag) {
+    for (const char* name : {"script", "style", "title", "textarea"}) {
+        if (tag.name == name) return findWord(page, "</" + tag.name, tag.end);
+    }
+    return tag.end;
+}
+
+/// The character that a reference stands for; the zero byte when it is none of those that count.
+char meaningOf(std::string_view name) {
+    if (name == "amp") return '&';
+    if (name == "quot") return '"';
+    if (name == "lt") return '<';
+    if (name == "gt") return '>';
+    if (name.size() < 2 || name[0] != '#') return '\0';
+    const bool isHex = name[1] == 'x' || name[1] == 'X';
+    const std::string digits(name.substr(isHex ? 2 : 1));
+    const long number = std::strtol(digits.c_str(), nullptr, isHex ? 16 : 10);
+    return number > 0 && number < 128 ? static_cast<char>(number) : '\0';
+}
+
+void addAttribute(const std::string& page, const AttributePlace& place, HtmlTag& tag) {
+    for (const char* name : {"charset", "content", "href", "http-equiv", "name", "rel", "src"}) {
+        const std::string_view view(page);
+        const std::string_view written = view.substr(place.name, place.nameEnd - place.name);
+        if (written.size() != std::string_view(name).size() || lowerCase(written) != name) continue;
+        if (tag.hasAttribute(name)) return;
+        tag.attributes.push_back(
+            {name, withoutReferences(view.substr(place.value, place.valueEnd - place.value))});
+    }
+}
+
+HtmlTag readTag(const std::string& page, std::size_t start, Checkpoint& checkpoint) {
+    HtmlTag tag;
+    tag.start = start;
+    const std::size_t nameEnd = endOfTagName(page, start);
+    tag.name = lowerCase(std::string_view(page).substr(start + 1, nameEnd - start - 1));
+    std::size_t at = nextAttribute(page, nameEnd);
+    while (at < page.size() && page[at] != '>') {
+        const AttributePlace place = attributeAt(page, at);
+        addAttribute(page, place, tag);
+        checkpoint.passed(place.end - at);
+        at = nextAttribute(page, place.end);
+    }
+    tag.end = std::min(at + 1, page.size());
+    return tag;
+}
+
+}  // namespace
+
+std::string HtmlTag::attribute(std::string_view wanted) const {
+    for (const HtmlAttribute& one : attributes) {
+        if (one.name == wanted) return one.value;
+    }
+    return {};
+}
+
+bool HtmlTag::hasAttribute(std::string_view wanted) const {
+    return std::any_of(attributes.begin(), attributes.end(),
+                       [wanted](const HtmlAttribute& one) { return one.name == wanted; });
+}
+
+void visitStartTags(const std::string& page, Checkpoint& checkpoint,
+                    const std::function<bool(const HtmlTag&)>& visit) {
+    for (std::size_t at = page.find('<'); at < page.size();) {
+        const std::size_t start = at;
+        const char next = at + 1 < page.size() ? page[at + 1] : '\0';
+        if (isLetter(next)) {
+            const HtmlTag tag = readTag(page, at, checkpoint);
+            if (!visit(tag)) return;
+            at = endOfTextElement(page, tag);
+        } else if (page.compare(at, 4, "<!--") == 0) {
+            at = endOfComment(page, at);
+        } else if (next == '!' || next == '?' || next == '/') {
+            at = behindNext(page, '>', at);
+        } else {
+            ++at;
+        }
+        at = page.find('<', at);
+        checkpoint.passed(std::min(at, page.size()) - start);
+    }
+}
+
+bool isTagStart(const std::string& page, std::size_t at) {
+    return at + 1 < page.size() && page[at] == '<' && isLetter(page[at + 1]);
+}
+
+std::size_t endOfTagName(const std::string& page, std::size_t at) {
+    return firstOf(page, " \t\n\r\f/>", at + 1);
+}
+
+std::size_t nextAttribute(const std::string& page, std::size_t at) {
+    return firstOther(page, " \t\n\r\f/", at);
+}
+
+AttributePlace attributeAt(const std::string& page, std::size_t at) {
+    AttributePlace place;
+    place.name = at;
+    // A "=" at its beginning belongs to the name.
+    place.nameEnd = firstOf(page, " \t\n\r\f/>=", at + 1);
+    const std::size_t sign = firstOther(page, blanks, place.nameEnd);
+    place.value = place.valueEnd = place.end = place.nameEnd;
+    if (sign == page.size() || page[sign] != '=') return place;
+    place.value = firstOther(page, blanks, sign + 1);
+    const char quote = place.value < page.size() ? page[place.value] : '\0';
+    if (quote == '"' || quote == '\'') {
+        place.valueEnd = std::min(page.find(quote, ++place.value), page.size());
+        place.end = std::min(place.valueEnd + 1, page.size());
+    } else {
+        place.valueEnd = place.end = firstOf(page, " \t\n\r\f>", place.value);
+    }
+    return place;
+}
+
+std::string withoutReferences(std::string_view text) {
+    constexpr std::size_t longestName = 7;
+    std::string plain;
+    for (std::size_t i = 0; i < text.size(); ++i) {
+        char meant = '\0';
+        if (text[i] == '&') {
+            // On purpose: an end further away is not looked for, since each of many "&" would
+            // search the whole text.
+            const std::string_view name = text.substr(i + 1, longestName + 1);
+            const std::size_t length = name.find(';');
+            if (length != std::string_view::npos) meant = meaningOf(name.substr(0, length));
+            if (meant != '\0') i += length + 1;
+        }
+        plain += meant == '\0' ? text[i] : meant;
+    }
+    return plain;
+}
+
+std::size_t endOfDocumentType(const std::string& page) {
+    for (std::size_t at = 0;;) {
+        at = firstOther(page, blanks, at);
+        if (page.compare(at, 4, "<!--") == 0) {
+            at = endOfComment(page, at);
+        } else if (page.compare(at, 2, "<?") == 0) {
+            at = behindNext(page, '>', at);
+        } else if (lowerCase(std::string_view(page).substr(at, 9)) == "<!doctype") {
+            return behindNext(page, '>', at);
+        } else {
+            return 0;
+        }
+    }
+}
+
+std::string lowerCase(std::string_view text) {
+    std::string result(text);
+    std::transform(result.begin(), result.end(), result.begin(), lower);
+    return result;
+}
+
+std::string trimmed(const std::string& text) {
+    const std::size_t first = text.find_first_not_of(blanks);
+    if (first == std::string::npos) return {};
+    return text.substr(first, text.find_last_not_of(blanks) - first + 1);
+}
+
+}  // namespace vellum

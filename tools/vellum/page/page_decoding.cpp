@@ -1,0 +1,72 @@
+// On purpose: no engine ever sees the bytes of a page. It would decode them itself, and a byte that
+// vanishes then turns harmless words into others: in iso-2022-jp, "re" and "l" with an escape
+// between them are "rel".
+//
+// SPDX-License-Identifier: MIT
+#include "page/page_decoding.h"
+
+#include <algorithm>
+
+#include "base/failure.h"
+#include "page/encodings.h"
+#include "page/html_tags.h"
+#include "page/utf8.h"
+
+namespace vellum {
+namespace {
+
+bool startsWith(const std::string& page, std::string_view start) {
+    return page.compare(0, start.size(), start) == 0;
+}
+
+/// The label that a "content" attribute holds.
+std::string labelInContent(const std::string& written) {
+    constexpr std::string_view blanks = " \t\r\n\f";
+    const std::string content = lowerCase(written);
+    std::size_t at = content.find("charset");
+    if (at == std::string::npos) return {};
+    at = content.find_first_not_of(blanks, at + 7);
+    if (at == std::string::npos || content[at] != '=') return {};
+    at = std::min(content.find_first_not_of(" \t\r\n\f\"'", at + 1), content.size());
+    return content.substr(at, content.find_first_of("; \t\r\n\f\"'", at) - at);
+}
+
+/// The encoding that a tag declares; null when it declares none that is known.
+const Encoding* declaredEncoding(const HtmlTag& tag) {
+    if (tag.name != "meta") return nullptr;
+    if (tag.hasAttribute("charset"))
+        return encodingOfLabel(lowerCase(trimmed(tag.attribute("charset"))));
+    if (lowerCase(trimmed(tag.attribute("http-equiv"))) != "content-type") return nullptr;
+    return encodingOfLabel(labelInContent(tag.attribute("content")));
+}
+
+/// The first declaration counts. Engines look for it at the beginning of the page, and change their
+/// minds when they meet it later.
+const Encoding& encodingOf(const std::string& page, Checkpoint& checkpoint) {
+    const Encoding* encoding = nullptr;
+    visitStartTags(page, checkpoint, [&encoding](const HtmlTag& tag) {
+        encoding = declaredEncoding(tag);
+        return encoding == nullptr;
+    });
+    if (encoding != nullptr) return *encoding;
+    return *encodingOfLabel(isUtf8(page, checkpoint) ? "utf-8" : "windows-1252");
+}
+
+}  // namespace
+
+std::string pageInUtf8(std::string page, Checkpoint& checkpoint) {
+    using namespace std::string_view_literals;
+    if (startsWith(page, byteOrderMark)) return cleanUtf8(page.substr(3), checkpoint);
+    if (startsWith(page, "\xFF\xFE")) return utf8OfUtf16(page, 2, false, checkpoint);
+    if (startsWith(page, "\xFE\xFF")) return utf8OfUtf16(page, 2, true, checkpoint);
+    if (startsWith(page, "<\0?\0x\0"sv)) return utf8OfUtf16(page, 0, false, checkpoint);
+    if (startsWith(page, "\0<\0?\0x"sv)) return utf8OfUtf16(page, 0, true, checkpoint);
+    const Encoding& encoding = encodingOf(page, checkpoint);
+    if (encoding.name == "utf-8"sv) return cleanUtf8(page, checkpoint);
+    const auto text = decoded(encoding, page, checkpoint);
+    if (text) return cleanUtf8(*text, checkpoint);
+    throw Failure(ExitCode::Input, std::string("the page is in the encoding \"") + encoding.name +
+                                       "\", which cannot be read here; write it in UTF-8");
+}
+
+}  // namespace vellum

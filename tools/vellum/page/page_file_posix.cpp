@@ -1,0 +1,12 @@
+// Opening a page on Linux, where every open file may be removed.
+//
+// SPDX-License-Identifier: MIT
+#include "page/page_file.h"
+
+namespace vellum {
+
+std::FILE* openRemovable(const std::filesystem::path& path) {
+    return std::fopen(path.c_str(), "rbe");
+}
+
+}  // namespace vellum
