@@ -11,7 +11,7 @@
 
 #include "base/command_error.h"
 #include "base/host_system.h"
-#include "process/plain_text.h"
+#include "text/printable_text.h"
 
 namespace cli {
 namespace {

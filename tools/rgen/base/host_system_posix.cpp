@@ -15,7 +15,7 @@
 #include <thread>
 
 #include "base/host_system.h"
-#include "process/child_process.h"
+#include "process/this_process.h"
 #include "strata_repgenlib/rgen.h"
 
 namespace cli {

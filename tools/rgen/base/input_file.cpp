@@ -13,7 +13,7 @@
 
 #include "base/command_error.h"
 #include "base/file_set.h"
-#include "process/plain_text.h"
+#include "text/utf8.h"
 
 namespace cli {
 namespace {

@@ -6,7 +6,8 @@
 #include <nlohmann/json.hpp>
 #include <string_view>
 
-#include "process/plain_text.h"
+#include "text/printable_text.h"
+#include "text/utf8.h"
 
 namespace cli {
 

@@ -9,7 +9,7 @@
 #include <string_view>
 
 #include "base/input_file.h"
-#include "process/plain_text.h"
+#include "text/utf8.h"
 
 namespace cli {
 namespace {

@@ -20,6 +20,7 @@
 #include "library/error_json.h"
 #include "library/generator.h"
 #include "process/child_process.h"
+#include "process/this_process.h"
 #include "report/report_generation.h"
 #include "report/report_output.h"
 

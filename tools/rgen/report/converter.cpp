@@ -11,6 +11,7 @@
 #include "base/interruption.h"
 #include "base/safe_files.h"
 #include "process/child_process.h"
+#include "process/this_process.h"
 
 namespace cli {
 namespace {

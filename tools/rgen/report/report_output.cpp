@@ -13,8 +13,8 @@
 #include "base/input_file.h"
 #include "base/safe_files.h"
 #include "base/xml_text.h"
-#include "process/child_process.h"
-#include "process/pdf_file.h"
+#include "pdf/pdf_file.h"
+#include "process/this_process.h"
 #include "report/converter.h"
 
 namespace cli {
