@@ -16,7 +16,7 @@ constexpr char toLowerAscii(char character) {
                                                 : character;
 }
 
-/// Either letter case.
+/// Accepts upper and lower case.
 constexpr bool isHexDigit(char character) {
     const char lower = toLowerAscii(character);
     return (lower >= '0' && lower <= '9') || (lower >= 'a' && lower <= 'f');

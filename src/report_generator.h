@@ -1,4 +1,4 @@
-// The object behind the generator handle that hosts hold.
+// The object to which a host's generator handle points.
 //
 // SPDX-License-Identifier: MIT
 #pragma once
@@ -19,22 +19,22 @@ namespace sync {
 class CancellationTokenSource;
 }
 
-/// Lock rule: `mutex` guards every other field but `poolSlot`, which guards itself. It is not
-/// recursive and is held for these stretches only: storing the translate callback, reading or
-/// rewriting `dataDirPath`, the whole configuration load, the whole transformation with its
-/// translate callbacks, and each access to `cancellationRegistry`. It is never held across
-/// delivery, and persistent data files are read and written without it. Cancellers take it by a
-/// CancellerLock, which precedes all others.
+/// Lock rule: `mutex` guards every other field except `poolSlot`, which has its own lock. It is not
+/// recursive and is held only during these steps: storing the translate callback, reading or
+/// changing `dataDirPath`, the whole configuration load, the whole transformation with its
+/// translate callbacks, and each access to `cancellationRegistry`. It is not held during delivery,
+/// nor while persistent data files are read and written. Cancels lock it with a CancellerLock,
+/// which has priority over all other locks.
 struct ReportGenerator : memory::MallocAllocated {
     sync::PriorityMutex mutex;
 
-    /// UTF-8. Empty until a data directory is set, otherwise it ends in ".rgen" and a separator.
+    /// UTF-8. Empty until a data directory is set; then it ends in ".rgen" and a separator.
     std::string dataDirPath;
 
-    /// One entry for each generation in progress, under the GUID text of its report type.
+    /// One entry for each running generation; the key is the GUID text of its report type.
     std::multimap<std::string, std::shared_ptr<sync::CancellationTokenSource>> cancellationRegistry;
 
-    /// Keeps the XML libraries initialised while the handle lives.
+    /// Keeps the XML libraries initialised while the generator exists.
     XmlParserContextReference parserContext;
 
     /// Memory for the XML work of the next report.

@@ -1,4 +1,4 @@
-// The status of an internal operation and the one test for its failure.
+// The status of an internal operation and the test for its failure.
 //
 // SPDX-License-Identifier: MIT
 #pragma once
@@ -9,7 +9,7 @@ namespace rgen {
 
 using Status = RgenStatus;
 
-/// True for every negative status, so also for a cancellation.
+/// True for every negative status, including cancellation.
 constexpr bool failed(Status status) {
     return status < 0;
 }

@@ -22,8 +22,8 @@
 
 namespace {
 
-/// The object behind a handle. Every call with a handle comes through here, so a converter that a
-/// cancelled generation left running is collected by the next call after its end.
+/// The object of a handle. Every call with a handle uses this function, so a converter that a
+/// cancelled generation has abandoned is reaped by the next call after its end.
 rgen::ReportGenerator& enter(RgenReportGenerator* generator) {
     rgen::platform::reapAbandonedProcesses();
     return *reinterpret_cast<rgen::ReportGenerator*>(generator);

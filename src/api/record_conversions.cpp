@@ -1,5 +1,5 @@
-// Record conversions. Texts are read up to their terminating zero byte; the length fields of
-// records are not consulted on the way in.
+// Record conversions. Texts are null-terminated; the length fields of records that are passed in
+// are ignored.
 //
 // SPDX-License-Identifier: MIT
 #include "api/record_conversions.h"
@@ -21,12 +21,13 @@ ByteVector toBytes(const RgenByteArray& record) {
                                   : ByteVector(record.data, record.data + record.size);
 }
 
-bool entersTheLibrary(const RgenCVariant& record) {
+/// Handles and unknown types are not passed to the library.
+bool isSupported(const RgenCVariant& record) {
     return record.type == RGEN_TYPE_INT64 || record.type == RGEN_TYPE_STRING ||
            record.type == RGEN_TYPE_BYTE_ARRAY;
 }
 
-/// Empty for the types that do not enter the library.
+/// Empty for unsupported types.
 Variant toVariant(const RgenCVariant& record) {
     const VariantHint hint = boundaryHint(record.hint);
     switch (record.type) {
@@ -41,13 +42,13 @@ Variant toVariant(const RgenCVariant& record) {
     }
 }
 
-/// The hint of an integer or handle on its way out.
+/// The hint of an integer or handle that is returned to the host.
 std::uint64_t outgoingHint(const Variant& variant) {
     return static_cast<std::uint64_t>(boundaryHint(static_cast<std::uint64_t>(variant.hint)));
 }
 
-/// Fills a record from a value of any kind but Handle. An empty byte vector, and a Variant without
-/// a value, leave the record untouched.
+/// Fills a record from a value of any kind except Handle. For an empty byte vector, and for a
+/// Variant without a value, the record is unchanged.
 void fillVariant(const char* name, const Variant& variant, RgenCVariant& record) {
     if (!variant.value.hasValue) return;
     if (variant.value.kind == VariantKind::Int64) {
@@ -63,7 +64,7 @@ void fillVariant(const char* name, const Variant& variant, RgenCVariant& record)
     }
 }
 
-/// False for a named value that lacks what there was no memory for.
+/// False if there was no memory for the name or the content of a value.
 bool isComplete(const RgenCVariant& record) {
     if (record.name.data == nullptr) return false;
     if (record.type == RGEN_TYPE_STRING) return record.value.stringValue.data != nullptr;
@@ -84,7 +85,7 @@ NamedVariants toNamedVariants(const RgenCVariantSet& set) {
     if (set.items == nullptr) return values;
     const RgenCVariant* begin = set.items;
     const RgenCVariant* end = begin + set.count;
-    values.reserve(static_cast<std::size_t>(std::count_if(begin, end, entersTheLibrary)));
+    values.reserve(static_cast<std::size_t>(std::count_if(begin, end, isSupported)));
     for (const RgenCVariant* record = begin; record != end; ++record) {
         Variant value = toVariant(*record);
         if (value.value.hasValue) values.emplace_back(toText(record->name), std::move(value));
@@ -117,7 +118,7 @@ InputParams toInputParams(const RgenCInputParams& input) {
 }
 
 void fillResult(const Variant& result, RgenCVariant* record) {
-    // On purpose: every result carries this name.
+    // On purpose: every result has this name.
     constexpr const char* resultName = "Return stub name";
     if (record == nullptr || !result.value.hasValue) return;
     if (result.value.kind == VariantKind::Handle) {
@@ -135,7 +136,7 @@ bool fillVariantSet(const VariantMap& values, RgenCVariantSet& set) {
     RgenCVariant* record = made.items;
     for (const auto& [name, value] : values) {
         fillVariant(name.c_str(), value, *record);
-        // On purpose: an entry that cannot be shown to the host keeps its zero-filled record.
+        // On purpose: an entry that cannot be converted stays a zero-filled record.
         isWhole = isWhole && (record->type == RGEN_TYPE_EMPTY || isComplete(*record));
         ++record;
     }

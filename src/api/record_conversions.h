@@ -1,4 +1,4 @@
-// Conversions between the records that cross the boundary and the library's own values.
+// Conversions between the records of the interface and the library's own values.
 //
 // SPDX-License-Identifier: MIT
 #pragma once
@@ -13,23 +13,23 @@ namespace rgen {
 
 Guid toGuid(const RgenGuid& guid);
 
-/// Handles and unknown types are left out. Null items are an empty set, whatever the count.
+/// Handles and unknown types are skipped. Null items are an empty set, whatever the count.
 NamedVariants toNamedVariants(const RgenCVariantSet& set);
 
-/// The same by name; of two entries of one name the later wins.
+/// The same by name; of two entries with the same name the later is used.
 VariantMap toVariantMap(const RgenCVariantSet& set);
 
-/// Of two keys alike the later wins. Null arrays are an empty set, null texts empty texts.
+/// Of two equal keys the later is used. Null arrays are an empty set, null texts empty texts.
 PropertyMap toPropertyMap(const RgenCAnsiStringPairSet& set);
 
 InputParams toInputParams(const RgenCInputParams& input);
 
-/// Fills the result record of a generation. An empty result, or an empty byte vector, leaves the
-/// record untouched; so does a null record.
+/// Fills the result record of a generation. For an empty result, or an empty byte vector, the
+/// record is unchanged; a null record is ignored.
 void fillResult(const Variant& result, RgenCVariant* record);
 
-/// Create `set` with one entry for each element, in the map's own order. False, and the set
-/// untouched, for an empty map or when memory is exhausted anywhere: a host never sees half a set.
+/// Create `set` with one entry for each element, in the map's own order. For an empty map, or if
+/// memory is exhausted, they return false and leave the set unchanged: a set is always complete.
 bool fillVariantSet(const VariantMap& values, RgenCVariantSet& set);
 bool fillPairSet(const PropertyMap& properties, RgenCAnsiStringPairSet& set);
 

@@ -1,4 +1,4 @@
-// The fourteen exports that create and free boundary records. They touch their arguments only.
+// The fourteen exports that create and free boundary records. They access their arguments only.
 //
 // SPDX-License-Identifier: MIT
 #include <algorithm>
@@ -11,7 +11,7 @@
 
 namespace {
 
-/// A zero-byte request asks for one byte, so that null always means exhausted memory.
+/// Allocates at least one byte, so that null always means exhausted memory.
 void* allocateBytes(std::uint64_t size) {
     return std::malloc(static_cast<std::size_t>(std::max<std::uint64_t>(size, 1)));
 }
@@ -22,7 +22,6 @@ Record* allocateRecords(std::uint64_t count) {
     return static_cast<Record*>(std::calloc(static_cast<std::size_t>(count), sizeof(Record)));
 }
 
-/// Frees the texts of an array, then the array.
 void freeTexts(RgenAnsiString*& texts, std::uint64_t count) {
     if (texts == nullptr) return;
     for (std::uint64_t i = 0; i < count; ++i)
@@ -31,7 +30,7 @@ void freeTexts(RgenAnsiString*& texts, std::uint64_t count) {
     texts = nullptr;
 }
 
-/// Starts a named value over: name, type and hint are set, the value is zero.
+/// Sets name, type and hint; the value is zero.
 void startVariant(RgenCVariant& target, const char* name, RgenVariantType type,
                   std::uint64_t hint) {
     target = {};
@@ -40,7 +39,7 @@ void startVariant(RgenCVariant& target, const char* name, RgenVariantType type,
     target.hint = hint;
 }
 
-/// On purpose: hints beyond the last one are stored as the number behind it.
+/// On purpose: a hint after the last known one is stored as the number that follows the last one.
 std::uint64_t storedHint(std::uint64_t hint) {
     constexpr std::uint64_t hintCount = RGEN_HINT_DUMP + 1;
     return std::min(hint, hintCount);
@@ -113,7 +112,8 @@ int32_t rgen_createRgenCVariantString(const char* name, const char* text, uint64
     if (target == nullptr) return 0;
     // On purpose: the hint argument is ignored, a text is always Generic.
     startVariant(*target, name, RGEN_TYPE_STRING, RGEN_HINT_GENERIC);
-    // On purpose: without memory only the name may be missing in a value that counts as created.
+    // On purpose: if memory is exhausted, a value without its name still counts as created, a value
+    // without its text does not.
     return rgen_createRgenAnsiString(text, &target->value.stringValue);
 }
 
@@ -148,7 +148,7 @@ void rgen_freeRgenCVariant(RgenCVariant* record) {
             rgen_freeRgenByteArray(&record->value.byteArrayValue);
             break;
         default:
-            // On purpose: a handle is forgotten, not closed.
+            // On purpose: a handle is set to zero, not closed.
             record->value.int64Value = 0;
             break;
     }
@@ -157,7 +157,7 @@ void rgen_freeRgenCVariant(RgenCVariant* record) {
 }
 
 void rgen_freeRgenCVariantSet(RgenCVariantSet* set) {
-    // On purpose: without items the count keeps its number.
+    // On purpose: if items is null, count is unchanged.
     if (set == nullptr || set->items == nullptr) return;
     for (std::uint64_t i = 0; i < set->count; ++i)
         rgen_freeRgenCVariant(&set->items[i]);

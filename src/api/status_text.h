@@ -7,8 +7,8 @@
 
 namespace rgen {
 
-/// The description of `status`, or one of the fixed texts for numbers that have none. Constant data
-/// that lives as long as the library; the same pointer for the same number each time.
+/// The description of `status`, or a fixed text for numbers that have none. Constant data, valid as
+/// long as the library is loaded; the same pointer for the same number each time.
 const char* statusText(Status status) noexcept;
 
 /// The last step of statusText, for numbers without a description and without a failure bit.

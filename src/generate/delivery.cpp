@@ -30,7 +30,7 @@ Status convertExternally(ReportGenerator& generator, const InputParams& request,
 Status deliverFile(ReportGenerator& generator, const InputParams& request, const ByteVector& bytes,
                    const sync::CancellationToken& token) {
     const std::string& path = request.outputPath;
-    if (!makeRoomForFile(path, EmptyFolder::Stays)) return RGEN_E_OVERWRITE_OUTPUT;
+    if (!makeRoomForFile(path, EmptyFolder::Keep)) return RGEN_E_OVERWRITE_OUTPUT;
     if (request.outputFormat == "pdf" && request.skipExternalConversion == 0) {
         return convertExternally(generator, request, bytes, token);
     }
@@ -47,7 +47,7 @@ Status writeAll(platform::FileHandle file, const ByteVector& bytes) {
 
 Status deliverDeleteOnCloseFile(const InputParams& request, const ByteVector& bytes,
                                 Variant& result) {
-    // On purpose: the format is not consulted, a "pdf" request is delivered unconverted.
+    // On purpose: the format is ignored, a "pdf" request is delivered unconverted.
     platform::FileHandle file = nullptr;
     if (!platform::createDeleteOnCloseFile(request.outputPath, file)) return RGEN_E_CREATE_OUTPUT;
     const Status status = writeAll(file, bytes);

@@ -1,4 +1,4 @@
-// Delivery: the last step of a generation brings the bytes to where the request wants them.
+// Delivery, the last step of a generation: writes or returns the bytes of the report.
 //
 // SPDX-License-Identifier: MIT
 #pragma once
@@ -11,11 +11,11 @@
 
 namespace rgen {
 
-/// Delivers by the request's output mode: 0 writes a file (for "pdf" through the converter), 1
-/// leaves the open handle of a delete-on-close file in `result`, 2 leaves the bytes there. Runs
-/// without the generator's mutex. Failures: RGEN_E_OVERWRITE_OUTPUT, RGEN_E_CREATE_OUTPUT,
-/// RGEN_E_WRITE_OUTPUT, RGEN_E_WRITE_ALL_OUTPUT, RGEN_E_UNKNOWN_OUTPUT_MODE and those of
-/// runExternalProgram; `result` is then untouched.
+/// Delivers according to the request's output mode: 0 writes a file (for "pdf" through the
+/// converter), 1 stores the open handle of a delete-on-close file in `result`, 2 stores the bytes
+/// there. Runs without the generator's mutex. Failures: RGEN_E_OVERWRITE_OUTPUT,
+/// RGEN_E_CREATE_OUTPUT, RGEN_E_WRITE_OUTPUT, RGEN_E_WRITE_ALL_OUTPUT, RGEN_E_UNKNOWN_OUTPUT_MODE
+/// and those of runExternalProgram; `result` is then unchanged.
 Status deliver(ReportGenerator& generator, const InputParams& request, ByteVector bytes,
                const sync::CancellationToken& token, Variant& result);
 

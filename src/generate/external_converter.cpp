@@ -1,5 +1,5 @@
-// The external converter "vellum". The system finds it by its usual search for programs; the
-// library supplies no folder.
+// The external converter "vellum". It is found by the system's search for programs; the library
+// specifies no folder.
 //
 // SPDX-License-Identifier: MIT
 #include "generate/external_converter.h"
@@ -11,9 +11,9 @@
 namespace rgen {
 namespace {
 
-constexpr std::uint32_t waitSliceMilliseconds = 1000;
+constexpr std::uint32_t waitIntervalMilliseconds = 1000;
 
-/// On purpose: quotes inside the text stay as they are.
+/// On purpose: quotes inside the text are not escaped.
 std::string quoted(const std::string& text) {
     return '"' + text + '"';
 }
@@ -30,11 +30,11 @@ Status runExternalProgram(ReportGenerator& /*generator*/, const std::string& com
                           const sync::CancellationToken& token) {
     platform::ChildProcess process(commandLine);
     if (!process.started()) return RGEN_E_RUN_EXTERNAL;
-    while (process.waitTimedOut(waitSliceMilliseconds)) {
+    while (process.waitTimedOut(waitIntervalMilliseconds)) {
         if (token.isCancellationRequested()) return RGEN_CANCELED;
     }
     std::uint32_t exitCode = 0;
-    // On purpose: the exit code must be known, but its value is not examined.
+    // On purpose: the query must succeed, but the exit code itself is ignored.
     return process.queryExitCode(exitCode) ? RGEN_OK : RGEN_E_EXTERNAL_FAILED;
 }
 

@@ -1,5 +1,5 @@
 // The generation driver: registration, configuration, merge, template, transformation, delivery,
-// with the points at which a cancellation is honoured.
+// and the checks for a cancellation between these steps.
 //
 // SPDX-License-Identifier: MIT
 #include "generate/generation_driver.h"
@@ -21,19 +21,18 @@
 namespace rgen {
 namespace {
 
-/// Typed values win over string pairs, string pairs over persistent data.
-/// The values move: `request` is without them afterwards.
+/// Typed values replace pairs of the same name, pairs replace persistent data. Values and pairs
+/// are moved out of `request`.
 Status mergeInput(ReportGenerator& generator, InputParams& request,
                   const std::string& persistDataFile, const sync::CancellationToken& token,
                   PropertyMap& properties) {
     if (token.isCancellationRequested()) return RGEN_CANCELED;
     PropertyMap persistent;
-    // On purpose: persistent data that is missing or cannot be read contributes nothing.
+    // On purpose: persistent data that is missing or cannot be read is ignored.
     static_cast<void>(readPersistentData(generator, persistDataFile, persistent));
     properties = std::move(request.pairs);
     properties.merge(persistent);
-    // Roomy tables: a look-up in a large one costs a cache miss for each name that shares its
-    // place.
+    // A low load factor: in a large table each further name in a bucket costs a cache miss.
     properties.max_load_factor(0.5F);
     properties.reserve(properties.size() + request.variants.size());
     ValueTexts texts;
@@ -50,7 +49,7 @@ void createFolderIfMissing(const std::string& path) {
     }
 }
 
-/// Creates the folders of the template on the way. Empty when either name is empty.
+/// Also creates the folders of the template. Returns an empty path if either name is empty.
 std::string templatePathOf(ReportGenerator& generator, const std::string& reportTypeFile,
                            const std::string& outputFormat) {
     if (reportTypeFile.empty() || outputFormat.empty()) return {};
@@ -61,15 +60,15 @@ std::string templatePathOf(ReportGenerator& generator, const std::string& report
     return path + platform::pathSeparator + reportTypeFile;
 }
 
-/// All steps but the delivery: they share one pool for the XML libraries, which nobody has to wait
-/// for while a converter runs.
+/// All steps before the delivery. They share one pool for the XML libraries; it is released before
+/// the delivery, so that another generation can use it while a converter runs.
 Status makeReport(ReportGenerator& generator, InputParams& request,
                   const sync::CancellationToken& token, ByteVector& report) {
     const XmlMemoryScope memory(generator.poolSlot);
     ReportTypeEntry entry;
     const Status loaded = loadReportType(generator, request.templateGuid, entry);
     if (failed(loaded)) return loaded;
-    // The lookup has released the lock, but a canceller that waited for it may not have run yet.
+    // The lookup has released the lock, but a cancel that waited for it may not have run yet.
     generator.mutex.letCancellersPrecede();
     if (token.isCancellationRequested()) return RGEN_CANCELED;
 

@@ -10,10 +10,10 @@
 
 namespace rgen {
 
-/// Generates one report, using the values of `request` up. `result` is filled in output modes 1 and
-/// 2 on success. Every step either succeeds or ends the generation with its status: those of
+/// Generates one report; the values are moved out of `request`. `result` is filled in output modes
+/// 1 and 2 on success. The first step that fails ends the generation with its status: those of
 /// loadReportType, RGEN_E_EMPTY_INPUT, RGEN_E_TEMPLATE_NOT_FOUND, those of transform and deliver,
-/// and RGEN_CANCELED. However the call ends, the generation is no longer registered afterwards.
+/// and RGEN_CANCELED. The generation is unregistered in any case, also after an exception.
 Status generate(ReportGenerator& generator, InputParams request, Variant& result);
 
 }  // namespace rgen

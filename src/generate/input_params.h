@@ -12,21 +12,21 @@
 
 namespace rgen {
 
-/// Values of InputParams::outputMode; every other number is refused on delivery.
+/// Values of InputParams::outputMode; the delivery refuses every other number.
 namespace output_mode {
 inline constexpr std::uint64_t file = 0;
 inline constexpr std::uint64_t deleteOnClose = 1;
 inline constexpr std::uint64_t bytes = 2;
 }  // namespace output_mode
 
-/// Built by the entry point before the driver runs and owned by it for the length of the call.
+/// Built by the exported function; the driver owns it during the call.
 struct InputParams {
-    /// Of two values of one name the later counts.
+    /// Of two values with the same name the later is used.
     NamedVariants variants;
     PropertyMap pairs;
     Guid templateGuid;
     std::uint64_t outputMode;
-    /// A flag: not zero means that a "pdf" request is not converted.
+    /// Not zero: a "pdf" request is not converted.
     std::uint64_t skipExternalConversion;
     std::string outputFormat;
     std::string outputPath;

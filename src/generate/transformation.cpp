@@ -1,6 +1,6 @@
-// The transformation. A template is read, translated and compiled anew for every report; nothing is
-// kept. All three formats go the same way: a format only names the template's folder and, later,
-// the delivery.
+// The transformation. A template is read, translated and compiled again for every report; nothing
+// is cached. All three formats are treated alike: the format only selects the template's folder
+// and, later, the delivery.
 //
 // SPDX-License-Identifier: MIT
 #include "generate/transformation.h"
@@ -25,7 +25,7 @@ bool isKnownFormat(const std::string& format) {
     return format == "pdf" || format == "html" || format == "txt";
 }
 
-/// Entity substitution and loading of external DTDs, as defaults of the calling thread.
+/// Enables entity substitution and loading of external DTDs as defaults of the calling thread.
 void setParserDefaults() {
 #pragma GCC diagnostic push
 #pragma GCC diagnostic ignored "-Wdeprecated-declarations"
@@ -86,7 +86,7 @@ XmlPtr<xsltStylesheet> loadStylesheet(const ReportGenerator& generator,
     constexpr const char* noBaseUrl = nullptr;
     XmlPtr<xmlDoc> document(xmlReadDoc(xmlText(text.c_str()), noBaseUrl, "UTF-8", options));
     if (!document) return nullptr;
-    // On purpose: after the parse and before the compilation, at every load.
+    // On purpose: set after the parse and before the compilation, for every template.
     setParserDefaults();
     XmlPtr<xsltStylesheet> stylesheet(xsltNewStylesheet());
     if (!stylesheet || stylesheet->xpathCtxt == nullptr) return nullptr;

@@ -1,6 +1,6 @@
-// The translation pass. The marker matcher is written out: a regular expression of the standard
+// The translation pass. The marker matcher is written by hand: a regular expression of the standard
 // library recurses for each character and overflows the stack of a small thread. This one is linear
-// and uses no stack: a message ends at the first quote, so there is nothing to go back for.
+// and does not recurse: a message ends at the first quote, so no backtracking is needed.
 //
 // SPDX-License-Identifier: MIT
 #include "generate/translation.h"
@@ -17,18 +17,19 @@ namespace {
 
 constexpr std::string_view keyword = "QT_TRANSLATE_NOOP";
 
-/// The first character of the keyword at or behind `from`. Where such characters stand close to
-/// each other, looking at each byte costs less than one call of the library for each of them.
+/// The position of the keyword's first character at or after `from`. If such characters are close
+/// together, comparing single bytes is faster than one library call for each of them.
 std::size_t findFirstCharacter(std::string_view text, std::size_t from) {
-    constexpr std::size_t closeBy = 8;
-    const std::size_t end = std::min(text.size(), from + closeBy);
+    constexpr std::size_t bytesComparedSingly = 8;
+    const std::size_t end = std::min(text.size(), from + bytesComparedSingly);
     for (std::size_t i = from; i < end; ++i) {
         if (text[i] == keyword[0]) return i;
     }
     return text.find(keyword[0], end);
 }
 
-/// The keyword at or behind `from`. A capital Q is the rarest of its characters in templates.
+/// The position of the keyword at or after `from`. Searches for its Q first, which is rare in
+/// templates.
 std::size_t findKeyword(std::string_view text, std::size_t from) {
     std::size_t start = findFirstCharacter(text, from);
     while (start != std::string_view::npos) {
@@ -38,7 +39,7 @@ std::size_t findKeyword(std::string_view text, std::size_t from) {
     return start;
 }
 
-/// The part of a text that is still to be read.
+/// The unread part of a text.
 class Cursor {
 public:
     explicit Cursor(std::string_view rest) : rest_(rest) {}
@@ -56,7 +57,7 @@ public:
         return true;
     }
 
-    /// Takes everything up to the next double quote; false when there is none.
+    /// Reads the text before the next double quote; false if there is none.
     bool takeUpToQuote(std::string_view& taken) {
         const std::size_t quote = rest_.find('"');
         if (quote == std::string_view::npos) return false;
@@ -69,27 +70,27 @@ private:
     std::string_view rest_;
 };
 
-/// Reads what follows the keyword. On a match `message` is set and `cursor` stands behind the
-/// marker.
+/// Reads the rest of a marker after its keyword. On a match `message` is set and `cursor` is after
+/// the marker.
 bool readMarker(Cursor& cursor, std::string_view& message) {
     cursor.skipWhiteSpace();
     if (!cursor.skip("(")) return false;
     cursor.skipWhiteSpace();
     if (!cursor.skip("\"QObject\"")) return false;
     cursor.skipWhiteSpace();
-    // On purpose: exactly one blank behind the comma.
+    // On purpose: exactly one space after the comma.
     return cursor.skip(", \"") && cursor.takeUpToQuote(message) && cursor.skip("\")");
 }
 
-/// `message` is a part of `source`. The quote behind it becomes the zero byte that ends what the
-/// callback reads; nothing looks at that quote again.
+/// `message` is a part of `source`. The quote after it, which is not read again, is overwritten
+/// with the zero byte that terminates the callback's argument.
 void appendTranslation(const ReportGenerator& generator, std::string_view message,
                        std::string& source, std::string& result) {
     const auto start = static_cast<std::size_t>(message.data() - source.data());
     source[start + message.size()] = '\0';
     const char* original = source.data() + start;
     const char* translated = generator.translateFunction(original, generator.translateContext);
-    // On purpose: a callback must not return null; one that does gets its message back.
+    // On purpose: a callback must not return null; if it does, the message stays untranslated.
     result += translated != nullptr ? translated : original;
 }
 

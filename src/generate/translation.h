@@ -9,9 +9,9 @@
 
 namespace rgen {
 
-/// Replaces every marker call QT_TRANSLATE_NOOP("QObject", "message") in `text` by what the
-/// generator's translate function returns for the message, in text order; replacements are not
-/// searched again. A marker is exactly what the ECMAScript expression
+/// Replaces every marker QT_TRANSLATE_NOOP("QObject", "message") in `text` by the result of the
+/// generator's translate function for the message, in text order; the results are not searched for
+/// markers. A marker is exactly what the ECMAScript expression
 /// QT_TRANSLATE_NOOP\s*\(\s*"QObject"\s*, "([^"]*)\s*"\) matches. The caller holds the mutex.
 void translateTemplateText(const ReportGenerator& generator, std::string& text);
 

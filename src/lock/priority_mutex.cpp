@@ -1,6 +1,6 @@
-// The lock with precedence. A canceller announces itself by a number before it waits. Whoever else
-// gets the mutex and sees an announcement returns the mutex at once and waits until the canceller
-// has had its turn. So one mutex alone decides who works, and waiting needs no memory.
+// The lock with priority. A canceller increments a counter before it waits. Any other thread that
+// gets the mutex and sees a counter above zero unlocks the mutex at once and waits until the
+// canceller has had its turn. So a single mutex protects the data, and waiting allocates no memory.
 //
 // SPDX-License-Identifier: MIT
 #include "lock/priority_mutex.h"
@@ -10,7 +10,7 @@
 namespace rgen::sync {
 namespace {
 
-/// Takes its announcement back unless it is kept.
+/// Counts a canceller; its destructor reverts that unless keep() was called.
 class Announcement {
 public:
     explicit Announcement(std::atomic<unsigned>& cancellers) : cancellers_(&cancellers) {
@@ -34,7 +34,7 @@ void PriorityMutex::lock() {
     mutex_.lock();
     while (cancellers_ != 0) {
         mutex_.unlock();
-        // A canceller that is announced and has not taken its turn yet needs the processor.
+        // A canceller that is counted but has not locked `turn_` yet needs the processor.
         std::this_thread::yield();
         { const std::lock_guard turn(turn_); }
         mutex_.lock();
@@ -62,7 +62,7 @@ CancellerLock::CancellerLock(PriorityMutex& mutex) : mutex_(mutex) {
 }
 
 CancellerLock::~CancellerLock() {
-    // The others need not wait for a turn that is over.
+    // Before the unlock, so that other threads do not wait for a turn that is over.
     --mutex_.cancellers_;
     mutex_.mutex_.unlock();
     mutex_.turn_.unlock();

@@ -1,4 +1,4 @@
-// The lock of a generator: a mutual exclusion lock that cancellers get before all others.
+// The lock of a generator: a mutex that cancellers get before all other waiting threads.
 //
 // SPDX-License-Identifier: MIT
 #pragma once
@@ -8,36 +8,37 @@
 
 namespace rgen::sync {
 
-/// A mutual exclusion lock, not recursive, for std::lock_guard and its like; a CancellerLock
-/// precedes these. Nobody precedes whoever holds it. Endless cancellers keep all others out.
-/// From the announcement of a canceller until its turn, others yield the processor and ask again: a
-/// thread with a higher real-time priority can keep the canceller from its turn, and so itself from
-/// the lock, where both share a single processor.
+/// A non-recursive mutex for std::lock_guard and similar classes; a waiting CancellerLock gets it
+/// before these. The thread that holds it is never interrupted. An uninterrupted series of
+/// cancellers keeps all others out.
+/// Between counting a canceller and its turn, other threads yield the processor and try again. On a
+/// single processor, a thread with a higher real-time priority can thus keep the canceller from
+/// running, and itself from the lock.
 class PriorityMutex {
 public:
-    /// Failures of the system are std::system_error, as those of std::mutex; nothing is held then.
+    /// Throws std::system_error like std::mutex; the lock is then not held.
     void lock();
     bool try_lock();
     void unlock() { mutex_.unlock(); }
 
-    /// Returns after the cancellers that are counted at the call; at once where there are none.
-    /// Not for whoever holds the lock. Failures as of lock().
+    /// Waits for the cancellers that are counted at the call; returns at once if there are none.
+    /// The calling thread must not hold the lock. Throws as lock() does.
     void letCancellersPrecede();
 
-    /// How many CancellerLocks hold the lock or wait for it. Those that are counted here precede
-    /// whoever asks for the lock, or waits for it, from now on.
+    /// Number of CancellerLocks that hold the lock or wait for it. These get the lock before any
+    /// other thread that waits for it or requests it later.
     unsigned cancellers() const { return cancellers_; }
 
 private:
     friend class CancellerLock;
 
     std::mutex mutex_;
-    /// Held by the canceller whose turn it is, from before it waits for `mutex_`.
+    /// Locked by the canceller whose turn it is, before it waits for `mutex_`.
     std::mutex turn_;
     std::atomic<unsigned> cancellers_ = 0;
 };
 
-/// Holds a PriorityMutex for a canceller.
+/// Locks a PriorityMutex for a canceller.
 class CancellerLock {
 public:
     explicit CancellerLock(PriorityMutex& mutex);

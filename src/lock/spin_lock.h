@@ -1,5 +1,5 @@
-// A lock that needs no memory, for what is short or rare: the blocks of the reserve, and the start
-// and the end of the XML libraries.
+// A lock that needs no memory, for short or rare operations: the blocks of the reserve, and the
+// initialisation and clean-up of the XML libraries.
 //
 // SPDX-License-Identifier: MIT
 #pragma once
@@ -9,8 +9,8 @@
 
 namespace rgen::sync {
 
-/// Holds `isBusy` while it lives. A mutex of the C++ library may need memory itself when it is
-/// first used, and this one is needed where memory is exhausted.
+/// Sets `isBusy` during its lifetime. Not a std::mutex, which may allocate memory on first use:
+/// this lock is used when memory is exhausted.
 class SpinLock {
 public:
     explicit SpinLock(std::atomic_flag& isBusy) : isBusy_(isBusy) {

@@ -1,4 +1,4 @@
-// Data directory and configuration. setDataDir forms the path, loadReportType brings it to life.
+// Data directory and configuration. setDataDir sets the path, loadReportType creates the files.
 //
 // SPDX-License-Identifier: MIT
 #include "store/data_directory.h"
@@ -46,7 +46,7 @@ XmlPtr<xmlDoc> buildDefaultConfiguration() {
 /// The body of loadReportType; the caller holds the mutex.
 Status loadReportTypeLocked(ReportGenerator& generator, const Guid& guid, ReportTypeEntry& entry) {
     if (!pathExists(generator.dataDirPath) && !createDirectory(generator.dataDirPath)) {
-        // On purpose: the generator forgets its data directory and needs a new one.
+        // On purpose: the path is cleared; the host must set the data directory again.
         generator.dataDirPath.clear();
         return RGEN_E_CREATE_DIR;
     }

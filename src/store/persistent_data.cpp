@@ -1,5 +1,5 @@
-// Persistent data. The store has no state in memory: each operation reads or writes the file and
-// forgets it. A write removes the old file first; there is no temporary file and no rename.
+// Persistent data. Nothing is cached: each operation reads or writes the file. A write removes the
+// old file first; there is no temporary file and no rename.
 //
 // SPDX-License-Identifier: MIT
 #include "store/persistent_data.h"
@@ -44,7 +44,8 @@ Status readPersistentData(ReportGenerator& generator, const std::string& fileNam
 Status writePersistentData(ReportGenerator& generator, const std::string& fileName,
                            const PropertyMap& properties) {
     const std::string path = dataDirPathOf(generator) + fileName;
-    // On purpose: the old file is gone before the new one is written, and stays gone on a failure.
+    // On purpose: the old file is removed before the new one is written, and not restored on
+    // failure.
     if (!makeRoomForFile(path)) return RGEN_E_DELETE_PERSIST;
     const XmlSilence silence;
     const XmlPtr<xmlDoc> document = buildPropertyDocument(properties);

@@ -1,6 +1,6 @@
-// Report-type lookup. Both file names have a table of their own, so that of several entries for one
-// GUID the last usable name wins, each on its own. A configuration may hold thousands of entries:
-// the others are read only until it is known that the map has usable ones.
+// Report-type lookup. Each of the two file names has its own table, so that with several entries
+// for one GUID the last usable name is found separately for each. A configuration may contain
+// thousands of entries: those of other GUIDs are read only until a usable one is found.
 //
 // SPDX-License-Identifier: MIT
 #include "store/report_type_map.h"
@@ -15,7 +15,7 @@
 namespace rgen {
 namespace {
 
-/// The two file names of one `type` element; null where an element is missing or has no text.
+/// The two file names of one `type` element; null if the element is missing or has no text.
 struct FileNameTexts {
     XmlPtr<xmlChar> persistDataFile;
     XmlPtr<xmlChar> reportTypeFile;
@@ -23,8 +23,8 @@ struct FileNameTexts {
 
 FileNameTexts readFileNames(xmlNode* typeElement) {
     FileNameTexts texts;
-    // On purpose: children of every kind are looked at, and a repeated element replaces the
-    // earlier.
+    // On purpose: children of every kind are checked, and a repeated element replaces the earlier
+    // one.
     for (xmlNode* child = typeElement->children; child != nullptr; child = child->next) {
         if (xmlStrcasecmp(child->name, xmlText("persistDataFile")) == 0) {
             texts.persistDataFile = childrenText(child);
@@ -35,13 +35,13 @@ FileNameTexts readFileNames(xmlNode* typeElement) {
     return texts;
 }
 
-/// One of the two file names. Only that of the wanted GUID enters the table; of the others it
-/// counts that there are any.
+/// One of the two file names. The table contains only that of the requested GUID; for other GUIDs
+/// `anyUsable` records that one exists.
 struct FileNames {
     FileNameTable table;
     bool anyUsable = false;
 
-    /// `guid` is empty for a report type that is not wanted.
+    /// `guid` is empty for a report type that was not requested.
     void add(const std::string& guid, const xmlChar* text) {
         const std::string_view fileName = trimmedView(text);
         if (fileName.empty()) return;
@@ -59,14 +59,14 @@ struct ReportTypes {
     FileNames persistDataFiles;
     FileNames reportTypeFiles;
 
-    void add(xmlNode* typeElement, const std::string& wantedGuid) {
+    void add(xmlNode* typeElement, const std::string& requestedGuid) {
         const XmlPtr<xmlChar> attribute(xmlGetProp(typeElement, xmlText("guid")));
         const std::string_view guid = trimmedView(attribute.get());
-        const bool isWanted = equalsInLowerCase(guid, wantedGuid);
-        if (!isWanted && (areUsable() || !isGuidText(toLowerCopy(std::string(guid))))) return;
+        const bool isRequested = equalsInLowerCase(guid, requestedGuid);
+        if (!isRequested && (areUsable() || !isGuidText(toLowerCopy(std::string(guid))))) return;
         const FileNameTexts texts = readFileNames(typeElement);
         if (!texts.persistDataFile || !texts.reportTypeFile) return;
-        const std::string key = isWanted ? wantedGuid : std::string();
+        const std::string key = isRequested ? requestedGuid : std::string();
         persistDataFiles.add(key, texts.persistDataFile.get());
         reportTypeFiles.add(key, texts.reportTypeFile.get());
     }
@@ -80,7 +80,7 @@ Status findFileName(const FileNameTable& table, const std::string& guid, std::st
     const auto found = table.find(guid);
     if (found == table.end()) return RGEN_E_GUID_NOT_IN_CONFIG;
     fileName = found->second;
-    // On purpose: a safeguard that no configuration triggers, since empty names enter no table.
+    // On purpose: a safeguard that no configuration triggers, since add() skips empty names.
     return fileName.empty() ? RGEN_E_XPATH_NODE_EMPTY : RGEN_OK;
 }
 

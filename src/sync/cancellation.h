@@ -8,10 +8,10 @@
 
 namespace rgen::sync {
 
-/// Observes a request to stop. Given to the steps of a generation, which can see but not cause it.
+/// Observes a request to stop. Passed to the steps of a generation, which cannot set it.
 class CancellationToken {
 public:
-    /// An atomic load; never resets.
+    /// An atomic load. Once true, it stays true.
     bool isCancellationRequested() const { return cancelled_; }
 
 private:
@@ -19,10 +19,9 @@ private:
     std::atomic<bool> cancelled_ = false;
 };
 
-/// Owns a token. Both live on shared references.
 class CancellationTokenSource {
 public:
-    /// Sets the flag; calling it again changes nothing.
+    /// Sets the flag of the token; further calls have no effect.
     void cancel() { token_->cancelled_.exchange(true); }
     bool isCancellationRequested() const { return token_->isCancellationRequested(); }
     std::shared_ptr<CancellationToken> getToken() const { return token_; }

@@ -1,7 +1,6 @@
-// The registry of running generations. All of it runs under the generator's mutex, for the length
-// of one insertion, one removal or one walk. A cancellation precedes whoever else waits for the
-// mutex: a generation that has not reached its last check takes it again only afterwards, and then
-// sees the request.
+// The registry of running generations. Each insertion, removal and iteration holds the generator's
+// mutex. A cancel gets the mutex before all other waiting threads: a generation that has not
+// reached its last check locks it again only after the cancel, and then sees the request.
 //
 // SPDX-License-Identifier: MIT
 #include "sync/cancellation_registry.h"
@@ -32,17 +31,17 @@ GenerationRegistration::GenerationRegistration(ReportGenerator& generator, const
 }
 
 void GenerationRegistration::end() {
-    if (isOver_) return;
+    if (hasEnded_) return;
     unregisterGeneration(generator_, key_, source_);
-    isOver_ = true;
+    hasEnded_ = true;
 }
 
 GenerationRegistration::~GenerationRegistration() {
     try {
         end();
     } catch (const std::system_error&) {
-        // On purpose: the entry stays, until a cancel or the end of the generator, and keeps
-        // nothing but its token. The alternative is the end of the process.
+        // On purpose: the entry stays until a cancel or the end of the generator; it owns only its
+        // token. Throwing from this destructor would terminate the process.
     }
 }
 

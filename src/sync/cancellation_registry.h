@@ -12,20 +12,20 @@
 
 namespace rgen::sync {
 
-/// Keeps one generation registered under its report type until end(), so that rgen_cancel reaches
-/// it. Every registration starts with a fresh token.
+/// Registers one generation under its report type until end(), so that rgen_cancel finds it. Each
+/// registration has a new token.
 class GenerationRegistration {
 public:
-    /// Takes the generator's mutex for the insertion.
+    /// Locks the generator's mutex for the insertion.
     GenerationRegistration(ReportGenerator& generator, const Guid& guid);
-    /// As end(), for a generation that an exception ends; throws nothing.
+    /// Calls end() if an exception has skipped it; does not throw.
     ~GenerationRegistration();
     GenerationRegistration(const GenerationRegistration&) = delete;
     GenerationRegistration& operator=(const GenerationRegistration&) = delete;
 
     const CancellationToken& token() const { return *token_; }
 
-    /// Runs unregisterGeneration, once. Throws std::system_error where the mutex is refused.
+    /// Calls unregisterGeneration, once. Throws std::system_error if the mutex cannot be locked.
     void end();
 
 private:
@@ -33,19 +33,19 @@ private:
     std::shared_ptr<CancellationTokenSource> source_;
     std::shared_ptr<CancellationToken> token_;
     std::string key_;
-    bool isOver_ = false;
+    bool hasEnded_ = false;
 };
 
-/// Erases the entry under `key` whose source is `source`, if it is still there; entries of other
-/// generations under the same key stay. Takes the generator's mutex.
+/// Erases the entry with `key` and `source`, if it still exists; entries of other generations with
+/// the same key stay. Locks the generator's mutex.
 void unregisterGeneration(ReportGenerator& generator, const std::string& key,
                           const std::shared_ptr<CancellationTokenSource>& source);
 
-/// Sets the flags of all registered generations of a report type and removes their entries. Takes
+/// Sets the flags of all registered generations of a report type and removes their entries. Locks
 /// the generator's mutex.
 void cancelGenerations(ReportGenerator& generator, const Guid& guid);
 
-/// The same for every registered generation.
+/// As cancelGenerations, for every registered generation.
 void cancelAllGenerations(ReportGenerator& generator);
 
 }  // namespace rgen::sync

@@ -1,4 +1,4 @@
-// Scanner and parser of byte dumps. The parser relies on the scanner: it only ever sees valid text.
+// Scanner and parser of byte dumps. The parser parses only text that the scanner has accepted.
 //
 // SPDX-License-Identifier: MIT
 #include "variant/byte_dump.h"
@@ -21,7 +21,7 @@ bool tokenStartsAt(const std::string& text, std::size_t position) {
            isHexDigit(text[position + 2]) && isHexDigit(text[position + 3]);
 }
 
-/// Moves `position` past what it stands on and tells the state behind it.
+/// Reads one character or token at `position`, advances `position` and returns the new state.
 ScanState scanStep(const std::string& text, std::size_t& position, ScanState state) {
     if (isWhiteSpace(text[position])) {
         ++position;

@@ -13,8 +13,8 @@ namespace rgen {
 /// space anywhere around tokens and commas.
 bool isValidByteDump(const std::string& text);
 
-/// Appends the bytes of a valid dump to `bytes`. An invalid one writes one line to standard output,
-/// the only thing that this library prints, and gives false.
+/// Appends the bytes of a valid dump to `bytes`. For an invalid one it writes one line to standard
+/// output, the library's only output to a console, and returns false.
 bool parseByteDump(const std::string& text, ByteVector& bytes);
 
 }  // namespace rgen

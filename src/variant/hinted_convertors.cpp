@@ -1,5 +1,5 @@
-// Display texts. Numbers and hex digits never depend on a locale; dates and times are numbers, too,
-// unless the system lets a host write them by a time facet of its own.
+// Display texts. Numbers and hex digits do not depend on a locale, nor do dates and times, unless
+// the platform lets a time facet of the host write them.
 //
 // SPDX-License-Identifier: MIT
 #include "variant/hinted_convertors.h"
@@ -41,9 +41,9 @@ char digit(int number) {
     return static_cast<char>('0' + number % 10);
 }
 
-/// The day brought to two characters with a leading blank, as "%e" gives it where it is known: the
-/// C runtime of the Windows build does not know it.
-std::string blankPaddedDay(int day) {
+/// The day as two characters with a leading space, like "%e", which the C runtime of the Windows
+/// build does not support.
+std::string spacePaddedDay(int day) {
     return {day < 10 ? ' ' : digit(day / 10), digit(day)};
 }
 
@@ -70,7 +70,7 @@ void appendField(std::string& text, const std::tm& brokenDown, char field) {
     }
 }
 
-/// Writes "%H", "%M", "%S", "%m" and "%Y" as the standard time facet does in every locale.
+/// Formats "%H", "%M", "%S", "%m" and "%Y" like the standard time facet in every locale.
 void appendPlainly(std::string& text, const std::tm& brokenDown, std::string_view pattern) {
     bool isField = false;
     for (const char character : pattern) {
@@ -83,11 +83,11 @@ void appendPlainly(std::string& text, const std::tm& brokenDown, std::string_vie
     }
 }
 
-/// `pattern` is written after the day when `showsDay` is set.
+/// The day, if `showsDay` is set, followed by `pattern`.
 std::string timeText(std::int64_t number, bool showsDay, std::string_view pattern) {
     std::tm brokenDown = {};
     if (!rgen::platform::localTime(number, brokenDown)) return badTimeText;
-    std::string text = showsDay ? blankPaddedDay(brokenDown.tm_mday) : std::string();
+    std::string text = showsDay ? spacePaddedDay(brokenDown.tm_mday) : std::string();
     if (!rgen::platform::appendByHostFacet(text, brokenDown, pattern))
         appendPlainly(text, brokenDown, pattern);
     return text;
@@ -126,7 +126,7 @@ std::string textOf(const ByteVector& bytes, VariantHint) {
     std::string text;
     text.reserve(bytes.size() * 3);
     for (const std::uint8_t byte : bytes) {
-        // On purpose: a blank follows every byte, the last one too.
+        // On purpose: a space follows every byte, the last one too.
         text.append({digits[byte >> 4U], digits[byte & 0x0FU], ' '});
     }
     return text;

@@ -1,5 +1,5 @@
-// One stateless convertor object for each kind of value: it shows the value as text by its hint.
-// ValueTexts is the door for everybody who needs the texts of values.
+// One stateless convertor object for each kind of value: it converts the value to text according
+// to its hint. Use ValueTexts to get the texts of values.
 //
 // SPDX-License-Identifier: MIT
 #pragma once
@@ -14,8 +14,8 @@ namespace hvariant_private {
 
 class IHintedVariantValueConvertor {
 public:
-    /// Sets `result` to the text of `variant`. Never fails: an abnormal value (null, no value, hint
-    /// Uninitialized, another kind than the convertor's) gives "UNINITIALIZED_VARIANT_VALUE".
+    /// Sets `result` to the text of `variant`. Never fails: for an invalid value (null, no value,
+    /// hint Uninitialized, wrong kind) the text is "UNINITIALIZED_VARIANT_VALUE".
     virtual void convert(std::string& result, const rgen::Variant* variant,
                          rgen::VariantHint hint) const = 0;
 
@@ -32,7 +32,6 @@ public:
                  rgen::VariantHint hint) const override;
 };
 
-/// The single instance of each convertor class.
 template <typename T>
 inline constexpr HintedVariantValueConvertor<T> convertorFor;
 
@@ -45,15 +44,15 @@ extern template class HintedVariantValueConvertor<void*>;
 
 namespace rgen {
 
-/// The display text of a value under its own hint; "UNINITIALIZED_VARIANT_VALUE" for an empty one.
-/// A time or date is shown in the time zone that was adopted last.
+/// The display text of a value according to its hint; "UNINITIALIZED_VARIANT_VALUE" for an empty
+/// one. Times and dates use the time zone that was adopted last.
 std::string variantText(const Variant& variant);
 
-/// The same for a value that is not needed any more: a text is not copied.
+/// The same for a value that is no longer needed: a text is moved, not copied.
 std::string variantText(Variant&& variant);
 
-/// The display texts of the values of one call of a host, in the time zone in force at that call:
-/// the first time or date adopts it, which costs more than the text itself.
+/// The display texts of the values of one call of a host, in the time zone at that call. Adopting
+/// the time zone costs more than a text, so it is done once, for the first time or date.
 class ValueTexts {
 public:
     /// As variantText.

@@ -1,5 +1,5 @@
-// The raw input dump. It carries neither types nor hints, so reading it back gives no values; the
-// file for simulated input is another one of the same outer shape.
+// The raw input dump. It contains no types and hints, so it cannot be read as simulated input,
+// whose file format has the same elements but more attributes.
 //
 // SPDX-License-Identifier: MIT
 #include "variant/raw_dump.h"

@@ -13,7 +13,7 @@ namespace rgen {
 struct ReportGenerator;
 
 /// Replaces the file at `path`. Failures: RGEN_E_DELETE_DUMP (the old file stays),
-/// RGEN_E_CREATE_PERSIST (the old file is gone). The generator is not consulted, no lock is taken.
+/// RGEN_E_CREATE_PERSIST (the old file is removed). The generator is not used, no lock is taken.
 Status writeRawInputDump(ReportGenerator& generator, const VariantMap& values,
                          const std::string& path);
 

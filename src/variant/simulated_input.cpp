@@ -1,5 +1,5 @@
-// Simulated input. The file is written by people and programs of the host, so every property that
-// does not fit is skipped and the others are still read.
+// Simulated input. The file is written by users and programs of the host, so invalid properties are
+// skipped and the others are still read.
 //
 // SPDX-License-Identifier: MIT
 #include "variant/simulated_input.h"
@@ -38,7 +38,7 @@ Status readSimulatedRawInput(ReportGenerator& /*generator*/, const char* path, V
     const XmlPtr<xmlDoc> document = readXmlFile(path);
     if (!document) return RGEN_E_OPEN_SIMULATION;
     XPathQuery query;
-    // On purpose: nothing selected gives the status of the persistent data reader.
+    // On purpose: without any property the status is that of the persistent data reader.
     const Status selected =
         query.select(document.get(), "/data/properties/property[@name and (@type) and (@hint)]",
                      RGEN_E_NO_PERSIST_VALUES);
@@ -55,7 +55,7 @@ bool parseVariant(const std::string& text, const std::string& canonicalName, Var
         return true;
     }
     if (canonicalName == "int64_t") {
-        // On purpose: reading stops at the first character that does not belong to a number.
+        // On purpose: reading stops at the first character that is not part of a number.
         variant = Variant(std::int64_t{std::strtoll(text.c_str(), nullptr, 10)}, hint);
         return true;
     }

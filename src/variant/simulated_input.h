@@ -13,13 +13,12 @@ namespace rgen {
 struct ReportGenerator;
 
 /// Reads the valid properties of the file at `path` into `values`; others are skipped. RGEN_OK also
-/// when all were skipped. Failures: RGEN_E_OPEN_SIMULATION (also for a null path),
-/// RGEN_E_XPATH_CONTEXT, RGEN_E_XPATH_SEARCH, RGEN_E_NO_PERSIST_VALUES. The generator is not
-/// consulted.
+/// if all were skipped. Failures: RGEN_E_OPEN_SIMULATION (also for a null path),
+/// RGEN_E_XPATH_CONTEXT, RGEN_E_XPATH_SEARCH, RGEN_E_NO_PERSIST_VALUES. The generator is not used.
 Status readSimulatedRawInput(ReportGenerator& generator, const char* path, VariantMap& values);
 
-/// Makes the value that `text` says in the form of the kind. False for an unknown hint or kind and
-/// for an invalid byte dump; `variant` is then untouched.
+/// Parses `text` as a value of the named kind. False for an unknown hint or kind and for an invalid
+/// byte dump; `variant` is then unchanged.
 bool parseVariant(const std::string& text, const std::string& canonicalName, VariantHint hint,
                   Variant& variant);
 

@@ -1,4 +1,4 @@
-// The four value operators. A handle is a plain number here: destroying one closes nothing.
+// The four value operators. A handle is a plain number here: destroying it does not close it.
 //
 // SPDX-License-Identifier: MIT
 #include "variant/value_operators.h"

@@ -1,5 +1,5 @@
-// One stateless operator object for each kind of value: it ends, copies and moves a value in place
-// for code that does not know the kind at compile time.
+// One stateless operator object for each kind of value: it destroys, copies and moves a value in
+// place for code that does not know the kind at compile time.
 //
 // SPDX-License-Identifier: MIT
 #pragma once
@@ -14,12 +14,11 @@ namespace rgen::variant_private {
 /// never deleted.
 class IVariantValueOperator {
 public:
-    /// Ends the life of the value in `storage`.
     virtual void destroy(void* storage) const noexcept = 0;
     /// Constructs a copy of the value in `source` in the empty `destination`.
     virtual void copy(void* destination, const void* source) const = 0;
-    /// Constructs the value of `source` in the empty `destination`; the source stays alive,
-    /// emptied.
+    /// Moves the value of `source` into the empty `destination`; `source` then contains an empty
+    /// value and must still be destroyed.
     virtual void move(void* destination, void* source) const noexcept = 0;
 
 protected:
@@ -36,7 +35,6 @@ public:
     void move(void* destination, void* source) const noexcept override;
 };
 
-/// The single instance of each operator class.
 template <typename T>
 inline constexpr VariantValueOperator<T> valueOperatorFor;
 

@@ -1,4 +1,4 @@
-// Variant and VariantValue: the kind's operator does the work, so copying needs no switch.
+// Variant and VariantValue: the operator of a kind copies and moves it, so no switch is needed.
 //
 // SPDX-License-Identifier: MIT
 #include "variant/variant.h"
@@ -26,7 +26,7 @@ VariantValue& VariantValue::operator=(const VariantValue& other) {
     reset();
     if (!other.hasValue) return *this;
     other.valueOperator->copy(storage.bytes, other.storage.bytes);
-    nowHolds(other.kind, other.valueOperator);
+    setContent(other.kind, other.valueOperator);
     return *this;
 }
 
@@ -35,7 +35,7 @@ VariantValue& VariantValue::operator=(VariantValue&& other) noexcept {
     reset();
     if (!other.hasValue) return *this;
     other.valueOperator->move(storage.bytes, other.storage.bytes);
-    nowHolds(other.kind, other.valueOperator);
+    setContent(other.kind, other.valueOperator);
     return *this;
 }
 
@@ -43,7 +43,7 @@ VariantValue::~VariantValue() {
     reset();
 }
 
-void VariantValue::nowHolds(VariantKind newKind, const IVariantValueOperator* newOperator) {
+void VariantValue::setContent(VariantKind newKind, const IVariantValueOperator* newOperator) {
     kind = newKind;
     valueOperator = newOperator;
     hasValue = true;
@@ -53,7 +53,7 @@ template <typename T>
 VariantValue& VariantValue::hold(T value, VariantKind newKind) {
     reset();
     valueOperatorFor<T>.move(storage.bytes, &value);
-    nowHolds(newKind, &valueOperatorFor<T>);
+    setContent(newKind, &valueOperatorFor<T>);
     return *this;
 }
 
@@ -104,7 +104,7 @@ Variant::Variant(std::int64_t number, VariantHint wantedHint) {
 Variant& Variant::operator=(const Variant& other) {
     if (this == &other) return *this;
     value = other.value;
-    // On purpose: hint and convertor follow the source also when it is empty.
+    // On purpose: hint and convertor are copied even if the source is empty.
     hint = other.hint;
     convertor = other.convertor;
     return *this;

@@ -1,4 +1,4 @@
-// The typed, hinted value that travels inside the library, and the map of named values.
+// The typed value with a hint that the library uses internally, and the map of named values.
 //
 // SPDX-License-Identifier: MIT
 #pragma once
@@ -21,12 +21,12 @@ class IHintedVariantValueConvertor;
 
 namespace rgen {
 
-/// The numbers are internal; boundary records number the same kinds differently.
+/// The numbers are internal; the records of the interface use different numbers.
 enum class VariantKind : std::uint64_t { String = 0, Int64 = 1, ByteArray = 2, Handle = 3 };
 
 using ByteVector = std::vector<std::uint8_t>;
 
-/// In-place room for exactly one text, one byte vector, one integer or one handle.
+/// In-place storage for one text, one byte vector, one integer or one handle.
 struct VariantStorage {
     static constexpr std::size_t capacity =
         std::max({sizeof(std::string), sizeof(ByteVector), sizeof(std::int64_t), sizeof(void*)});
@@ -43,22 +43,22 @@ struct VariantValue {
     VariantValue& operator=(VariantValue&& other) noexcept;
     ~VariantValue();
 
-    /// Replaces the current value; the kind follows from the type.
+    /// Replaces the current value; the type determines the kind.
     VariantValue& operator=(std::string text);
     VariantValue& operator=(ByteVector bytes);
     VariantValue& operator=(std::int64_t number);
     VariantValue& operator=(void* handle);
 
-    /// Ends the current value, if any.
+    /// Destroys the current value, if any.
     void reset() noexcept;
 
-    /// The live value; only for the kind that is held.
+    /// The current value; T must be the type of its kind.
     template <typename T>
     const T& as() const {
         return *std::launder(reinterpret_cast<const T*>(storage.bytes));
     }
 
-    /// Moves the live value out; what is left is a value of the same kind.
+    /// Moves the current value out; a moved-from value of the same kind stays.
     template <typename T>
     T take() {
         return std::move(*std::launder(reinterpret_cast<T*>(storage.bytes)));
@@ -67,20 +67,20 @@ struct VariantValue {
     VariantStorage storage;
     VariantKind kind = VariantKind::String;
     bool hasValue = false;
-    /// Of the kind that is held; null without a value.
+    /// The operator of the current kind; null without a value.
     const variant_private::IVariantValueOperator* valueOperator = nullptr;
 
 private:
     template <typename T>
     VariantValue& hold(T value, VariantKind newKind);
-    /// Notes what the storage holds from now on.
-    void nowHolds(VariantKind newKind, const variant_private::IVariantValueOperator* newOperator);
+    /// Call after a value was constructed in the storage.
+    void setContent(VariantKind newKind, const variant_private::IVariantValueOperator* newOperator);
 };
 
-/// A value with the hint that says how it is shown and the convertor that shows it.
+/// A value with its display hint and the convertor that makes its display text.
 struct Variant {
     Variant() = default;
-    /// A hint that is not known leaves the Variant empty, without any error.
+    /// With an unknown hint the Variant is empty; there is no error.
     Variant(std::string text, VariantHint wantedHint);
     Variant(ByteVector bytes, VariantHint wantedHint);
     Variant(std::int64_t number, VariantHint wantedHint);
@@ -92,7 +92,7 @@ struct Variant {
 
     VariantHint hint = VariantHint::Uninitialized;
     VariantValue value;
-    /// Of the kind that is held; null in an empty Variant.
+    /// The convertor of the current kind; null in an empty Variant.
     const hvariant_private::IHintedVariantValueConvertor* convertor = nullptr;
 
 private:
@@ -100,11 +100,11 @@ private:
     void construct(T newValue, VariantHint wantedHint);
 };
 
-/// Values by name. A later value of the same name replaces the earlier one. The traversal order is
-/// the container's own; nothing may depend on it.
+/// Values by name. A later value of the same name replaces the earlier one. Nothing may depend on
+/// the iteration order.
 using VariantMap = std::unordered_map<std::string, Variant>;
 
-/// Named values in the order in which a host gave them, on their way into a map.
+/// Named values in the order of the host's records, before they are stored in a map.
 using NamedVariants = std::vector<std::pair<std::string, Variant>>;
 
 }  // namespace rgen

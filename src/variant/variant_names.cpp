@@ -1,5 +1,5 @@
-// The two name tables: constant data, so that a value can be read at any time of the process, its
-// exit functions and the destructors of a host's global objects included.
+// The two name tables. They are constant data, valid also in exit functions and in the destructors
+// of a host's global objects.
 //
 // SPDX-License-Identifier: MIT
 #include "variant/variant_names.h"
@@ -40,7 +40,6 @@ constexpr NamedType types[] = {
     {"byte_array", "std::vector<uint8_t>"},
 };
 
-/// The row of that name, or null.
 template <typename Row, std::size_t count>
 const Row* findRow(const Row (&rows)[count], const std::string& name) {
     const Row* found = std::find_if(std::begin(rows), std::end(rows),

@@ -1,4 +1,4 @@
-// Hints and the names that files carry for hints and kinds.
+// Hints, and the names of hints and kinds in files.
 //
 // SPDX-License-Identifier: MIT
 #pragma once
@@ -8,7 +8,7 @@
 
 namespace rgen {
 
-/// How a value is shown as text. Numbers from 9 up exist on the way in and mean "no such hint".
+/// How a value is shown as text. Input may contain numbers from 9 up, which are unknown hints.
 enum class VariantHint : std::uint64_t {
     Uninitialized = 0,
     Generic = 1,
@@ -26,20 +26,20 @@ constexpr bool isKnownHint(VariantHint hint) {
     return hint <= VariantHint::Dump;
 }
 
-/// The hint as it crosses the boundary in either direction: Time to Speed are kept, every other
-/// number becomes Generic.
+/// The hint that is passed between host and library, in either direction: Time to Speed are
+/// unchanged, every other number becomes Generic.
 constexpr VariantHint boundaryHint(std::uint64_t hint) {
     const auto candidate = static_cast<VariantHint>(hint);
     const bool kept = candidate >= VariantHint::Time && candidate <= VariantHint::Speed;
     return kept ? candidate : VariantHint::Generic;
 }
 
-/// The hint of exactly that name, in that letter case; Uninitialized for every other text.
+/// The hint with that name (case-sensitive); Uninitialized for any other text.
 VariantHint hintFromName(const std::string& name);
 
-/// The canonical name of a kind ("std::string", "int64_t", "std::vector<uint8_t>") for the short
-/// one that files carry ("string", "int64", "byte_array"); empty for every other text. A handle has
-/// no name: files cannot hold one.
+/// The canonical name of a kind ("std::string", "int64_t", "std::vector<uint8_t>") for its short
+/// name in files ("string", "int64", "byte_array"); empty for any other text. A handle has no name,
+/// since files cannot contain one.
 std::string canonicalTypeName(const std::string& typeName);
 
 }  // namespace rgen

@@ -1,5 +1,4 @@
-// File-system operations. File buffers of the standard library are opened by native path text: on
-// Windows they take UTF-16 names, too.
+// File-system operations. std::filebuf is opened with a native path, which is UTF-16 on Windows.
 //
 // SPDX-License-Identifier: MIT
 #include "store/base/file_system.h"
@@ -15,8 +14,8 @@ namespace {
 
 namespace fs = boost::filesystem;
 
-/// A file that is read or written in one go, and needs no buffer for that. What goes wrong after
-/// the opening is not told: less is read or written then.
+/// A file that is read or written in one call, without a buffer. Failures after opening it are not
+/// reported: fewer bytes are read or written then.
 class UnbufferedFile {
 public:
     bool open(const fs::path::value_type* path, std::ios::openmode mode) {
@@ -24,7 +23,7 @@ public:
         return buffer_.open(path, mode | std::ios::binary) != nullptr;
     }
 
-    /// False for a file without a position.
+    /// False for a file that cannot be positioned.
     bool findSize(std::size_t& size) {
         const std::streamoff end = buffer_.pubseekoff(0, std::ios::end);
         if (end < 0) return false;
@@ -49,7 +48,7 @@ private:
     std::filebuf buffer_;
 };
 
-bool isThere(const fs::file_status& status) {
+bool objectExists(const fs::file_status& status) {
     return status.type() != fs::status_error && status.type() != fs::file_not_found;
 }
 
@@ -72,7 +71,7 @@ fs::path toNativePath(const std::string& path) {
 }
 
 bool pathExists(const std::string& path) {
-    return isThere(fs::status(toNativePath(path)));
+    return objectExists(fs::status(toNativePath(path)));
 }
 
 bool createDirectory(const std::string& path) {
@@ -83,12 +82,12 @@ bool removeFile(const std::string& path) {
     return fs::remove(toNativePath(path));
 }
 
-// On purpose: no caller; a delivery looks at the kind of file while it makes room.
+// On purpose: no caller; makeRoomForFile checks the type of the file itself.
 bool isDirectory(const std::string& path) {
     return fs::status(toNativePath(path)).type() == fs::directory_file;
 }
 
-// On purpose: no caller; the template reader takes the size from its open stream.
+// On purpose: no caller; readFile gets the size from the open file.
 std::uint64_t fileSize(const std::string& path) {
     return fs::file_size(toNativePath(path));
 }
@@ -96,9 +95,9 @@ std::uint64_t fileSize(const std::string& path) {
 bool makeRoomForFile(const std::string& path, EmptyFolder emptyFolder) {
     const fs::path nativePath = toNativePath(path);
     const fs::file_status status = fs::status(nativePath);
-    if (!isThere(status)) return true;
+    if (!objectExists(status)) return true;
     if (isSpecialFile(status)) return false;
-    if (status.type() == fs::directory_file && emptyFolder == EmptyFolder::Stays) return false;
+    if (status.type() == fs::directory_file && emptyFolder == EmptyFolder::Keep) return false;
     try {
         return fs::remove(nativePath);
     } catch (const fs::filesystem_error&) {
@@ -110,7 +109,7 @@ void removeQuietly(const std::string& path) noexcept {
     try {
         removeFile(path);
     } catch (const std::exception&) {
-        // On purpose: a failed clean-up never replaces the outcome that is already decided.
+        // On purpose: a failed clean-up does not change the result of the operation.
     }
 }
 
@@ -132,15 +131,15 @@ bool writeFile(const std::string& path, const std::vector<std::uint8_t>& bytes) 
         return file.open(nativePath, std::ios::out | std::ios::trunc);
     });
     if (!isOpen) return false;
-    // On purpose: neither writing nor closing is examined, so a full disk goes unnoticed.
+    // On purpose: errors of writing and closing are ignored, so a full disk is not detected.
     file.write(bytes.data(), bytes.size());
     return true;
 }
 
 bool readFile(const std::string& path, std::string& bytes) {
     const fs::path nativePath = toNativePath(path);
-    // Not only regular files: Windows keeps files of cloud folders and deduplicated ones behind
-    // reparse points of kinds of their own.
+    // Not only regular files: on Windows files in cloud folders and deduplicated files have
+    // reparse points of special kinds.
     const fs::file_status status = fs::status(nativePath);
     if (status.type() == fs::directory_file || isSpecialFile(status)) return false;
     UnbufferedFile file;

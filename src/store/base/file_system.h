@@ -1,6 +1,7 @@
-// The file system as the library sees it: UTF-8 path texts in, Boost.Filesystem underneath in its
-// throwing forms. Failures other than those named throw boost::filesystem::filesystem_error, and
-// text that is not valid UTF-8 throws std::range_error ("bad conversion").
+// File-system operations with UTF-8 paths, implemented with the throwing functions of
+// Boost.Filesystem. Failures other than those documented throw
+// boost::filesystem::filesystem_error; a path that is not valid UTF-8 throws std::range_error
+// ("bad conversion").
 //
 // SPDX-License-Identifier: MIT
 #pragma once
@@ -17,10 +18,10 @@ boost::filesystem::path toNativePath(const std::string& path);
 /// True for any file system object, not only for a folder.
 bool pathExists(const std::string& path);
 
-/// Creates one level. False only when the folder has come into being meanwhile.
+/// Creates one level. False only if the folder exists already.
 bool createDirectory(const std::string& path);
 
-/// Removes a file or an empty folder. False when nothing was there.
+/// Removes a file or an empty folder. False if nothing existed.
 bool removeFile(const std::string& path);
 
 bool isDirectory(const std::string& path);
@@ -28,19 +29,19 @@ bool isDirectory(const std::string& path);
 /// Size in bytes.
 std::uint64_t fileSize(const std::string& path);
 
-/// What makeRoomForFile does with a folder that has nothing in it.
-enum class EmptyFolder { Goes, Stays };
+/// How makeRoomForFile treats an empty folder.
+enum class EmptyFolder { Remove, Keep };
 
-/// Removes what is at `path` to make room for a new file. False when it cannot be removed, in
-/// whichever way that failed, and for what is left alone: devices, pipes, sockets, folders that
-/// stay. True when nothing was there.
-bool makeRoomForFile(const std::string& path, EmptyFolder emptyFolder = EmptyFolder::Goes);
+/// Removes the object at `path` to make room for a new file. True if nothing existed. False if it
+/// cannot be removed for any reason, and for objects that are never removed: devices, pipes,
+/// sockets, and folders with EmptyFolder::Keep.
+bool makeRoomForFile(const std::string& path, EmptyFolder emptyFolder = EmptyFolder::Remove);
 
-/// Clean-up: removes a file if it is there and can be removed. Never throws.
+/// Clean-up: removes a file if it exists and can be removed. Never throws.
 void removeQuietly(const std::string& path) noexcept;
 
-/// Clean-up that needs no memory: removes its file when it goes, if it is armed by then. Failures
-/// are ignored.
+/// Clean-up that allocates no memory: the destructor removes the file if the object is armed.
+/// Failures are ignored.
 class FileRemover {
 public:
     explicit FileRemover(const std::string& path) : path_(toNativePath(path)) {}
@@ -57,8 +58,9 @@ private:
     bool isArmed_ = false;
 };
 
-/// Opens the remover's file by `open`, which gives whether it succeeded. Without memory for its
-/// buffer a stream throws std::bad_alloc when the file is there already; the remover is then armed.
+/// Opens the remover's file with `open`, which returns whether it succeeded. If there is no memory
+/// for its buffer, a stream throws std::bad_alloc after it has created the file; this function then
+/// arms the remover.
 template <typename Open>
 bool openForWriting(FileRemover& file, Open open) {
     try {
@@ -69,12 +71,11 @@ bool openForWriting(FileRemover& file, Open open) {
     }
 }
 
-/// Creates or overwrites a file. False when it cannot be opened, and for devices, pipes and
-/// sockets; what happens to the bytes after the opening is not examined.
+/// Creates or overwrites a file. False if it cannot be opened, and for devices, pipes and sockets;
+/// errors after opening it are ignored.
 bool writeFile(const std::string& path, const std::vector<std::uint8_t>& bytes);
 
-/// Reads a file. False when there is none that can be opened, and for folders, devices, pipes and
-/// sockets.
+/// Reads a file. False if it cannot be opened, and for folders, devices, pipes and sockets.
 bool readFile(const std::string& path, std::string& bytes);
 
 }  // namespace rgen

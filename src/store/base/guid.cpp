@@ -1,5 +1,5 @@
-// GUID text: the writer and the matcher. Both are written out: compiling a regular expression costs
-// more than a small report.
+// GUID text: the writer and the matcher. Both are written by hand: compiling a regular expression
+// takes longer than a small report.
 //
 // SPDX-License-Identifier: MIT
 #include "store/base/guid.h"

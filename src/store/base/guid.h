@@ -23,8 +23,8 @@ inline constexpr Guid defaultReportTypeGuid = {0xDEADBABE, 0, 0, {}};
 /// 36 lower-case characters in the grouping 8-4-4-4-12.
 std::string formatGuid(const Guid& guid);
 
-/// True for a text as formatGuid makes it. Gives exactly the results of a full match of the
-/// ECMAScript expression ([0-9]|[a-f]){8}(-([0-9]|[a-f]){4}){3}-([0-9]|[a-f]){12}.
+/// True for a text in the format of formatGuid. Equivalent to a full match of the ECMAScript
+/// expression ([0-9]|[a-f]){8}(-([0-9]|[a-f]){4}){3}-([0-9]|[a-f]){12}.
 bool isGuidText(const std::string& text);
 
 }  // namespace rgen

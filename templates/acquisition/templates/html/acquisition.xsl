@@ -2,9 +2,9 @@
 <!--
   SPDX-License-Identifier: MIT
 
-  Disk-imaging acquisition report as one HTML page: no scripts, no external files, made for the
-  screen and for A4 paper. A value that is not supplied leaves its row out, a list without entries
-  its section. The names of the values are listed in docs/template-guide.md.
+  Disk-imaging acquisition report as one HTML page without scripts and external files, for screen
+  and A4 paper. A row without a value and a section without list entries are omitted. The names of
+  the values are listed in docs/template-guide.md.
 -->
 <xsl:stylesheet version="1.0" xmlns:xsl="http://www.w3.org/1999/XSL/Transform">
 <xsl:output method="html" encoding="UTF-8" indent="no" doctype-system="about:legacy-compat"/>
@@ -123,7 +123,7 @@ h1{font-size:17pt}h2{font-size:11.5pt;margin:5.5mm 0 2.5mm;padding-bottom:1mm;br
   </style>
 </xsl:template>
 
-<!-- A value inside a CSS string: without the characters that could end the string or the element. -->
+<!-- A value for a CSS string, without the characters that could end the string or the element. -->
 <xsl:template name="css-text">
   <xsl:param name="text"/>
   <xsl:value-of select="normalize-space(translate($text, '\&lt;&quot;', ''))"/>
@@ -292,7 +292,7 @@ h1{font-size:17pt}h2{font-size:11.5pt;margin:5.5mm 0 2.5mm;padding-bottom:1mm;br
 
 <!-- ==== Speed by position ==== -->
 
-<!-- The plot covers x 56 to 944 and y 16 to 226 of the drawing. -->
+<!-- The plot area is x 56 to 944 and y 16 to 226 of the drawing. -->
 <xsl:template name="chart">
   <xsl:variable name="span">
     <xsl:choose>
@@ -498,7 +498,7 @@ h1{font-size:17pt}h2{font-size:11.5pt;margin:5.5mm 0 2.5mm;padding-bottom:1mm;br
   </table></div>
 </xsl:template>
 
-<!-- The text is halved until one row of 48 characters is left: few levels of calls for any dump. -->
+<!-- Halves the text until one row of 48 characters is left, which limits the recursion depth. -->
 <xsl:template name="dump-rows">
   <xsl:param name="text"/><xsl:param name="offset"/><xsl:param name="rows"/><xsl:param name="isMbr"/>
   <xsl:variable name="half" select="floor($rows div 2)"/>
@@ -619,7 +619,7 @@ h1{font-size:17pt}h2{font-size:11.5pt;margin:5.5mm 0 2.5mm;padding-bottom:1mm;br
   <xsl:value-of select="translate(format-number($number, $format), ',.', $separators)"/>
 </xsl:template>
 
-<!-- A whole number of any length with separators; works on the text, so no digit is rounded away. -->
+<!-- A whole number of any length with separators. It is processed as text to avoid rounding. -->
 <xsl:template name="digits">
   <xsl:param name="text"/>
   <xsl:choose>
@@ -675,7 +675,7 @@ h1{font-size:17pt}h2{font-size:11.5pt;margin:5.5mm 0 2.5mm;padding-bottom:1mm;br
   </xsl:choose>
 </xsl:template>
 
-<!-- " 9.03.2026 08:14:07" in the order of the language; anything else is shown as it is. -->
+<!-- " 9.03.2026 08:14:07" in the order of the language; any other text is unchanged. -->
 <xsl:template name="date">
   <xsl:param name="text"/>
   <xsl:variable name="date" select="normalize-space($text)"/>
@@ -697,7 +697,7 @@ h1{font-size:17pt}h2{font-size:11.5pt;margin:5.5mm 0 2.5mm;padding-bottom:1mm;br
   <xsl:value-of select="$duration mod 60"/>&#160;QT_TRANSLATE_NOOP("QObject", "s")
 </xsl:template>
 
-<!-- The number behind hexadecimal digits, "0x" in front allowed; exact up to 2^53. -->
+<!-- The number for hexadecimal digits, with or without the prefix "0x"; exact up to 2^53. -->
 <xsl:template name="hex">
   <xsl:param name="text"/><xsl:param name="number" select="0"/>
   <xsl:variable name="rest" select="substring-after(concat($text, '|'), '0x')"/>

@@ -3,8 +3,8 @@
   SPDX-License-Identifier: MIT
 
   Disk-imaging acquisition report as plain text for a ticket or a mail: 78 columns, counted in
-  characters. A value that is not supplied leaves its line out, a list without entries its section.
-  The names of the values are listed in docs/template-guide.md.
+  characters. A line without a value and a section without list entries are omitted. The names of
+  the values are listed in docs/template-guide.md.
 -->
 <xsl:stylesheet version="1.0" xmlns:xsl="http://www.w3.org/1999/XSL/Transform">
 <xsl:output method="text" encoding="UTF-8"/>
@@ -261,7 +261,7 @@
   <xsl:value-of select="concat(substring(concat($left, $blanks), 1, $room - 1), ' ', $right, $newLine)"/>
 </xsl:template>
 
-<!-- "  Label ............. value"; a long value goes on below itself. -->
+<!-- "  Label ............. value"; a long value continues in the same column of the next lines. -->
 <xsl:template name="line">
   <xsl:param name="label"/><xsl:param name="value"/>
   <xsl:value-of select="concat('  ', substring(concat($label, ' ', $dots), 1, $labelColumns), ' ')"/>
@@ -277,7 +277,7 @@
   <xsl:value-of select="concat(substring($blanks, 1, $width - string-length($text)), $text)"/>
 </xsl:template>
 
-<!-- A text in lines of at most 78 characters behind an indent; one level of calls for each line. -->
+<!-- A text in indented lines of at most 78 characters; recurses once for each line. -->
 <xsl:template name="wrapped">
   <xsl:param name="text"/><xsl:param name="indent" select="0"/><xsl:param name="isBegun" select="false()"/>
   <xsl:variable name="rest" select="normalize-space($text)"/>
@@ -296,7 +296,7 @@
   </xsl:if>
 </xsl:template>
 
-<!-- How many characters of the text fit: up to the last blank, or all the width for a long word. -->
+<!-- Number of characters that fit: up to the last space, or the full width for a long word. -->
 <xsl:template name="break">
   <xsl:param name="text"/><xsl:param name="at"/><xsl:param name="width"/>
   <xsl:choose>
@@ -309,7 +309,7 @@
 
 <!-- ==== Numbers, sizes and dates ==== -->
 
-<!-- A whole number of any length with separators; works on the text, so no digit is rounded away. -->
+<!-- A whole number of any length with separators. It is processed as text to avoid rounding. -->
 <xsl:template name="digits">
   <xsl:param name="text"/>
   <xsl:choose>
@@ -365,7 +365,7 @@
   </xsl:choose>
 </xsl:template>
 
-<!-- " 9.03.2026 08:14:07" in the order of the language; anything else is shown as it is. -->
+<!-- " 9.03.2026 08:14:07" in the order of the language; any other text is unchanged. -->
 <xsl:template name="date">
   <xsl:param name="text"/>
   <xsl:variable name="date" select="normalize-space($text)"/>

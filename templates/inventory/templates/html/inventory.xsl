@@ -4,7 +4,7 @@
 
   Inventory of files as one HTML page: name, size, date and first bytes of each. The values are a
   list: "File.0001.Path", ".Size", ".Changed" and ".Start"; "Inventory.Folder" and
-  "Inventory.Created" stand above it. scripts/inventory-data makes such values of a folder.
+  "Inventory.Created" are shown above it. scripts/inventory-data prints such values for a folder.
 -->
 <xsl:stylesheet version="1.0" xmlns:xsl="http://www.w3.org/1999/XSL/Transform">
 <xsl:output method="html" encoding="UTF-8" indent="no" doctype-system="about:legacy-compat"/>

@@ -66,7 +66,7 @@ TEST(MakeRoomForFile, LinkToAFileIsRemovedAndNotTheFile) {
 TEST(MakeRoomForFile, LinkToAFolderThatStaysIsLeftAlone) {
     const TempFolder folder;
     ASSERT_EQ(0, symlink(".", folder.file("link").c_str()));
-    EXPECT_FALSE(rgen::makeRoomForFile(folder.file("link"), rgen::EmptyFolder::Stays));
+    EXPECT_FALSE(rgen::makeRoomForFile(folder.file("link"), rgen::EmptyFolder::Keep));
     EXPECT_EQ(1U, namesIn(folder.path()).size());
 }
 

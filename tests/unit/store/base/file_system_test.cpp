@@ -92,11 +92,11 @@ TEST_F(FileSystemTest, MakeRoomForFileRemovesWhatCanBeRemoved) {
 
 TEST_F(FileSystemTest, MakeRoomForFileLeavesFoldersThatStay) {
     using rgen::EmptyFolder;
-    EXPECT_TRUE(rgen::makeRoomForFile(folder.file("none"), EmptyFolder::Stays));
-    EXPECT_FALSE(rgen::makeRoomForFile(folder.file("empty folder"), EmptyFolder::Stays));
+    EXPECT_TRUE(rgen::makeRoomForFile(folder.file("none"), EmptyFolder::Keep));
+    EXPECT_FALSE(rgen::makeRoomForFile(folder.file("empty folder"), EmptyFolder::Keep));
     EXPECT_TRUE(exists(folder.file("empty folder")));
-    EXPECT_FALSE(rgen::makeRoomForFile(folder.file("full folder"), EmptyFolder::Stays));
-    EXPECT_TRUE(rgen::makeRoomForFile(folder.file("file"), EmptyFolder::Stays));
+    EXPECT_FALSE(rgen::makeRoomForFile(folder.file("full folder"), EmptyFolder::Keep));
+    EXPECT_TRUE(rgen::makeRoomForFile(folder.file("file"), EmptyFolder::Keep));
     EXPECT_FALSE(exists(folder.file("file")));
 }
 
