@@ -1,8 +1,8 @@
 # SPDX-License-Identifier: MIT
-# Settings of every target: language level, output folders, reproducible file names, warnings,
+# Settings for all targets: language level, output folders, reproducible builds, warnings,
 # sanitizers.
 
-# RGEN_<NAME> for each line of versions.env.
+# Sets RGEN_<NAME> for each line of versions.env.
 file(STRINGS ${PROJECT_SOURCE_DIR}/cmake/versions.env version_settings REGEX "^[A-Z]")
 foreach(line IN LISTS version_settings)
     string(REGEX MATCH "^([A-Z0-9_]+)=\"?([^\"]*)" matched "${line}")
@@ -17,17 +17,17 @@ set(CMAKE_CXX_STANDARD_REQUIRED ON)
 set(CMAKE_CXX_EXTENSIONS OFF)
 set(CMAKE_EXPORT_COMPILE_COMMANDS ON)
 
-# Programs and libraries share one folder, where Windows looks for a program's DLLs.
+# Programs and libraries are in one folder, since Windows looks there for a program's DLLs.
 set(CMAKE_RUNTIME_OUTPUT_DIRECTORY ${PROJECT_BINARY_DIR}/bin)
 set(CMAKE_LIBRARY_OUTPUT_DIRECTORY ${PROJECT_BINARY_DIR}/bin)
 set(CMAKE_ARCHIVE_OUTPUT_DIRECTORY ${PROJECT_BINARY_DIR}/lib)
 set(CMAKE_BUILD_RPATH_USE_ORIGIN ON)
 
-# No folder of the building machine stays in a binary.
+# Binaries must not contain folders of the building machine.
 add_compile_options(-ffile-prefix-map=${PROJECT_BINARY_DIR}=build
                     -ffile-prefix-map=${PROJECT_SOURCE_DIR}=.)
 
-# Nor is anything random: the names that the compiler makes up follow from the object's name.
+# Nor random names, which the compiler generates without a seed.
 if(CMAKE_CXX_COMPILER_ID STREQUAL "GNU")
     foreach(language C CXX)
         string(REPLACE "<FLAGS>" "<FLAGS> -frandom-seed=<OBJECT>" CMAKE_${language}_COMPILE_OBJECT
@@ -43,11 +43,11 @@ else()
     add_link_options(LINKER:-z,relro LINKER:-z,now)
 endif()
 
-# Objects and third-party archives hold machine code and, besides, the form that is optimised while
-# linking. A target with the property RGEN_OPTIMISE_WHOLE is linked from the latter.
+# Objects and third-party archives contain machine code and the form for link-time optimisation.
+# Only targets with the property RGEN_OPTIMISE_WHOLE are linked from the latter.
 add_link_options($<$<NOT:$<BOOL:$<TARGET_PROPERTY:RGEN_OPTIMISE_WHOLE>>>:-fno-lto>)
 
-# Instrumented code needs several times the stack.
+# Instrumented code needs several times as much stack.
 set(RGEN_SANITIZER_STACK_KIB 0)
 if(RGEN_SANITIZER)
     set(RGEN_SANITIZER_STACK_KIB 1536)
@@ -56,10 +56,10 @@ if(RGEN_SANITIZER)
     add_link_options(-fsanitize=${RGEN_SANITIZER})
 endif()
 
-# rgen_harden(TARGET...): what is passed on checks its stack frames, the sizes of its copies and, where
-# the processor can, its return addresses. Linux only: a DLL of MinGW would get its stack guard from
-# libssp, which asks the system's cryptography for it while the DLL is loaded, and GCC has no
-# control-flow guard of Windows. Sanitizers check more than that.
+# rgen_harden(TARGET...): makes released binaries check stack frames, the sizes of copies and, where
+# the processor supports it, return addresses. Linux only: with MinGW the stack guard comes from
+# libssp, which loads the system's cryptography while the DLL is loaded, and GCC does not support
+# Control Flow Guard. Builds with sanitizers do not need it.
 function(rgen_harden)
     if(WIN32 OR RGEN_SANITIZER OR RGEN_COVERAGE OR NOT CMAKE_CXX_COMPILER_ID STREQUAL "GNU")
         return()
@@ -68,18 +68,18 @@ function(rgen_harden)
         target_compile_options(
             ${target} PRIVATE -fstack-protector-strong -fcf-protection=return
                               $<$<NOT:$<CONFIG:Debug>>:-U_FORTIFY_SOURCE;-D_FORTIFY_SOURCE=2>)
-        # The system's start files do not state the shadow stack, which they do not disturb.
+        # The system's start files are not marked for the shadow stack, but work with it.
         target_link_options(${target} PRIVATE LINKER:-z,shstk)
     endforeach()
 endfunction()
 
-# The address sanitizer watches each block of the C heap; inside a pool it would see nothing.
+# The address sanitizer checks blocks of the C heap; it cannot see errors inside a pool.
 set(RGEN_POOLS_ARE_USED true)
 if(RGEN_SANITIZER MATCHES "address")
     set(RGEN_POOLS_ARE_USED false)
 endif()
 
-# Linked by every target of our own; third-party headers are system headers and stay quiet.
+# Linked by all targets of the project; third-party headers are system headers, without warnings.
 add_library(rgen_warnings INTERFACE)
 target_compile_options(
     rgen_warnings

@@ -1,6 +1,6 @@
 # SPDX-License-Identifier: MIT
-# The completion files of rgen. It prints them itself, so they are made where it can run: not in a
-# build for another machine, and not in an instrumented one.
+# Makes the completion files of rgen by running it: not when cross-compiling, and not in
+# instrumented builds.
 
 set(completion_files "")
 if(CMAKE_CROSSCOMPILING OR RGEN_SANITIZER)

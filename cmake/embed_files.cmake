@@ -1,5 +1,5 @@
 # SPDX-License-Identifier: MIT
-# Writes a C++ source that holds files, as byte arrays: no compiler limits their size.
+# Writes a C++ source with files as byte arrays: compilers limit the length of string literals.
 # Usage: cmake -DFILES=<path;file;...> -DFOLDER=<folder of the files> -DOUTPUT=<source> -P <this>
 
 set(arrays "")

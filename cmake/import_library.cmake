@@ -1,6 +1,6 @@
 # SPDX-License-Identifier: MIT
-# The import library for compilers that link like Microsoft's, made from the list of exports. It has
-# the short import format, which those linkers expect; the one that MinGW makes has another.
+# Makes the import library for Microsoft-compatible linkers from the list of exports. They expect
+# the short import format; the library that MinGW makes has another one.
 
 find_program(
     RGEN_DLLTOOL
@@ -9,7 +9,7 @@ find_program(
     DOC "Makes the import library strata_repgenlib.lib")
 
 if(NOT RGEN_DLLTOOL)
-    # The build goes on without it; an installation without it would be a broken one.
+    # The build continues without it, but an installation would be incomplete.
     message(WARNING "llvm-dlltool is missing, so this build cannot be installed; scripts/setup "
                     "package installs it.")
     install(CODE "message(FATAL_ERROR \"strata_repgenlib.lib was not made, since llvm-dlltool was \

@@ -1,6 +1,6 @@
 # SPDX-License-Identifier: MIT
-# What "cmake --install" puts where, in the components library, development, tools, templates and
-# documentation. No installed file names a folder of the building machine, so the tree can be moved.
+# Installation rules, in the components library, development, tools, templates and documentation. No
+# installed file contains a path of the building machine, so the tree can be moved.
 
 include(CMakePackageConfigHelpers)
 
@@ -14,10 +14,10 @@ endforeach()
 set(install_data_dir ${CMAKE_INSTALL_DATAROOTDIR}/strata_repgenlib)
 set(install_package_dir ${CMAKE_INSTALL_LIBDIR}/cmake/strata_repgenlib)
 
-# ---- what has to be there -----------------------------------------------------------------------
+# ---- required files -----------------------------------------------------------------------------
 
-# rgen_require_for_install(COMPONENT FILE...) makes an installation of that component end before it
-# copies anything when one of the files is not built. So these rules come before all others.
+# rgen_require_for_install(COMPONENT FILE...): an installation of the component fails before it copies
+# anything if a file is not built. Therefore these rules come first.
 function(rgen_require_for_install component)
     install(CODE "set(required \"${ARGN}\")\nset(build_folder \"${PROJECT_BINARY_DIR}\")"
             COMPONENT ${component})
@@ -52,7 +52,7 @@ install(FILES LICENSE DESTINATION ${CMAKE_INSTALL_DOCDIR} COMPONENT library)
 install(DIRECTORY include/strata_repgenlib DESTINATION ${CMAKE_INSTALL_INCLUDEDIR}
         COMPONENT development)
 if(WIN32)
-    # Empty, and refused above, where the build could not make it.
+    # The list is empty if the build could not make it; then the installation fails above.
     install(FILES ${import_library} DESTINATION ${CMAKE_INSTALL_LIBDIR} COMPONENT development)
     install(FILES src/api/exports.def DESTINATION ${CMAKE_INSTALL_LIBDIR}
             RENAME strata_repgenlib.def COMPONENT development)
@@ -79,7 +79,7 @@ configure_file(cmake/package/strata_repgenlib.pc.in ${package_files}/strata_repg
 install(FILES ${package_files}/strata_repgenlib.pc
         DESTINATION ${CMAKE_INSTALL_LIBDIR}/pkgconfig COMPONENT development)
 
-# Sources for hosts: what tests and builds leave beside them stays behind.
+# Sources for hosts, without tests and build products.
 set(left_out
     PATTERN tests EXCLUDE PATTERN "*_test.*" EXCLUDE PATTERN "test_*.py" EXCLUDE
     PATTERN __pycache__ EXCLUDE PATTERN "*.egg-info" EXCLUDE PATTERN ".*" EXCLUDE
@@ -114,7 +114,7 @@ install(FILES README.md CHANGELOG.md CONTRIBUTING.md DESTINATION ${CMAKE_INSTALL
         COMPONENT documentation)
 install(DIRECTORY docs DESTINATION ${CMAKE_INSTALL_DOCDIR} COMPONENT documentation
         FILES_MATCHING PATTERN "*.md" PATTERN "*.png")
-# Headers and bindings are elsewhere in an installation than in the sources.
+# Adapts links to headers and bindings, whose paths differ from those in the sources.
 foreach(folder docs .)
     file(RELATIVE_PATH include /${CMAKE_INSTALL_DOCDIR}/${folder} /${CMAKE_INSTALL_INCLUDEDIR})
     file(RELATIVE_PATH bindings /${CMAKE_INSTALL_DOCDIR}/${folder} /${install_data_dir}/bindings)

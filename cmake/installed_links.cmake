@@ -1,7 +1,6 @@
 # SPDX-License-Identifier: MIT
-# Turns the links of installed documents, which are those of the sources, into those of the
-# installation. documents: the folder of the pages; to_include, to_bindings: the ways from there,
-# without a last "/".
+# Changes the links of installed documents to the paths of the installation. documents: the folder
+# of the pages; to_include, to_bindings: the relative paths from there, without a "/" at the end.
 
 file(GLOB pages ${documents}/*.md)
 foreach(page IN LISTS pages)

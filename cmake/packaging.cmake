@@ -1,9 +1,9 @@
 # SPDX-License-Identifier: MIT
-# The licences of what is linked in, the linker's maps that the software bill of materials is made
-# from, and what CPack needs: "cpack --config CPackConfig.cmake" in the build folder makes the
-# packages of this build's system. docs/releasing.md describes them.
+# Installs the licences of linked parts, makes the linker write the maps from which the software bill
+# of materials is made, and configures CPack: "cpack --config CPackConfig.cmake" in the build folder
+# makes the packages of this build's system. docs/releasing.md describes them.
 
-# Building takes no Python; packaging says so when there is none.
+# Only packaging needs Python; it reports when it is missing.
 find_package(Python3 3.11 COMPONENTS Interpreter)
 set(packaging_python "")
 if(Python3_FOUND)
@@ -11,16 +11,16 @@ if(Python3_FOUND)
 endif()
 
 # ---- licences -----------------------------------------------------------------------------------
-# Texts of the system's packages are in its documentation, which some machines leave out. They refer
-# to the long licences that every Debian has, so these are beside them.
+# The licences of Debian packages are in /usr/share/doc, which some machines leave out. They refer to
+# long licences in /usr/share/common-licenses, so these are installed with them.
 set(licences_dir ${CMAKE_INSTALL_DOCDIR}/licences)
 
 function(rgen_install_licence component name package text)
     if(EXISTS ${text})
         install(FILES ${text} DESTINATION ${licences_dir} RENAME ${name} COMPONENT ${component})
     else()
-        install(CODE "message(FATAL_ERROR \"The licence ${text} is missing, so there is nothing to \
-pass on. Install the package ${package} with its documentation (see path-exclude in \
+        install(CODE "message(FATAL_ERROR \"The licence ${text} is missing, so it cannot be \
+installed. Install the package ${package} with its documentation (see path-exclude in \
 /etc/dpkg/dpkg.cfg.d).\")"
                 COMPONENT ${component})
     endif()
@@ -59,8 +59,8 @@ foreach(target strata_repgenlib rgen vellum)
 endforeach()
 
 # ---- CPack --------------------------------------------------------------------------------------
-# CPack installs; packaging/make_packages.py strips the binaries of that tree and makes the
-# packages, since CPack's own ones carry times, owners and an order of the building machine.
+# CPack installs the tree; packaging/make_packages.py strips its binaries and makes the packages.
+# docs/building.md says why CPack's own generators are not used.
 set(package_system linux)
 if(WIN32)
     set(package_system windows)

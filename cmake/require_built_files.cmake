@@ -1,5 +1,5 @@
 # SPDX-License-Identifier: MIT
-# The first step of an installation: ends it when one of the files in `required` is not built.
+# The first step of an installation: fails if one of the files in `required` is not built.
 
 set(missing "")
 foreach(file IN LISTS required)

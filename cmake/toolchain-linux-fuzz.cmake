@@ -1,5 +1,5 @@
 # SPDX-License-Identifier: MIT
-# The compiler of the fuzzers: clang brings the fuzzing engine along.
+# The compiler of the fuzzers: clang, which contains the fuzzing engine.
 
 file(STRINGS ${CMAKE_CURRENT_LIST_DIR}/versions.env version_line REGEX "^CLANG_FUZZER_VERSION=")
 string(REGEX REPLACE "^.*=" "" version "${version_line}")

@@ -1,5 +1,5 @@
 # SPDX-License-Identifier: MIT
-# The version resource of what is built for Windows; a program gets a manifest, too.
+# Version resources of Windows binaries, and the manifest of programs.
 
 enable_language(RC)
 

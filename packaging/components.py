@@ -1,4 +1,4 @@
-"""What a bill of materials says about the parts and binaries of one package: versions, checksums
+"""The facts of a bill of materials about the parts and binaries of one package: versions, checksums
 and package URLs, from the third-party folder and from dpkg.
 
 SPDX-License-Identifier: MIT
@@ -15,12 +15,12 @@ from packaging_tools import RELEASE_NAME
 
 
 class MissingFact(Exception):
-    """Something that a bill of materials has to say cannot be found out."""
+    """A fact for a bill of materials cannot be determined."""
 
 
 @dataclass
 class Component:
-    """A part with the release that was linked or is loaded."""
+    """A part, and its release that was linked or is loaded."""
     part: Part
     version: str
     purl: str
@@ -29,7 +29,7 @@ class Component:
 
 @dataclass
 class PackagedFile:
-    """A file as it is in the package, by its path there."""
+    """A file of the package, and its path there."""
     path: str
     sha1: str
     sha256: str
@@ -37,15 +37,15 @@ class PackagedFile:
 
 @dataclass
 class Binary(PackagedFile):
-    """A binary of ours, and what it was linked with."""
+    """A binary of this project, and what it was linked with."""
     links: Links
     is_library: bool
 
 
 @dataclass(frozen=True)
 class Subject:
-    """What a bill of materials is about: the name of the package, the file names' common part, and
-    the folder of the tree in which an installation is ("usr/" in the Debian package)."""
+    """The subject of a bill of materials: the name of the package, the common part of the file
+    names, and the folder of the tree with the installation ("usr/" in the Debian package)."""
     name: str
     title: str
     version: str
@@ -62,8 +62,8 @@ class Materials:
     """Everything that both kinds of documents are made from."""
     subject: Subject
     epoch: int
-    files: list[PackagedFile]  # All of them but the bills of materials.
-    excluded: list[str]  # These.
+    files: list[PackagedFile]  # All but the bills of materials.
+    excluded: list[str]  # The bills of materials.
     binaries: list[Binary]
     components: list[Component]
 
@@ -128,13 +128,13 @@ def read_file(tree: Path, path: str) -> PackagedFile:
 
 
 def read_files(tree: Path, left_out: Path) -> list[PackagedFile]:
-    """The files of a tree apart from those of one folder. Symbolic links have no content."""
+    """The files of a tree except those of one folder and symbolic links."""
     return [read_file(tree, path.relative_to(tree).as_posix()) for path in sorted(tree.rglob("*"))
             if path.is_file() and not path.is_symlink() and left_out not in path.parents]
 
 
 def file_owners(paths: list[str]) -> dict[str, set[str]]:
-    """The Debian packages that own files of this system; a file of none is left out."""
+    """The Debian packages that own files of this system; files without one are left out."""
     query = subprocess.run(["dpkg-query", "-S", *paths], text=True, capture_output=True,
                            env={**os.environ, "LC_ALL": "C.UTF-8"})
     owners: dict[str, set[str]] = {}
@@ -146,7 +146,7 @@ def file_owners(paths: list[str]) -> dict[str, set[str]]:
 
 
 def check_owners(parts: list[Part], binaries: list[Binary]) -> None:
-    """The files of each part that comes from a Debian package have to belong to that one."""
+    """Checks that the files of each part belong to its Debian package, if it has one."""
     for part in parts:
         paths = sorted({os.path.realpath(path) for binary in binaries if part.package
                         for path in binary.links.files.get(part.id, ())})
@@ -156,7 +156,7 @@ def check_owners(parts: list[Part], binaries: list[Binary]) -> None:
             if part.package not in found:
                 owner = f"the Debian package {', '.join(sorted(found))}" if found else \
                     "no Debian package"
-                raise MissingFact(f"{path} went in as a file of {part.name}, but belongs to "
+                raise MissingFact(f"{path} was linked as a file of {part.name}, but belongs to "
                                   f"{owner} and not to {part.package}; correct the part in "
                                   "packaging/parts.json")
 
@@ -175,8 +175,8 @@ def linked_binaries(build: Build, tree: Path, subject: Subject) -> list[Binary]:
 
 def collect(build: Build, tree: Path, third_party: Path, subject: Subject, epoch: int,
             documents: dict[str, Path]) -> Materials:
-    """The materials of the finished TREE: each file, and the parts that any binary has. The
-    documents themselves, all in one folder, are going to be written."""
+    """The materials of the complete TREE: each file, and the parts of all binaries. DOCUMENTS are
+    the paths of the documents that will be written, all in one folder."""
     binaries = linked_binaries(build, tree, subject)
     used = set().union(*(binary.links.inside | binary.links.loaded for binary in binaries))
     parts = [part for part in build.table.parts if part.id in used]

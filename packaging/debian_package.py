@@ -1,5 +1,5 @@
-"""The Debian package, made of the installed tree of a Linux build: one package with the library,
-its tools and what developing against it takes.
+"""Makes the Debian package from the installed tree of a Linux build: one package with the library,
+its tools and the development files. docs/building.md says why CPack does not make it.
 
 SPDX-License-Identifier: MIT
 """
@@ -23,7 +23,7 @@ DESCRIPTION = """report generator library with a C interface, and its tools
  template to them and delivers a report as HTML, text or PDF. It is a shared
  library with a C interface for applications in any language.
  .
- The package holds the library, its headers, bindings and examples, the
+ The package contains the library, its headers, bindings and examples, the
  command-line host rgen, and vellum, the converter that makes PDF files with a
  browser or WeasyPrint.
 """
@@ -43,13 +43,12 @@ CHANGELOG = """{package} ({version}) {distribution}; urgency=medium
 
  -- {maintainer}  {date}
 """
-# Debian has folders of its own for these.
+# Debian's names of these folders.
 MOVED = {"share/doc/strata_repgenlib": f"share/doc/{PACKAGE}",
          "share/zsh/site-functions": "share/zsh/vendor-completions"}
-# Licences that Debian has on every system; the texts of the others are repeated in the copyright
-# file.
+# Texts that refer to licences which every Debian has; the copyright file repeats the other texts.
 LONG_LICENCES = {"gcc-runtime.txt", "c-library.txt"}
-# What /usr/share/common-licenses has on every system.
+# Licences that are in /usr/share/common-licenses of every system.
 COMMON_LICENCES = ["GPL-3.txt", "LGPL-2.1.txt"]
 
 
@@ -71,13 +70,13 @@ def copy_tree(tree: Path, root: Path) -> Path:
 
 
 def remove_runpath(usr: Path, source: Path) -> None:
-    """The library is where the system looks, so the program names no folder."""
+    """Removes the folder where rgen looks for the library: here it is in a system folder."""
     run_tool("cmake", f"-DPROGRAM={usr}/bin/rgen", "-P",
              str(source / "packaging/remove_runpath.cmake"))
 
 
 def copyright_text(doc: Path) -> str:
-    """The licence of the package, and those of its parts as far as Debian's systems lack them."""
+    """The licence of the package, and those of its parts that are not on every Debian."""
     texts = ["This package is strata_repgenlib. Its own files are under this licence:\n",
              (doc / "LICENSE").read_text(encoding="utf-8"),
              f"The binaries contain other parts, which /usr/share/doc/{PACKAGE}/sbom lists. Their\n"
@@ -91,7 +90,7 @@ def copyright_text(doc: Path) -> str:
 
 
 def write_documents(usr: Path, source: Path, version: str, epoch: int) -> None:
-    """What Debian wants in every package: copyright, changelog, compressed manual pages."""
+    """Writes what Debian requires: copyright, changelog, compressed manual pages."""
     doc = usr / "share/doc" / PACKAGE
     (doc / "copyright").write_text(copyright_text(doc), encoding="utf-8")
     (doc / "LICENSE").unlink()
@@ -108,7 +107,7 @@ def write_documents(usr: Path, source: Path, version: str, epoch: int) -> None:
 
 
 def dependencies(root: Path, version: str) -> str:
-    """What the binaries need of other packages, as dpkg-shlibdeps finds it."""
+    """The packages that the binaries need, from dpkg-shlibdeps."""
     with tempfile.TemporaryDirectory() as folder:
         work = Path(folder)
         (work / "debian").mkdir()
@@ -149,9 +148,9 @@ def package_name(version: str) -> str:
 
 
 def build_package(root: Path, version: str, output: Path, epoch: int) -> None:
-    """Packs ROOT, which holds the finished /usr."""
+    """Packs ROOT, which contains the complete /usr."""
     write_control(root, version)
     set_modes_and_times(root, epoch)
-    # One thread: the bytes of a compressed file depend on whether there are several.
+    # One thread: with several the compressed bytes differ.
     run_tool("dpkg-deb", "--root-owner-group", "--threads-max=1", "-Zxz", "--build", str(root),
         str(output / package_name(version)), epoch=epoch)

@@ -1,6 +1,6 @@
-"""Which parts went into a binary. The linker's map names the objects and the archive members, the
-compiler's dependency records name the headers, and the binary itself names the libraries that it
-loads. A file that no part of parts.json accounts for is an error.
+"""Finds the parts that were linked into a binary: objects and archive members from the linker's
+map, headers from the compiler's dependency records, and loaded libraries from the binary itself. A
+file that matches no part of parts.json is an error.
 
 SPDX-License-Identifier: MIT
 """
@@ -14,17 +14,17 @@ from os.path import normpath
 from pathlib import Path
 
 MEMBER = re.compile(r"^(\S.*\.a)\((.+?)\)$")
-# What the link-time optimiser writes on the way from the objects to the binary.
+# Temporary files of the link-time optimiser.
 INTERMEDIATE = re.compile(r"/cc\w{6}\.(ltrans\d+\.ltrans|debug\.temp)\.o$")
 
 
 class UnknownPart(Exception):
-    """Something was linked that the table of parts does not know."""
+    """A linked file matches no part of the table."""
 
 
 @dataclass
 class Part:
-    """One line of the table, with paths in place of the names of folders."""
+    """One entry of the table, with the paths of folders inserted."""
     id: str
     name: str
     licence: str
@@ -47,8 +47,8 @@ class Table:
 
 @dataclass
 class Links:
-    """The identifiers of what is inside a binary and of what it loads, whether it loads the
-    library of the project, and the files by which each part inside was recognised."""
+    """The identifiers of the parts inside a binary and of those that it loads, whether it loads the
+    project's library, and the files by which each part inside was recognised."""
     inside: set[str] = field(default_factory=set)
     loaded: set[str] = field(default_factory=set)
     loads_library: bool = False
@@ -60,7 +60,7 @@ class Links:
 
 
 def read_table(path: Path, system: str, folders: dict[str, str]) -> Table:
-    """The parts of one system; FOLDERS stand in for {third_party} and {headers}."""
+    """The parts of one system, with the FOLDERS inserted for {third_party} and {headers}."""
     content = json.loads(path.read_text(encoding="utf-8"))
     parts = [Part(**entry) for entry in content["parts"]]
     for part in parts:
@@ -83,7 +83,7 @@ def matches(path: str, patterns: list[str]) -> bool:
 
 
 def known_part(table: Table, kind: str, path: str) -> str | None:
-    """The part that a file of a kind (archives, objects, headers, shared) belongs to, if any."""
+    """The part that a file of a kind (archives, objects, headers, shared) belongs to, or None."""
     for part in table.parts:
         if matches(path, getattr(part, kind)):
             return part.id
@@ -91,7 +91,7 @@ def known_part(table: Table, kind: str, path: str) -> str | None:
 
 
 def part_of(table: Table, kind: str, path: str, binary: str) -> str:
-    """Like known_part, for a file that has to belong to one."""
+    """Like known_part, for a file that must belong to a part."""
     part = known_part(table, kind, path)
     if part:
         return part
@@ -100,7 +100,7 @@ def part_of(table: Table, kind: str, path: str, binary: str) -> str:
 
 
 def map_inputs(text: str) -> tuple[set[str], set[str]]:
-    """The archives that gave members and the single objects, as the map writes them."""
+    """The archives whose members were linked, and the single objects, as the map writes them."""
     head = text.split("\nMemory Configuration")[0].split("\nDiscarded input sections")[0]
     archives = set()
     for line in head.splitlines():
@@ -128,7 +128,7 @@ def read_headers(build: Path) -> dict[str, list[str]]:
 
 
 def loaded_libraries(binary: Path) -> set[str]:
-    """The libraries that a binary loads at its start."""
+    """The libraries that a binary loads when it starts."""
     if binary.suffix in {".dll", ".exe"}:
         text = subprocess.run(["objdump", "-p", str(binary)], check=True, text=True,
                               capture_output=True).stdout
@@ -139,7 +139,7 @@ def loaded_libraries(binary: Path) -> set[str]:
 
 
 class Build:
-    """A finished build: its folder, and what its compiler noted about headers."""
+    """A complete build: its folder, and the headers that its compiler recorded."""
 
     def __init__(self, folder: Path, source: Path, table: Table) -> None:
         self.folder = folder
@@ -149,7 +149,7 @@ class Build:
         self.headers = read_headers(folder)
 
     def own(self, kind: str, path: str) -> bool:
-        """Whether a file is the project's. Third-party libraries may lie below its folder, too."""
+        """True for the project's own files. Third-party libraries may be in its folder, too."""
         absolute = normpath(self.folder / path)
         return absolute.startswith((f"{self.folder}/", f"{self.source}/")) and \
             not known_part(self.table, kind, absolute)
@@ -164,14 +164,15 @@ class Build:
         return mine
 
     def foreign_headers(self, objects: set[str]) -> list[str]:
-        """The headers of the objects that belong to a part, or that nobody knows."""
+        """The headers of the objects that belong to a part, or to nothing known."""
         seen = {normpath(self.folder / header) for path in objects
                 for header in self.headers.get(path, [])}
         return [header for header in sorted(seen) if known_part(self.table, "headers", header) or
                 not (self.own("headers", header) or matches(header, self.table.interfaces))]
 
     def links(self, target: str, binary: Path, own_library: str) -> Links:
-        """What is inside a binary and what it loads; OWN_LIBRARY is the name of the project's."""
+        """What is inside a binary and what it loads; OWN_LIBRARY is the name of the
+        project's library."""
         text = (self.maps / f"{target}.map").read_text(encoding="utf-8")
         archives, objects = map_inputs(text)
         links = Links()

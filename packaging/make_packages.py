@@ -1,6 +1,6 @@
-"""Makes the packages of one system out of an installed tree: for Windows a zip archive, for Linux
-a compressed tar archive and a Debian package. Each holds its software bill of materials, which is
-put beside it, too. CPack runs this; the same tree gives the same bytes.
+"""Makes the packages of one system from an installed tree: for Windows a zip archive, for Linux
+a compressed tar archive and a Debian package. Each contains its software bill of materials; a copy
+is written next to it. CPack runs this; from the same tree it makes the same bytes.
 
 SPDX-License-Identifier: MIT
 """
@@ -22,7 +22,7 @@ from make_sbom import SOURCE, write_sbom
 from packaging_tools import ToolFailure, run_tool
 
 DOCUMENTS = "share/doc/strata_repgenlib"
-# Where an archive has what the links of the README at its top lead to; elsewhere: nowhere.
+# Where the targets of the README's links are in an archive. Other links become plain text.
 LINK_TARGETS = {"docs/": f"{DOCUMENTS}/docs/", "bindings/": "share/strata_repgenlib/bindings/",
                 "CHANGELOG.md": f"{DOCUMENTS}/CHANGELOG.md", "include/": "include/"}
 
@@ -32,7 +32,7 @@ class NoTime(Exception):
 
 
 def release_time() -> int:
-    """SOURCE_DATE_EPOCH, or else the time of the last commit."""
+    """SOURCE_DATE_EPOCH if it is set, else the time of the last commit."""
     given = os.environ.get("SOURCE_DATE_EPOCH")
     if given is None:
         log = subprocess.run(["git", "-C", str(SOURCE), "log", "-1", "--format=%ct"], text=True,
@@ -45,7 +45,7 @@ def release_time() -> int:
 
 
 def top_readme(text: str) -> str:
-    """The README for the top of an archive: links lead to where the archive has their files."""
+    """The README for the top of an archive, with links to the files in the archive."""
     def moved(match: re.Match[str]) -> str:
         label, target = match.groups()
         for old, new in LINK_TARGETS.items():
@@ -57,7 +57,7 @@ def top_readme(text: str) -> str:
 
 
 class Packager:
-    """The options, and the steps that both systems share."""
+    """The options, and the steps for both systems."""
 
     def __init__(self, options: argparse.Namespace) -> None:
         self.system: str = options.system
@@ -71,12 +71,12 @@ class Packager:
         self.name = f"strata_repgenlib-{self.version}-{self.system}-x64"
 
     def strip_binaries(self) -> None:
-        """Removes symbols and line numbers; for Windows the tool puts a time into the files."""
+        """Removes symbols and line numbers. In Windows binaries the tool also stores a time."""
         for path in binaries_of(self.system, self.version).values():
             run_tool(self.strip, str(self.tree / path), epoch=self.epoch)
 
     def add_sbom(self, tree: Path, documents: str, subject: Subject, name: str) -> None:
-        """Writes the bill of materials into a finished tree, and puts copies beside the package."""
+        """Writes the bill of materials into a complete tree, and copies next to the package."""
         folder = tree / documents / "sbom"
         write_sbom(subject, self.epoch, self.build, self.third_party, tree, folder)
         for path in sorted(folder.iterdir()):
@@ -84,16 +84,16 @@ class Packager:
             shutil.copyfile(path, self.output / f"{name}.{kind}")
 
     def make_archive(self) -> None:
-        """Adds to the tree what archives have besides an installation, and packs it."""
+        """Adds README and licence at the top of the tree, and packs it."""
         readme = (SOURCE / "README.md").read_text(encoding="utf-8")
         (self.tree / "README.md").write_text(top_readme(readme), encoding="utf-8")
         shutil.copyfile(SOURCE / "LICENSE", self.tree / "LICENSE")
         self.add_sbom(self.tree, DOCUMENTS, archive_subject(self.version, self.system), self.name)
         set_modes_and_times(self.tree, self.epoch)
         if self.system == "windows":
-            write_zip(self.tree, self.name, self.output / f"{self.name}.zip", self.epoch)
+            write_zip(self.tree, self.output / f"{self.name}.zip")
         else:
-            write_tar_gz(self.tree, self.name, self.output / f"{self.name}.tar.gz", self.epoch)
+            write_tar_gz(self.tree, self.output / f"{self.name}.tar.gz")
 
     def make_debian_package(self) -> None:
         with tempfile.TemporaryDirectory() as folder:

@@ -1,5 +1,5 @@
-"""Writes the software bill of materials of an installed tree, as SPDX and as CycloneDX, out of
-what was really linked: the linker's maps, the compiler's dependency records and the binaries.
+"""Writes the software bill of materials of an installed tree, as SPDX and as CycloneDX, from what
+was really linked: the linker's maps, the compiler's dependency records and the binaries.
 
 Usage: make_sbom.py --system linux|windows --version V --epoch SECONDS --build DIR --third-party DIR
                     --tree DIR --output DIR   (a folder of the tree)
@@ -22,7 +22,7 @@ TABLE = SOURCE / "packaging" / "parts.json"
 
 def write_sbom(subject: Subject, epoch: int, build: Path, third_party: Path, tree: Path,
                output: Path) -> None:
-    """Writes the documents about TREE into OUTPUT, a folder in it that holds nothing else."""
+    """Writes the documents about TREE to OUTPUT, a folder in it with no other files."""
     folders = {"third_party": str(third_party), "headers": str(build / "third_party_headers")}
     table = read_table(TABLE, subject.system, folders)
     documents = {kind: output / f"{RELEASE_NAME}.{kind}.json" for kind in ("spdx", "cdx")}

@@ -1,4 +1,4 @@
-"""Runs the programs that packaging takes, and the name that everything shares.
+"""Runs the programs that packaging uses, and the name that all its files share.
 
 SPDX-License-Identifier: MIT
 """
@@ -15,11 +15,12 @@ class ToolFailure(Exception):
     """A program failed."""
 
 
-def run_tool(*command: str, cwd: Path | None = None, epoch: int = 0) -> str:
-    """Runs a program that takes the time from SOURCE_DATE_EPOCH; returns its output."""
-    environment = {**os.environ, "SOURCE_DATE_EPOCH": str(epoch), "LC_ALL": "C.UTF-8"}
+def run_tool(*command: str, cwd: Path | None = None, epoch: int = 0, text: str = "") -> str:
+    """Runs a program with a text as its input and SOURCE_DATE_EPOCH set; returns its output."""
+    environment = {**os.environ, "SOURCE_DATE_EPOCH": str(epoch), "LC_ALL": "C.UTF-8", "TZ": "UTC"}
     try:
-        result = subprocess.run(command, cwd=cwd, env=environment, text=True, capture_output=True)
+        result = subprocess.run(command, cwd=cwd, env=environment, input=text, text=True,
+                                capture_output=True)
     except OSError as error:
         raise ToolFailure(f"{command[0]} cannot be started: {error}") from error
     if result.returncode:

@@ -1,5 +1,5 @@
-"""Prints the notes of a release: the section of its version in CHANGELOG.md, and what the packages
-are.
+"""Prints the notes of a release: the section of its version in CHANGELOG.md, and a table of the
+packages.
 
 Usage: release_notes.py --version V [--allow-unreleased]
 
@@ -27,13 +27,13 @@ PACKAGES = """## Packages
 
 
 def section(text: str, heading: str) -> str | None:
-    """The lines below "## [HEADING]" up to the next heading of that rank, if there are any."""
+    """The lines after "## [HEADING]" up to the next heading of that level, or None."""
     found = re.search(rf"^## \[{re.escape(heading)}\].*\n((?:(?!## ).*\n?)*)", text, flags=re.M)
     return found.group(1).strip() if found else None
 
 
 def notes(text: str, version: str, allow_unreleased: bool) -> str:
-    """The whole notes. Raises LookupError when the changelog has no section for the version."""
+    """The complete notes. Raises LookupError if the changelog has no section for the version."""
     body = section(text, version)
     if body is None and allow_unreleased:
         body = section(text, UNRELEASED)

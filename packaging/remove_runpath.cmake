@@ -1,4 +1,4 @@
 # SPDX-License-Identifier: MIT
-# Removes the folders where a program looks for libraries. Usage: cmake -DPROGRAM=FILE -P <this>
+# Removes the run path of a program. Usage: cmake -DPROGRAM=FILE -P <this>
 
 file(RPATH_REMOVE FILE ${PROGRAM})

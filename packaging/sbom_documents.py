@@ -1,5 +1,5 @@
 """The software bill of materials of a package, as SPDX 2.3 and as CycloneDX 1.5, both in JSON. The
-same materials give the same bytes: times come from the release, identifiers from the content.
+same materials make the same bytes: times come from the release, identifiers from the content.
 
 SPDX-License-Identifier: MIT
 """
@@ -15,7 +15,7 @@ from components import Binary, Component, Materials, PackagedFile
 LICENCE = "MIT"
 MAKER = "strata_repgenlib maintainers"
 TOOL = "make_sbom"
-# Identifiers of documents are made of their content below this one.
+# The namespace of the documents' identifiers, which are made from their content.
 NAMESPACE = uuid.uuid5(uuid.NAMESPACE_OID, "strata_repgenlib")
 
 
@@ -45,7 +45,7 @@ def spdx_part_id(part_id: str) -> str:
 
 
 def spdx_file_id(path: str) -> str:
-    """Readable, and another one for each path."""
+    """A readable identifier, different for each path."""
     words = "".join(c if c.isascii() and c.isalnum() or c in ".-" else "-" for c in path)
     return f"SPDXRef-File-{words}-{hashlib.sha256(path.encode()).hexdigest()[:8]}"
 

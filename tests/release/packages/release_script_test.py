@@ -140,6 +140,23 @@ class Comparison(PackageCase):
         self.assertEqual("", run.stderr)
         return run.returncode, run.stdout
 
+    def test_a_patch_has_to_match_exactly(self):
+        script = (f'set -euo pipefail; root={self.folder}; scripts={SOURCE_FOLDER}/scripts/lib; '
+                  'source "$scripts/console.sh"; source "$scripts/sources.sh"; '
+                  f'source_version[demo]=1.2-3; apply_patches demo "{self.folder}/demo"')
+        self.write("cmake/third_party/demo-one.patch",
+                   "Why it is there.\n\n--- a/file\n+++ b/file\n@@ -1,3 +1,3 @@\n 1\n-2\n+two\n 3\n")
+        for text, code in (("1\n2\n3\n", 0), ("0\n1\n2\n3\n", 0), ("1\n2\n4\n", 1),
+                           ("1\ntwo\n3\n", 1)):
+            file = self.write("demo/file", text)
+            run = subprocess.run(["bash", "-c", script, "test"], text=True, capture_output=True,
+                                 stdin=subprocess.DEVNULL, check=False)
+            self.assertEqual(code, run.returncode, run.stderr)
+            if code:
+                self.assertIn("The patch demo-one.patch does not fit demo 1.2-3.", run.stderr)
+            wanted = text if code else text.replace("2", "two")
+            self.assertEqual(wanted, file.read_text(encoding="utf-8"))
+
     def test_a_file_that_only_one_build_made_is_noticed(self):
         for name in ("SHA256SUMS", "RELEASE-NOTES.md", "first only", "same", "other"):
             self.write(f"first/{name}", name)

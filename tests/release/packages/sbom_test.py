@@ -1,5 +1,5 @@
-"""The bills of materials: they have the fields that their formats demand, they name exactly the
-parts that were linked, and they stop when something was linked that nobody has written down.
+"""The bills of materials: they have the fields that their formats require and list exactly the
+parts that were linked; a linked file of an unknown part is an error.
 
 SPDX-License-Identifier: MIT
 """
@@ -15,19 +15,19 @@ import components
 from components import MissingFact, binaries_of, check_owners, own_library
 from linked_parts import Build, UnknownPart, map_inputs, read_table
 from make_sbom import write_sbom
-from package_case import (BUILD_FOLDER, DEBIAN_PACKAGE, EPOCH, NAME, SYSTEM, THIRD_PARTY, VERSION,
-                          PackageCase, packages, unpacked)
+from package_case import (BUILD_FOLDER, DEBIAN_PACKAGE, EPOCH, NAME, SBOM_ENDINGS, SYSTEM,
+                          THIRD_PARTY, VERSION, PackageCase, packages, unpacked)
 from program_case import ON_WINDOWS, SOURCE_FOLDER, linux_only
 
 TABLE = SOURCE_FOLDER / "packaging/parts.json"
 FOLDERS = {"third_party": str(THIRD_PARTY), "headers": str(BUILD_FOLDER / "third_party_headers")}
-# What is inside each binary, and what all of them load.
+# The parts inside each binary, and those that all of them load.
 RUNTIME = {"gcc-runtime", "libstdcxx-inside", "mingw-w64" if ON_WINDOWS else "c-library"}
 INSIDE = {"strata_repgenlib": {"libxml2", "libxslt", "boost-filesystem"} | RUNTIME,
           "rgen": {"libxml2", "cli11", "nlohmann-json"} | RUNTIME, "vellum": RUNTIME}
 LOADED = {"windows"} if ON_WINDOWS else {"c-library-shared", "libgcc", "libstdcxx"}
 TIME = "2023-11-14T22:13:20Z"
-# Every identifier of a licence, and what joins them, in the terms of SPDX.
+# A licence expression of SPDX.
 LICENCES = re.compile(r"NOASSERTION|[A-Za-z0-9.-]+( (AND|WITH) [A-Za-z0-9.-]+)*")
 
 
@@ -40,7 +40,7 @@ def document(ending, name=NAME):
 
 
 def common_licences(part):
-    """The names of the long licences that a part is under, as Debian writes them."""
+    """The names that Debian gives the long licences of a part."""
     return {f"{kind}-{number}" for kind, number in
             re.findall(r"\b(L?GPL)-(\d(?:\.[1-9])?)(?:\.0)?-or-later", part.licence)}
 
@@ -51,7 +51,7 @@ def file_id(path):
 
 
 def packaged_files(tree):
-    """The files of an unpacked package that its documents have to list."""
+    """The files of an unpacked package that its documents must list."""
     return {f"./{path.relative_to(tree).as_posix()}" for path in tree.rglob("*")
             if path.is_file() and not path.is_symlink() and path.parent.name != "sbom"}
 
@@ -260,6 +260,15 @@ class LinkedParts(PackageCase):
         return self.build.links(target, unpacked() / binaries_of(SYSTEM, VERSION)[target],
                                 own_library(SYSTEM, VERSION))
 
+    def test_the_patches_of_each_part_are_named(self):
+        patches = sorted((SOURCE_FOLDER / "cmake/third_party").glob("*.patch"))
+        self.assertEqual(2, len(patches))
+        for path in patches:
+            part = next(part for part in self.table.parts if path.name.startswith(f"{part.id}-"))
+            self.assertTrue(part.changed.startswith(f"{path.name}: "), part.changed)
+            for ending in SBOM_ENDINGS:
+                self.assertIn(f"Changed: {part.changed}", json.dumps(document(ending)))
+
     def test_an_archive_that_gives_no_member_disappears(self):
         def without_archive(text):
             return re.sub(r"^\S*libxml2\.a\(.*\n(?:  +.*\n)?", "", text, flags=re.M)
@@ -296,7 +305,7 @@ class LinkedParts(PackageCase):
         binary = components.Binary("bin/rgen", "", "", self.links("rgen"), False)
         check_owners([part], [binary])
         part.package = "libc6-dev"
-        with self.assertRaisesRegex(MissingFact, r"^/usr/lib/gcc/\S+ went in as a file of GCC "
+        with self.assertRaisesRegex(MissingFact, r"^/usr/lib/gcc/\S+ was linked as a file of GCC "
                                                  r"runtime libraries, but belongs to the Debian "
                                                  r"package \S+ and not to libc6-dev; correct"):
             check_owners([part], [binary])
