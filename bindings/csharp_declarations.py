@@ -26,9 +26,9 @@ namespace StrataRepgenlib
 IMPORT = "[DllImport(Library, CallingConvention = CallingConvention.Cdecl, ExactSpelling = true)]"
 
 NATIVE_DOC = """The functions and status values of the library, letter for letter. The header
-rgen.h has the whole contract: who frees what, null rules, threads, exceptions. Texts go in as UTF-8
-bytes with a zero byte at their end and come back as pointers to such bytes; nothing is converted or
-freed by itself."""
+rgen.h documents the contract: ownership, null rules, threads, exceptions. Texts are passed as
+null-terminated UTF-8 bytes and returned as pointers to such bytes; nothing is converted or freed
+automatically."""
 
 
 def doc_lines(text: str, indent: str) -> Iterator[str]:
@@ -38,7 +38,7 @@ def doc_lines(text: str, indent: str) -> Iterator[str]:
 
 
 def value_type(kind: CType, header: Header) -> str:
-    """The type of a field: a pointer is an IntPtr, whatever it points to."""
+    """The type of a field: every pointer is an IntPtr."""
     if kind.pointer or kind.base in {item.name for item in header.callbacks}:
         return "IntPtr"
     base = header.aliases.get(kind.base, kind.base)
@@ -46,7 +46,7 @@ def value_type(kind: CType, header: Header) -> str:
 
 
 def parameter_type(kind: CType, header: Header, takes_null: bool) -> str:
-    """Bytes go in as arrays, records by reference, callbacks as delegates."""
+    """Bytes are passed as arrays, records by reference, callbacks as delegates."""
     if kind.pointer and kind.const and kind.base in ("char", "uint8_t"):
         return "byte[]"
     is_record = kind.base in {record.name for record in header.records}
@@ -74,7 +74,7 @@ def enumeration_lines(enumeration: Enumeration) -> Iterator[str]:
 
 
 def field_names(member: Member) -> list[str]:
-    """An array in a record is that many fields, so that no unsafe code is needed."""
+    """An array in a record becomes several fields, so that no unsafe code is needed."""
     if member.type.length is None:
         return [member.name]
     return [f"{member.name}_{index}" for index in range(member.type.length)]
@@ -107,7 +107,7 @@ def callback_lines(callback: Function, header: Header) -> Iterator[str]:
 
 
 def function_lines(function: Function, header: Header) -> Iterator[str]:
-    """A function; once more, with IntPtr, where it reads a record: that may be null."""
+    """A function, with a second overload for IntPtr if it reads a record, which may be null."""
     result = value_type(function.result, header)
     reads_record = any(parameter_type(item.type, header, True)
                        != parameter_type(item.type, header, False) for item in function.parameters)

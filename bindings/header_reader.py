@@ -1,7 +1,7 @@
 """Reads the public headers for the programs that write declarations in other languages.
 
-The reader knows the few forms of C that the headers use and nothing else: whatever it does not
-understand ends it with a HeaderError, so that nothing is left out in silence.
+The reader knows only the few forms of C that the headers use. Any other form is a HeaderError, so
+that no declaration is skipped silently.
 
 SPDX-License-Identifier: MIT
 """
@@ -14,7 +14,7 @@ from typing import NoReturn, Optional
 HEADER_NAMES = ("rgen_status.h", "rgen.h")
 PRIMITIVES = ("void", "char", "uint8_t", "uint16_t", "int32_t", "uint32_t", "int64_t", "uint64_t")
 
-# The conditional parts of rgen.h, word by word: what stands in them must hold for every language.
+# The conditional parts of the headers, word for word: the declarations rely on their content.
 KNOWN_BLOCKS = (
     """#if defined(_WIN32)
 #define RGEN_CALL __cdecl
@@ -52,12 +52,12 @@ TOKEN = re.compile(r"(?P<comment>/\*.*?\*/)|(?P<directive>^#[^\n]*)|(?P<word>[A-
 
 
 class HeaderError(Exception):
-    """The headers hold something that the reader does not know."""
+    """The headers contain a form that the reader does not know."""
 
 
 @dataclass(frozen=True)
 class CType:
-    """A type as the headers write it: one base name, at most one pointer or array length."""
+    """A type of the headers: a base name with at most one pointer or array length."""
 
     base: str
     const: bool = False
@@ -115,7 +115,7 @@ class Function:
 
 @dataclass
 class Header:
-    """Everything that the headers declare, in their order."""
+    """All declarations of the headers, in their order."""
 
     version: dict[str, int] = field(default_factory=dict)
     statuses: list[Constant] = field(default_factory=list)
@@ -149,13 +149,13 @@ def comment_text(comment: str) -> str:
 
 
 def is_plain(comment: str) -> bool:
-    """Tells whether a comment is about no declaration: a file, a page or a group of them."""
+    """True for comments that do not belong to a declaration: of a file, a page or a group."""
     return not comment.startswith("/**") or bool(PAGE_COMMENT.search(comment))
 
 
 def tokens_of(text: str, name: str) -> list[Token]:
     for block in KNOWN_BLOCKS:
-        # Blank lines take the place of a known block, so that line numbers stay.
+        # Blank lines replace a known block, so that line numbers stay the same.
         text = text.replace(block, "\n" * block.count("\n"), 1)
     tokens = []
     for match in TOKEN.finditer(text):
@@ -204,7 +204,7 @@ class Reader:
         return token.text
 
     def doc(self, mark: str = "/**") -> str:
-        """The doc comment at this place, or nothing."""
+        """The doc comment at the current token, or an empty text."""
         token = self.peek()
         is_trailing = token.text.startswith("/**<")
         if token.kind != "comment" or is_trailing != (mark == "/**<"):
@@ -343,7 +343,7 @@ def summary(doc: str) -> str:
 
 
 def read_headers(folder: Path) -> Header:
-    """Everything that the headers in this folder declare; raises a HeaderError."""
+    """All declarations of the headers in a folder; raises HeaderError."""
     header = Header()
     for name in HEADER_NAMES:
         Reader(folder / name, header).read_all()

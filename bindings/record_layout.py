@@ -1,7 +1,7 @@
 """Sizes and offsets of the records on the systems that the library runs on.
 
-Both are x64 and lay out these records alike: numbers stand at multiples of their size, a pointer
-has eight bytes. A test compares the figures with those of the C compiler.
+Both are x64 and use the same layout for these records: numbers are at multiples of their size, a
+pointer has eight bytes. A test compares the figures with those of the C compiler.
 
 SPDX-License-Identifier: MIT
 """
@@ -17,7 +17,7 @@ POINTER_SIZE = 8
 
 @dataclass(frozen=True)
 class Layout:
-    """Bytes of a record as a whole, its alignment, and where each field begins."""
+    """The size and alignment of a record, and the offsets of its fields."""
 
     size: int
     alignment: int

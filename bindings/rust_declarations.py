@@ -17,8 +17,8 @@ HEAD = """// The C interface of strata_repgenlib as Rust sees it, letter for let
 //
 // SPDX-License-Identifier: MIT
 
-//! The functions, records and constants of the library. The header rgen.h has the whole contract:
-//! who frees what, null rules, threads, exceptions. The module needs `core` only.
+//! The functions, records and constants of the library. The header rgen.h documents the
+//! contract: ownership, null rules, threads, exceptions. The module needs `core` only.
 #![allow(non_snake_case)]
 
 use core::ffi::c_void;

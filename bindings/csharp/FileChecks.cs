@@ -1,5 +1,5 @@
-// What would make the library throw a C++ exception, which ends a host in C#, is asked first: what
-// the system refuses becomes an exception of System.IO.
+// Checks before calls of the library, whose C++ exceptions would end a host in C#: they throw
+// exceptions of System.IO instead.
 //
 // SPDX-License-Identifier: MIT
 using System;
@@ -9,15 +9,14 @@ namespace StrataRepgenlib
 {
     internal static class FileChecks
     {
-        /// <summary>Passes when the system says that something is there or not; throws what it
-        /// refuses to say.</summary>
+        /// <summary>Throws unless the system can tell whether the path exists.</summary>
         internal static void RequireReachable(string path)
         {
             if (path.Length == 0) throw new ArgumentException("a path is empty");
             try
             {
                 FileAttributes found = File.GetAttributes(path);
-                // A link is asked by a name below it: links in a circle lead nowhere.
+                // A name inside a link is queried: this fails for a loop of links.
                 if ((found & FileAttributes.ReparsePoint) != 0) File.GetAttributes(path + "/any");
             }
             catch (FileNotFoundException)
@@ -28,8 +27,8 @@ namespace StrataRepgenlib
             }
         }
 
-        /// <summary>The folder is there, and so is the data directory in it, which is made like the
-        /// library would.</summary>
+        /// <summary>Checks that the folder exists, and makes the data directory in it as the
+        /// library does.</summary>
         internal static void RequireDataDir(string folder)
         {
             if (!Directory.Exists(folder))
@@ -46,7 +45,7 @@ namespace StrataRepgenlib
             RequireReachable(Path.Combine(dataDir, "config.xml"));
         }
 
-        /// <summary>The system lets this process look for the template of a format.</summary>
+        /// <summary>Checks that this process may look for the template of a format.</summary>
         internal static void RequireTemplates(string folder, string format)
         {
             string templates = Path.Combine(Path.Combine(folder, ".rgen"), "templates");

@@ -1,4 +1,4 @@
-// Records of the library with an owner: what is created here is freed here.
+// Owners for records of the library: they free what they create.
 //
 // SPDX-License-Identifier: MIT
 using System;
@@ -7,7 +7,7 @@ using System.Runtime.InteropServices;
 
 namespace StrataRepgenlib
 {
-    /// <summary>What is done to a plain text on its way in.</summary>
+    /// <summary>How a plain text is escaped.</summary>
     internal delegate string Escape(string text);
 
     /// <summary>The record of one request.</summary>
@@ -36,7 +36,7 @@ namespace StrataRepgenlib
             }
         }
 
-        /// <summary>A record of nothing but values, for a dump.</summary>
+        /// <summary>A record with values only, for a dump.</summary>
         internal NativeRequest(IReadOnlyList<Value> values)
         {
             try
@@ -81,7 +81,7 @@ namespace StrataRepgenlib
             Require(RgenNative.rgen_createRgenAnsiString(bytes, ref record) != 0);
         }
 
-        /// <summary>A set with an array even for no values: the dump asks for one.</summary>
+        /// <summary>A set with an array even for no values: the dump requires one.</summary>
         internal static void Create(IReadOnlyList<Value> values, Escape escape,
                                     ref RgenCVariantSet set)
         {
@@ -97,7 +97,7 @@ namespace StrataRepgenlib
             set.count = (ulong)values.Count;
         }
 
-        /// <summary>As they are given to the library for persistent data.</summary>
+        /// <summary>The values as the library expects them for persistent data.</summary>
         internal static List<Value> Stored(IReadOnlyList<Value> values)
         {
             List<Value> stored = new List<Value>();
@@ -128,7 +128,7 @@ namespace StrataRepgenlib
             }
             else if (value.Content is byte[] bytes)
             {
-                // The library wants an address even for no bytes.
+                // The library requires an address even for no bytes.
                 byte[] start = bytes.Length == 0 ? new byte[1] : bytes;
                 RgenNative.rgen_createRgenCVariantByteArray(name, start, (ulong)bytes.Length, hint,
                                                             ref record);
@@ -180,7 +180,7 @@ namespace StrataRepgenlib
             return ReportTexts.FromUtf8(record.data, checked((int)record.length));
         }
 
-        /// <summary>The text record at a place of an array.</summary>
+        /// <summary>The text record at an index of an array.</summary>
         internal static string TextAt(IntPtr array, int index)
         {
             IntPtr place = array + index * TextSize;

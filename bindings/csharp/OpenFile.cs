@@ -9,8 +9,8 @@ using Microsoft.Win32.SafeHandles;
 namespace StrataRepgenlib
 {
     /// <summary>A file that the system deletes when it is closed: a HANDLE on Windows, for writing
-    /// only; a descriptor on Linux, whose offset is the end of the report. Where the runtime takes
-    /// foreign descriptors (.NET, .NET Framework; not Mono), a FileStream reads it:
+    /// only; a descriptor on Linux, with the offset at the end of the report. If the runtime
+    /// accepts foreign descriptors (.NET, .NET Framework; not Mono), a FileStream reads it:
     /// new FileStream(new SafeFileHandle(file.DangerousGetHandle(), false),
     /// FileAccess.Read).</summary>
     public sealed class OpenFile : SafeHandleMinusOneIsInvalid

@@ -1,4 +1,4 @@
-// Whether a conversion to pdf made one: the library reports success in any case.
+// Checks whether a conversion made a pdf: the library always reports success.
 //
 // SPDX-License-Identifier: MIT
 using System;
@@ -12,8 +12,8 @@ namespace StrataRepgenlib
         private const int Searched = 1024;
         private const int LongestReason = 65536;
 
-        /// <summary>Raises a ConversionException unless the file is a whole pdf and the converter
-        /// left no word of failure.</summary>
+        /// <summary>Throws a ConversionException unless the file is a complete pdf and the
+        /// converter wrote no text of a failure.</summary>
         internal static void Require(string path)
         {
             string note = path + ".error.txt";
@@ -28,11 +28,11 @@ namespace StrataRepgenlib
                 throw new ConversionException(path, "the converter's file is not a whole pdf",
                                               reason);
             }
-            // A page about its failure is no report.
+            // The pdf is then a page about the failure.
             if (hasNote) throw new ConversionException(path, "the converter failed", reason);
         }
 
-        /// <summary>The note of an earlier failure would speak against a new pdf.</summary>
+        /// <summary>Removes the text of an earlier failure.</summary>
         internal static void RemoveNote(string path)
         {
             try
@@ -71,7 +71,7 @@ namespace StrataRepgenlib
             return Encoding.GetEncoding("iso-8859-1").GetString(bytes);
         }
 
-        /// <summary>So many bytes from a position on; fewer at the end of the file.</summary>
+        /// <summary>A number of bytes from a position; fewer at the end of the file.</summary>
         private static byte[] Part(FileStream file, long start, int length)
         {
             byte[] bytes = new byte[length];

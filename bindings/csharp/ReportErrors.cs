@@ -5,7 +5,7 @@ using System;
 
 namespace StrataRepgenlib
 {
-    /// <summary>A failure that the library reported. The message says all of it: "report.html:
+    /// <summary>A failure that the library reported. The message is complete: "report.html:
     /// Template is not found in folder (0xC0000009 RGEN_E_TEMPLATE_NOT_FOUND)".</summary>
     public sealed class StatusException : Exception
     {
@@ -29,8 +29,7 @@ namespace StrataRepgenlib
         /// <summary>The library's description in English.</summary>
         public string Text { get; }
 
-        /// <summary>Whether the generation was cancelled, which is no failure of
-        /// anything.</summary>
+        /// <summary>True if the generation was cancelled.</summary>
         public bool IsCancellation
         {
             get { return Status == RgenNative.RGEN_CANCELED; }
@@ -44,8 +43,7 @@ namespace StrataRepgenlib
         }
     }
 
-    /// <summary>The library reported success, but the converter made no pdf, or not a whole
-    /// one.</summary>
+    /// <summary>The library reported success, but the converter made no complete pdf.</summary>
     public sealed class ConversionException : Exception
     {
         internal ConversionException(string path, string problem, string reason)
@@ -54,8 +52,7 @@ namespace StrataRepgenlib
             Reason = reason;
         }
 
-        /// <summary>The text of "&lt;path&gt;.error.txt"; empty when the converter left
-        /// none.</summary>
+        /// <summary>The text of "&lt;path&gt;.error.txt"; empty if there is none.</summary>
         public string Reason { get; }
     }
 }

@@ -1,5 +1,5 @@
-// A report generator for hosts in C#. The contract of rgen.h holds; the README beside this file
-// says what is checked first, since the library's own exceptions end a host in C#.
+// A report generator for hosts in C#. The contract of rgen.h applies. The README in this folder
+// lists what is checked before calls, since the library's own exceptions end a host in C#.
 //
 // SPDX-License-Identifier: MIT
 using System;
@@ -11,8 +11,8 @@ using Microsoft.Win32.SafeHandles;
 
 namespace StrataRepgenlib
 {
-    /// <summary>Makes reports. All functions may be called by several threads at once; Dispose
-    /// waits for nobody, the library's generator ends with the last call that runs.</summary>
+    /// <summary>Makes reports. All functions may be called by several threads at once. Dispose does
+    /// not wait; the library's generator is freed after the last running call.</summary>
     public sealed class ReportGenerator : IDisposable
     {
         private readonly GeneratorHandle handle;
@@ -37,8 +37,8 @@ namespace StrataRepgenlib
             }
         }
 
-        /// <summary>Names another folder for the data directory. Raises a StatusException with
-        /// RGEN_E_DIR_NOT_FOUND when there is none; the previous one stays then.</summary>
+        /// <summary>Sets another folder for the data directory. Throws a StatusException with
+        /// RGEN_E_DIR_NOT_FOUND if it does not exist; the previous one stays.</summary>
         public void SetDataDir(string newFolder)
         {
             if (newFolder == null) throw new ArgumentNullException(nameof(newFolder));
@@ -49,12 +49,13 @@ namespace StrataRepgenlib
             folder = path;
         }
 
-        /// <summary>Sets what translates the marked texts of templates, null for nothing. It must
-        /// not call this generator. What it throws leaves the function that generates, after the
-        /// report. Plain translations are escaped; with isMarkup they become part of the template
-        /// as they are, and a reference that XML does not know is an ArgumentException. What XML
-        /// cannot hold becomes U+FFFD; null or the text itself leave it as it is. Waits while a
-        /// transformation runs.</summary>
+        /// <summary>Sets the function that translates the marked texts of templates; null for none.
+        /// It must not call this generator. Its exceptions are thrown again by the generating
+        /// function, after the report. Plain translations are escaped; with isMarkup they become
+        /// part of the template without escapes, and a reference that XML does not define is an
+        /// ArgumentException. Characters that XML does not allow become U+FFFD. If it returns null
+        /// or the text itself, the text stays as it is. Waits while a transformation
+        /// runs.</summary>
         public void SetTranslator(Func<string, string> translate, bool isMarkup = false)
         {
             Translation next = new Translation(translate ?? (text => text), isMarkup);
@@ -67,14 +68,14 @@ namespace StrataRepgenlib
                     RgenNative.rgen_setTranslateFunction(generator, next.Function, IntPtr.Zero);
                     return 0;
                 });
-                // Up to here the library may call the previous one.
+                // Until now the library could call the previous one.
                 GC.KeepAlive(previous);
             }
         }
 
         /// <summary>Generates a report as a file; an existing one is replaced. A "pdf" that was
-        /// converted is looked at afterwards. Throws a StatusException, a ConversionException, what
-        /// the translator threw, or what System.IO throws about the path.</summary>
+        /// converted is checked afterwards. Throws a StatusException, a ConversionException, the
+        /// exception of the translator, or exceptions of System.IO about the path.</summary>
         public void GenerateFile(Request request, string output)
         {
             RequireInput(request);
@@ -93,7 +94,7 @@ namespace StrataRepgenlib
             RgenCVariant result = Generate(request, OutputMode.Bytes, "");
             try
             {
-                // A report without bytes leaves the record as it was.
+                // For a report without bytes the record stays empty.
                 if (result.type == 0) return new byte[0];
                 NativeRecords.Require(result.value.byteArrayValue.data != IntPtr.Zero);
                 return NativeRecords.BytesOf(result.value.byteArrayValue);
@@ -105,7 +106,7 @@ namespace StrataRepgenlib
         }
 
         /// <summary>Generates a report as a file that the system deletes when it is closed, without
-        /// conversion. Windows takes the path in the ANSI code page: keep to ASCII.</summary>
+        /// conversion. Windows reads the path in the ANSI code page: use ASCII.</summary>
         public OpenFile GenerateOpenFile(Request request, string output)
         {
             RequireInput(request);
@@ -117,8 +118,9 @@ namespace StrataRepgenlib
             return new OpenFile(file);
         }
 
-        /// <summary>Asks the running generations of a report type to stop, of all types without an
-        /// argument. They end with a StatusException whose IsCancellation is true.</summary>
+        /// <summary>Requests the running generations of a report type to stop; without an argument,
+        /// those of all types. They end with a StatusException whose IsCancellation is
+        /// true.</summary>
         public void Cancel(Guid? type = null)
         {
             Call(generator =>
@@ -130,9 +132,9 @@ namespace StrataRepgenlib
             });
         }
 
-        /// <summary>The persistent data of a report type, as SetPersistentData was given it;
-        /// control characters, U+FFFE and U+FFFF come back as U+FFFD. Raises a StatusException
-        /// with RGEN_E_OPEN_PERSIST when nothing was stored yet.</summary>
+        /// <summary>The persistent data of a report type, as passed to SetPersistentData; control
+        /// characters, U+FFFE and U+FFFF are returned as U+FFFD. Throws a StatusException with
+        /// RGEN_E_OPEN_PERSIST if nothing was stored yet.</summary>
         public Dictionary<string, string> GetPersistentData(Guid type)
         {
             RequireFolder();
@@ -158,7 +160,7 @@ namespace StrataRepgenlib
         }
 
         /// <summary>Replaces the persistent data of a report type. Entries without a name or text
-        /// are not kept; an ArgumentException for more than 10,000,000 bytes of text or 1,000,000
+        /// are not stored; an ArgumentException for more than 10,000,000 bytes of text or 1,000,000
         /// of name.</summary>
         public void SetPersistentData(Guid type, IEnumerable<KeyValuePair<string, string>> texts)
         {
@@ -172,9 +174,9 @@ namespace StrataRepgenlib
             SetPersistentPairs(type, list);
         }
 
-        /// <summary>Replaces the persistent data of a report type by what reports show for values;
-        /// types and hints are not kept. An ArgumentException for markup with a reference that XML
-        /// does not know, which would damage other entries. Otherwise as
+        /// <summary>Replaces the persistent data of a report type by the texts that reports show
+        /// for values; types and hints are not stored. An ArgumentException for markup with a reference
+        /// that XML does not define, which would damage other entries. In other respects like
         /// SetPersistentData.</summary>
         public void SetPersistentValues(Guid type, IReadOnlyList<Value> values)
         {
@@ -209,7 +211,7 @@ namespace StrataRepgenlib
             }
         }
 
-        /// <summary>Reads typed values from an XML file; none when it holds none.</summary>
+        /// <summary>Reads typed values from an XML file, which may contain none.</summary>
         public List<Value> SimulatedInput(string input)
         {
             if (input == null) throw new ArgumentNullException(nameof(input));
@@ -231,13 +233,13 @@ namespace StrataRepgenlib
         /// <summary>The library's text for a status.</summary>
         public static string StatusText(int status)
         {
-            // Only whether the handle is null matters to the library.
+            // The library only checks whether the handle is null.
             IntPtr anyHandle = new IntPtr(1);
             return ReportTexts.FromUtf8(
                 RgenNative.rgen_getStatusCodeDescription(anyHandle, status));
         }
 
-        /// <summary>Ends the generator.</summary>
+        /// <summary>Frees the generator.</summary>
         public void Dispose()
         {
             handle.Dispose();
@@ -282,7 +284,7 @@ namespace StrataRepgenlib
             return result;
         }
 
-        /// <summary>The handle of a report that the host never gets is closed.</summary>
+        /// <summary>Closes the handle of a report that is not returned to the host.</summary>
         private static void DropResult(ref RgenCVariant result)
         {
             if (result.type == (ulong)RgenVariantType.RGEN_TYPE_HANDLE)
@@ -307,7 +309,8 @@ namespace StrataRepgenlib
             if (status < 0) throw new StatusException(subject, status, StatusText(status));
         }
 
-        /// <summary>Makes a call that Dispose on another thread cannot disturb.</summary>
+        /// <summary>Makes a call during which Dispose on another thread does not free the
+        /// generator.</summary>
         private int Call(Func<IntPtr, int> call)
         {
             bool isHeld = false;

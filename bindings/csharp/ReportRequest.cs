@@ -1,4 +1,4 @@
-// What a report is made of: values, pairs, and the request that holds them.
+// Values, pairs, and the request that contains them.
 //
 // SPDX-License-Identifier: MIT
 using System;
@@ -24,7 +24,7 @@ namespace StrataRepgenlib
         Address = RgenHint.RGEN_HINT_ADDRESS,
         /// <summary>Signed decimal.</summary>
         Speed = RgenHint.RGEN_HINT_SPEED,
-        /// <summary>Marks the byte arrays that come back from the library.</summary>
+        /// <summary>The hint of byte arrays that the library returns.</summary>
         Dump = RgenHint.RGEN_HINT_DUMP,
     }
 
@@ -43,7 +43,7 @@ namespace StrataRepgenlib
     /// array.</summary>
     public sealed class Value
     {
-        /// <summary>A text, which stands in the report as it is, "&amp;" included.</summary>
+        /// <summary>A text, which the report shows as it is, "&amp;" included.</summary>
         public Value(string name, string text) : this(name, Checked(text), Hint.Generic, false)
         {
         }
@@ -81,7 +81,7 @@ namespace StrataRepgenlib
             IsMarkup = isMarkup;
         }
 
-        /// <summary>The name, its key among the values.</summary>
+        /// <summary>The name, which is the key of the value.</summary>
         public string Name { get; }
 
         /// <summary>A string, a long or a byte array.</summary>
@@ -90,7 +90,8 @@ namespace StrataRepgenlib
         /// <summary>How a number is shown.</summary>
         public Hint Hint { get; }
 
-        /// <summary>Whether a text is XML content and goes to the library as it is.</summary>
+        /// <summary>True if a text is XML content, which is passed to the library
+        /// unchanged.</summary>
         public bool IsMarkup { get; }
 
         /// <summary>A text that is XML content in the sense of TEXTS in rgen.h.</summary>
@@ -117,7 +118,7 @@ namespace StrataRepgenlib
     /// <summary>A name and a text.</summary>
     public sealed class Pair
     {
-        /// <summary>A text, which stands in the report as it is, "&amp;" included.</summary>
+        /// <summary>A text, which the report shows as it is, "&amp;" included.</summary>
         public Pair(string name, string text) : this(name, text, false)
         {
         }
@@ -129,13 +130,14 @@ namespace StrataRepgenlib
             IsMarkup = isMarkup;
         }
 
-        /// <summary>The name, its key among the pairs.</summary>
+        /// <summary>The name, which is the key of the pair.</summary>
         public string Name { get; }
 
         /// <summary>The text.</summary>
         public string Text { get; }
 
-        /// <summary>Whether the text is XML content and goes to the library as it is.</summary>
+        /// <summary>True if the text is XML content, which is passed to the library
+        /// unchanged.</summary>
         public bool IsMarkup { get; }
 
         /// <summary>A text that is XML content in the sense of TEXTS in rgen.h.</summary>
@@ -145,8 +147,8 @@ namespace StrataRepgenlib
         }
     }
 
-    /// <summary>The input of one report. It can be used again, by several threads at once, too, as
-    /// long as nobody changes it.</summary>
+    /// <summary>The input of one report. It can be reused, also by several threads at once as long
+    /// as it does not change.</summary>
     public sealed class Request
     {
         private string converterBase = "";
@@ -167,18 +169,19 @@ namespace StrataRepgenlib
         /// <summary>"html", "pdf" or "txt"; also names the template's folder.</summary>
         public string Format { get; }
 
-        /// <summary>Typed values; they win over pairs and persistent data of the same name, a later
-        /// one over an earlier.</summary>
+        /// <summary>Typed values; they override pairs and persistent data of the same name, and
+        /// earlier values.</summary>
         public List<Value> Values { get; }
 
-        /// <summary>Name/text pairs; they win over persistent data of the same name.</summary>
+        /// <summary>Name/text pairs; they override persistent data of the same name.</summary>
         public List<Pair> Pairs { get; }
 
         /// <summary>False: a "pdf" report is written as the template made it, without the
         /// converter.</summary>
         public bool Convert { get; set; }
 
-        /// <summary>Handed to the converter as its base. No double quote in it.</summary>
+        /// <summary>Passed to the converter as its base. It must not contain a double
+        /// quote.</summary>
         public string ConverterBase
         {
             get { return converterBase; }

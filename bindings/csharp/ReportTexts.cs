@@ -1,4 +1,4 @@
-// Texts on their way to the library and back: UTF-8, and XML content.
+// Converts texts for the library and back: UTF-8, and XML content.
 //
 // SPDX-License-Identifier: MIT
 using System;
@@ -13,16 +13,16 @@ namespace StrataRepgenlib
     {
         private static readonly UTF8Encoding Utf8 = new UTF8Encoding(false, true);
         private static readonly char[] Blanks = { ' ', '\t', '\r', '\n' };
-        /// <summary>What the library reads of one text of a file.</summary>
+        /// <summary>The number of bytes that the library reads of one text of a file.</summary>
         private const int LongestStoredText = 10000000;
-        /// <summary>A name stands in an attribute, where a character takes up to six bytes of
-        /// those.</summary>
+        /// <summary>The limit for names: they are stored in attributes, where a character takes up
+        /// to six of those bytes.</summary>
         private const int LongestStoredName = 1000000;
         private static readonly Regex Reference = new Regex(
             "&(?:(?<name>amp|lt|gt|quot|apos)|#x(?<hex>[0-9A-Fa-f]{1,8})|#(?<decimal>[0-9]{1,8}));",
             RegexOptions.CultureInvariant);
 
-        /// <summary>"&amp;", with the whole reference where one begins.</summary>
+        /// <summary>"&amp;", with the whole reference if it starts one.</summary>
         private static readonly Regex Ampersand = new Regex(
             "&((?:#[0-9]+|#x[0-9A-Fa-f]+|[^#&;< \\t\\r\\n][^&;< \\t\\r\\n]*);)?",
             RegexOptions.CultureInvariant);
@@ -30,8 +30,8 @@ namespace StrataRepgenlib
             "[\\u0001-\\u0008\\u000B\\u000C\\u000E-\\u001F\\uFFFE\\uFFFF]",
             RegexOptions.CultureInvariant);
 
-        /// <summary>UTF-8 with a zero byte at the end. Raises an ArgumentException for half a
-        /// surrogate pair, and for a zero inside, where the library would cut the text.</summary>
+        /// <summary>UTF-8 with a zero byte at the end. Throws an ArgumentException for a lone
+        /// surrogate, and for a zero inside, where the library would truncate the text.</summary>
         internal static byte[] ToUtf8(string text, string what)
         {
             if (text.IndexOf('\0') >= 0) throw new ArgumentException(what + " holds a zero");
@@ -40,7 +40,7 @@ namespace StrataRepgenlib
             return bytes;
         }
 
-        /// <summary>The text of so many bytes; what is no UTF-8 becomes U+FFFD.</summary>
+        /// <summary>The text of a number of bytes; those that are not UTF-8 become U+FFFD.</summary>
         internal static string FromUtf8(IntPtr bytes, int length)
         {
             if (bytes == IntPtr.Zero || length == 0) return "";
@@ -49,7 +49,7 @@ namespace StrataRepgenlib
             return Encoding.UTF8.GetString(copy);
         }
 
-        /// <summary>The text of bytes that end with a zero byte.</summary>
+        /// <summary>The text of null-terminated bytes.</summary>
         internal static string FromUtf8(IntPtr bytes)
         {
             int length = 0;
@@ -57,13 +57,13 @@ namespace StrataRepgenlib
             return FromUtf8(bytes, length);
         }
 
-        /// <summary>As the library reads it once, on its way into a report.</summary>
+        /// <summary>Escapes a text for a report, where the library decodes it once.</summary>
         internal static string Escaped(string text)
         {
             return text.Replace("&", "&amp;");
         }
 
-        /// <summary>The name of a persistent text. Raises an ArgumentException when it is too
+        /// <summary>The name of a persistent text. Throws an ArgumentException if it is too
         /// long.</summary>
         internal static string StoredName(string name)
         {
@@ -75,8 +75,8 @@ namespace StrataRepgenlib
             return HeldByXml(name);
         }
 
-        /// <summary>A persistent text as the library is given it. Throws an ArgumentException when
-        /// the library would cut it, and for markup that would damage other texts.</summary>
+        /// <summary>A persistent text, escaped for the library. Throws an ArgumentException if the
+        /// library would truncate it, and for markup that would damage other texts.</summary>
         internal static string Stored(string name, string text, bool isMarkup)
         {
             text = isMarkup ? CheckedMarkup(text, "the persistent text " + name) : HeldByXml(text);
@@ -99,16 +99,16 @@ namespace StrataRepgenlib
                 " has more than 10,000,000 bytes, \"&\" counted as \"&amp;\"");
         }
 
-        /// <summary>What XML cannot hold becomes U+FFFD: in the file of persistent data or in a
-        /// template a single such character would make the library lose all references after
+        /// <summary>Replaces characters that XML does not allow by U+FFFD: a single one in the
+        /// persistent data file or in a template would make the library lose all references after
         /// it.</summary>
         private static string HeldByXml(string text)
         {
             return Unstorable.Replace(text, "\uFFFD");
         }
 
-        /// <summary>A reference that XML knows, as a document may hold it; null for another
-        /// one.</summary>
+        /// <summary>A reference that XML defines, in the form that a document may contain; null for
+        /// another one.</summary>
         private static string HeldReference(Match ampersand)
         {
             string name = ampersand.Groups[1].Value;
@@ -121,9 +121,9 @@ namespace StrataRepgenlib
             return isHeld ? ampersand.Value : "&#xFFFD;";
         }
 
-        /// <summary>Markup that damages nothing after it. Throws an ArgumentException for a
-        /// reference that XML does not know. To the library a name goes up to the next ";",
-        /// whatever is in between, and without one just the "&amp;" is lost.</summary>
+        /// <summary>Markup that does not damage the text after it. Throws an ArgumentException for
+        /// a reference that XML does not define. For the library a name extends to the next ";",
+        /// with any characters in between; without a ";" only the "&amp;" is lost.</summary>
         internal static string CheckedMarkup(string content, string what)
         {
             string text = HeldByXml(content);
@@ -141,8 +141,8 @@ namespace StrataRepgenlib
             });
         }
 
-        /// <summary>What persistent data is, which the library reads twice, after the first
-        /// reading. It cuts white space at the edges then, which references save.</summary>
+        /// <summary>Escapes a text of persistent data for the second of two decodings. The library
+        /// then removes white space at the edges unless it is written as references.</summary>
         private static string EscapedWithEdges(string text)
         {
             string start = text.Substring(0, text.Length - text.TrimStart(Blanks).Length);
@@ -159,7 +159,7 @@ namespace StrataRepgenlib
             return text.ToString();
         }
 
-        /// <summary>The text that XML content stands for; what is no reference stays.</summary>
+        /// <summary>The text of XML content; an "&amp;" that starts no reference stays.</summary>
         internal static string WithoutReferences(string content)
         {
             return Reference.Replace(content, match => Meaning(match) ?? match.Value);
@@ -179,7 +179,7 @@ namespace StrataRepgenlib
             return Character(match.Groups[isHex ? "hex" : "decimal"].Value, isHex);
         }
 
-        /// <summary>The character of so many digits; null for none.</summary>
+        /// <summary>The character with a number; null if there is none.</summary>
         private static string Character(string digits, bool isHex)
         {
             NumberStyles style = isHex ? NumberStyles.AllowHexSpecifier : NumberStyles.None;
@@ -192,9 +192,9 @@ namespace StrataRepgenlib
                 : char.ConvertFromUtf32((int)number);
         }
 
-        /// <summary>A translation becomes part of a template. What looks like markup in it is meant
-        /// as such only if the original has it, too, and nothing in it may damage what follows in
-        /// the template.</summary>
+        /// <summary>Escapes a translation, which becomes part of a template: characters of markup
+        /// count as markup only if the original text contains them, and nothing may damage the rest
+        /// of the template.</summary>
         internal static string AsMarkup(string original, string translation)
         {
             translation = HeldByXml(translation);
@@ -203,10 +203,10 @@ namespace StrataRepgenlib
                 translation, match => HeldReference(match) ?? Escaped(match.Value));
             if (original.IndexOf('<') < 0) translation = translation.Replace("<", "&lt;");
             if (original.IndexOf('>') < 0) translation = translation.Replace(">", "&gt;");
-            // A CDATA section of the translation's own needs its end.
+            // The end of a CDATA section in the translation stays.
             if (!translation.Contains("<![CDATA["))
                 translation = translation.Replace("]]>", "]]&gt;");
-            // A marker in an attribute stands between single quotes.
+            // A marker in an attribute is enclosed in single quotes.
             if (original.IndexOf('\'') < 0) translation = translation.Replace("'", "&#39;");
             return translation;
         }

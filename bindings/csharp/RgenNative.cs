@@ -187,9 +187,9 @@ namespace StrataRepgenlib
     public delegate IntPtr RgenTranslateFunction(IntPtr text, IntPtr context);
 
     /// <summary>The functions and status values of the library, letter for letter. The header
-    /// rgen.h has the whole contract: who frees what, null rules, threads, exceptions. Texts go in
-    /// as UTF-8 bytes with a zero byte at their end and come back as pointers to such bytes;
-    /// nothing is converted or freed by itself.</summary>
+    /// rgen.h documents the contract: ownership, null rules, threads, exceptions. Texts are passed
+    /// as null-terminated UTF-8 bytes and returned as pointers to such bytes; nothing is converted
+    /// or freed automatically.</summary>
     public static class RgenNative
     {
         /// <summary>The name by which the runtime looks for the library.</summary>

@@ -1,5 +1,5 @@
-// The translate callback: the delegate that the library calls, the text that it gave last, and what
-// the translator threw.
+// The translate callback: the delegate that the library calls, the text that it returned last, and
+// the exception of the translator.
 //
 // SPDX-License-Identifier: MIT
 using System;
@@ -10,11 +10,11 @@ namespace StrataRepgenlib
 {
     internal sealed class Translation
     {
-        /// <summary>What a translator threw on this thread, which generates.</summary>
+        /// <summary>The exception of a translator on this thread, which generates.</summary>
         [ThreadStatic]
         private static ExceptionDispatchInfo raised;
 
-        /// <summary>Kept here, so that it lives as long as the library may call it.</summary>
+        /// <summary>Stored here so that it lives as long as the library may call it.</summary>
         internal readonly RgenTranslateFunction Function;
 
         private readonly Func<string, string> translate;
@@ -28,9 +28,9 @@ namespace StrataRepgenlib
             Function = Call;
         }
 
-        /// <summary>Makes a call of the library; gives its result, and what a translator threw
-        /// meanwhile. It may be made inside a translator of another generator, which has thrown
-        /// nothing by then.</summary>
+        /// <summary>Makes a call of the library; returns its result, and the exception of a
+        /// translator during the call. It may be made inside a translator of another generator,
+        /// which has thrown nothing so far.</summary>
         internal static int Watch(Func<int> call, out ExceptionDispatchInfo raisedInside)
         {
             try
@@ -44,13 +44,14 @@ namespace StrataRepgenlib
             }
         }
 
-        /// <summary>The generator keeps this object as long as a call runs.</summary>
+        /// <summary>The generator keeps this object alive while a call runs.</summary>
         ~Translation()
         {
             Marshal.FreeHGlobal(text);
         }
 
-        /// <summary>No exception may cross the library: the text stays as it is then.</summary>
+        /// <summary>No exception may leave the callback: after one the text stays as it
+        /// is.</summary>
         private IntPtr Call(IntPtr original, IntPtr context)
         {
             if (raised != null) return original;
@@ -78,7 +79,7 @@ namespace StrataRepgenlib
             return ReportTexts.ToUtf8(translation, "a translation");
         }
 
-        /// <summary>The library copies a text before it asks for the next one.</summary>
+        /// <summary>The library copies a text before it requests the next one.</summary>
         private void Keep(byte[] bytes)
         {
             Marshal.FreeHGlobal(text);

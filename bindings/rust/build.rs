@@ -1,5 +1,5 @@
-// Tells the linker where the library is. STRATA_REPGENLIB_DIR names its folder; without it, an
-// installation that holds this crate is looked at, and after it the linker's own folders.
+// Tells the linker where the library is: in the folder STRATA_REPGENLIB_DIR, or else in the
+// installation that contains this crate, or in the linker's own folders.
 //
 // SPDX-License-Identifier: MIT
 use std::env;
@@ -8,7 +8,7 @@ use std::path::{Path, PathBuf};
 const FILE_NAMES: [&str; 3] =
     ["libstrata_repgenlib.so", "libstrata_repgenlib.dll.a", "strata_repgenlib.lib"];
 
-/// "lib" and its neighbour beside share/strata_repgenlib/bindings/rust.
+/// The folders for libraries of an installation with share/strata_repgenlib/bindings/rust.
 fn installed_folders() -> Vec<PathBuf> {
     let crate_folder = PathBuf::from(env::var_os("CARGO_MANIFEST_DIR").unwrap_or_default());
     match crate_folder.ancestors().nth(4) {

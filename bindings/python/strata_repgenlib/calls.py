@@ -1,4 +1,4 @@
-"""How calls run: translators that raise, calls that Ctrl-C can reach, handles that close late.
+"""Runs calls of the library: exceptions of translators, Ctrl-C, and closing while calls run.
 
 SPDX-License-Identifier: MIT
 """
@@ -19,7 +19,7 @@ Translate = Callable[[str], str]
 
 
 class Raised:
-    """What translators raised, by the thread that generates."""
+    """Exceptions of translators, by the thread that generates."""
 
     def __init__(self) -> None:
         self._by_thread: dict[int, BaseException] = {}
@@ -35,8 +35,8 @@ class Raised:
 
 
 class Translation:
-    """A translator as the library calls it. It must live until the next one is set; the text that
-    it gave last lives until it is asked again, by when the library has copied it."""
+    """A translator with the signature of the library's callback. It must live until the next one is
+    set. The text that it returned lives until the next call; the library has copied it by then."""
 
     def __init__(self, translate: Translate, is_markup: bool, raised: Raised) -> None:
         buffer: Optional[ctypes.Array[ctypes.c_char]] = None
@@ -58,7 +58,7 @@ class Translation:
                               else as_markup(original, translated))
                 buffer = ctypes.create_string_buffer(translated.encode("utf-8"))
                 return ctypes.addressof(buffer)
-            # Nothing may cross the library; it is raised after the call.
+            # An exception must not leave the callback; it is raised after the call.
             except BaseException as exception:
                 raised.keep(exception)
                 return text
@@ -67,7 +67,7 @@ class Translation:
 
 
 class Calls:
-    """Counts the calls that run, so that a handle is freed only after the last one."""
+    """Counts the running calls, so that a handle is freed only after the last one."""
 
     def __init__(self) -> None:
         self._changed = threading.Condition()
@@ -88,7 +88,7 @@ class Calls:
                 self._changed.notify_all()
 
     def close(self) -> bool:
-        """Lets no further call in and waits for the others; False when that was done before."""
+        """Refuses new calls and waits for the running ones; False if it was already closed."""
         with self._changed:
             was_closed = self._is_closed
             self._is_closed = True
@@ -97,15 +97,16 @@ class Calls:
 
 
 def interruptible(function: Callable[[], Result], interrupt: Callable[[], None]) -> Result:
-    """What the function gives. On the main thread, the only one that Ctrl-C reaches, another thread
-    runs it, since Python hears nothing while it is inside the library: then a KeyboardInterrupt
-    calls `interrupt` until the function ends, and goes on; a second one goes on at once."""
+    """Calls the function and returns its result. Python handles Ctrl-C only on the main thread, and
+    not inside the library: so the main thread runs the function on another thread. After a
+    KeyboardInterrupt it calls `interrupt` until the function ends, and raises the exception; after
+    a second one it raises at once."""
     if threading.current_thread() is not threading.main_thread():
         return function()
     results: list[Result] = []
     raised: list[BaseException] = []
     done = threading.Event()
-    # Whoever takes it first decides whether the function is called: Ctrl-C may come at any moment.
+    # Acquired first by the call or by its interruption: Ctrl-C may come at any time.
     decision = threading.Lock()
 
     def run() -> None:
@@ -118,7 +119,7 @@ def interruptible(function: Callable[[], Result], interrupt: Callable[[], None])
         finally:
             done.set()
 
-    # Context variables are the caller's there, too.
+    # The other thread has the context variables of the caller.
     context = contextvars.copy_context()
     try:
         threading.Thread(target=context.run, args=(run,), name="strata_repgenlib").start()
@@ -126,7 +127,7 @@ def interruptible(function: Callable[[], Result], interrupt: Callable[[], None])
     except KeyboardInterrupt:
         if decision.acquire(blocking=False):
             raise
-        # It may have to wait itself, for a template that runs.
+        # On another thread, since `interrupt` may have to wait for a running template.
         threading.Thread(target=_interrupt, args=(interrupt, done),
                          name="strata_repgenlib_interrupt").start()
         _wait(done)
@@ -139,21 +140,21 @@ def interruptible(function: Callable[[], Result], interrupt: Callable[[], None])
 
 
 def _interrupt(interrupt: Callable[[], None], done: threading.Event) -> None:
-    """Again and again: a call that the library does not know yet hears nothing of it."""
-    with suppress(ValueError):  # The generator may be closed meanwhile.
+    """Repeats the interrupt: the library ignores it before the call is registered."""
+    with suppress(ValueError):  # The generator may have been closed.
         while not done.is_set():
             interrupt()
             done.wait(0.1)
 
 
 def _discard(result: object) -> None:
-    """Closes the file of a call that nobody waits for any more."""
+    """Closes the file of an abandoned call."""
     close = getattr(result, "close", None)
     if close is not None:
         close()
 
 
 def _wait(done: threading.Event) -> None:
-    """On Windows a wait without an end does not hear Ctrl-C."""
+    """Waits in short steps: on Windows Ctrl-C does not end a wait without a timeout."""
     while not done.wait(0.5):
         pass

@@ -1,5 +1,5 @@
-"""What is looked at before the library is called: failures that it has no status for would leave it
-as C++ exceptions and end the process. Here they are raised as Python's own exceptions.
+"""Checks before calls of the library: failures without a status would end the process, as C++
+exceptions of the library. The checks raise Python's own exceptions instead.
 
 SPDX-License-Identifier: MIT
 """
@@ -16,7 +16,7 @@ StrPath = Union[str, "os.PathLike[str]"]
 
 
 def as_path(path: StrPath, what: str) -> str:
-    """The path as a str; ValueError for an empty one, and as `encoded`."""
+    """The path as a str; ValueError for an empty one, and the exceptions of `encoded`."""
     text = os.fspath(path)
     encoded(text, what)
     if not text:
@@ -25,17 +25,17 @@ def as_path(path: StrPath, what: str) -> str:
 
 
 def as_absolute(path: str) -> str:
-    """The path, which names the same file when the current folder is another one later. OSError
-    when the current folder is gone."""
+    """An absolute path, which stays valid if the current folder changes later. OSError if the
+    current folder does not exist any more."""
     if os.path.isabs(path):
         return path
-    # On Linux ".." after a link is not what stands before it.
+    # On Linux ".." after a link is not the folder that contains the link.
     return os.path.abspath(path) if os.name == "nt" else os.path.join(os.getcwd(), path)
 
 
 def probe(path: str) -> bool:
-    """Asks the file system for a path as the library will: whether it is there. What is wrong
-    beyond that (no rights, a name too long, a circle of links) is raised as an OSError."""
+    """True if the path exists, by the same query as the library's. Other failures (no rights, a
+    name that is too long, a loop of links) are raised as an OSError."""
     try:
         os.stat(path)
     except (FileNotFoundError, NotADirectoryError):
@@ -44,7 +44,7 @@ def probe(path: str) -> bool:
 
 
 def check_folder(folder: str) -> None:
-    """The folder above the data directory is there, and the data directory is or can be made."""
+    """Checks that the folder exists, and that the data directory in it exists or can be made."""
     if not os.path.isdir(folder):
         exists = probe(folder)
         code = errno.ENOTDIR if exists else errno.ENOENT
@@ -52,7 +52,7 @@ def check_folder(folder: str) -> None:
     effective = os.access in os.supports_effective_ids
     data_dir = os.path.join(folder, ".rgen")
     is_there = probe(data_dir)
-    # A link to nothing is there as well, for whoever wants to make a folder of that name.
+    # A dangling link counts: it prevents making a folder with that name.
     if os.path.lexists(data_dir) and not os.path.isdir(data_dir):
         raise NotADirectoryError(errno.ENOTDIR, os.strerror(errno.ENOTDIR), data_dir)
     needed = os.X_OK if is_there else os.W_OK | os.X_OK
@@ -61,7 +61,7 @@ def check_folder(folder: str) -> None:
 
 
 def check_data_dir(folder: str, report_format: str = "") -> None:
-    """The same, and the files in the data directory that the library asks for can be asked for."""
+    """The same, and checks that the file system accepts the paths in the data directory."""
     check_folder(folder)
     data_dir = os.path.join(folder, ".rgen")
     probe(os.path.join(data_dir, "config.xml"))
@@ -71,7 +71,7 @@ def check_data_dir(folder: str, report_format: str = "") -> None:
 
 
 def check_output(path: str, is_converted: bool, converter_base: str) -> None:
-    """The output file can be asked for, and so can its neighbours during a conversion."""
+    """Checks that the file system accepts the output path and those that a conversion adds."""
     probe(path)
     if not is_converted:
         return

@@ -39,13 +39,13 @@ class StatusError(RuntimeError):
 
 
 class Cancelled(StatusError):
-    """Somebody cancelled the generation."""
+    """The generation was cancelled."""
 
 
 class ConversionError(RuntimeError):
-    """The library reported success, but the converter made no pdf, or not a whole one.
+    """The library reported success, but the converter made no pdf, or not a complete one.
 
-    `path` is the file that was asked for, `reason` the text of "<path>.error.txt", empty when the
+    `path` is the requested file, `reason` the text of "<path>.error.txt", empty when the
     converter left none.
     """
 
@@ -60,18 +60,18 @@ class ConversionError(RuntimeError):
 
 
 class LibraryNotFoundError(OSError):
-    """The shared library is at none of the places, or cannot be loaded from them."""
+    """The shared library was not found, or cannot be loaded."""
 
 
 def forget_reason(path: str) -> None:
-    """Removes the text of an earlier failure, which would be taken for one of this conversion. What
+    """Removes the text of an earlier failure, so that it is not mistaken for a new one. A file that
     cannot be removed stays."""
     with suppress(OSError):
         os.remove(path + ".error.txt")
 
 
 def verify_pdf(path: str) -> None:
-    """Checks what the converter made of a successful generation: exit codes tell nothing."""
+    """Checks the pdf of a successful generation: the library ignores the converter's exit code."""
     reason = None
     if os.path.isfile(path + ".error.txt"):
         with open(path + ".error.txt", encoding="utf-8", errors="replace") as file:
@@ -80,7 +80,7 @@ def verify_pdf(path: str) -> None:
         raise ConversionError(path, "the converter made no file", reason or "")
     if not _is_whole_pdf(path):
         raise ConversionError(path, "the converter's file is not a whole pdf", reason or "")
-    # A page about its failure is no report; an older text was removed before the conversion.
+    # The pdf is then a page about the failure; an older text was removed before the conversion.
     if reason is not None:
         raise ConversionError(path, "the converter failed", reason)
 

@@ -31,11 +31,11 @@ class Generator:
 
     It is a context manager; `close` or the end of the block frees it. Every method may be called
     from any thread, several at once. Methods raise StatusError for failures that the library
-    reports, OSError and ValueError for what would end the process inside the library (README.md has
-    the list) and what a translator raised.
+    reports, OSError and ValueError for failures that would end the process inside the library (see
+    README.md), and exceptions of the translator.
 
-    `folder` must exist. `translate` is as in `set_translator`. `library` is what `load_library`
-    gave, or a path for it.
+    `folder` must exist. `translate` is as in `set_translator`. `library` is a result of
+    `load_library`, or a path for it.
     """
 
     def __init__(self, folder: StrPath, *, translate: Optional[Translate] = None,
@@ -62,24 +62,24 @@ class Generator:
         self.close()
 
     def __del__(self) -> None:
-        # A constructor that failed early may have left nothing.
+        # A constructor that failed early may have set no handle.
         if getattr(self, "_handle", None):
             self.close()
 
     def close(self) -> None:
-        """Frees the generator, once the calls that run have ended. Not for use in a translator."""
+        """Waits for running calls and frees the generator. Must not be called by a translator."""
         if self._calls.close():
             self.library.rgen_freeReportGenerator(self._handle)
             self._handle = None
 
     @property
     def folder(self) -> Path:
-        """The folder that holds the data directory."""
+        """The folder that contains the data directory."""
         return Path(self._folder)
 
     def set_folder(self, folder: StrPath) -> None:
-        """Takes the data directory of another folder, which must exist. A relative path counts from
-        the folder that is the current one now."""
+        """Uses the data directory of another folder, which must exist. A relative path is resolved
+        against the current folder at the time of this call."""
         path = as_absolute(as_path(folder, "the folder"))
         check_folder(path)
         with self._calls.one():
@@ -88,17 +88,18 @@ class Generator:
         self._folder = path
 
     def set_translator(self, translate: Optional[Translate], *, markup: bool = False) -> None:
-        """Sets what translates the marked texts of templates, or nothing with None.
+        """Sets the function that translates the marked texts of templates; None for none.
 
-        It is given the text as it stands in the template and gives another str. "&", "<", ">" and
-        "'" in that are escaped, each unless the original has it, too; "]]>", unless the translation
-        has a CDATA section, and an "&" that starts no reference of XML are escaped in any case. "{"
-        and "}" are not: in attributes of the template they stand for an XPath expression. With
-        `markup` the translation becomes part of the template as it is; ValueError for a reference
-        that XML does not know. What XML cannot hold becomes U+FFFD in both forms; a text that is
-        given back unchanged stays as it is. It runs on the generating threads, one at a time,
-        and must not call this generator. When it raises, this and all further texts of the report
-        stay as they are, and the exception leaves the method that generates, after its end.
+        Its argument is the text as written in the template; it returns a str. "&", "<", ">" and "'"
+        in the result are escaped, each unless the original text contains it. An "&" that starts no
+        reference of XML is always escaped, and so is "]]>" unless the translation has a CDATA
+        section. "{" and "}" are not escaped: in attributes of the template they enclose an XPath
+        expression. With `markup` the translation becomes part of the template without escapes;
+        ValueError for a reference that XML does not define. In both forms characters that XML does
+        not allow become U+FFFD, and a text that is returned unchanged stays as it is. The function
+        runs on the generating threads, one at a time, and must not call this generator. When it
+        raises an exception, this and all further texts of the report stay as they are, and the
+        generating method raises the exception after the report.
         """
         used = Translation(translate or _unchanged, markup or translate is None, self._raised)
         with self._calls.one(), self._settings:
@@ -106,11 +107,10 @@ class Generator:
             self._translation = used
 
     def generate_file(self, request: Request, path: StrPath) -> Path:
-        """Writes a report to a file, replacing an older one, and gives its path.
+        """Writes a report to a file, replacing an older one, and returns its path.
 
-        For "pdf" the converter runs, unless the request says otherwise; ConversionError when what
-        it made is no whole pdf. What an earlier conversion left as "<path>.error.txt" is removed
-        beforehand.
+        For "pdf" the converter runs, unless the request disables it; ConversionError if it made no
+        complete pdf. "<path>.error.txt" of an earlier conversion is removed first.
         """
         output = as_path(path, "the output path")
         is_converted = request.format == "pdf" and request.convert
@@ -123,15 +123,16 @@ class Generator:
         return Path(output)
 
     def generate_bytes(self, request: Request) -> bytes:
-        """Gives a report as bytes, without any conversion."""
+        """Returns a report as bytes, without any conversion."""
         report: bytes = self._generate(request, c.OUTPUT_BYTES, "", _result_bytes)
         return report
 
     def open_report(self, request: Request, path: StrPath) -> IO[bytes]:
         """Opens a report as a file that vanishes when it is closed, without any conversion.
 
-        On Linux the file is at its start, for reading and writing, and its name is gone already. On
-        Windows it is at the end of the report and for writing only; the path should be ASCII.
+        On Linux the file is open for reading and writing, with the file offset at its start, and
+        its name is already removed. On Windows it is open for writing only, with the offset at the
+        end of the report; the path should be ASCII.
         """
         output = as_path(path, "the output path")
         check_output(output, False, "")
@@ -139,20 +140,20 @@ class Generator:
         return file
 
     def cancel(self, report_type: Optional[ReportType] = None) -> None:
-        """Asks the generations of a report type, or all of this generator, to stop: they raise
-        Cancelled unless they are past their last check. For another thread than the generating one;
-        waits while a template runs."""
+        """Requests the generations of a report type, or all of this generator, to stop: they raise
+        Cancelled unless they are past their last check. Call it on another thread than the
+        generating one; it waits while a template runs."""
         guid = None if report_type is None else ctypes.byref(guid_record(report_type))
         with self._calls.one():
             self.library.rgen_cancel(self._handle, guid)
 
     def persistent_data(self, report_type: ReportType) -> dict[str, str]:
-        """The persistent data of a report type, as reports show it: what `set_persistent_data` was
-        given. Only entries without a name or text and white space at the edges of a name are not
-        kept. Control characters (but for tab, carriage return and line feed), U+FFFE and U+FFFF
-        come back as U+FFFD.
+        """The persistent data of a report type, as reports show it and as `set_persistent_data` got
+        it, except: entries without a name or text, and white space at the edges of names, are not
+        stored; control characters (other than tab, carriage return and line feed), U+FFFE and
+        U+FFFF are returned as U+FFFD.
 
-        StatusError with RGEN_E_OPEN_PERSIST when nothing was stored yet or the file cannot be read.
+        StatusError with RGEN_E_OPEN_PERSIST if nothing was stored yet or the file cannot be read.
         """
         check_data_dir(self._folder)
         guid = guid_record(report_type)
@@ -172,10 +173,10 @@ class Generator:
     def set_persistent_data(self, report_type: ReportType, texts: Entries[Text]) -> None:
         """Replaces the persistent data of a report type by names and texts; no merging.
 
-        ValueError for what the store would cut: a text of more than 10,000,000 bytes ("&" and each
-        white space at an edge count as five), a name of more than 1,000,000. ValueError as well for
-        a Markup with a reference that XML does not know, which would damage other entries; what XML
-        cannot hold becomes U+FFFD.
+        ValueError for texts that the library would truncate: more than 10,000,000 bytes ("&" and
+        each white space at an edge count as five), for a name more than 1,000,000. Also ValueError
+        for a Markup with a reference that XML does not define, which would damage other entries.
+        Characters that XML does not allow become U+FFFD.
         """
         check_data_dir(self._folder)
         guid = guid_record(report_type)
@@ -197,7 +198,7 @@ class Generator:
                 self._handle, ctypes.byref(guid), ctypes.byref(record)), str(report_type))
 
     def dump(self, values: Entries[Value], path: StrPath) -> None:
-        """Writes values as an XML file of names and display texts, which is replaced."""
+        """Writes values as an XML file of names and display texts; replaces an existing file."""
         output = as_path(path, "the path of the dump")
         probe(output)
         record = c.RgenCInputParams()
@@ -229,7 +230,7 @@ class Generator:
         return text.decode("utf-8")
 
     def _check(self, status: int, subject: str) -> None:
-        """For use inside a call."""
+        """Raises the exception of a failed status. For use inside a call."""
         if status < 0:
             kind = Cancelled if status == Status.RGEN_CANCELED else StatusError
             raise kind(subject, status, self._description(status))
@@ -268,10 +269,10 @@ def _result_bytes(result: c.RgenCVariant) -> bytes:
 
 
 def _result_file(result: c.RgenCVariant) -> IO[bytes]:
-    """The open file, made before the call ends: one that nobody takes closes itself."""
+    """The open file; made before the call ends, so that an abandoned one is closed."""
     if result.type != c.TYPE_HANDLE:
         raise MemoryError("the library has no memory for the result")
-    # ctypes gives None for a null pointer, which is descriptor 0.
+    # ctypes returns None for a null pointer, which here is descriptor 0.
     handle: int = result.value.handleValue or 0
     if sys.platform == "win32":
         import msvcrt

@@ -1,4 +1,4 @@
-"""The shared library: its records, its functions, and where it is.
+"""The shared library: its records, its functions, and how it is found.
 
 SPDX-License-Identifier: MIT
 """
@@ -39,7 +39,7 @@ class RgenCVariant(ctypes.Structure):
                 ("hint", c_uint64)]
 
 
-# "items" and "values" would hide methods of the record if these were mappings; they are none.
+# "items" and "values" would hide methods of a mapping; a record has no such methods.
 class RgenCVariantSet(ctypes.Structure):
     _fields_ = [("items", POINTER(RgenCVariant)), ("count", c_uint64)]
 
@@ -59,7 +59,7 @@ class RgenCInputParams(ctypes.Structure):
 TYPE_EMPTY, TYPE_INT64, TYPE_STRING, TYPE_BYTE_ARRAY, TYPE_HANDLE = range(5)
 OUTPUT_FILE, OUTPUT_DELETE_ON_CLOSE, OUTPUT_BYTES = range(3)
 
-# The result is an address, so that ctypes neither frees nor copies the text behind it.
+# The result is an address, so that ctypes neither frees nor copies the text.
 TranslateFunction = ctypes.CFUNCTYPE(c_void_p, c_void_p, c_void_p)
 
 _GENERATOR = c_void_p
@@ -71,7 +71,7 @@ _VALUES = POINTER(RgenCVariantSet)
 _PAIRS = POINTER(RgenCAnsiStringPairSet)
 _INPUT = POINTER(RgenCInputParams)
 
-# Name of a function: its result and its arguments.
+# The result and the arguments of each function.
 FUNCTIONS: dict[str, tuple[Any, list[Any]]] = {
     "rgen_newReportGenerator": (c_void_p, []),
     "rgen_freeReportGenerator": (None, [_GENERATOR]),
@@ -103,8 +103,8 @@ FUNCTIONS: dict[str, tuple[Any, list[Any]]] = {
 
 
 class Library:
-    """The loaded library. Its functions are attributes under their names in C; they release
-    Python's global lock while they run."""
+    """The loaded library. Its functions are attributes with their names in C; they release Python's
+    global lock while they run."""
 
     def __init__(self, path: str) -> None:
         self.path = path
@@ -125,8 +125,8 @@ _NAMES = (["strata_repgenlib.dll"] if _IS_WINDOWS
 
 
 def _folders(package: Path) -> Iterator[Path]:
-    """Beside the package; and where the library is, if the package is inside its installation:
-    PREFIX/share/strata_repgenlib/bindings/python/strata_repgenlib."""
+    """The folders to search: that of the package; and those for libraries in the installation, if
+    the package is PREFIX/share/strata_repgenlib/bindings/python/strata_repgenlib."""
     yield package
     if list(package.parts[-5:-1]) == ["share", "strata_repgenlib", "bindings", "python"]:
         prefix = package.parents[4]
@@ -137,8 +137,8 @@ def _folders(package: Path) -> Iterator[Path]:
 
 
 def _along_path(name: str) -> Iterator[str]:
-    """Where PATH has the file. Windows itself does not look there for a DLL that is loaded this
-    way, and shutil.which for programs only. Folders that depend on the current one are left out."""
+    """The files of this name on PATH. Windows does not search PATH for a DLL that is loaded this
+    way, and shutil.which finds programs only. Relative folders are ignored."""
     for folder in os.get_exec_path():
         path = os.path.join(folder.strip('"'), name)
         if os.path.isabs(path) and os.path.isfile(path):
@@ -171,11 +171,11 @@ def _load(path: str) -> Library:
 
 
 def load_library(path: Optional[Union[str, os.PathLike[str]]] = None) -> Library:
-    """Loads the library: from the path, which may also be the folder that holds it; without one
-    from beside the package, from the installation that the package is in, or from where the system
-    finds it.
+    """Loads the library from a path, which may also be its folder. Without a path it searches the
+    folder of the package, the installation that contains the package, and the system's folders.
 
-    LibraryNotFoundError says what was tried. Loading the same file again gives the same object.
+    LibraryNotFoundError lists the paths that were tried. Loading the same file again returns the
+    same object.
     """
     tried = []
     if path is None:

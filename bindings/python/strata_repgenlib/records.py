@@ -22,7 +22,7 @@ _GREATEST_INT = (1 << 31) - 1
 
 
 class Target(enum.Enum):
-    """On their way in texts go to a report, which reads them once, or to the persistent data."""
+    """Where texts go: to a report, which decodes them once, or to the persistent data."""
 
     REPORT = enum.auto()
     STORE = enum.auto()
@@ -30,7 +30,7 @@ class Target(enum.Enum):
 
 @contextmanager
 def owned(free: Callable[[Any], None], record: Any) -> Iterator[Any]:
-    """A record that is freed at the end of the block, whatever it holds by then."""
+    """A record that is freed at the end of the block."""
     try:
         yield record
     finally:
@@ -60,7 +60,7 @@ def _key(name: str, target: Target) -> bytes:
 
 def _content(text: Text, target: Target) -> bytes:
     plain = text.content if isinstance(text, Markup) else text
-    # Checked first: an escape would not find what is no str.
+    # Checked before escaping, which needs a str.
     content = encoded(plain, "a text")
     if target is Target.STORE:
         return _stored_content(text)
@@ -68,7 +68,7 @@ def _content(text: Text, target: Target) -> bytes:
 
 
 def _stored_content(text: Text) -> bytes:
-    """The length counts as the first of the two readings leaves it: "&" as "&amp;"."""
+    """The limit applies to the text after the first of two decodings, where "&" is "&amp;"."""
     content = (checked_markup(text.content, "a text") if isinstance(text, Markup)
                else escaped_twice(storable(text)))
     encoded_content = content.encode()
@@ -95,8 +95,8 @@ def _fill_bytes(library: c.Library, name: bytes, content: bytes, target: Target,
 
 def fill_value(library: c.Library, name: str, value: Value, target: Target,
                record: c.RgenCVariant) -> None:
-    """Fills an empty record; TypeError for what is no value. The create functions return 1 even
-    when memory for a name is exhausted, so the buffers are looked at."""
+    """Fills an empty record; TypeError for an object that is no value. The create functions return
+    1 even when memory for a name is exhausted, so the buffers are checked."""
     key = _key(name, target)
     filled = ctypes.byref(record)
     if isinstance(value, (str, Markup)):
@@ -119,7 +119,7 @@ def fill_value(library: c.Library, name: str, value: Value, target: Target,
 
 def fill_values(library: c.Library, values: Entries[Value], target: Target,
                 record: c.RgenCVariantSet) -> None:
-    """Fills an empty set. It gets an array even for no values: the dump asks for one."""
+    """Fills an empty set, with an array even for no values: the dump requires one."""
     by_name = as_dict(values)
     _require(library.rgen_createRgenCVariantSet(ctypes.byref(record), max(1, len(by_name))))
     items = record.items
@@ -173,7 +173,7 @@ def bytes_of(record: c.RgenByteArray) -> bytes:
 
 
 def value_of(record: c.RgenCVariant) -> Value:
-    """A value that came from the library; integers with a hint of their own keep it."""
+    """A value that the library returned; integers keep their hint unless it is the generic one."""
     if record.type == c.TYPE_STRING:
         return text_of(record.value.stringValue)
     if record.type == c.TYPE_BYTE_ARRAY:

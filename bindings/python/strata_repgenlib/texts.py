@@ -1,4 +1,4 @@
-"""Texts on their way to the library, which reads them as XML content, and back.
+"""Converts texts to the XML content that the library reads, and back.
 
 SPDX-License-Identifier: MIT
 """
@@ -10,46 +10,46 @@ import re
 _NAMED = {"amp": "&", "lt": "<", "gt": ">", "quot": '"', "apos": "'"}
 _REFERENCE = re.compile(r"&(amp|lt|gt|quot|apos|#[0-9]{1,8}|#x[0-9a-fA-F]{1,7});")
 _NUMBER = re.compile(r"&#(?:x([0-9a-fA-F]+)|([0-9]+));")
-# "&", with the whole reference where one begins.
+# "&", with the whole reference if it starts one.
 _AMPERSAND = re.compile(r"&((?:#[0-9]+|#x[0-9a-fA-F]+|[^#&;< \t\r\n][^&;< \t\r\n]*);)?")
-# To the library a name goes up to the next ";", whatever is in between.
+# For the library a name extends to the next ";", with any characters in between.
 _UNKNOWN = re.compile(r"&(?!#|(?:amp|lt|gt|quot|apos);)[^;]*;")
 _EDGES = re.compile(r"\A[ \t\r\n]+|[ \t\r\n]+\Z")
 
 
 def escaped(text: str) -> str:
-    """What the library has to be given, so that a report shows the text as it is."""
+    """The XML content that a report shows as this text."""
     return text.replace("&", "&amp;")
 
 
 def escaped_twice(text: str) -> str:
-    """The same for persistent data, which is read twice. The library also cuts white space at the
-    edges, which references save."""
+    """The same for persistent data, which is decoded twice. The library also removes white space at
+    the edges unless it is written as references."""
     def references(match: re.Match[str]) -> str:
         return "".join(f"&#{ord(letter)};" for letter in match[0])
 
     return escaped(_EDGES.sub(references, escaped(text)))
 
 
-# What XML cannot hold. The surrogates are bytes of a template that are no UTF-8.
+# Characters that XML does not allow. The surrogates are bytes of a template that are not UTF-8.
 _UNSTORABLE = re.compile("[\x01-\x08\x0b\x0c\x0e-\x1f\udc80-\udcff\ufffe\uffff]")
 
-# The library keeps no more bytes of a persistent text, and cuts the rest without a word.
+# The library truncates longer persistent texts, without an error.
 LONGEST_STORED = 10_000_000
-# It loses a persistent name that takes so much in its file, where a letter becomes up to six.
+# It loses longer persistent names. The limit is for the file, where a letter takes up to six bytes.
 LONGEST_STORED_NAME = 1_000_000
 
 
 def storable(text: str) -> str:
-    """What XML cannot hold becomes U+FFFD: in the file of persistent data or in a template a single
-    such character would make the library lose all references after it."""
+    """Replaces characters that XML does not allow by U+FFFD: a single one in the persistent data
+    file or in a template would make the library lose all references after it."""
     return _UNSTORABLE.sub("\ufffd", text)
 
 
 def _held_markup(content: str) -> str:
-    """The same for markup, whose references may mean such a character."""
+    """The same for markup, whose references may stand for such a character."""
     def meant(match: re.Match[str]) -> str:
-        # No number of Python's has that many digits; leading zeros have no meaning.
+        # Eight digits are enough for every character; Python limits the digits that int() reads.
         digits = (match[1] or match[2]).lstrip("0")[:8]
         number = int(digits or "0", 16 if match[1] else 10)
         is_character = number <= 0x10FFFF and not 0xD800 <= number <= 0xDFFF
@@ -60,8 +60,8 @@ def _held_markup(content: str) -> str:
 
 
 def checked_markup(content: str, what: str) -> str:
-    """The same; ValueError for a reference that XML does not know, which would do that damage,
-    too."""
+    """The same; ValueError for a reference that XML does not define, which would do the same
+    damage."""
     held = _held_markup(content)
     unknown = _UNKNOWN.search(held, 0, held.rfind(";") + 1)
     if unknown:
@@ -75,8 +75,8 @@ def require_storable(length: int, longest: int, what: str) -> None:
 
 
 def as_markup(original: str, translation: str) -> str:
-    """A translation becomes part of a template. What looks like markup in it is meant as such only
-    if the original has it, too, and nothing in it may damage what follows in the template."""
+    """Escapes a translation, which becomes part of a template: characters of markup count as markup
+    only if the original text contains them, and nothing may damage the rest of the template."""
     def reference(match: re.Match[str]) -> str:
         if not match[1]:
             return "&amp;"
@@ -90,17 +90,17 @@ def as_markup(original: str, translation: str) -> str:
         translation = translation.replace("<", "&lt;")
     if ">" not in original:
         translation = translation.replace(">", "&gt;")
-    # A CDATA section of the translation's own needs its end.
+    # The end of a CDATA section in the translation stays.
     if "<![CDATA[" not in translation:
         translation = translation.replace("]]>", "]]&gt;")
-    # A marked text with its two quotes can only stand in an attribute between apostrophes.
+    # In an attribute, the quotes of a marked text require that apostrophes enclose the value.
     if "'" not in original:
         translation = translation.replace("'", "&#39;")
     return translation
 
 
 def without_references(content: str) -> str:
-    """The text that XML content stands for; what is no reference stays."""
+    """The text of XML content; an "&" that starts no reference stays."""
     def meant(match: re.Match[str]) -> str:
         name = match[1]
         if name in _NAMED:
@@ -113,8 +113,8 @@ def without_references(content: str) -> str:
 
 
 def encoded(text: str, what: str) -> bytes:
-    """The text in UTF-8. UnicodeEncodeError for lone surrogates, which are no UTF-8; ValueError for
-    a zero byte, where the library would cut the text."""
+    """The text in UTF-8. UnicodeEncodeError for lone surrogates; ValueError for a zero byte, at
+    which the library would truncate the text."""
     if not isinstance(text, str):
         raise TypeError(f"{what} must be a str, not {type(text).__name__}")
     if "\0" in text:
@@ -123,5 +123,5 @@ def encoded(text: str, what: str) -> bytes:
 
 
 def decoded(content: bytes) -> str:
-    """Bytes of the library as a text; what is no UTF-8 in a file of somebody is not lost."""
+    """Bytes of the library as a text; bytes that are not UTF-8 become surrogates."""
     return content.decode("utf-8", "surrogateescape")

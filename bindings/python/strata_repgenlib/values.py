@@ -1,4 +1,4 @@
-"""What reports are made of: values, hints, requests.
+"""Values, hints and requests.
 
 SPDX-License-Identifier: MIT
 """
@@ -15,7 +15,7 @@ from typing import Iterable, Iterator, Mapping, Tuple, TypeVar, Union
 class Hint(enum.IntEnum):
     """How an integer is shown in a report."""
 
-    UNINITIALIZED = 0  # Counts as GENERIC.
+    UNINITIALIZED = 0  # Same as GENERIC.
     GENERIC = 1  # Signed decimal.
     TIME = 2  # Seconds since 1970 UTC, as local "23:59:59".
     DATE = 3  # Same, local date " 1.01.1970".
@@ -23,7 +23,7 @@ class Hint(enum.IntEnum):
     SIZE = 5  # Signed decimal.
     ADDRESS = 6  # "0x" and lower-case hexadecimal digits.
     SPEED = 7  # Signed decimal.
-    DUMP = 8  # Bytes that come back from the library.
+    DUMP = 8  # Of byte arrays that the library returns.
 
 
 @dataclass(frozen=True)
@@ -38,7 +38,7 @@ class Hinted:
 class Markup:
     """A text that is XML content already: Markup("&#8364;") is a euro sign, a plain "&" is lost.
 
-    In persistent data such a text is read twice before it stands in a report; a reference that XML
+    In persistent data such a text is decoded twice before a report shows it; a reference that XML
     does not know is refused there.
     """
 
@@ -47,7 +47,7 @@ class Markup:
 
 @dataclass(frozen=True)
 class Handle:
-    """A handle or descriptor. Reports, dumps and persistent data leave it out; nobody closes it."""
+    """A handle or descriptor. Reports, dumps and persistent data omit it; it is not closed."""
 
     number: int
 
@@ -71,24 +71,24 @@ ReportType = Union[uuid.UUID, str]
 
 @dataclass
 class Request:
-    """What a report is made of; it can be used again, by several threads at once, too."""
+    """The input of a report; it can be reused, also by several threads at once."""
 
     # The GUID of the report type.
     type: ReportType
     # "html", "pdf" or "txt"; also names the template's folder.
     format: str = "html"
-    # Typed values; they win over pairs and persistent data of the same name. A mapping, or pairs of
-    # a name and a value; of one name the later counts.
+    # Typed values; they override pairs and persistent data of the same name. A mapping, or pairs of
+    # a name and a value; later ones override earlier ones of the same name.
     values: Entries[Value] = ()
-    # Name/text pairs; they win over persistent data of the same name.
+    # Name/text pairs; they override persistent data of the same name.
     pairs: Entries[Text] = ()
     # False: a "pdf" report is written as the template made it, without the converter.
     convert: bool = True
-    # Handed to the converter as its base. No double quote in it.
+    # Passed to the converter as its base. It must not contain a double quote.
     converter_base: str = ""
 
     def __post_init__(self) -> None:
-        # What can be walked through only once would be empty for the next report.
+        # An iterator would be exhausted after the first report.
         if isinstance(self.values, Iterator):
             self.values = list(self.values)
         if isinstance(self.pairs, Iterator):
@@ -96,7 +96,7 @@ class Request:
 
 
 def as_guid(report_type: ReportType) -> uuid.UUID:
-    """A GUID of itself or of its text; ValueError for another text."""
+    """A GUID from a UUID or its text; ValueError for another text."""
     return report_type if isinstance(report_type, uuid.UUID) else uuid.UUID(report_type)
 
 
@@ -105,7 +105,7 @@ def as_dict(entries: Entries[Item]) -> dict[str, Item]:
 
 
 def as_integer(number: Union[int, datetime.date], hint: Hint) -> int:
-    """The signed 64-bit number that the library is given; OverflowError when it does not fit."""
+    """The signed 64-bit number for the library; OverflowError if it does not fit."""
     if isinstance(number, datetime.datetime):
         seconds = int(number.timestamp() // 1)
     elif isinstance(number, datetime.date):

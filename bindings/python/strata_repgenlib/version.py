@@ -1,4 +1,4 @@
-"""The version of the package: that of the library's header, which a test compares.
+"""The version of the package; a test compares it with that of the library's header.
 
 SPDX-License-Identifier: MIT
 """

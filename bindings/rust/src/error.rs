@@ -1,4 +1,4 @@
-// What can fail.
+// The errors of the crate.
 //
 // SPDX-License-Identifier: MIT
 use std::fmt;
@@ -8,7 +8,7 @@ use std::path::Path;
 use crate::generator::status_text;
 use crate::rgen_native::{status_name, RgenStatus, RGEN_CANCELED};
 
-/// A failure that the library reported. It shows as all of it: "report.html: Template is not found
+/// A failure that the library reported. Displayed completely: "report.html: Template is not found
 /// in folder (0xC0000009 RGEN_E_TEMPLATE_NOT_FOUND)".
 #[derive(Debug, Clone, PartialEq, Eq)]
 pub struct StatusError {
@@ -36,7 +36,7 @@ impl StatusError {
         status_text(self.status)
     }
 
-    /// Tells whether the generation was cancelled, which is no failure of anything.
+    /// True if the generation was cancelled.
     pub fn is_cancellation(&self) -> bool {
         self.status == RGEN_CANCELED
     }
@@ -49,7 +49,7 @@ impl fmt::Display for StatusError {
     }
 }
 
-/// The library reported success, but the converter made no pdf, or not a whole one.
+/// The library reported success, but the converter made no complete pdf.
 #[derive(Debug, Clone, PartialEq, Eq)]
 pub struct ConversionError {
     pub(crate) path: String,
@@ -58,7 +58,7 @@ pub struct ConversionError {
 }
 
 impl ConversionError {
-    /// The text of `<path>.error.txt`; empty when the converter left none.
+    /// The text of `<path>.error.txt`; empty if there is none.
     pub fn reason(&self) -> &str {
         &self.reason
     }
@@ -78,15 +78,15 @@ impl fmt::Display for ConversionError {
 #[derive(Debug)]
 #[non_exhaustive]
 pub enum Error {
-    /// The library reported it.
+    /// The library reported a status.
     Status(StatusError),
-    /// The converter did not do its work.
+    /// The converter failed.
     Conversion(ConversionError),
-    /// A text or path that the library cannot take: a zero byte, no UTF-8, a double quote.
+    /// A text or path that the library cannot process: a zero byte, not UTF-8, a double quote.
     Text(String),
-    /// The system refuses a path, asked before the library was.
+    /// The system rejected a path before the library was called.
     Io(io::Error),
-    /// The library found no memory.
+    /// The library ran out of memory.
     OutOfMemory,
 }
 

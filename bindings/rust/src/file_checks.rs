@@ -1,4 +1,4 @@
-// What would make the library raise a C++ exception, which ends a host in Rust, is asked first.
+// Checks before calls of the library, whose C++ exceptions would end a host in Rust.
 //
 // SPDX-License-Identifier: MIT
 use std::fs;
@@ -9,7 +9,7 @@ use crate::error::Error;
 use crate::request::Request;
 use crate::texts::{path_text, to_native};
 
-/// Passes when the system says that something is there or not; fails when it refuses to say.
+/// Fails unless the system can tell whether the path exists.
 pub(crate) fn require_reachable(path: &Path) -> Result<&str, Error> {
     let text = path_text(path)?;
     if text.is_empty() {
@@ -21,7 +21,7 @@ pub(crate) fn require_reachable(path: &Path) -> Result<&str, Error> {
     }
 }
 
-/// The folder is there, and so is the data directory in it, which is made like the library would.
+/// Checks that the folder exists, and makes the data directory in it as the library does.
 pub(crate) fn require_data_dir(folder: &Path) -> Result<(), Error> {
     let data_dir = folder.join(".rgen");
     if let Err(error) = fs::create_dir(&data_dir) {
@@ -39,7 +39,7 @@ pub(crate) fn require_data_dir(folder: &Path) -> Result<(), Error> {
     }
 }
 
-/// The system lets this process look for the template of a format.
+/// Checks that this process may look for the template of a format.
 pub(crate) fn require_templates(folder: &Path, format: &str) -> Result<(), Error> {
     let name = format!(".rgen/templates/{format}/any.xsl");
     to_native(format, "the format")?;

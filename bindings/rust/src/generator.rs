@@ -1,4 +1,4 @@
-// The generator: the library's handle with an owner, and its operations.
+// The generator: the owner of the library's handle, and its operations.
 //
 // SPDX-License-Identifier: MIT
 use std::collections::BTreeMap;
@@ -21,18 +21,18 @@ use crate::rgen_native::*;
 use crate::texts::{from_native, stored_name, stored_text, to_native, without_references};
 use crate::translation::{same, translate, watch, Translation};
 
-/// Makes reports. All functions that take it shared may be called by several threads at once.
+/// Makes reports. All functions with `&self` may be called by several threads at once.
 ///
 /// A failure is an [`Error`]. When a translator panics, the function that generates panics with the
-/// same payload after the report; a file may be there then.
+/// same payload after the report; the file may exist.
 pub struct Generator {
     handle: *mut RgenReportGenerator,
     folder: PathBuf,
-    /// Null, or out of a box. The library has the pointer, too, so nothing else may lead there.
+    /// Null, or from a box. The library has the pointer, too, so there must be no reference to it.
     translation: *mut Translation,
 }
 
-// The library takes calls from any thread; a translator, which is Send, is called by one at a time.
+// The library may be called by any thread; a translator, which is Send, is called by one at a time.
 unsafe impl Send for Generator {}
 unsafe impl Sync for Generator {}
 
@@ -49,8 +49,8 @@ impl Generator {
         Ok(generator)
     }
 
-    /// Names another folder for the data directory. RGEN_E_DIR_NOT_FOUND when there is none; the
-    /// previous one stays then.
+    /// Sets another folder for the data directory. RGEN_E_DIR_NOT_FOUND if it does not exist; the
+    /// previous one stays.
     pub fn set_data_dir(&mut self, folder: impl AsRef<Path>) -> Result<(), Error> {
         let named = folder.as_ref();
         require_reachable(named)?;
@@ -64,17 +64,17 @@ impl Generator {
         Ok(())
     }
 
-    /// Sets what translates the marked texts of templates. It gets the text as it stands in the
-    /// template. Translations are escaped: "&", "<", ">" and "'", each unless the original has it,
-    /// too; "]]>", unless the translation has a CDATA section, and an "&" that starts no reference
-    /// of XML in any case. What XML cannot hold becomes U+FFFD, and a text that is given back
-    /// unchanged stays as it is.
+    /// Sets the function that translates the marked texts of templates. Its argument is the text as
+    /// written in the template. In translations "&", "<", ">" and "'" are escaped, each unless the
+    /// original text contains it. An "&" that starts no reference of XML is always escaped, and so
+    /// is "]]>" unless the translation has a CDATA section. Characters that XML does not allow
+    /// become U+FFFD. A text that is returned unchanged stays as it is.
     pub fn set_translator(&mut self, translate: impl FnMut(&str) -> String + Send + 'static) {
         self.set_translation(Translation::new(Box::new(translate), false));
     }
 
-    /// As `set_translator`; the translations become part of the template as they are. One with a
-    /// reference that XML does not know panics.
+    /// Like `set_translator`, but translations become part of the template without escapes. A
+    /// reference that XML does not define panics.
     pub fn set_markup_translator(
         &mut self,
         translate: impl FnMut(&str) -> String + Send + 'static,
@@ -82,7 +82,7 @@ impl Generator {
         self.set_translation(Translation::new(Box::new(translate), true));
     }
 
-    /// Marked texts stay as they are again.
+    /// Removes the translator: marked texts stay as they are.
     pub fn clear_translator(&mut self) {
         unsafe { rgen_setTranslateFunction(self.handle, Some(same), ptr::null_mut()) };
         self.replace_translation(ptr::null_mut());
@@ -94,7 +94,7 @@ impl Generator {
         self.replace_translation(next);
     }
 
-    /// Ends the previous one, which the library has forgotten by now.
+    /// Frees the previous one, which the library does not use any more.
     fn replace_translation(&mut self, next: *mut Translation) {
         let previous = std::mem::replace(&mut self.translation, next);
         if !previous.is_null() {
@@ -103,7 +103,7 @@ impl Generator {
     }
 
     /// Generates a report as a file; an existing one is replaced. A "pdf" that was converted is
-    /// looked at afterwards.
+    /// checked afterwards.
     pub fn generate_file(&self, request: &Request, output: impl AsRef<Path>) -> Result<(), Error> {
         let path = require_output(output.as_ref(), request)?;
         if request.converts() {
@@ -119,15 +119,15 @@ impl Generator {
     /// Generates a report in memory, without any conversion.
     pub fn generate_bytes(&self, request: &Request) -> Result<Vec<u8>, Error> {
         let result = self.generate(request, OutputMode::Bytes, "")?;
-        // A report without bytes leaves the record as it was.
+        // For a report without bytes the record stays empty.
         let is_there = unsafe { !result.0.value.byteArrayValue.data.is_null() };
         require(result.0.r#type == RGEN_TYPE_EMPTY || is_there)?;
         Ok(bytes_of(&result.0))
     }
 
     /// Generates a report as a file that the system deletes when it is closed, without conversion.
-    /// On Linux it is at the end of the report: seek before reading. On Windows it is for writing
-    /// only, and the path is taken in the ANSI code page: keep to ASCII.
+    /// On Linux the file offset is at the end of the report: seek before reading. On Windows it is
+    /// for writing only, and the path is read in the ANSI code page: use ASCII.
     pub fn generate_open_file(
         &self,
         request: &Request,
@@ -139,19 +139,20 @@ impl Generator {
         Ok(unsafe { file_of(result.0.value.handleValue) })
     }
 
-    /// Asks all running generations to stop. They end with a status whose `is_cancellation` is
-    /// true. For another thread than the generating one; waits while a transformation runs.
+    /// Requests all running generations to stop. They end with a status whose `is_cancellation` is
+    /// true. Call it on another thread than the generating one; it waits while a transformation
+    /// runs.
     pub fn cancel(&self) {
         unsafe { rgen_cancel(self.handle, ptr::null()) };
     }
 
-    /// As `cancel`, for the generations of one report type.
+    /// Like `cancel`, for the generations of one report type.
     pub fn cancel_type(&self, report_type: &Guid) {
         unsafe { rgen_cancel(self.handle, &report_type.0) };
     }
 
-    /// The persistent data of a report type, as `set_persistent_data` was given it; control
-    /// characters, U+FFFE and U+FFFF come back as U+FFFD. RGEN_E_OPEN_PERSIST when nothing was
+    /// The persistent data of a report type, as passed to `set_persistent_data`; control
+    /// characters, U+FFFE and U+FFFF are returned as U+FFFD. RGEN_E_OPEN_PERSIST if nothing was
     /// stored yet.
     pub fn persistent_data(&self, report_type: &Guid) -> Result<BTreeMap<String, String>, Error> {
         require_data_dir(&self.folder)?;
@@ -166,8 +167,8 @@ impl Generator {
         Ok(texts.map(|(name, text)| (name, without_references(&text))).collect())
     }
 
-    /// Replaces the persistent data of a report type. Entries without a name or text are not kept;
-    /// more than 10,000,000 bytes of text or 1,000,000 of name are an [`Error::Text`].
+    /// Replaces the persistent data of a report type. Entries without a name or text are not
+    /// stored; more than 10,000,000 bytes of text or 1,000,000 of name are an [`Error::Text`].
     pub fn set_persistent_data<Name: Into<String>, Text: Into<String>>(
         &self,
         report_type: &Guid,
@@ -188,9 +189,10 @@ impl Generator {
         check(&report_type.to_string(), status)
     }
 
-    /// Replaces the persistent data of a report type by what reports show for values; types and
-    /// hints are not kept. A [`Value::Markup`] with a reference that XML does not know, which would
-    /// damage other entries, is an [`Error::Text`]. Otherwise as `set_persistent_data`.
+    /// Replaces the persistent data of a report type by the texts that reports show for values;
+    /// types and hints are not stored. A [`Value::Markup`] with a reference that XML does not
+    /// define, which would damage other entries, is an [`Error::Text`]. In other respects like
+    /// `set_persistent_data`.
     pub fn set_persistent_values(
         &self,
         report_type: &Guid,
@@ -217,7 +219,7 @@ impl Generator {
         })
     }
 
-    /// Reads typed values from an XML file; none when it holds none. Their order is not defined.
+    /// Reads typed values from an XML file, which may contain none. Their order is not defined.
     pub fn simulated_input(&self, input: impl AsRef<Path>) -> Result<Vec<(String, Value)>, Error> {
         let native = to_native(require_reachable(input.as_ref())?, "the path")?;
         let mut set = Owned::<RgenCVariantSet>::empty();
@@ -239,7 +241,7 @@ impl Generator {
         let (status, raised) =
             watch(|| unsafe { rgen_generateReport(self.handle, &input.0, &mut result.0) });
         if let Some(payload) = raised {
-            // The handle of a report that the host never gets is closed.
+            // Closes the handle of a report that is not returned to the host.
             if result.0.r#type == RGEN_TYPE_HANDLE {
                 drop(unsafe { file_of(result.0.value.handleValue) });
             }
@@ -261,7 +263,7 @@ impl Drop for Generator {
 
 /// The library's text for a status.
 pub fn status_text(status: RgenStatus) -> String {
-    // Only whether the handle is null matters to the library.
+    // The library only checks whether the handle is null.
     let any_handle = ptr::NonNull::<RgenReportGenerator>::dangling();
     unsafe { from_native(rgen_getStatusCodeDescription(any_handle.as_ptr(), status)) }
 }

@@ -1,4 +1,4 @@
-// The door of the crate: documentation and names.
+// The documentation and the public names of the crate.
 //
 // SPDX-License-Identifier: MIT
 
@@ -20,12 +20,12 @@
 //! # }
 //! ```
 //!
-//! The contract of rgen.h holds. Texts stand in a report as they are: "&" is escaped on the way to
-//! the library, in persistent data twice. [`Value::Markup`], [`Pair::markup`] and
-//! [`Generator::set_markup_translator`] hand XML content over as it is.
+//! The contract of rgen.h applies. Texts are shown in a report as they are: "&" is escaped for the
+//! library, in persistent data twice. [`Value::Markup`], [`Pair::markup`] and
+//! [`Generator::set_markup_translator`] pass XML content unchanged.
 //!
-//! The library's own C++ exceptions end the process; the README says which ones are left after
-//! what this crate asks first. [`rgen_native`] has the C interface, letter for letter.
+//! The library's own C++ exceptions end the process. This crate checks the usual causes before
+//! calls; the README lists the others. [`rgen_native`] has the C interface, letter for letter.
 
 mod error;
 mod file_checks;

@@ -1,4 +1,4 @@
-// Whether a conversion to pdf made one: the library reports success in any case.
+// Checks whether a conversion made a pdf: the library always reports success.
 //
 // SPDX-License-Identifier: MIT
 use std::fs::{self, File};
@@ -9,13 +9,13 @@ use crate::error::{ConversionError, Error};
 const SEARCHED: u64 = 1024;
 const LONGEST_REASON: u64 = 65536;
 
-/// Fails unless the file is a whole pdf and the converter left no word of failure.
+/// Fails unless the file is a complete pdf and the converter wrote no text of a failure.
 pub(crate) fn require_pdf(path: &str) -> Result<(), Error> {
     let note = part_of(&format!("{path}.error.txt"), 0, LONGEST_REASON).ok();
     let problem = match is_whole_pdf(path) {
         Err(_) => "the converter made no file",
         Ok(false) => "the converter's file is not a whole pdf",
-        // A page about its failure is no report.
+        // The pdf is then a page about the failure.
         Ok(true) if note.is_some() => "the converter failed",
         Ok(true) => return Ok(()),
     };
@@ -23,9 +23,9 @@ pub(crate) fn require_pdf(path: &str) -> Result<(), Error> {
     Err(Error::Conversion(ConversionError { path: path.to_string(), problem, reason }))
 }
 
-/// The note of an earlier failure would speak against a new pdf.
+/// Removes the text of an earlier failure.
 pub(crate) fn remove_note(path: &str) {
-    // What cannot be removed is found after the conversion.
+    // A file that cannot be removed is reported after the conversion.
     let _ = fs::remove_file(format!("{path}.error.txt"));
 }
 
@@ -37,7 +37,7 @@ fn is_whole_pdf(path: &str) -> io::Result<bool> {
     Ok(start == b"%PDF-" && end.windows(5).any(|letters| letters == b"%%EOF"))
 }
 
-/// So many bytes from a position on; fewer at the end of the file.
+/// A number of bytes from a position; fewer at the end of the file.
 fn part_of(path: &str, start: u64, length: u64) -> io::Result<Vec<u8>> {
     let mut file = File::open(path)?;
     file.seek(SeekFrom::Start(start))?;

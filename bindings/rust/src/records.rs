@@ -1,4 +1,4 @@
-// Records of the library with an owner: what is created or filled is freed.
+// Owners for records of the library: they free what was created or filled.
 //
 // SPDX-License-Identifier: MIT
 use std::slice;
@@ -10,9 +10,9 @@ use crate::texts::{
     escaped, from_record, require_storable, stored_markup, stored_name, stored_text, to_native,
 };
 
-/// A record that may hold buffers of the library.
+/// A record that may contain buffers of the library.
 pub(crate) trait Record {
-    /// Gives the buffers back.
+    /// Frees the buffers.
     unsafe fn release(&mut self);
 }
 
@@ -40,11 +40,11 @@ impl Record for RgenCInputParams {
     }
 }
 
-/// Ends a record with its owner.
+/// Frees a record with its owner.
 pub(crate) struct Owned<R: Record>(pub(crate) R);
 
 impl<R: Record> Owned<R> {
-    /// An empty record. All records are numbers and pointers, for which zeros are a value.
+    /// An empty record. All records consist of numbers and pointers, for which zeros are valid.
     pub(crate) fn empty() -> Owned<R> {
         Owned(unsafe { std::mem::zeroed() })
     }
@@ -56,7 +56,7 @@ impl<R: Record> Drop for Owned<R> {
     }
 }
 
-/// Without memory the library leaves records empty.
+/// When memory is exhausted, the library leaves records empty.
 pub(crate) fn require(is_there: bool) -> Result<(), Error> {
     if is_there {
         Ok(())
@@ -101,7 +101,7 @@ fn create_content(
     }
 }
 
-/// Fills a set, with an array even for no values: the dump asks for one.
+/// Fills a set, with an array even for no values: the dump requires one.
 pub(crate) fn create_values(
     values: &[(String, Value)],
     set: &mut RgenCVariantSet,
@@ -116,7 +116,7 @@ pub(crate) fn create_values(
     Ok(())
 }
 
-/// A value as it is given to the library for persistent data.
+/// A value as the library expects it for persistent data.
 pub(crate) fn stored_value(name: &str, value: &Value) -> Result<(String, Value), Error> {
     let content = match value {
         Value::Text(text) => Value::Markup(stored_text(name, text)?),

@@ -1,4 +1,4 @@
-// What a report is made of: values, pairs, and the request that holds them.
+// Values, pairs, and the request that contains them.
 //
 // SPDX-License-Identifier: MIT
 use std::fmt;
@@ -13,12 +13,12 @@ use crate::rgen_native::RgenGuid;
 #[derive(Clone, Copy)]
 pub struct Guid(pub RgenGuid);
 
-/// A text that is no GUID.
+/// A text that is not a GUID.
 #[derive(Debug, Clone, PartialEq, Eq)]
 pub struct GuidError;
 
 impl Guid {
-    /// A GUID of its four fields.
+    /// A GUID from its four fields.
     pub const fn new(data1: u32, data2: u16, data3: u16, data4: [u8; 8]) -> Guid {
         Guid(RgenGuid { data1, data2, data3, data4 })
     }
@@ -107,7 +107,7 @@ pub enum Hint {
 }
 
 impl Hint {
-    /// The hint of a number that the library uses; every other one counts as generic.
+    /// The hint with a number of the library; every other number is generic.
     pub fn from_number(number: u64) -> Hint {
         match number {
             native::RGEN_HINT_TIME => Hint::Time,
@@ -136,7 +136,7 @@ pub enum OutputMode {
 /// A typed value.
 #[derive(Debug, Clone, PartialEq, Eq)]
 pub enum Value {
-    /// A text, which stands in the report as it is, "&" included.
+    /// A text, which the report shows as it is, "&" included.
     Text(String),
     /// A text that is XML content in the sense of TEXTS in rgen.h.
     Markup(String),
@@ -231,16 +231,16 @@ impl From<SystemTime> for Value {
 /// A name and a text.
 #[derive(Debug, Clone, PartialEq, Eq)]
 pub struct Pair {
-    /// The name, its key among the pairs.
+    /// The name, which is the key of the pair.
     pub name: String,
     /// The text.
     pub text: String,
-    /// Whether the text is XML content and goes to the library as it is.
+    /// True if the text is XML content, which is passed to the library unchanged.
     pub is_markup: bool,
 }
 
 impl Pair {
-    /// A text, which stands in the report as it is, "&" included.
+    /// A text, which the report shows as it is, "&" included.
     pub fn new(name: impl Into<String>, text: impl Into<String>) -> Pair {
         Pair { name: name.into(), text: text.into(), is_markup: false }
     }
@@ -251,21 +251,20 @@ impl Pair {
     }
 }
 
-/// The input of one report. It can be used again.
+/// The input of one report. It can be reused.
 #[derive(Debug, Clone, PartialEq, Eq)]
 pub struct Request {
     /// The report type.
     pub report_type: Guid,
     /// "html", "pdf" or "txt"; also names the template's folder.
     pub format: String,
-    /// Named values; they win over pairs and persistent data of the same name, a later one over an
-    /// earlier.
+    /// Named values; they override pairs and persistent data of the same name, and earlier values.
     pub values: Vec<(String, Value)>,
-    /// Name/text pairs; they win over persistent data of the same name.
+    /// Name/text pairs; they override persistent data of the same name.
     pub pairs: Vec<Pair>,
     /// False: a "pdf" report is written as the template made it, without the converter.
     pub convert: bool,
-    /// Handed to the converter as its base. No double quote in it.
+    /// Passed to the converter as its base. It must not contain a double quote.
     pub converter_base: String,
 }
 

@@ -1,4 +1,4 @@
-// Texts on their way to the library and back: zero-terminated UTF-8, and XML content.
+// Converts texts for the library and back: null-terminated UTF-8, and XML content.
 //
 // SPDX-License-Identifier: MIT
 use std::ffi::{CStr, CString};
@@ -8,14 +8,14 @@ use crate::error::Error;
 use crate::rgen_native::{CChar, RgenAnsiString};
 
 const BLANKS: [char; 4] = [' ', '\t', '\r', '\n'];
-/// "&#x0010FFFF;" is the longest reference that means something.
+/// "&#x0010FFFF;" is the longest reference that is decoded.
 const LONGEST_REFERENCE: usize = 12;
-/// What the library reads of one text of a file.
+/// The number of bytes that the library reads of one text of a file.
 const LONGEST_STORED_TEXT: usize = 10_000_000;
-/// A name stands in an attribute, where a character takes up to six bytes of those.
+/// The limit for names: they are stored in attributes, where a character takes up to six bytes.
 const LONGEST_STORED_NAME: usize = 1_000_000;
 
-/// The library would cut a text at a zero byte.
+/// The library would truncate a text at a zero byte.
 pub(crate) fn to_native(text: &str, what: &str) -> Result<CString, Error> {
     CString::new(text).map_err(|_| Error::Text(format!("{what} holds a zero byte")))
 }
@@ -29,7 +29,7 @@ pub(crate) fn path_text(path: &Path) -> Result<&str, Error> {
     Ok(text)
 }
 
-/// What is no UTF-8 becomes U+FFFD.
+/// Bytes that are not UTF-8 become U+FFFD.
 pub(crate) fn from_record(record: &RgenAnsiString) -> String {
     if record.data.is_null() {
         return String::new();
@@ -44,7 +44,7 @@ pub(crate) unsafe fn from_native(text: *const CChar) -> String {
     CStr::from_ptr(text.cast()).to_string_lossy().into_owned()
 }
 
-/// As the library reads it once, on its way into a report.
+/// Escapes a text for a report, where the library decodes it once.
 pub(crate) fn escaped(text: &str) -> String {
     text.replace('&', "&amp;")
 }
@@ -58,7 +58,7 @@ pub(crate) fn stored_name(name: &str) -> Result<String, Error> {
     Ok(held_by_xml(name))
 }
 
-/// A plain persistent text as the library is given it.
+/// A plain persistent text, escaped for the library.
 pub(crate) fn stored_text(name: &str, text: &str) -> Result<String, Error> {
     let read = escaped_with_edges(&held_by_xml(text));
     require_storable(name, read.len())?;
@@ -72,7 +72,7 @@ pub(crate) fn stored_markup(name: &str, content: &str) -> Result<String, Error> 
     Ok(markup)
 }
 
-/// Fails for more than the library would read again.
+/// Fails for a text that the library would truncate when it reads it again.
 pub(crate) fn require_storable(name: &str, length: usize) -> Result<(), Error> {
     if length <= LONGEST_STORED_TEXT {
         return Ok(());
@@ -88,13 +88,13 @@ fn is_held_by_xml(letter: char) -> bool {
     }
 }
 
-/// What XML cannot hold becomes U+FFFD: in the file of persistent data or in a template a single
-/// such character would make the library lose all references after it.
+/// Replaces characters that XML does not allow by U+FFFD: a single one in the persistent data file
+/// or in a template would make the library lose all references after it.
 fn held_by_xml(text: &str) -> String {
     text.chars().map(|letter| if is_held_by_xml(letter) { letter } else { '\u{FFFD}' }).collect()
 }
 
-/// The reference that the text starts with, "&amp;", or "&" alone where none begins.
+/// The reference at the start of the text, such as "&amp;"; only "&" if there is none.
 fn ampersand_at(rest: &str) -> &str {
     let start = if rest[1..].starts_with('#') { 2 } else { 1 };
     let end = match rest[start..].find(['&', ';', '#', '<', ' ', '\t', '\r', '\n']) {
@@ -118,7 +118,7 @@ fn number_digits(name: &str) -> Option<(&str, u32)> {
     is_number.then_some((digits, base))
 }
 
-/// A reference that XML knows, as a document may hold it.
+/// A reference that XML defines, in the form that a document may contain.
 fn held_reference(reference: &str) -> Option<&str> {
     let name = reference[1..].strip_suffix(';')?;
     match number_digits(name) {
@@ -128,9 +128,9 @@ fn held_reference(reference: &str) -> Option<&str> {
     }
 }
 
-/// Markup that damages nothing after it; fails for references that XML does not know. To the
-/// library a name goes up to the next ";", whatever is in between, and without one just the "&" is
-/// lost.
+/// Markup that does not damage the text after it; fails for references that XML does not define.
+/// For the library a name extends to the next ";", with any characters in between; without a ";"
+/// only the "&" is lost.
 pub(crate) fn checked_markup(content: &str, what: &str) -> Result<String, Error> {
     let text = held_by_xml(content);
     let last_end = text.rfind(';').map_or(0, |last| last + 1);
@@ -152,8 +152,8 @@ pub(crate) fn checked_markup(content: &str, what: &str) -> Result<String, Error>
     Ok(markup + &text[start..])
 }
 
-/// What persistent data is, which the library reads twice, after the first reading. It cuts white
-/// space at the edges then, which references save.
+/// Escapes a text of persistent data for the second of two decodings. The library then removes
+/// white space at the edges unless it is written as references.
 fn escaped_with_edges(text: &str) -> String {
     let rest = text.trim_start_matches(BLANKS);
     let middle = rest.trim_end_matches(BLANKS);
@@ -165,7 +165,7 @@ fn references(blanks: &str) -> String {
     blanks.bytes().map(|blank| format!("&#{blank};")).collect()
 }
 
-/// The text that XML content stands for; what is no reference stays.
+/// The text of XML content; an "&" that starts no reference stays.
 pub(crate) fn without_references(content: &str) -> String {
     let mut text = String::new();
     let mut rest = content;
@@ -201,7 +201,7 @@ fn meaning(name: &str) -> Option<char> {
     char::from_u32(u32::from_str_radix(digits, base).ok()?).filter(|letter| *letter != '\0')
 }
 
-/// Escapes each "&" that starts no reference that XML knows.
+/// Escapes each "&" that starts no reference of XML.
 fn with_known_references(text: &str) -> String {
     let mut markup = String::with_capacity(text.len());
     let mut rest = text;
@@ -217,9 +217,8 @@ fn with_known_references(text: &str) -> String {
     markup + rest
 }
 
-/// A translation becomes part of a template. What looks like markup in it is meant as such only if
-/// the original has it, too, and nothing in it may damage what follows in the
-/// template.
+/// Escapes a translation, which becomes part of a template: characters of markup count as markup
+/// only if the original text contains them, and nothing may damage the rest of the template.
 pub(crate) fn as_markup(original: &str, translation: &str) -> String {
     let mut markup = held_by_xml(translation);
     if !original.contains('&') {
@@ -232,11 +231,11 @@ pub(crate) fn as_markup(original: &str, translation: &str) -> String {
     if !original.contains('>') {
         markup = markup.replace('>', "&gt;");
     }
-    // A CDATA section of the translation's own needs its end.
+    // The end of a CDATA section in the translation stays.
     if !markup.contains("<![CDATA[") {
         markup = markup.replace("]]>", "]]&gt;");
     }
-    // A marker in an attribute stands between single quotes.
+    // A marker in an attribute is enclosed in single quotes.
     if !original.contains('\'') {
         markup = markup.replace('\'', "&#39;");
     }

@@ -1,5 +1,5 @@
-// The translate callback: the closure that the library calls, the text that it gave last, and its
-// panic.
+// The translate callback: the closure that the library calls, the text that it returned last, and
+// its panic.
 //
 // SPDX-License-Identifier: MIT
 use std::any::Any;
@@ -13,12 +13,12 @@ use crate::texts::{as_markup, checked_markup, from_native};
 type Payload = Box<dyn Any + Send>;
 
 thread_local! {
-    /// What a translator panicked with on this thread, which generates.
+    /// The payload of a translator's panic on this thread, which generates.
     static RAISED: RefCell<Option<Payload>> = RefCell::new(None);
 }
 
-/// A translator and the text that it gave last: the library copies it before it asks again. The
-/// library holds the generator's lock meanwhile, so nobody else is here.
+/// A translator and the text that it returned last: the library copies it before the next call. The
+/// library holds the generator's lock meanwhile, so only one thread uses it.
 pub(crate) struct Translation {
     translate: Box<dyn FnMut(&str) -> String + Send>,
     is_markup: bool,
@@ -33,7 +33,7 @@ impl Translation {
         Translation { translate, is_markup, text: CString::default() }
     }
 
-    /// Nothing for a text that stays as it is.
+    /// `None` for a text that stays as it is.
     fn translated(&mut self, original: &str) -> Option<CString> {
         let translation = (self.translate)(original);
         if translation == original {
@@ -51,8 +51,8 @@ impl Translation {
     }
 }
 
-/// What the library calls, with a [`Translation`] as its context. No panic may cross the library:
-/// the text stays as it is then.
+/// The callback of the library, with a [`Translation`] as its context. No panic may leave it: after
+/// one the text stays as it is.
 pub(crate) unsafe extern "C" fn translate(
     text: *const CChar,
     context: *mut c_void,
@@ -71,19 +71,19 @@ pub(crate) unsafe extern "C" fn translate(
         }
     });
     catch_unwind(work).unwrap_or_else(|payload| {
-        // A thread that ends has no place for it any more.
+        // A thread that ends cannot store it any more.
         let _ = RAISED.try_with(|raised| raised.replace(Some(payload)));
         text
     })
 }
 
-/// What the library calls when there is no translator.
+/// The callback when there is no translator.
 pub(crate) unsafe extern "C" fn same(text: *const CChar, _context: *mut c_void) -> *const CChar {
     text
 }
 
-/// Makes a call of the library; gives its result, and what a translator panicked with meanwhile.
-/// It may be made inside a translator of another generator, which has not panicked by then.
+/// Makes a call of the library; returns its result, and the payload of a translator's panic during
+/// the call. It may be made inside a translator of another generator, which has not panicked before.
 pub(crate) fn watch<T>(call: impl FnOnce() -> T) -> (T, Option<Payload>) {
     let result = call();
     (result, RAISED.with(RefCell::take))
