@@ -37,7 +37,10 @@ foreach(line IN LISTS rgen_third_party_versions)
     message(STATUS "  ${line}")
 endforeach()
 
-add_compile_options(-ffile-prefix-map=${rgen_third_party}=/third_party)
+# gcovr has to find the headers, and nothing else uses a build that counts coverage.
+if(NOT RGEN_COVERAGE)
+    add_compile_options(-ffile-prefix-map=${rgen_third_party}=/third_party)
+endif()
 
 set(THREADS_PREFER_PTHREAD_FLAG ON)
 find_package(Threads REQUIRED)

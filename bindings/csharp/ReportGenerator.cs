@@ -175,9 +175,9 @@ namespace StrataRepgenlib
         }
 
         /// <summary>Replaces the persistent data of a report type by the texts that reports show
-        /// for values; types and hints are not stored. An ArgumentException for markup with a reference
-        /// that XML does not define, which would damage other entries. In other respects like
-        /// SetPersistentData.</summary>
+        /// for values; types and hints are not stored. An ArgumentException for markup with a
+        /// reference that XML does not define, which would damage other entries. In other respects
+        /// like SetPersistentData.</summary>
         public void SetPersistentValues(Guid type, IReadOnlyList<Value> values)
         {
             if (values == null) throw new ArgumentNullException(nameof(values));

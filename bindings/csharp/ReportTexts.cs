@@ -40,7 +40,7 @@ namespace StrataRepgenlib
             return bytes;
         }
 
-        /// <summary>The text of a number of bytes; those that are not UTF-8 become U+FFFD.</summary>
+        /// <summary>The text of a number of bytes; invalid UTF-8 becomes U+FFFD.</summary>
         internal static string FromUtf8(IntPtr bytes, int length)
         {
             if (bytes == IntPtr.Zero || length == 0) return "";

@@ -83,7 +83,7 @@ pub(crate) unsafe extern "C" fn same(text: *const CChar, _context: *mut c_void) 
 }
 
 /// Makes a call of the library; returns its result, and the payload of a translator's panic during
-/// the call. It may be made inside a translator of another generator, which has not panicked before.
+/// the call. It may be made inside a translator of another generator, which has not panicked.
 pub(crate) fn watch<T>(call: impl FnOnce() -> T) -> (T, Option<Payload>) {
     let result = call();
     (result, RAISED.with(RefCell::take))

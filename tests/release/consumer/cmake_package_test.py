@@ -21,7 +21,7 @@ class CMakePackage(InstalledCase):
         self.assertEqual(("1", VERSION), (answer["found"], answer["version"]), wanted)
 
     def expect_refused(self, wanted, *options):
-        """Returns the reason, which only the package itself gives."""
+        """Returns the reason, which comes from the package itself."""
         answer = self.find(wanted, *options)
         self.assertEqual("0", answer["found"], wanted)
         self.assertNotIn("INTERFACE_INCLUDE_DIRECTORIES", answer, wanted)
@@ -107,7 +107,7 @@ class CMakePackage(InstalledCase):
             self.assertEqual(in_c, self.reports_of(self.run_host_in_python))
 
     def reports_of(self, host):
-        """What an example, called with its two folders, makes there; nothing else is in them."""
+        """The files that an example makes in its two folders, which are empty before."""
         data, reports = self.folder / "data", self.folder / "reports"
         shutil.copytree(self.prefix / "share/strata_repgenlib/templates/acquisition",
                         data / ".rgen")
@@ -119,7 +119,7 @@ class CMakePackage(InstalledCase):
         return found
 
     def run_host_in_python(self, *folders):
-        """The installed example with the installed package and library."""
+        """Builds the installed example with the installed package and library."""
         share = self.prefix / "share/strata_repgenlib"
         self.tool(sys.executable, share / "examples/acquisition_host.py", *folders,
                   env={"PYTHONPATH": str(share / "bindings/python"),

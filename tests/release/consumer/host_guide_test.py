@@ -1,5 +1,5 @@
-"""The first report of the installed host guide, with CMake: its files as they stand there, a build
-folder, and a program that is started without help for finding the library.
+"""The first report of the installed host guide, with CMake: the files of the guide are built, and the
+program runs without variables for finding the library.
 
 SPDX-License-Identifier: MIT
 """
@@ -11,7 +11,7 @@ from program_case import ON_WINDOWS, SOURCE_FOLDER
 
 sys.path.append(str(SOURCE_FOLDER / "tests/release/documentation"))
 
-import markdown_page  # It is in the folder that was added.
+import markdown_page  # In tests/release/documentation.
 
 FIRST_REPORT = {"CMakeLists.txt", "disk_report.c", "reports/.rgen/config.xml",
                 "reports/.rgen/templates/txt/disk.xsl"}

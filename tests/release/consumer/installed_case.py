@@ -1,5 +1,5 @@
-"""What the suites share: an installation, made once and moved before anything uses it, and the tools
-that build hosts with it.
+"""Shared by the suites: an installation, made once and moved before it is used, and the tools that
+build hosts with it.
 
 The target comes from the environment: besides the variables that program_case.py lists,
 
@@ -35,12 +35,12 @@ THIRD_PARTY = Path(os.environ["RGEN_PACKAGE_THIRD_PARTY"])
 C_COMPILER = os.environ["RGEN_PACKAGE_C_COMPILER"]
 CXX_COMPILER = os.environ["RGEN_PACKAGE_CXX_COMPILER"]
 PROGRAM_ENDING = ".exe" if ON_WINDOWS else ""
-# What the hosts print when everything went well.
+# The output of the hosts on success.
 DONE = "Operation completed successfully\n"
 
 
 def tool_environment(changes=None):
-    """The variables for tools of this machine. None of them helps to find the library."""
+    """The environment for tools, without variables that help to find the library."""
     env = {name: value for name, value in os.environ.items()
            if name not in DROPPED_VARIABLES and not name.startswith(("CMAKE_", "PKG_CONFIG"))}
     env.pop("LD_LIBRARY_PATH", None)
@@ -49,7 +49,7 @@ def tool_environment(changes=None):
 
 
 def run_tool(*command, folder=None, env=None):
-    """Runs a tool to its end; its output of both kinds is one text."""
+    """Runs a tool; both output streams are one text."""
     return subprocess.run([str(word) for word in command], cwd=folder, env=tool_environment(env),
                           stdin=subprocess.DEVNULL, stdout=subprocess.PIPE,
                           stderr=subprocess.STDOUT, text=True, check=False)
@@ -57,7 +57,7 @@ def run_tool(*command, folder=None, env=None):
 
 @functools.cache
 def installation():
-    """(the folder of the moved installation, the folder in which it was made)"""
+    """Returns the folder of the moved installation, and the folder in which it was made."""
     base = Path(tempfile.mkdtemp(prefix="rgen-installed-"))
     atexit.register(shutil.rmtree, base)
     first, moved = base / "first place", base / "moved to another place"
@@ -69,7 +69,7 @@ def installation():
 
 
 class InstalledCase(ProgramCase):
-    """A case with a folder of its own beside the installation that all share."""
+    """A case with a separate folder; all cases share the installation."""
 
     folder_name = "rgen-consumer-"
 
@@ -86,13 +86,13 @@ class InstalledCase(ProgramCase):
     # ---- Tools ----------------------------------------------------------------------------------
 
     def tool(self, *command, **settings):
-        """The output of a tool, which has to succeed."""
+        """The output of a tool, which must succeed."""
         outcome = run_tool(*command, **settings)
         self.assertEqual(0, outcome.returncode, f"{command}: {outcome.stdout}")
         return outcome.stdout
 
     def cmake_options(self):
-        """How CMake finds the installation and the compilers of the target, and nothing else."""
+        """The options by which CMake finds the installation and the compilers of the target."""
         options = [f"-DCMAKE_PREFIX_PATH={self.prefix}", f"-DCMAKE_C_COMPILER={C_COMPILER}",
                    f"-DCMAKE_CXX_COMPILER={CXX_COMPILER}", "-GNinja"]
         return [*options, "-DCMAKE_SYSTEM_NAME=Windows"] if ON_WINDOWS else options
@@ -105,7 +105,7 @@ class InstalledCase(ProgramCase):
         return folder
 
     def find(self, wanted="", *options):
-        """What find_package says: the lines of finder/CMakeLists.txt by their names."""
+        """The results of find_package: the lines that finder/CMakeLists.txt prints, by name."""
         outcome = run_tool("cmake", "-S", HERE / "finder", "-B", self.folder / "finder", "-GNinja",
                            f"-DCMAKE_PREFIX_PATH={self.prefix}", f"-DWANTED={wanted}",
                            f"-DCMAKE_SYSTEM_NAME={'Windows' if ON_WINDOWS else 'Linux'}",
@@ -115,7 +115,7 @@ class InstalledCase(ProgramCase):
         return dict(re.findall(r"^-- ([\w-]+)\|(.*)$", outcome.stdout, re.M))
 
     def pkg_config(self, *words):
-        """The words that pkg-config answers with, the installation being all that it knows."""
+        """The words that pkg-config prints; it finds only the installation."""
         answer = self.tool("pkg-config", *words, "strata_repgenlib",
                            env={"PKG_CONFIG_LIBDIR": str(self.library_folder / "pkgconfig")})
         return shlex.split(answer)
@@ -123,13 +123,13 @@ class InstalledCase(ProgramCase):
     # ---- Programs of the target -----------------------------------------------------------------
 
     def output_of(self, program, *args, code=0, env=None):
-        """What a program of the target prints; nothing helps it to find the library."""
+        """The output of a program of the target, run without variables for finding the library."""
         result = self.start(*args, program=program, env=env).finish()
         self.assertEqual((code, ""), (result.code, result.err), result)
         return result.text
 
     def expect_reports(self, c_program, cpp_program, env=None):
-        """Both hosts of the folder project make their reports."""
+        """Checks that both hosts of the folder project make their reports."""
         shutil.copytree(self.prefix / "share/strata_repgenlib/templates/inventory",
                         self.folder / "data/.rgen")
         page = self.folder / "page.html"

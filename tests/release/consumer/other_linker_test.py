@@ -1,5 +1,5 @@
-"""The import library for compilers that link like Microsoft's: clang for that target and lld make a
-host with it, which needs no C runtime and runs beside the DLL.
+"""The import library for Microsoft-compatible linkers: clang for that target and lld make a host with
+it, without a C runtime, which runs in the folder of the DLL.
 
 SPDX-License-Identifier: MIT
 """

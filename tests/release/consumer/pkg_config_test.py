@@ -8,7 +8,7 @@ from installed_case import (C_COMPILER, CXX_COMPILER, HERE, MAJOR, MINOR, PROGRA
 from program_case import ON_WINDOWS, search_path
 
 WARNINGS = ["-Wall", "-Wextra", "-Wpedantic", "-Werror"]
-# Behind the answers: what the compiler adds on its own goes into the program.
+# After the words of pkg-config: link the compiler's own libraries statically.
 WINDOWS = ["-static-libgcc", "-Wl,-Bstatic"]
 
 
@@ -41,7 +41,7 @@ class PkgConfig(InstalledCase):
         self.assertTrue((templates / "inventory/config.xml").is_file())
 
     def resolved(self, text):
-        """A folder without "..", which the file uses to find its prefix."""
+        """The folder without "..", by which the file finds its prefix."""
         return (self.folder / text).resolve()
 
     def test_a_later_version_is_refused(self):

@@ -1,4 +1,4 @@
-"""Runs the suites about an installation and the hosts that are built with it.
+"""Runs the tests of installations and of hosts that are built with them.
 
 Usage: run_consumer_tests.py [SUITE...]            these suites, all of them by default
        run_consumer_tests.py --all-but SUITE...    all other suites
@@ -16,6 +16,6 @@ from pathlib import Path
 FOLDER = Path(__file__).resolve().parent
 sys.path.insert(0, str(FOLDER.parents[1] / "support"))
 
-import suite_runner  # It is in the folder that was added.
+import suite_runner  # In tests/support.
 
 sys.exit(suite_runner.run(FOLDER))

@@ -1,5 +1,5 @@
-"""The installed tree: exactly the expected files, links that lead somewhere, no folder of the
-building machine, programs that find their library, manual pages and completion that can be used.
+"""The installed tree: exactly the expected files, no broken links, no paths of the building machine;
+programs find their library, manual pages and completion work.
 
 SPDX-License-Identifier: MIT
 """
@@ -16,11 +16,11 @@ from program_case import ON_WINDOWS, SOURCE_FOLDER, from_native, linux_only, win
 
 sys.path.append(str(SOURCE_FOLDER / "tests/release/documentation"))
 
-import page_links  # It is in the folder that was added.
+import page_links  # In tests/release/documentation.
 
 LISTS = ["installed_everywhere.txt",
          "installed_on_windows.txt" if ON_WINDOWS else "installed_on_linux.txt"]
-# Answers whether zsh takes the function, once it has loaded what it finds in the folder "$1".
+# Checks that zsh loads the completion function from the folder "$1".
 ZSH_DRIVER = """
 fpath=("$1" $fpath)
 autoload -U compinit && compinit -D -u
@@ -32,7 +32,7 @@ BASH_DRIVER = 'source "$1" && complete -p rgen && declare -F _rgen'
 
 
 def expected_files():
-    """The paths of the lists, with what depends on the build filled in."""
+    """The paths of the lists, with the values of the build inserted."""
     names = set()
     for name in LISTS:
         for line in (HERE / name).read_text(encoding="utf-8").splitlines():

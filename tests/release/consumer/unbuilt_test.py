@@ -1,5 +1,5 @@
-"""What an installation of a build that is not complete says, and that it copies nothing then; with each
-part of the build left out.
+"""Installing an incomplete build fails with a message and copies nothing, for each part that may be
+missing.
 
 SPDX-License-Identifier: MIT
 """
@@ -16,7 +16,7 @@ COMPLETION = [] if ON_WINDOWS else ["completion/_rgen", "completion/rgen"]
 IMPORTS = ["libstrata_repgenlib.dll.a", "strata_repgenlib.lib"] if ON_WINDOWS else [
     "libstrata_repgenlib.so"]
 PROGRAMS = ["rgen", "vellum"]
-# What is left out, and what the installation then misses in an empty build.
+# The options that leave parts out, and the files that an empty build then lacks.
 OPTIONS = [((), [*PROGRAMS, *COMPLETION]),
            (("RGEN_BUILD_TOOLS",), []),
            (("RGEN_BUILD_EXAMPLES",), [*PROGRAMS, *COMPLETION]),
@@ -25,7 +25,7 @@ OPTIONS = [((), [*PROGRAMS, *COMPLETION]),
 
 
 def preset_options():
-    """The variables that make a configuration like that of the tested build."""
+    """The options for the same configuration as the tested build's."""
     cache = (BUILD_FOLDER / "CMakeCache.txt").read_text(encoding="utf-8")
     wanted = ("CMAKE_TOOLCHAIN_FILE", "CMAKE_BUILD_TYPE", "CMAKE_C_COMPILER", "CMAKE_CXX_COMPILER",
               "RGEN_DEPENDENCIES")
@@ -36,11 +36,11 @@ def preset_options():
 class Unbuilt(InstalledCase):
 
     def setUp(self):
-        """The installation that the other cases share is not needed."""
+        """Does not make the installation that the other cases share."""
         super(InstalledCase, self).setUp()
 
     def install(self, build, *words):
-        """(exit code, what is said, the files that were copied)"""
+        """Returns the exit code, the output and the copied files."""
         prefix = self.folder / "prefix"
         outcome = run_tool("cmake", "--install", build, "--prefix", prefix, *words)
         copied = [path for path in prefix.rglob("*") if not path.is_dir()]
@@ -48,7 +48,7 @@ class Unbuilt(InstalledCase):
         return outcome.returncode, outcome.stdout, copied
 
     def missing(self, text, build):
-        """The files that a message names, without their folders on the way."""
+        """The names of the files in a message, without folders."""
         names = re.findall(rf"^ *({re.escape(str(build))}/\S+)$", text, re.M)
         return sorted(re.sub(r"^(bin|lib|converter)/", "", str(Path(name).relative_to(build)))
                       for name in names)

@@ -1,14 +1,15 @@
 """Executes the fenced blocks of a page, from top to bottom, in one temporary folder.
 
-The blocks of the language sh share one session: the folder and the exported variables of a block
-are there in the next one. What the comments in front of a block say:
+The blocks of the language sh share one session: a block starts with the folder and the exported
+variables of the previous one. Comments before a block are marks:
 
     not run: REASON       the block is not executed
     file: NAME            the block is written to this file, for later blocks
-    output                what the block before it printed, on both streams; "..." is anything
-    exit code: NUMBER     the block ends with this code instead of 0
-    build folder: NAME    the block, and later ones, find the build folder under this name
-    inside: PARAMETERS    the block (c, cpp, csharp, rust) stands in a function with these parameters
+    output                the block is the output of the previous one; "..." matches any text
+    exit code: NUMBER     the exit code of the block, instead of 0
+    build folder: NAME    makes a link to the build folder with this name
+    inside: PARAMETERS    the block (c, cpp, csharp, rust) is the body of a function with these
+                          parameters
 
 SPDX-License-Identifier: MIT
 """
@@ -32,12 +33,12 @@ set -euo pipefail
 
 
 class BlockFailure(Exception):
-    """A block that does not do what it should; the text says why."""
+    """A block failed; the text is the reason."""
 
 
 def matches(expected, actual):
-    """Whether the text is the expected one, where a line "..." stands for any lines and "..." in a
-    line for any characters."""
+    """True if the text is as expected. A line "..." matches any lines, "..." in a line any
+    characters."""
     pattern = ""
     for line in expected.rstrip().splitlines():
         if line.strip() == "...":
@@ -49,7 +50,7 @@ def matches(expected, actual):
 
 
 def run(command, folder, environment, given=None):
-    """Code and output, both streams as one text."""
+    """The exit code, and the output of both streams."""
     try:
         done = subprocess.run(command, cwd=folder, env=environment, input=given, text=True,
                               stdout=subprocess.PIPE, stderr=subprocess.STDOUT, timeout=LONGEST_RUN,
@@ -60,8 +61,8 @@ def run(command, folder, environment, given=None):
 
 
 class PageRunner:
-    """`surroundings` says with what blocks are run: `environment` (variables), `includes` (folders of
-    headers), `bindings` (their folder) and `build_folder`."""
+    """Runs the blocks of a page. `surroundings` has `environment` (variables), `includes` (folders
+    of headers), `bindings` (their folder) and `build_folder`."""
 
     def __init__(self, page, folder, surroundings):
         self.page = page
@@ -105,13 +106,13 @@ class PageRunner:
 
     def compare(self, block):
         if self.output is None:
-            raise BlockFailure("there is no run whose output this could be")
+            raise BlockFailure("no block before this one has an output")
         if not matches(block.text, self.output):
-            raise BlockFailure("the output is another one:\n" + self.output)
+            raise BlockFailure("the output differs:\n" + self.output)
         self.output = None
 
     def check_text(self, block):
-        """What can be said of a block without running it."""
+        """Checks the syntax of a block."""
         try:
             if block.language == "json":
                 json.loads(block.text)
@@ -123,7 +124,7 @@ class PageRunner:
                 text = block.text if whole else f"{FRAGMENT}{block.text}</fragment>"
                 ElementTree.fromstring(text)
         except (ValueError, ElementTree.ParseError) as error:
-            raise BlockFailure(f"is no {block.language}: {error}") from error
+            raise BlockFailure(f"is not {block.language}: {error}") from error
 
     def execute(self, block):
         if block.language in ("json", "ndjson", "xml", "xsl"):
@@ -137,7 +138,7 @@ class PageRunner:
         elif block.language == "python":
             self.start(block, ["python3", "-"], block.text)
         else:
-            raise BlockFailure(f"nobody runs the language {block.language}; mark the block")
+            raise BlockFailure(f"the language {block.language} cannot be run; mark the block")
 
     def start(self, block, command, given=None):
         code, self.output = run(command, self.folder, self.surroundings.environment, given)

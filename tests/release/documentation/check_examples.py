@@ -20,7 +20,7 @@ import markdown_page
 ROOT = Path(__file__).resolve().parents[3]
 sys.path.insert(0, str(ROOT / "tests/structure"))
 
-from project_files import finish, problem  # It is in the folder that was added.
+from project_files import finish, problem  # In tests/structure.
 
 KEPT_VARIABLES = ("PATH", "HOME", "LANG", "USER", "CARGO_HOME", "RUSTUP_HOME")
 
@@ -34,7 +34,7 @@ class Surroundings:
 
 
 def windows_package(folder):
-    """What cross compilers need of the Windows package; returns its folder."""
+    """Makes the part of the Windows package that cross compilers need; returns its folder."""
     shutil.copytree(ROOT / "include", folder / "include")
     (folder / "lib").mkdir()
     subprocess.run(["x86_64-w64-mingw32-dlltool", "-d", ROOT / "src/api/exports.def",
@@ -43,7 +43,7 @@ def windows_package(folder):
 
 
 def installed(cmake, build_folder, prefix):
-    """Installs the build and says how programs find what is there."""
+    """Installs the build; returns what blocks need to use it."""
     subprocess.run([cmake, "--install", str(build_folder), "--prefix", str(prefix)], check=True,
                    stdout=subprocess.DEVNULL)
     library = next(prefix.rglob("libstrata_repgenlib.so")).parent

@@ -1,5 +1,5 @@
-"""Checks what the pages name: links and their anchors, files of the repository, functions,
-constants, CMake and environment variables, and the commands and options of rgen and vellum.
+"""Checks that names in the pages exist: links and their anchors, files of the repository,
+functions, constants, CMake and environment variables, and the commands and options of rgen and vellum.
 
 Usage: check_links.py RGEN VELLUM
 
@@ -15,7 +15,7 @@ import page_links
 ROOT = Path(__file__).resolve().parents[3]
 sys.path.insert(0, str(ROOT / "tests/structure"))
 
-from project_files import finish, problem  # It is in the folder that was added.
+from project_files import finish, problem  # In tests/structure.
 
 
 def main():

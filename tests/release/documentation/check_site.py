@@ -14,7 +14,7 @@ import site_pages
 ROOT = Path(__file__).resolve().parents[3]
 sys.path[:0] = [str(ROOT / "tests/structure"), str(ROOT / "scripts/lib")]
 
-# These are in the folders that were added.
+# In tests/structure and scripts/lib.
 from project_files import finish, header_exports, problem
 from site_filter import page_name
 

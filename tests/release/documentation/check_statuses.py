@@ -22,7 +22,7 @@ HARD_BLANK = "\0"
 HEAD = """# Statuses
 
 All 37 statuses of the library: number, name, the English text of `rgen_getStatusCodeDescription`
-(letter for letter, misspellings included), likely causes and the next thing to try. `rgen explain` prints
+(letter for letter, misspellings included), likely causes and what to do next. `rgen explain` prints
 the same, and a test compares this page with it. Zero and positive numbers are success, negative
 ones failure.
 

@@ -1,5 +1,5 @@
-"""Reads the project's Markdown: fenced blocks with the comments in front of them, headings with
-their anchors, links and texts in backticks.
+"""Reads the project's Markdown: fenced blocks with the comments before them, headings with their
+anchors, links and texts in backticks.
 
 SPDX-License-Identifier: MIT
 """
@@ -16,7 +16,7 @@ CODE = re.compile(r"(`+)(.+?)\1")
 
 @dataclass
 class Block:
-    """A fenced block; `line` is that of its fence, `marks` are the comments in front of it."""
+    """A fenced block; `line` is that of its fence, `marks` are the comments before it."""
     language: str
     text: str
     line: int
@@ -32,7 +32,7 @@ class Page:
     problems: list = field(default_factory=list)
 
     def anchors(self):
-        """The anchors of the headings as code hosts form them."""
+        """The anchors of the headings, as code hosts make them."""
         found = []
         for _, _, title in self.headings:
             anchor = anchor_of(title)
@@ -58,7 +58,7 @@ def anchor_of(title):
 
 
 def take_marks(lines, number, page):
-    """The comments directly above the fence at index `number`: "name: value" or "name"."""
+    """The comments directly before the fence at index `number`: "name: value" or "name"."""
     marks = {}
     while number > 0 and COMMENT.match(lines[number - 1]):
         number -= 1
@@ -69,7 +69,7 @@ def take_marks(lines, number, page):
 
 
 def read_page(path):
-    """Takes a page apart; what does not fit is in its problems."""
+    """Parses a page; syntax errors are in its problems."""
     page = Page(path)
     lines = path.read_text(encoding="utf-8").splitlines()
     number = 0
@@ -81,7 +81,7 @@ def read_page(path):
                 page.headings.append((number + 1, len(heading.group(1)), heading.group(2)))
             page.prose.append((number + 1, lines[number]))
             if "`" in CODE.sub("", lines[number]):
-                page.problems.append(f"{path}:{number + 1}: a text in backticks goes on")
+                page.problems.append(f"{path}:{number + 1}: a text in backticks has no end")
             number += 1
             continue
         end = number + 1

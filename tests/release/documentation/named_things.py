@@ -1,5 +1,5 @@
-"""Names in the pages: files of the repository, what C, CMake and the shell know, and the commands
-and options of the two programs.
+"""Checks names in the pages: files of the repository, names of C, CMake and the shell, and the
+commands and options of the two programs.
 
 SPDX-License-Identifier: MIT
 """
@@ -13,7 +13,7 @@ from markdown_page import project_pages, read_page
 FOLDERS = ("docs", "src", "tests", "tools", "scripts", "examples", "templates", "include", "cmake",
            "bindings", "packaging", "fuzz", "benchmarks", ".ci")
 PATH = re.compile(r"(?:%s)/[\w./*{},<>\[\]+-]*" % "|".join(re.escape(name) for name in FOLDERS))
-# Parts that stand for something else, and names that show a form or are put together by scripts.
+# Placeholders, names that show a pattern, and names that scripts compose.
 VARIABLE_PART = re.compile(r"[<>]|\.\.\.|/x/")
 FORMS = {"rgen_lowerCamel", "RGEN_UPPER", "RGEN_LIBXSLT_", "RGEN_BOOST_"}
 NAME = re.compile(r"(?<![\w./-])((?:rgen|RGEN|vellum|VELLUM)_\w+)(\.\.\.|\*)?")
@@ -23,7 +23,7 @@ OPTION = re.compile(r"(?<![\w-])(--?[A-Za-z][\w-]*)(?![\w.-])")
 
 
 class ProgramOptions:
-    """The commands of a program, each with its options, as its own help lists them."""
+    """The commands of a program with their options, from its help."""
 
     def __init__(self, program, name):
         self.name = name
@@ -44,7 +44,7 @@ class ProgramOptions:
         return set().union(*self.commands.values())
 
     def problem(self, words):
-        """What is wrong with the words behind the program's name, or nothing."""
+        """What is wrong with the words after the program's name, or an empty text."""
         command = ()
         while len(command) < len(words) and (*command, words[len(command)]) in self.commands:
             command = words[:len(command) + 1]
@@ -87,7 +87,8 @@ class KnownNames:
         return word in self.words
 
     def has_path(self, text, page_folder):
-        """Whether it is there: from the top, from the page, or in the data directory of the sample."""
+        """True if the path exists in the repository, in the page's folder, or in the sample's data
+        directory."""
         name = text.rstrip("/.,")
         if VARIABLE_PART.search(name):
             return True
@@ -107,7 +108,7 @@ def without_braces(pattern):
 
 
 def command_words(text):
-    """The words of a command up to the first that the shell would take for itself."""
+    """The words of a command up to the first operator of the shell."""
     try:
         words = shlex.split(text, comments=True)
     except ValueError:
@@ -117,7 +118,7 @@ def command_words(text):
 
 
 def commands_in(page):
-    """Line and words of what looks like a command: lines of shell blocks, texts in backticks."""
+    """Line and words of possible commands: lines of shell blocks, texts in backticks."""
     for line, text in page.code():
         yield line, command_words(text)
     for block in page.blocks:
@@ -131,7 +132,7 @@ def commands_in(page):
 def command_problems(page, known):
     for line, words in commands_in(page):
         for program in known.programs:
-            # Choices such as get|set|unset are a pattern, not a command.
+            # Alternatives such as get|set|unset are a pattern, not a command.
             if words and words[0] == program.name and not any("|" in word for word in words[:3]):
                 text = program.problem(words[1:])
                 if text:
@@ -139,7 +140,7 @@ def command_problems(page, known):
 
 
 def option_problems(page, known):
-    """Options that stand alone in the programs' own pages."""
+    """Options without a command, in the programs' own pages."""
     for program in known.programs:
         if page.path.name != f"{program.name}.md":
             continue

@@ -1,17 +1,17 @@
-"""Links of the pages: those into the repository lead somewhere, those out of it are few.
+"""Checks the links of the pages: targets in the repository exist, others are in a short list.
 
 SPDX-License-Identifier: MIT
 """
 
 from markdown_page import project_pages, read_page
 
-# Who adds an address asks first whether the page can do without it.
+# Before you add an address, consider whether the page needs it.
 OUTSIDE = {"https://semver.org", "https://keepachangelog.com/en/1.1.0/"}
 MAP = "docs/README.md"
 
 
 def link_problem(root, path, target):
-    """What is wrong with one link, or nothing."""
+    """What is wrong with a link, or an empty text."""
     if "://" in target or target.startswith("mailto:"):
         return "" if target in OUTSIDE else f"{target} is not among the known addresses"
     name, _, anchor = target.partition("#")
@@ -24,7 +24,7 @@ def link_problem(root, path, target):
 
 
 def map_problems(root, pages):
-    """The map names every page of its folder, and every page of the bindings."""
+    """Checks that the map lists every page."""
     index = root / MAP
     if not index.is_file():
         return [f"{MAP} is missing"]

@@ -1,4 +1,4 @@
-"""The generated site: every link leads somewhere, nothing comes from outside or is missing.
+"""Checks the generated site: no broken links, nothing loaded from outside, nothing missing.
 
 SPDX-License-Identifier: MIT
 """
@@ -11,7 +11,7 @@ from page_links import OUTSIDE
 
 # Elements that make a browser load something.
 LOADED = {"img": "src", "script": "src", "link": "href", "iframe": "src"}
-# Commands of Doxygen that it did not take for its own.
+# Commands that Doxygen did not recognise.
 LEFT_OVER = re.compile(r"[@\\](?:(?:sub)*section|ref|par|anchor|file)\b[^<]{0,40}|\{#page_\w+")
 
 
@@ -49,7 +49,7 @@ class SitePage(HTMLParser):
 
 
 def code_problems(path, codes, functions):
-    """Texts in backticks that a page of the site does not show letter by letter."""
+    """Finds texts in backticks that a page of the site does not show letter for letter."""
     shown = SitePage(path).codes
     for code in codes:
         if code not in functions and code.replace("\\|", "|").strip() not in shown:
@@ -71,7 +71,7 @@ def target_problem(site, pages, name, target):
 
 
 def problems(site, functions, titles):
-    """`functions` are documented in the site, `titles` are those of its pages."""
+    """`functions` must be documented in the site, `titles` are those of its pages."""
     pages = {path.name: SitePage(path) for path in sorted(site.glob("*.html"))}
     found = []
     for name, page in pages.items():

@@ -18,7 +18,7 @@ PROGRAM_ENDING = ".exe" if ON_WINDOWS else ""
 
 
 def package_names():
-    """What CPack leaves in its folder, without its own description of the run."""
+    """The files that CPack writes, except its own description of the run."""
     return {path.name for path in packages().iterdir()} - {f"{NAME}.json"}
 
 
@@ -39,7 +39,7 @@ class Packages(PackageCase):
 class Archive(PackageCase):
 
     def entries(self):
-        """(path, mode, time) of every entry."""
+        """Path, mode and time of every entry."""
         if ON_WINDOWS:
             with zipfile.ZipFile(packages() / ARCHIVE) as archive:
                 return [(entry.filename.rstrip("/"), entry.external_attr >> 16 & 0o777,

@@ -17,7 +17,7 @@ from package_case import (DEBIAN_PACKAGE, VERSION, PackageCase, expected_files, 
 from program_case import SOURCE_FOLDER, linux_only
 
 DOCUMENTS = "usr/share/doc/strata-repgenlib"
-# Where Debian has a file that an installation has elsewhere, or under another name; None: nowhere.
+# The paths of files that differ in the Debian package; None: not in the package.
 MOVED = {"LICENSE": None, "README.md": None, "share/doc/strata_repgenlib/LICENSE": None,
          "share/doc/strata_repgenlib/licences/GPL-3.txt": None,
          "share/doc/strata_repgenlib/licences/LGPL-2.1.txt": None,
@@ -33,7 +33,7 @@ def package():
 
 
 def debian_files():
-    """The files that the package is expected to have."""
+    """The expected files of the package."""
     names = set(ADDED)
     for name in expected_files():
         new = MOVED.get(name, name)

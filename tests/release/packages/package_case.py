@@ -1,4 +1,4 @@
-"""What the suites share: the packages of the build, made once, and an unpacked archive.
+"""Shared by the suites: the packages of the build, made once, and an unpacked archive.
 
 The target comes from the environment: besides the variables that program_case.py lists,
 
@@ -31,13 +31,13 @@ NAME = f"strata_repgenlib-{VERSION}-{SYSTEM}-x64"
 ARCHIVE = f"{NAME}.zip" if ON_WINDOWS else f"{NAME}.tar.gz"
 DEBIAN_PACKAGE = f"strata-repgenlib_{VERSION}_amd64.deb"
 SBOM_ENDINGS = ("cdx.json", "spdx.json")
-# The time that the packages of these tests carry.
+# The time stored in the packages of these tests.
 EPOCH = 1_700_000_000
 
 
 @functools.cache
 def scratch():
-    """A folder that lasts as long as the tests."""
+    """A folder that is removed after the tests."""
     folder = Path(tempfile.mkdtemp(prefix="rgen-packages-"))
     atexit.register(shutil.rmtree, folder)
     return folder
@@ -45,7 +45,7 @@ def scratch():
 
 @functools.cache
 def packages(place="first", zone="EST5EDT", mask=0o022):
-    """The folder with the packages, made by CPack in a place of its own."""
+    """The folder with the packages, which CPack makes in a separate folder."""
     folder = scratch() / place
     env = {**os.environ, "SOURCE_DATE_EPOCH": str(EPOCH), "TZ": zone}
     outcome = subprocess.run(
@@ -60,7 +60,7 @@ def packages(place="first", zone="EST5EDT", mask=0o022):
 
 @functools.cache
 def unpacked():
-    """The folder that the archive holds, unpacked away from where it was made."""
+    """The folder of the archive, unpacked at another place than it was made."""
     place = scratch() / "unpacked elsewhere"
     if ON_WINDOWS:
         with zipfile.ZipFile(packages() / ARCHIVE) as archive:
@@ -72,7 +72,7 @@ def unpacked():
 
 
 def expected_files():
-    """The paths in an archive: an installation's, from the lists of its tests, and its own ones."""
+    """The paths in an archive: those of an installation, from its lists, and some more."""
     names = {f"share/doc/strata_repgenlib/sbom/strata_repgenlib.{ending}"
              for ending in SBOM_ENDINGS} | {"LICENSE", "README.md"}
     for kind in ("everywhere", f"on_{SYSTEM}"):
@@ -85,14 +85,14 @@ def expected_files():
 
 
 def root_command(user=None):
-    """The words that give a command root rights. Raises AssertionError where there are none to get:
-    cases that take them must not be left out unseen."""
+    """The words before a command that needs root rights. Raises AssertionError if there are none:
+    such cases must not be skipped silently."""
     if (os.geteuid() if user is None else user) == 0:
         return []
     try:
         subprocess.run(["sudo", "-n", "true"], check=True, capture_output=True)
     except (OSError, subprocess.CalledProcessError) as error:
-        raise AssertionError("this case takes root rights, and \"sudo -n\" gives none; run the "
+        raise AssertionError("this case takes root rights, and \"sudo -n\" has none; run the "
                              "tests as root, or let sudo work without a password") from error
     kept = [f"{name}={os.environ[name]}" for name in ("RGEN_CACHE_DIR", "RGEN_DEBIAN_MIRROR")
             if name in os.environ]
@@ -100,12 +100,12 @@ def root_command(user=None):
 
 
 class PackageCase(ProgramCase):
-    """A case with a folder of its own."""
+    """A case with a separate folder."""
 
     folder_name = "rgen-package-"
 
     def tool(self, *command, **settings):
-        """The output of a tool, which has to succeed."""
+        """The output of a tool, which must succeed."""
         outcome = subprocess.run([str(word) for word in command], stdin=subprocess.DEVNULL,
                                  stdout=subprocess.PIPE, stderr=subprocess.STDOUT, text=True,
                                  check=False, **settings)
@@ -113,7 +113,7 @@ class PackageCase(ProgramCase):
         return outcome.stdout
 
     def expect_report(self, program):
-        """A program rgen makes the sample report."""
+        """Checks that a program rgen makes the sample report."""
         for words in (["init", "case", "--quiet"],
                       ["report", "-d", "case", "--data", "case/acquisition.json", "-o", "page.html",
                        "--quiet"]):

@@ -1,4 +1,4 @@
-"""The notes of a release come from the changelog's section of its version.
+"""The notes of a release are made from the changelog's section of its version.
 
 SPDX-License-Identifier: MIT
 """

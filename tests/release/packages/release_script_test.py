@@ -20,7 +20,7 @@ HEADER = "".join(f"#define RGEN_VERSION_{name} {number}\n"
                  for name, number in (("MAJOR", 1), ("MINOR", 2), ("PATCH", 3)))
 CPACK = ("[ -z \"${FAILING:-}\" ] || exit 1\npreset=${2#build/}\n"
          "echo package >\"$4/${preset%%/*}.package\"")
-# What stands in for the programs that build: they note that they ran.
+# Stand-ins for the programs that build; they record that they ran.
 STAND_INS = {
     "scripts/setup": 'if [ "$1" = --list ]; then echo bash; else echo setup >>"$CALLS"; fi',
     "scripts/dependencies": '[ "$1" != --print-prefix ] || echo "$LIBRARIES/$2"',
@@ -57,7 +57,7 @@ class Release(PackageCase):
         self.output = self.folder / "output"
 
     def release(self, folder, failing=""):
-        """Code and text of a run."""
+        """Exit code and output of a run."""
         env = {**os.environ, "PATH": f"{self.clone}/programs:{os.environ['PATH']}",
                "CALLS": str(self.folder / "calls"), "LIBRARIES": str(self.folder / "libraries"),
                "FAILING": failing, "NO_COLOR": "1"}
@@ -133,7 +133,7 @@ class Comparison(PackageCase):
     """Functions of scripts/lib."""
 
     def bash(self, library, *words):
-        """Code and output of a function of a library."""
+        """Exit code and output of a function of a script library."""
         script = f"set -euo pipefail; source {SOURCE_FOLDER}/scripts/lib/{library}; \"$@\""
         run = subprocess.run(["bash", "-c", script, "bash", *map(str, words)], text=True,
                              capture_output=True, check=False)

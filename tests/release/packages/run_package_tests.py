@@ -1,4 +1,4 @@
-"""Runs the suites about the packages and their bills of materials.
+"""Runs the tests of packages and their bills of materials.
 
 Usage: run_package_tests.py [SUITE...]            these suites, all of them by default
        run_package_tests.py --all-but SUITE...    all other suites
@@ -17,6 +17,6 @@ FOLDER = Path(__file__).resolve().parent
 sys.path.insert(0, str(FOLDER.parents[1] / "support"))
 sys.path.insert(0, str(FOLDER.parent.parent / "packaging"))
 
-import suite_runner  # It is in the folder that was added.
+import suite_runner  # In tests/support.
 
 sys.exit(suite_runner.run(FOLDER))

@@ -65,7 +65,7 @@ class Spdx(PackageCase):
                       for entry in self.document["packages"] if "-Part-" in entry["SPDXID"]}
 
     def related(self, kind):
-        """{element: {related elements}} for one kind of relationship."""
+        """The related elements of each element, for one kind of relationship."""
         pairs = {}
         for row in self.document["relationships"]:
             if row["relationshipType"] == kind:
@@ -97,7 +97,7 @@ class Spdx(PackageCase):
                 self.assertIn(row[end], [*ids, "SPDXRef-DOCUMENT"])
 
     def expect_files(self, whole, tree):
-        """The document lists the files of a tree with their checksums, and their common one."""
+        """Checks the files of a tree, their checksums and the verification code."""
         self.assertEqual(packaged_files(tree), {entry["fileName"] for entry in whole["files"]})
         for entry in whole["files"]:
             content = (tree / entry["fileName"]).read_bytes()
@@ -245,7 +245,7 @@ class CycloneDx(PackageCase):
 
 
 class LinkedParts(PackageCase):
-    """The table and a build whose maps are changed."""
+    """The table of parts, with changed maps of the build."""
 
     def setUp(self):
         super().setUp()
@@ -253,7 +253,7 @@ class LinkedParts(PackageCase):
         self.build = Build(BUILD_FOLDER, SOURCE_FOLDER, self.table)
 
     def links(self, target, change=lambda text: text):
-        """What is inside a binary whose map a function has changed."""
+        """The links of a binary, after a function has changed its map."""
         text = (BUILD_FOLDER / "maps" / f"{target}.map").read_text(encoding="utf-8")
         self.write(f"maps/{target}.map", change(text))
         self.build.maps = self.folder / "maps"
@@ -274,8 +274,7 @@ class LinkedParts(PackageCase):
             return re.sub(r"^\S*libxml2\.a\(.*\n(?:  +.*\n)?", "", text, flags=re.M)
 
         self.assertIn("libxml2", self.links("rgen").inside)
-        # rgen includes no header of the library by itself that would show it: the archive alone
-        # does.
+        # Without headers, the library is recognised only by its archive.
         self.build.headers = {path: [header for header in headers if "libxml" not in header]
                               for path, headers in self.build.headers.items()}
         self.assertNotIn("libxml2", self.links("rgen", without_archive).inside)
