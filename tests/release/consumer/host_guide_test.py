@@ -1,5 +1,5 @@
-"""The first report of the installed host guide, with CMake: the files of the guide are built, and the
-program runs without variables for finding the library.
+"""The first report of the installed host guide, with CMake: its files are built, and the program
+runs without variables for finding the library.
 
 SPDX-License-Identifier: MIT
 """

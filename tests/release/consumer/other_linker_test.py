@@ -1,5 +1,5 @@
-"""The import library for Microsoft-compatible linkers: clang for that target and lld make a host with
-it, without a C runtime, which runs in the folder of the DLL.
+"""The import library for Microsoft-compatible linkers: clang for that target and lld make a host
+with it, without a C runtime, which runs in the folder of the DLL.
 
 SPDX-License-Identifier: MIT
 """

@@ -1,5 +1,5 @@
-"""The installed tree: exactly the expected files, no broken links, no paths of the building machine;
-programs find their library, manual pages and completion work.
+"""The installed tree: exactly the expected files, no broken links, no paths of the building
+machine; programs find their library, manual pages and completion work.
 
 SPDX-License-Identifier: MIT
 """

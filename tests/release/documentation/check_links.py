@@ -1,5 +1,6 @@
 """Checks that names in the pages exist: links and their anchors, files of the repository,
-functions, constants, CMake and environment variables, and the commands and options of rgen and vellum.
+functions, constants, CMake and environment variables, and the commands and options of rgen and
+vellum.
 
 Usage: check_links.py RGEN VELLUM
 
