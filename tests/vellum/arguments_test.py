@@ -1,17 +1,20 @@
-"""The command line of vellum, and the one that it gives to the engine.
+"""The command line of vellum, its documentation, and the command line that vellum gives to the engine.
 
 SPDX-License-Identifier: MIT
 """
 
 import itertools
 import os
+import re
 import unittest
+from pathlib import Path
 
 from program_case import ON_WINDOWS, linux_only, native
 from vellum_case import OLD, PAGE, STAND_IN, VellumCase, path_here
 
 HELP = '"vellum --help" shows the options'
 OPTIONS = ["-i", "-b", "-t", "-o", "--engine", "--list-engines", "--check", "--help", "--version"]
+ROOT = Path(__file__).resolve().parents[2]
 
 
 class Options(VellumCase):
@@ -117,6 +120,48 @@ class Help(VellumCase):
         result = self.vellum("--version")
         self.assertEqual((0, ""), (result.code, result.err))
         self.assertRegex(result.text, r"\Avellum \d+\.\d+\.\d+\n\Z")
+
+
+class Documents(VellumCase):
+    """The manual page and docs/vellum.md have the options, variables and exit codes of --help."""
+
+    def help_rows(self, title):
+        """The (name, meaning) pairs of one table of --help."""
+        text = self.vellum("--help").text.replace("\r", "")
+        table = text.split(f"\n{title}:\n")[1].split("\n\n")[0]
+        rows = [re.fullmatch(r"  (\S.*?) {2,}(\S.*)", line) for line in table.splitlines()]
+        self.assertGreater(len(rows), 3)
+        return [row.groups() for row in rows]
+
+    def page_rows(self, header):
+        text = (ROOT / "docs/vellum.md").read_text(encoding="utf-8")
+        table = text.split(f"| {header} | meaning |\n|---|---|\n")[1].split("\n\n")[0]
+        rows = [line.replace("`", "").strip("| ").split(" | ") for line in table.splitlines()]
+        return [tuple(row) for row in rows]
+
+    def manual_rows(self, section):
+        text = (ROOT / "tools/vellum/vellum.1.in").read_text(encoding="utf-8")
+        text = re.sub(r"\\f[BIP]", "", text.replace("\\-", "-"))
+        paragraphs = re.split(r"^\.(?:TP|PP)\n", text.split(f".SH {section}\n")[1].split(".SH ")[0],
+                              flags=re.M)
+        rows = []
+        for paragraph in paragraphs:
+            if paragraph.startswith(".B"):
+                name, meaning = paragraph.split("\n", 1)
+                name = " ".join(re.sub(r'^\.B[IR]?|"', "", name).replace(" , ", ", ").split())
+                rows.append((name, " ".join(meaning.split()).removesuffix(".")))
+        return rows
+
+    def test_the_tables_are_the_same(self):
+        for title, header, section in (("Options", "option", "OPTIONS"),
+                                       ("Environment variables", "variable", "ENVIRONMENT"),
+                                       ("Exit codes", "exit code", "EXIT STATUS")):
+            with self.subTest(title=title):
+                rows = self.help_rows(title)
+                self.assertEqual(rows, self.page_rows(header))
+                # Sentences in the manual page begin with a capital letter.
+                capital = [(name, text[0].upper() + text[1:]) for name, text in rows]
+                self.assertEqual(capital, self.manual_rows(section))
 
 
 class EngineArguments(VellumCase):

@@ -1,14 +1,13 @@
-// A program around the parts of vellum that work on a page, for what cannot be seen from outside:
-// pages without an engine, many at once; how often work looks at the clock and at a cancellation; a
-// clock that runs as a case wants it.
+// Calls the parts of vellum that work on a page, for what cannot be tested from outside: many pages
+// without an engine, how often the work checks time and cancellation, a clock that the test controls.
 //
 //   staging_probe stage BASE PAGE...   writes PAGE.staged for each page
-//   staging_probe late PAGE            reads and stages a page while every look takes a second
-//   staging_probe gone PAGE            removes the page at the first look
-//   staging_probe signal PAGE          gets SIGTERM at the first look
+//   staging_probe late PAGE            reads and stages a page while every check takes a second
+//   staging_probe gone PAGE            deletes the page at the first check
+//   staging_probe signal PAGE          receives SIGTERM at the first check
 //
-// For each page it prints one line: the exit code that vellum would have, the number of looks and
-// the message.
+// Prints a line for each page: the exit code that vellum would return, the number of checks and the
+// message.
 //
 // SPDX-License-Identifier: MIT
 #include <chrono>
@@ -28,28 +27,28 @@ namespace {
 
 namespace fs = std::filesystem;
 using vellum::Checkpoint;
-using vellum::Watch;
+using vellum::Watchdog;
 
-unsigned looks = 0;
+unsigned checks = 0;
 
-Watch::Clock::time_point slowClock() {
-    static Watch::Clock::time_point now;
+Watchdog::Clock::time_point slowClock() {
+    static Watchdog::Clock::time_point now;
     now += std::chrono::seconds(1);
     return now;
 }
 
-/// Does the work on one page; `atLook` is called at each look before the watch looks.
-void stage(const std::string& base, const std::string& name, const Watch& watch,
-           const std::function<void()>& atLook) {
-    looks = 0;
+/// Does the work on one page; calls `beforeCheck` before each check of the watchdog.
+void stage(const std::string& base, const std::string& name, const Watchdog& watchdog,
+           const std::function<void()>& beforeCheck) {
+    checks = 0;
     int code = 0;
     std::string message;
     const fs::path path = fs::u8path(name);
     try {
         Checkpoint checkpoint([&] {
-            ++looks;
-            atLook();
-            watch.look();
+            ++checks;
+            beforeCheck();
+            watchdog.check();
         });
         const vellum::StagedPage page =
             vellum::stagePage(vellum::readPage(path, checkpoint), base, checkpoint);
@@ -59,7 +58,7 @@ void stage(const std::string& base, const std::string& name, const Watch& watch,
         code = static_cast<int>(failure.exitCode);
         message = failure.what();
     }
-    std::cout << code << ' ' << looks << ' ' << message << '\n';
+    std::cout << code << ' ' << checks << ' ' << message << '\n';
 }
 
 }  // namespace
@@ -71,14 +70,14 @@ int main() {
     const fs::path page = fs::u8path(words[2]);
     if (command == "stage") {
         for (std::size_t i = 3; i < words.size(); ++i)
-            stage(words[2], words[i], Watch(fs::u8path(words[i])), [] {});
+            stage(words[2], words[i], Watchdog(fs::u8path(words[i])), [] {});
     } else if (command == "late") {
-        stage("", words[2], Watch(page, slowClock), [] {});
+        stage("", words[2], Watchdog(page, slowClock), [] {});
     } else if (command == "gone") {
-        stage("", words[2], Watch(page), [&page] { fs::remove(page); });
+        stage("", words[2], Watchdog(page), [&page] { fs::remove(page); });
     } else if (command == "signal") {
-        vellum::stopOnSignal(SIGTERM);
-        stage("", words[2], Watch(page), [] { std::raise(SIGTERM); });
+        vellum::cancelOnSignal(SIGTERM);
+        stage("", words[2], Watchdog(page), [] { std::raise(SIGTERM); });
     } else {
         return 2;
     }

@@ -1,4 +1,4 @@
-// Looks at both ends of a file only: a large PDF is not read.
+// Reads only the two ends of the file, however large it is.
 //
 // SPDX-License-Identifier: MIT
 #include "pdf/pdf_file.h"

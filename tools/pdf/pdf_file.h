@@ -1,4 +1,4 @@
-// Whether a file is a PDF as a whole.
+// Is this file a complete PDF?
 //
 // SPDX-License-Identifier: MIT
 #pragma once
@@ -7,7 +7,7 @@
 
 namespace tools {
 
-/// Tells whether the file begins with "%PDF-" and has "%%EOF" in its last 1024 bytes.
+/// Returns whether the file begins with "%PDF-" and has "%%EOF" in its last 1024 bytes.
 bool isWholePdf(const std::filesystem::path& path);
 
 }  // namespace tools

@@ -1,5 +1,5 @@
-// A program that another one starts, watches and can end with all that it has started.
-// child_process_posix.cpp and child_process_windows.cpp are the two sources behind it.
+// Starting a program, waiting for it, and ending it with all processes that it has started.
+// child_process_posix.cpp and child_process_windows.cpp implement it.
 //
 // SPDX-License-Identifier: MIT
 #pragma once
@@ -15,38 +15,38 @@
 
 namespace tools {
 
-/// What to start and how.
 struct ProcessRequest {
     std::filesystem::path program;
-    /// UTF-8, without the program's name.
+    /// In UTF-8, without the name of the program.
     std::vector<std::string> arguments;
-    /// Variables that the program gets besides this one's.
+    /// Environment variables in addition to those of this process, or instead of them.
     std::map<std::string, std::string> environment;
-    /// Receives standard output and error.
+    /// Receives standard output and standard error.
     std::filesystem::path outputFile;
-    /// So many bytes of memory the program and its children may have together, where the system can
-    /// hold them to it (Windows); 0: as much as they like.
+    /// Bytes of memory that the program and its children may use together; 0 means no limit. The
+    /// system enforces it on Windows only.
     std::uint64_t memoryLimit = 0;
 };
 
-/// A started program, without a window and without standard input. It is a group of its own; when
-/// this goes, or this process ends in whatever way, the program is ended with its children.
+/// A running program without a window and without standard input, in a process group (Linux) or
+/// job (Windows) of its own. The program and its children are killed by the destructor, and also
+/// when this process is killed.
 class ChildProcess {
 public:
-    /// Raises std::system_error when the program cannot be started.
+    /// Throws std::system_error when the program cannot be started.
     explicit ChildProcess(const ProcessRequest& request);
     ~ChildProcess();
     ChildProcess(const ChildProcess&) = delete;
     ChildProcess& operator=(const ChildProcess&) = delete;
 
-    /// Waits for the end, at most so long. The exit code, or -1 for a program that was ended from
-    /// outside; nothing while it still runs.
+    /// Waits for the program's end, at most `longest`. Returns its exit code, or -1 if it was killed;
+    /// empty optional while it is still running.
     std::optional<int> wait(std::chrono::milliseconds longest);
 
-    /// The memory, in bytes, that the program and its children have for themselves.
+    /// The private memory, in bytes, of the program and its children.
     std::uint64_t memory() const;
 
-    /// Ends the program and all that it has started, at once.
+    /// Kills the program and its children.
     void kill();
 
 private:

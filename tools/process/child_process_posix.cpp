@@ -1,4 +1,8 @@
-// Child processes and program files on Linux.
+// Child processes on Linux.
+//
+// The death signal (PR_SET_PDEATHSIG) reaches the program only. An engine may be a script that starts
+// the real program, so a second process, the group guardian, kills the whole group when this process
+// is gone: it waits at the read end of a pipe, the lifeline, whose write end this process keeps.
 //
 // SPDX-License-Identifier: MIT
 #include <fcntl.h>
@@ -23,9 +27,8 @@ namespace tools {
 
 struct ChildProcess::State {
     pid_t process = -1;
-    /// A descriptor that becomes readable when the process ends.
-    int watch = -1;
-    /// A process that ends the group when this one is gone, and what it watches.
+    /// Becomes readable when the process ends; -1 if the kernel has no such descriptors.
+    int endDescriptor = -1;
     pid_t guardian = -1;
     int lifeline = -1;
     std::optional<int> exitCode;
@@ -46,11 +49,11 @@ namespace {
     throw std::system_error(errno, std::generic_category(), what);
 }
 
-/// The words of the new program, for execve.
+/// Arguments and environment in the form that execve takes.
 struct ProgramImage {
     explicit ProgramImage(const ProcessRequest& request) : program(request.program.string()) {
-        words.push_back(program);
-        words.insert(words.end(), request.arguments.begin(), request.arguments.end());
+        arguments.push_back(program);
+        arguments.insert(arguments.end(), request.arguments.begin(), request.arguments.end());
         for (char** variable = environ; *variable != nullptr; ++variable) {
             const std::string text = *variable;
             if (request.environment.count(text.substr(0, text.find('='))) == 0) {
@@ -59,8 +62,8 @@ struct ProgramImage {
         }
         for (const auto& [name, value] : request.environment)
             variables.push_back(std::string(name).append("=").append(value));
-        for (std::string& word : words)
-            argv.push_back(word.data());
+        for (std::string& argument : arguments)
+            argv.push_back(argument.data());
         for (std::string& variable : variables)
             envp.push_back(variable.data());
         argv.push_back(nullptr);
@@ -68,22 +71,23 @@ struct ProgramImage {
     }
 
     std::string program;
-    std::vector<std::string> words;
+    std::vector<std::string> arguments;
     std::vector<std::string> variables;
     std::vector<char*> argv;
     std::vector<char*> envp;
 };
 
-/// The descriptors of the child between fork and exec.
-struct ChildEnds {
+/// Write ends of pipes and files that the child uses between fork and exec.
+struct ChildDescriptors {
     int output;
     int failure;
     int lifeline;
 };
 
-/// Runs in the child; only calls that are safe between fork and exec. The guardian knows the group
-/// before the program runs.
-[[noreturn]] void becomeProgram(const ProgramImage& image, const ChildEnds& ends, pid_t parent) {
+/// Runs in the child: only calls that are allowed between fork and exec. Tells the guardian the
+/// group before the program starts.
+[[noreturn]] void becomeProgram(const ProgramImage& image, const ChildDescriptors& ends,
+                                pid_t parent) {
     setpgid(0, 0);
     const pid_t group = getpid();
     if (ends.lifeline >= 0) static_cast<void>(!write(ends.lifeline, &group, sizeof group));
@@ -110,19 +114,19 @@ bool readWhole(int descriptor, void* bytes, std::size_t size) {
     return got == static_cast<ssize_t>(size);
 }
 
-/// Runs in the guardian: waits for the number of the group and then until the lifeline ends. A word
-/// through it means that all is well.
+/// Runs in the guardian: reads the group's number, then waits for one more byte (nothing to do) or
+/// the end of the pipe (this process is gone).
 [[noreturn]] void guard(int lifeline) {
     setsid();
     pid_t group = 0;
-    char word = 0;
-    if (readWhole(lifeline, &group, sizeof group) && !readWhole(lifeline, &word, 1))
+    char byte = 0;
+    if (readWhole(lifeline, &group, sizeof group) && !readWhole(lifeline, &byte, 1))
         kill(-group, SIGKILL);
     _exit(0);
 }
 
-/// Starts a guardian; sets its number, and its end of the lifeline. An engine may be a script that
-/// starts the real one: the death signal reaches only the script.
+/// Sets the number of the guardian and the write end of its pipe. Without a guardian the child still
+/// runs.
 void startGuardian(pid_t& guardian, int& lifeline) {
     int ends[2] = {-1, -1};
     if (pipe2(ends, O_CLOEXEC) != 0) return;
@@ -135,20 +139,20 @@ void startGuardian(pid_t& guardian, int& lifeline) {
     lifeline = ends[1];
 }
 
-/// The reason why the program could not be executed, 0 when it was.
-int failureOf(int descriptor) {
+/// The errno of the failed execve, 0 when it succeeded.
+int execFailure(int descriptor) {
     int reason = 0;
     const ssize_t size = read(descriptor, &reason, sizeof reason);
     close(descriptor);
     return size == static_cast<ssize_t>(sizeof reason) ? reason : 0;
 }
 
-/// The group of a process by its folder in /proc; -1 when it is gone.
+/// The process group of the process with this folder in /proc; -1 when it has ended.
 pid_t groupOf(const std::filesystem::path& folder) {
     std::ifstream file(folder / "stat");
     std::string line;
     std::getline(file, line);
-    // The program's name is in brackets and may hold anything; state and parent follow.
+    // The second field, the name in parentheses, may contain any character.
     std::istringstream fields(line.substr(std::min(line.rfind(')') + 1, line.size())));
     std::string state;
     pid_t parent = -1;
@@ -157,7 +161,7 @@ pid_t groupOf(const std::filesystem::path& folder) {
     return fields ? group : -1;
 }
 
-/// What a process does not map from files, in memory and swapped out.
+/// Anonymous and shared memory of a process in bytes, resident or swapped out.
 std::uint64_t ownMemory(const std::filesystem::path& folder) {
     std::ifstream file(folder / "status");
     std::uint64_t bytes = 0;
@@ -176,7 +180,7 @@ std::uint64_t ownMemory(const std::filesystem::path& folder) {
 
 ChildProcess::ChildProcess(const ProcessRequest& request) : state_(std::make_unique<State>()) {
     const ProgramImage image(request);
-    // First, so that it holds none of the other pipes open.
+    // Before the other descriptors are opened, so that the guardian inherits none of them.
     startGuardian(state_->guardian, state_->lifeline);
     const int output =
         open(request.outputFile.c_str(), O_WRONLY | O_CREAT | O_TRUNC | O_CLOEXEC, 0600);
@@ -194,7 +198,7 @@ ChildProcess::ChildProcess(const ProcessRequest& request) : state_(std::make_uni
     int reason = errno;
     close(output);
     close(failure[1]);
-    const int refusal = failureOf(failure[0]);
+    const int refusal = execFailure(failure[0]);
     if (state_->process > 0) reason = refusal;
     if (reason != 0 && state_->process > 0) waitpid(state_->process, nullptr, 0);
     if (state_->process < 0 || reason != 0) {
@@ -202,22 +206,22 @@ ChildProcess::ChildProcess(const ProcessRequest& request) : state_(std::make_uni
         throw std::system_error(reason, std::generic_category(),
                                 "cannot start " + request.program.string());
     }
-    state_->watch = static_cast<int>(syscall(SYS_pidfd_open, state_->process, 0));
+    state_->endDescriptor = static_cast<int>(syscall(SYS_pidfd_open, state_->process, 0));
 }
 
 ChildProcess::~ChildProcess() {
     kill();
-    if (state_->watch >= 0) close(state_->watch);
+    if (state_->endDescriptor >= 0) close(state_->endDescriptor);
     state_->endGuardian();
 }
 
-/// Looks without collecting: as long as the process is not collected, its group keeps its number.
+/// Does not reap the process: until that happens, the number of its group is not used again.
 bool ChildProcess::hasEnded() {
     if (state_->exitCode) return true;
     siginfo_t info = {};
     const int result =
         waitid(P_PID, static_cast<id_t>(state_->process), &info, WEXITED | WNOHANG | WNOWAIT);
-    // Somebody else collects the children of this process.
+    // The children of this process are reaped elsewhere (SIGCHLD is ignored).
     if (result != 0 && errno == ECHILD) state_->exitCode = -1;
     if (result == 0 && info.si_pid == state_->process) {
         state_->exitCode = info.si_code == CLD_EXITED ? info.si_status : -1;
@@ -231,10 +235,10 @@ std::optional<int> ChildProcess::wait(std::chrono::milliseconds longest) {
     while (!hasEnded()) {
         const auto left = std::chrono::duration_cast<std::chrono::milliseconds>(end - Clock::now());
         if (left.count() <= 0) break;
-        // Without a descriptor (an old kernel) the wait is a number of pauses.
+        // Without a descriptor (old kernel) poll is only a pause.
         constexpr std::chrono::milliseconds pause{10};
-        const auto slice = state_->watch >= 0 ? left : std::min(left, pause);
-        pollfd watched = {state_->watch, POLLIN, 0};
+        const auto slice = state_->endDescriptor >= 0 ? left : std::min(left, pause);
+        pollfd watched = {state_->endDescriptor, POLLIN, 0};
         poll(&watched, 1, static_cast<int>(slice.count()));
     }
     return state_->exitCode;
@@ -263,7 +267,7 @@ void ChildProcess::kill() {
     state_->isReaped = true;
     if (!isRunning) return;
     state_->exitCode = -1;
-    // The other members of its group are somebody else's to collect; they are gone in a moment.
+    // The other members of the group are reaped by their parents; wait a moment for that.
     constexpr int pause = 5;
     for (int round = 0; round < 100 && ::kill(-state_->process, 0) == 0; ++round)
         poll(nullptr, 0, pause);

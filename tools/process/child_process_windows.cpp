@@ -1,4 +1,4 @@
-// Child processes and program files on Windows.
+// Child processes on Windows.
 //
 // SPDX-License-Identifier: MIT
 #include <windows.h>
@@ -14,7 +14,7 @@ namespace tools {
 
 struct ChildProcess::State {
     HANDLE process = nullptr;
-    /// Ends every process in it when its last handle is closed.
+    /// Kills all of its processes when its last handle is closed.
     HANDLE job = nullptr;
     std::optional<int> exitCode;
 
@@ -34,7 +34,7 @@ std::wstring wide(const std::string& text) {
     return std::filesystem::u8path(text).wstring();
 }
 
-/// An argument as the C runtime of the new program takes it apart again.
+/// An argument quoted for the C runtime of the new program.
 std::wstring quoted(const std::wstring& argument) {
     std::wstring text = L"\"";
     std::size_t slashes = 0;
@@ -54,7 +54,7 @@ std::wstring commandLine(const ProcessRequest& request) {
     return line;
 }
 
-/// This process's variables with the request's in their place, as CreateProcessW takes them.
+/// The environment of this process, changed by the request, in the form that CreateProcessW takes.
 std::wstring environmentBlock(const ProcessRequest& request) {
     std::wstring block;
     wchar_t* const own = GetEnvironmentStringsW();
@@ -80,8 +80,8 @@ HANDLE makeJob(std::uint64_t memoryLimit) {
     limits.BasicLimitInformation.LimitFlags = JOB_OBJECT_LIMIT_KILL_ON_JOB_CLOSE;
     if (memoryLimit > 0) {
         limits.BasicLimitInformation.LimitFlags |= JOB_OBJECT_LIMIT_JOB_MEMORY;
-        // Whoever watches over the limit sees a program that passes it; one that is refused memory
-        // only says that something failed.
+        // Above the limit of the request: the caller polls memory() and can then say which limit
+        // was exceeded, whereas a program that is refused memory only reports some failure.
         limits.JobMemoryLimit = memoryLimit + memoryLimit / 4;
     }
     SetInformationJobObject(job, JobObjectExtendedLimitInformation, &limits, sizeof limits);
@@ -95,7 +95,7 @@ DWORD activeProcesses(HANDLE job) {
     return facts.ActiveProcesses;
 }
 
-/// The numbers of a job's processes.
+/// The process identifiers of a job.
 std::vector<ULONG_PTR> processesOf(HANDLE job) {
     constexpr std::size_t most = 1024;
     constexpr std::size_t head = sizeof(JOBOBJECT_BASIC_PROCESS_ID_LIST);
@@ -107,7 +107,7 @@ std::vector<ULONG_PTR> processesOf(HANDLE job) {
     return {list->ProcessIdList, list->ProcessIdList + list->NumberOfProcessIdsInList};
 }
 
-/// What a process has committed for itself.
+/// The private committed memory of a process in bytes.
 std::uint64_t ownMemory(ULONG_PTR number) {
     HANDLE process =
         OpenProcess(PROCESS_QUERY_INFORMATION | PROCESS_VM_READ, FALSE, static_cast<DWORD>(number));
@@ -139,7 +139,7 @@ ChildProcess::ChildProcess(const ProcessRequest& request) : state_(std::make_uni
     std::wstring line = commandLine(request);
     std::wstring block = environmentBlock(request);
     PROCESS_INFORMATION process = {};
-    // Suspended until it belongs to the job, so that no child of it escapes.
+    // Suspended until it belongs to the job, so that it cannot start a child outside of it.
     const BOOL isStarted =
         CreateProcessW(request.program.c_str(), line.data(), nullptr, nullptr, TRUE,
                        CREATE_NO_WINDOW | CREATE_SUSPENDED | CREATE_UNICODE_ENVIRONMENT,
@@ -152,9 +152,8 @@ ChildProcess::ChildProcess(const ProcessRequest& request) : state_(std::make_uni
         fail("cannot start " + request.program.u8string());
     }
     state_->process = process.hProcess;
-    // It ends its processes when its handle is closed, in whatever way.
     state_->job = makeJob(request.memoryLimit);
-    // An older Windows refuses this inside another job; then the process alone can be ended.
+    // Old versions of Windows refuse this inside another job; then only the process itself is killed.
     AssignProcessToJobObject(state_->job, process.hProcess);
     ResumeThread(process.hThread);
     CloseHandle(process.hThread);
@@ -193,7 +192,7 @@ void ChildProcess::kill() {
     TerminateProcess(state_->process, killedCode);
     WaitForSingleObject(state_->process, INFINITE);
     state_->exitCode = -1;
-    // The others of the job are gone in a moment.
+    // The other processes of the job end a moment later.
     constexpr DWORD pause = 5;
     for (int round = 0; round < 100 && activeProcesses(state_->job) > 0; ++round)
         Sleep(pause);

@@ -1,4 +1,4 @@
-// What a guardian does is the same on both systems.
+// The part that is the same on both systems.
 //
 // SPDX-License-Identifier: MIT
 #include "process/guardian.h"
@@ -14,7 +14,8 @@ namespace {
 
 namespace fs = std::filesystem;
 
-/// Programs that were just ended may hold a file, or make one more, for a moment.
+/// Tries for five seconds: programs that were just killed may keep a file open, or create one more,
+/// for a moment.
 void removePersistently(const fs::path& path) {
     constexpr std::chrono::milliseconds pause{20};
     for (int round = 0; round < 250; ++round) {
@@ -27,7 +28,7 @@ void removePersistently(const fs::path& path) {
 
 }  // namespace
 
-void removeWhatIsLeft(long (*readSome)(char* buffer, unsigned long size)) {
+void removeWhenOwnerEnds(long (*readSome)(char* buffer, unsigned long size)) {
     std::vector<fs::path> paths;
     std::string path;
     char buffer[4096];
@@ -43,8 +44,8 @@ void removeWhatIsLeft(long (*readSome)(char* buffer, unsigned long size)) {
             path.clear();
         }
     }
-    for (const fs::path& left : paths)
-        removePersistently(left);
+    for (const fs::path& leftover : paths)
+        removePersistently(leftover);
 }
 
 }  // namespace tools

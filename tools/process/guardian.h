@@ -1,5 +1,5 @@
-// Somebody who removes what a process leaves when it is ended in a way that it cannot notice.
-// guardian_posix.cpp and guardian_windows.cpp are the two sources behind it.
+// Removes temporary files even if this process is killed.
+// guardian_posix.cpp and guardian_windows.cpp implement it.
 //
 // SPDX-License-Identifier: MIT
 #pragma once
@@ -9,17 +9,18 @@
 
 namespace tools {
 
-/// A process beside this one. When this one ends without the destructor, it removes the files and
-/// folders that were named to it. Where it cannot be started, nothing is watched.
+/// A second process that waits for the end of this one. If this one ends without calling the
+/// destructor, it removes the files and folders that were passed to watch(). Does nothing if the
+/// process cannot be started.
 class Guardian {
 public:
     Guardian();
-    /// From now on nothing is removed.
+    /// Ends the guardian without removing anything.
     ~Guardian();
     Guardian(const Guardian&) = delete;
     Guardian& operator=(const Guardian&) = delete;
 
-    /// Names a file or a folder, which is removed with all that is in it.
+    /// Adds a file, or a folder with all that it contains.
     void watch(const std::filesystem::path& path);
 
 private:
@@ -27,13 +28,13 @@ private:
     std::unique_ptr<State> state_;
 };
 
-/// What the guardian does: reads zero-terminated paths with `readSome` until it returns 0, and
-/// removes them, unless an empty one came.
-void removeWhatIsLeft(long (*readSome)(char* buffer, unsigned long size));
+/// The guardian's work: reads null-terminated paths with `readSome` until that returns 0, then
+/// removes them. An empty path ends it without removing anything.
+void removeWhenOwnerEnds(long (*readSome)(char* buffer, unsigned long size));
 
-/// The word with which a program is started on Windows to be a guardian; its main function then
-/// calls removeWhatStandardInputNames and ends.
-constexpr const wchar_t* guardianWord = L"--guard-files";
-void removeWhatStandardInputNames();
+/// On Windows the guardian is the same program, started with this one argument: its main function
+/// then calls runGuardian and returns.
+constexpr const wchar_t* guardianArgument = L"--guard-files";
+void runGuardian();
 
 }  // namespace tools

@@ -1,4 +1,5 @@
-// A guardian on Linux: a fork that waits at a pipe.
+// The guardian on Linux: a forked process that reads a pipe, the lifeline, whose write end this process
+// keeps.
 //
 // SPDX-License-Identifier: MIT
 #include "process/guardian.h"
@@ -19,27 +20,27 @@ struct Guardian::State {
 
 namespace {
 
-/// The end of the pipe at which the guardian waits.
-int watched = -1;
+/// The read end of the lifeline, in the guardian.
+int guardianInput = -1;
 
-long readWatched(char* buffer, unsigned long size) {
+long readLifeline(char* buffer, unsigned long size) {
     for (;;) {
-        const ssize_t got = read(watched, buffer, size);
+        const ssize_t got = read(guardianInput, buffer, size);
         if (got >= 0 || errno != EINTR) return got;
     }
 }
 
-/// A session of its own: what ends the other's group or terminal does not end it. Nobody waits for
-/// the end of its output.
+/// In a session of its own, so that signals to the group or terminal of this process do not reach
+/// it. It keeps none of the standard streams open: a reader of their output would wait for it.
 [[noreturn]] void becomeGuardian(const int (&lifeline)[2]) {
     setsid();
     close(lifeline[1]);
-    watched = lifeline[0];
+    guardianInput = lifeline[0];
     const int nothing = open("/dev/null", O_RDWR | O_CLOEXEC);
     for (const int stream : {STDIN_FILENO, STDOUT_FILENO, STDERR_FILENO})
         dup2(nothing, stream);
     static_cast<void>(!chdir("/"));
-    removeWhatIsLeft(readWatched);
+    removeWhenOwnerEnds(readLifeline);
     _exit(0);
 }
 

@@ -1,5 +1,6 @@
-// A guardian on Windows: the same program once more, which waits at a pipe. It is in no job of this
-// process, whose end would end it.
+// The guardian on Windows: the same program, started once more, reads a pipe, the lifeline, whose write
+// end this process keeps. It does not belong to the job of the engine, which is killed with this
+// process.
 //
 // SPDX-License-Identifier: MIT
 #include "process/guardian.h"
@@ -31,7 +32,7 @@ std::wstring ownProgram() {
 
 HANDLE startGuardian(HANDLE input) {
     const std::wstring program = ownProgram();
-    std::wstring line = L"\"" + program + L"\" " + guardianWord;
+    std::wstring line = L"\"" + program + L"\" " + guardianArgument;
     wchar_t folder[MAX_PATH + 1] = {};
     GetSystemDirectoryW(folder, MAX_PATH);
     STARTUPINFOW start = {};
@@ -39,7 +40,7 @@ HANDLE startGuardian(HANDLE input) {
     start.dwFlags = STARTF_USESTDHANDLES;
     start.hStdInput = input;
     PROCESS_INFORMATION process = {};
-    // On purpose: not in the current folder, which could not be removed then.
+    // On purpose: in the system folder. The current folder of a process cannot be removed.
     if (CreateProcessW(program.c_str(), line.data(), nullptr, nullptr, TRUE,
                        CREATE_NO_WINDOW | CREATE_NEW_PROCESS_GROUP, nullptr, folder, &start,
                        &process) == 0) {
@@ -59,7 +60,7 @@ void writeAll(HANDLE pipe, const std::string& text) {
 Guardian::Guardian() : state_(std::make_unique<State>()) {
     HANDLE input = nullptr;
     if (CreatePipe(&input, &state_->lifeline, nullptr, 0) == 0) return;
-    // Only the guardian inherits, and only its own end.
+    // The guardian inherits the read end only.
     SetHandleInformation(input, HANDLE_FLAG_INHERIT, HANDLE_FLAG_INHERIT);
     state_->process = startGuardian(input);
     CloseHandle(input);
@@ -78,8 +79,8 @@ void Guardian::watch(const std::filesystem::path& path) {
     if (state_->process != nullptr) writeAll(state_->lifeline, path.u8string() + '\0');
 }
 
-void removeWhatStandardInputNames() {
-    removeWhatIsLeft(readStandardInput);
+void runGuardian() {
+    removeWhenOwnerEnds(readStandardInput);
 }
 
 }  // namespace tools

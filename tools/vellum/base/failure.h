@@ -1,4 +1,4 @@
-// How a conversion fails.
+// The exception that ends a conversion, and the exit codes.
 //
 // SPDX-License-Identifier: MIT
 #pragma once
@@ -8,20 +8,20 @@
 
 namespace vellum {
 
-/// The documented exit codes.
+/// docs/vellum.md and the manual page list them.
 enum class ExitCode {
     Done = 0,
     Usage = 2,
     Input = 3,
     Output = 4,
     EngineFailed = 5,
-    TimeUp = 6,
+    Timeout = 6,
     NoEngine = 7,
     Cancelled = 8,
-    MemoryUp = 9
+    OutOfMemory = 9
 };
 
-/// what() is one line: what, where, why and what to do.
+/// what() is one line that says what failed, where, why and what to do.
 class Failure : public std::runtime_error {
 public:
     Failure(ExitCode code, const std::string& message)

@@ -1,5 +1,3 @@
-// The one place where messages are written.
-//
 // SPDX-License-Identifier: MIT
 #include "base/message.h"
 
@@ -9,12 +7,12 @@
 
 namespace vellum {
 
-void say(const std::string& text) {
+void printError(const std::string& text) {
     std::fputs(("vellum: " + tools::printable(text) + "\n").c_str(), stderr);
 }
 
-void warn(const std::string& text) {
-    say("warning: " + text);
+void printWarning(const std::string& text) {
+    printError("warning: " + text);
 }
 
 }  // namespace vellum

@@ -1,4 +1,4 @@
-// What people read on standard error.
+// Messages on standard error.
 //
 // SPDX-License-Identifier: MIT
 #pragma once
@@ -7,11 +7,11 @@
 
 namespace vellum {
 
-/// "vellum: ..." on standard error: one line that steers no terminal, whatever a page or a path
-/// puts into `text`.
-void say(const std::string& text);
+/// Prints "vellum: ..." and a line end. Control characters in `text`, which may come from a page or a
+/// path, are escaped.
+void printError(const std::string& text);
 
-/// "vellum: warning: ...", likewise.
-void warn(const std::string& text);
+/// Prints "vellum: warning: ..." in the same way.
+void printWarning(const std::string& text);
 
 }  // namespace vellum

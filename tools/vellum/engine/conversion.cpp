@@ -1,5 +1,3 @@
-// One conversion from the page to the PDF.
-//
 // SPDX-License-Identifier: MIT
 #include "engine/conversion.h"
 
@@ -21,7 +19,7 @@ namespace {
 
 namespace fs = std::filesystem;
 
-/// Tagging a page of more bytes takes as long as the rest of the conversion.
+/// For larger pages, in bytes, tagging the PDF would double the time of a conversion.
 constexpr std::size_t largePage = 2'000'000;
 
 void requireOtherFile(const ConversionRequest& request) {
@@ -37,7 +35,7 @@ tools::ProcessRequest engineProcess(const Engine& engine, const EngineTask& task
     process.program = engine.program;
     process.arguments = engineArguments(engine, task);
     process.outputFile = work / "output.txt";
-    // What the policy in the page does not reach: WeasyPrint asks these for a way to the network.
+    // WeasyPrint ignores the policy of the page. A proxy that does not exist keeps it off the network.
     for (const char* variable : {"http_proxy", "https_proxy", "ftp_proxy"})
         process.environment[variable] = "http://127.0.0.1:1";
     process.environment["no_proxy"] = "";
@@ -47,26 +45,26 @@ tools::ProcessRequest engineProcess(const Engine& engine, const EngineTask& task
     return process;
 }
 
-/// Returns when the engine has made the PDF and has been ended.
+/// Returns when the PDF is complete. The engine has ended or is killed.
 void runEngine(const Engine& engine, const EngineTask& task, const StagedPage& page,
-               const PartFile& part, const TemporaryFolder& work, Watch& watch) {
-    Checkpoint checkpoint([&watch] { watch.look(); });
+               const PartFile& part, const TemporaryFolder& work, Watchdog& watchdog) {
+    Checkpoint checkpoint([&watchdog] { watchdog.check(); });
     tools::ProcessRequest start = engineProcess(engine, task, work);
-    start.memoryLimit = watch.memoryLimit();
+    start.memoryLimit = watchdog.memoryLimit();
     tools::ChildProcess process(start);
     FontCheck fonts(page, work.path(), checkpoint);
-    watch.run(engine, process, part, start.outputFile);
-    fonts.finish([&watch] { watch.requireNoCancel(); });
+    watchdog.waitForPdf(engine, process, part, start.outputFile);
+    fonts.finish([&watchdog] { watchdog.requireNotCancelled(); });
 }
 
 }  // namespace
 
 Engine convert(const ConversionRequest& request) {
-    Watch watch(request.input);
-    Checkpoint checkpoint([&watch] { watch.look(); });
+    Watchdog watchdog(request.input);
+    Checkpoint checkpoint([&watchdog] { watchdog.check(); });
     std::string content = readPage(request.input, checkpoint);
     const std::size_t size = content.size();
-    watch.allowFor(size);
+    watchdog.setLimits(size);
     requireOtherFile(request);
     tools::Guardian guardian;
     PartFile part(request.output, guardian);
@@ -83,8 +81,8 @@ Engine convert(const ConversionRequest& request) {
     task.base = page.base;
     task.isLarge = size > largePage;
     writePage(task.page, page.content, checkpoint);
-    runEngine(engine, task, page, part, work, watch);
-    part.deliver([&watch] { watch.requireNoCancel(); });
+    runEngine(engine, task, page, part, work, watchdog);
+    part.deliver([&watchdog] { watchdog.requireNotCancelled(); });
     return engine;
 }
 

@@ -1,4 +1,4 @@
-// One conversion: the page is staged, an engine is started and watched, the PDF is delivered.
+// One conversion: stage the page, run an engine under supervision, deliver the PDF.
 //
 // SPDX-License-Identifier: MIT
 #pragma once
@@ -15,12 +15,12 @@ struct ConversionRequest {
     /// As given with -b.
     std::string base;
     std::filesystem::path output;
-    /// The engine that option or variable name; may be empty.
+    /// The engine that the option or variable names, or empty.
     std::string engine;
 };
 
-/// Converts a page and returns the engine that did it. Raises a Failure; then neither a new PDF nor
-/// a temporary file is left.
+/// Converts a page and returns the engine that was used. Throws a Failure, and then leaves neither a
+/// new PDF nor a temporary file.
 Engine convert(const ConversionRequest& request);
 
 }  // namespace vellum

@@ -1,4 +1,4 @@
-// Where engines are on Linux: on the search path.
+// The engines of Linux, which are on the search path.
 //
 // SPDX-License-Identifier: MIT
 #include <unistd.h>

@@ -1,4 +1,4 @@
-// Where engines are on Windows: beside vellum, registered as applications, in the program folders,
+// The engines of Windows: next to vellum.exe, registered as applications, in the Program Files folders,
 // on the search path.
 //
 // SPDX-License-Identifier: MIT
@@ -19,7 +19,7 @@ bool isProgram(const fs::path& path) {
     return fs::is_regular_file(path, ignored);
 }
 
-/// "chrome-headless-shell*\chrome-headless-shell.exe" beside vellum; of several the last by name.
+/// "chrome-headless-shell*\chrome-headless-shell.exe" next to vellum.exe; the last by name of several.
 fs::path headlessShellBeside() {
     fs::path found;
     std::error_code failure;
@@ -80,7 +80,7 @@ std::vector<Engine> engineCandidates() {
 }
 
 bool isAdministrator() {
-    // The sandbox of the browsers works for administrators as well.
+    // Unlike for root on Linux, the sandbox of the browsers works for administrators.
     return false;
 }
 

@@ -1,4 +1,4 @@
-// Which engine is taken, and how it is called.
+// The choice of an engine and its command line.
 //
 // SPDX-License-Identifier: MIT
 #include "engine/engines.h"
@@ -21,8 +21,8 @@ EngineKind kindOf(const std::string& name) {
     return EngineKind::Chromium;
 }
 
-/// An engine by its name in the list, or any program by name or path; without a program when there
-/// is none.
+/// An engine by its name in the list, or any other program by its name or path. Its `program` is empty
+/// when it is not found.
 Engine namedEngine(const std::string& name) {
     for (const Engine& engine : engineCandidates()) {
         if (engine.name == name && !engine.program.empty()) return engine;
@@ -31,13 +31,13 @@ Engine namedEngine(const std::string& name) {
     return {stem, kindOf(stem), tools::findProgram(name).value_or(std::filesystem::path())};
 }
 
-/// Tells whether the engine obeys the policy that is put into pages.
-bool knowsPolicy(const Engine& engine) {
+/// Returns whether the engine obeys the content security policy that staging inserts.
+bool obeysPolicy(const Engine& engine) {
     return engine.kind == EngineKind::Chromium;
 }
 
-/// On purpose: a page does not get an engine without a policy. Whoever wants one names it;
-/// otherwise a page would choose by itself what it may do.
+/// On purpose: a page cannot choose an engine that ignores the policy, since it would escape the
+/// policy by that. The user can, by naming the engine.
 std::string refusedWish(const std::string& name, bool isThere) {
     const std::string wish = "the page asks for the engine \"" + name + "\", which ";
     if (!isThere) return wish + "was not found";
@@ -101,8 +101,8 @@ Engine chooseEngine(const std::string& named, const std::string& askedByPage) {
         candidates.begin(), candidates.end(),
         [&](const Engine& engine) { return isFound(engine) && engine.name == askedByPage; });
     const bool isThere = asked != candidates.end();
-    if (isThere && (knowsPolicy(*asked) || asked == first)) return *asked;
-    if (!askedByPage.empty()) warn(refusedWish(askedByPage, isThere));
+    if (isThere && (obeysPolicy(*asked) || asked == first)) return *asked;
+    if (!askedByPage.empty()) printWarning(refusedWish(askedByPage, isThere));
     if (first != candidates.end()) return *first;
     throw Failure(
         ExitCode::NoEngine,

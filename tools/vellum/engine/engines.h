@@ -23,9 +23,9 @@ struct Engine {
 std::vector<Engine> engineCandidates();
 
 /// The engine that the option or variable names, or else the one that the page asks for, or else
-/// the first that is installed. A page gets only an engine that obeys the content security policy.
-/// Throws a Failure when there is none, or the named one is not installed; warns when the page does
-/// not get the engine that it asks for.
+/// the first that is installed. The page's wish is ignored with a warning if that engine is not
+/// installed, or if it ignores the content security policy and would not be used anyway. Throws a
+/// Failure when there is no engine, or the named one is not installed.
 Engine chooseEngine(const std::string& named, const std::string& askedByPage);
 
 /// What an engine is to convert.

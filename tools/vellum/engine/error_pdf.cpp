@@ -1,4 +1,4 @@
-// The smallest PDF with a text: catalog, pages, page, content, font.
+// A minimal PDF: catalog, pages, page, content, font.
 //
 // SPDX-License-Identifier: MIT
 #include "engine/error_pdf.h"
@@ -14,7 +14,7 @@ constexpr std::size_t lineLength = 80;
 std::string pdfText(const std::string& text) {
     std::string escaped;
     for (const char letter : text) {
-        // One mark for each character beyond ASCII.
+        // One question mark for each non-ASCII character: continuation bytes are skipped.
         if ((static_cast<unsigned char>(letter) & 0xC0U) == 0x80U) continue;
         const bool isPlain = letter >= ' ' && letter <= '~';
         if (letter == '(' || letter == ')' || letter == '\\') escaped += '\\';
@@ -47,7 +47,7 @@ std::string contentStream(const std::string& text) {
 
 }  // namespace
 
-std::string errorPage(const std::string& text) {
+std::string errorPdf(const std::string& text) {
     const std::string stream = contentStream(text);
     const std::string page =
         "<< /Type /Page /Parent 2 0 R /MediaBox [0 0 595 842] /Contents 4 0 R "

@@ -1,4 +1,4 @@
-// A PDF that says why there is no other.
+// A PDF with an error message in place of the report.
 //
 // SPDX-License-Identifier: MIT
 #pragma once
@@ -7,7 +7,7 @@
 
 namespace vellum {
 
-/// A PDF of one A4 page with this text. What is not ASCII becomes a question mark.
-std::string errorPage(const std::string& text);
+/// A PDF of one A4 page with this text. Non-ASCII characters become question marks.
+std::string errorPdf(const std::string& text);
 
 }  // namespace vellum

@@ -1,5 +1,3 @@
-// Part file, rename, error text.
-//
 // SPDX-License-Identifier: MIT
 #include "engine/output_file.h"
 
@@ -22,11 +20,10 @@ Failure unwritable(const fs::path& output, const std::string& why) {
     return {ExitCode::Output, "cannot write \"" + output.u8string() + "\": " + why};
 }
 
-/// The longest name of a file on both systems; bytes on Linux, units of UTF-16 on Windows.
+/// The maximum length of a file name: bytes on Linux, UTF-16 units on Windows.
 constexpr std::size_t longestName = 255;
 
-/// Where the text of an error is.
-fs::path reportPath(const fs::path& output) {
+fs::path errorTextPath(const fs::path& output) {
     const std::string ending = ".error.txt";
     const std::string name =
         tools::utf8Prefix(output.filename().u8string(), longestName - ending.size());
@@ -60,17 +57,17 @@ void writeText(const fs::path& path, const std::string& text) {
     std::ofstream(path, std::ios::binary | std::ios::trunc) << text;
 }
 
-/// A page that says what went wrong; failures are ignored.
-void writePageOf(const std::string& message, const fs::path& output) {
+/// Replaces the output by a PDF with the message; failures are ignored.
+void writeErrorPdf(const std::string& message, const fs::path& output) {
     std::error_code failure;
     try {
         const fs::path part = partIn(folderOf(output));
         createNewFile(part);
-        writeText(part, errorPage(message));
+        writeText(part, errorPdf(message));
         fs::rename(part, output, failure);
         if (failure) fs::remove(part, failure);
     } catch (const std::system_error&) {
-        // The text beside the output says it as well.
+        // The error text contains the message, too.
     }
 }
 
@@ -105,7 +102,7 @@ bool PartFile::isComplete() const {
 
 void PartFile::deliver(const std::function<void()>& lastCheck) {
     std::error_code failure;
-    // A link stays a link; what it leads to is replaced.
+    // A symbolic link remains; the file that it points to is replaced.
     const fs::path target = fs::is_symlink(output_) ? fs::canonical(output_, failure) : output_;
     lastCheck();
     if (!failure) fs::rename(part_, target, failure);
@@ -115,17 +112,17 @@ void PartFile::deliver(const std::function<void()>& lastCheck) {
     part_.clear();
 }
 
-void reportBeside(const fs::path& output, const std::string& message, bool mayWriteOutput) {
+void writeErrorReport(const fs::path& output, const std::string& message, bool mayWriteOutput) {
     const std::string wanted = tools::environmentVariable("VELLUM_ON_ERROR").value_or("text");
     if (wanted == "none") return;
-    writeText(reportPath(output), "vellum: " + message + "\n");
+    writeText(errorTextPath(output), "vellum: " + message + "\n");
     if (wanted != "page" || !mayWriteOutput) return;
-    writePageOf(message, output);
+    writeErrorPdf(message, output);
 }
 
-void removeReport(const fs::path& output) {
+void removeErrorText(const fs::path& output) {
     std::error_code ignored;
-    fs::remove(reportPath(output), ignored);
+    fs::remove(errorTextPath(output), ignored);
 }
 
 }  // namespace vellum

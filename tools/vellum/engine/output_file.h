@@ -1,4 +1,4 @@
-// The output: a whole PDF or none, and what is said of a failure beside it.
+// The output file, which is replaced by a complete PDF or not at all, and the error text next to it.
 //
 // SPDX-License-Identifier: MIT
 #pragma once
@@ -12,11 +12,12 @@
 
 namespace vellum {
 
-/// The part file beside the output that an engine writes. Removed when this goes, unless delivered.
+/// The temporary file next to the output that the engine writes. The destructor removes it unless it
+/// was delivered.
 class PartFile {
 public:
-    /// Makes it, empty, under a name that has nothing of the output's, which may be as long as the
-    /// system allows. Raises a Failure when the output cannot be written.
+    /// Creates it, empty. Its name does not contain the name of the output, which may already have the
+    /// maximum length. Throws a Failure when the output cannot be written.
     PartFile(const std::filesystem::path& output, tools::Guardian& guardian);
     ~PartFile();
     PartFile(const PartFile&) = delete;
@@ -24,16 +25,16 @@ public:
 
     const std::filesystem::path& path() const { return part_; }
 
-    /// What the engine has written so far, in bytes.
+    /// The bytes that the engine has written so far.
     std::uintmax_t size() const;
 
-    bool isBegun() const { return size() > 0; }
+    bool isStarted() const { return size() > 0; }
 
-    /// Tells whether the engine has written a whole PDF.
+    /// Returns whether the engine has written a complete PDF.
     bool isComplete() const;
 
-    /// Gives the part the output's name. `lastCheck` is called directly before and may raise a
-    /// Failure. Raises a Failure.
+    /// Renames the file to the output. Calls `lastCheck`, which may throw a Failure, directly before.
+    /// Throws a Failure.
     void deliver(const std::function<void()>& lastCheck);
 
 private:
@@ -41,14 +42,14 @@ private:
     std::filesystem::path part_;
 };
 
-/// Writes what VELLUM_ON_ERROR asks for: "text" (also without the variable) a text beside the
-/// output, under its name with ".error.txt" (of a name that is too long for that, the beginning),
-/// "page" a PDF with the message as well, unless the output must not be written; "none" nothing.
-/// Failures are ignored.
-void reportBeside(const std::filesystem::path& output, const std::string& message,
-                  bool mayWriteOutput);
+/// Reports an error as VELLUM_ON_ERROR says: "text" (default) writes the message to a file next to the
+/// output, with ".error.txt" appended to its name, which is shortened if necessary; "page" also
+/// replaces the output by a PDF with the message, if `mayWriteOutput`; "none" does nothing. Failures
+/// of all this are ignored.
+void writeErrorReport(const std::filesystem::path& output, const std::string& message,
+                      bool mayWriteOutput);
 
-/// Removes the text that an earlier failure left.
-void removeReport(const std::filesystem::path& output);
+/// Removes the error text of an earlier failure.
+void removeErrorText(const std::filesystem::path& output);
 
 }  // namespace vellum

@@ -1,5 +1,4 @@
-// The clock, the cancellation and the watch over an engine. They count from the start of a
-// conversion.
+// Supervises a conversion: its time limit, the memory of the engine, and cancellation.
 //
 // SPDX-License-Identifier: MIT
 #pragma once
@@ -15,29 +14,31 @@
 
 namespace vellum {
 
-class Watch {
+class Watchdog {
 public:
     using Clock = std::chrono::steady_clock;
 
-    /// `input` is the page. Tests have a clock of their own.
-    explicit Watch(std::filesystem::path input, Clock::time_point (*now)() = &Clock::now);
+    /// Starts the clock. `input` is the page; tests replace `now`.
+    explicit Watchdog(std::filesystem::path input, Clock::time_point (*now)() = &Clock::now);
 
-    /// Gives a page of so many bytes the time and the engine the memory that it needs, unless
-    /// VELLUM_TIMEOUT and VELLUM_MEMORY say otherwise.
-    void allowFor(std::size_t pageSize);
+    /// Sets the limits of time and memory for a page of so many bytes, unless VELLUM_TIMEOUT and
+    /// VELLUM_MEMORY set them.
+    void setLimits(std::size_t pageSize);
 
     /// In bytes.
     std::uint64_t memoryLimit() const;
 
-    /// The library removes the page's file when its generation is cancelled. Raises a Failure then.
-    void requireNoCancel() const;
+    /// Throws a Failure when the conversion was cancelled: by a signal, or by the library, which then
+    /// deletes the page.
+    void requireNotCancelled() const;
 
-    /// The same, and raises a Failure when the time is up. For work that no engine does.
-    void look() const;
+    /// Throws a Failure when the conversion was cancelled or its time is up.
+    void check() const;
 
-    /// Returns when the PDF is there and the engine has ended, or may be ended. Raises a Failure.
-    void run(const Engine& engine, tools::ChildProcess& process, const PartFile& part,
-             const std::filesystem::path& said);
+    /// Waits for a complete PDF. The engine then has ended, or can be killed. Throws a Failure;
+    /// `engineOutput` is the file with what the engine printed.
+    void waitForPdf(const Engine& engine, tools::ChildProcess& process, const PartFile& part,
+                    const std::filesystem::path& engineOutput);
 
 private:
     void requireLimits(const Engine& engine, const tools::ChildProcess& process);
@@ -54,7 +55,7 @@ private:
     Clock::time_point settledSince_;
 };
 
-/// Lets a signal cancel the conversion that runs.
-void stopOnSignal(int signalNumber);
+/// Makes this signal cancel the running conversion.
+void cancelOnSignal(int signalNumber);
 
 }  // namespace vellum

@@ -1,5 +1,4 @@
-// Where long work on a page looks up: the deadline and a cancellation count from the start of the
-// program, not from that of the engine.
+// Lets long work on a page check regularly whether it was cancelled or its time is up.
 //
 // SPDX-License-Identifier: MIT
 #pragma once
@@ -10,26 +9,26 @@
 
 namespace vellum {
 
-/// Calls a function again and again while work goes on. The function throws a Failure to end it.
+/// Calls a function after each 64 KiB of work. The function throws a Failure to end the work.
 class Checkpoint {
 public:
-    /// So many bytes of work are done between two looks.
     static constexpr std::size_t interval = 65536;
 
-    explicit Checkpoint(std::function<void()> look) : look_(std::move(look)) {}
+    explicit Checkpoint(std::function<void()> check) : check_(std::move(check)) {}
 
-    /// Says that work on so many bytes was done.
-    void passed(std::size_t bytes) {
+    /// To be called after work on so many bytes.
+    void processed(std::size_t bytes) {
         done_ += bytes;
         if (done_ < interval) return;
         done_ = 0;
-        look_();
+        check_();
     }
 
-    void look() const { look_(); }
+    /// Calls the function now.
+    void check() const { check_(); }
 
 private:
-    std::function<void()> look_;
+    std::function<void()> check_;
     std::size_t done_ = 0;
 };
 

@@ -1,4 +1,4 @@
-// Encodings by iconv.
+// Decoding by the iconv of the C library.
 //
 // SPDX-License-Identifier: MIT
 #include <iconv.h>
@@ -13,8 +13,8 @@
 namespace vellum {
 namespace {
 
-/// What comes for a byte without a meaning. In the encodings of Windows, the HTML standard and
-/// Windows itself take such a byte from 0x80 to 0x9F as the control character of this number.
+/// The text for a byte that the encoding does not define. In the windows-* encodings, the HTML
+/// standard and Windows itself read such a byte from 0x80 to 0x9F as that control character.
 std::string substitute(const Encoding& encoding, char byte) {
     const bool isOfWindows = std::string_view(encoding.name).rfind("windows-", 0) == 0;
     const bool isControl = (static_cast<unsigned char>(byte) & 0xE0U) == 0x80U;
@@ -30,11 +30,11 @@ public:
     Converter(const Converter&) = delete;
     Converter& operator=(const Converter&) = delete;
 
-    // The C library says it so.
     bool isOpen() const { return handle_ != reinterpret_cast<iconv_t>(-1); }
 
-    /// Converts as far as it goes. Returns 0 or the error's number. Without input it gives what it
-    /// has kept back: some encodings have marks that belong to the letter before.
+    /// Converts up to the first error and appends the result to `text`. Returns 0 or the errno.
+    /// With a null `in` it flushes what the converter holds back: in some encodings a character may
+    /// be followed by combining marks.
     int convert(char** in, std::size_t* inLeft, std::string& text) {
         std::array<char, 16384> buffer{};
         char* out = buffer.data();
@@ -53,26 +53,25 @@ private:
 
 std::optional<std::string> decoded(const Encoding& encoding, const std::string& bytes,
                                    Checkpoint& checkpoint) {
-    // iconv takes an empty name for the encoding of the user.
+    // An empty name would mean the encoding of the locale.
     if (*encoding.iconvName == '\0') return std::nullopt;
     Converter converter(encoding.iconvName);
     if (!converter.isOpen()) return std::nullopt;
     std::string text;
-    // Where shifts count, the end of the text would end them.
+    // Flushing would reset the shift state in the middle of the text.
     const bool hasShifts = std::string_view(encoding.name).rfind("iso-2022-", 0) == 0;
-    // iconv takes what it only reads as if it wrote there.
+    // The parameter of iconv is not const, but iconv only reads.
     char* in = const_cast<char*>(bytes.data());
     for (std::size_t left = bytes.size(); left > 0;) {
-        // In pieces, so that there is a look now and then; one never begins inside a character,
-        // since the converter stops before half of one.
+        // In pieces, for the checkpoint. No piece starts inside a character, since iconv stops
+        // before an incomplete one.
         std::size_t piece = std::min(left, Checkpoint::interval);
         const std::size_t before = piece;
         const int reason = converter.convert(&in, &piece, text);
         left -= before - piece;
-        checkpoint.passed(before - piece + 1);
+        checkpoint.processed(before - piece + 1);
         const bool isHalf = reason == EINVAL && piece < left && before != piece;
         if (reason == 0 || reason == E2BIG || isHalf) continue;
-        // A letter that was kept back comes before it.
         if (!hasShifts) converter.convert(nullptr, nullptr, text);
         text += substitute(encoding, *in);
         ++in;

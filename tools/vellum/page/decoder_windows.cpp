@@ -1,4 +1,4 @@
-// Encodings by the code pages of the system.
+// Decoding by the code pages of Windows.
 //
 // SPDX-License-Identifier: MIT
 #include <windows.h>

@@ -1,4 +1,4 @@
-// The list of the HTML standard: what a page may call its encoding, and what the system calls it.
+// The labels that a page may use, as the HTML standard lists them, and the names for the system.
 //
 // SPDX-License-Identifier: MIT
 #include "page/encodings.h"
@@ -10,7 +10,6 @@
 namespace vellum {
 namespace {
 
-// Without a name or number where the system has no conversion.
 constexpr Encoding encodings[] = {
     {"utf-8", "", 0},
     {"ibm866", "IBM866", 866},
@@ -56,8 +55,8 @@ struct Labels {
     const char* labels;
 };
 
-// A page that says in ASCII that it is in UTF-16 is in UTF-8, says the standard, and one in the
-// user's own encoding is in windows-1252.
+// As in the standard, a declaration of UTF-16 that is readable as ASCII means UTF-8, and
+// "x-user-defined" means windows-1252.
 constexpr Labels knownLabels[] = {
     {"utf-8", "unicode-1-1-utf-8 unicode11utf8 unicode20utf8 utf-8 utf8 x-unicode20utf8"},
     {"ibm866", "866 cp866 csibm866 ibm866"},
@@ -142,7 +141,7 @@ std::unordered_map<std::string, const Encoding*> labelMap() {
 
 }  // namespace
 
-const Encoding* encodingOfLabel(const std::string& label) {
+const Encoding* encodingForLabel(const std::string& label) {
     static const std::unordered_map<std::string, const Encoding*> labels = labelMap();
     const auto found = labels.find(label);
     return found == labels.end() ? nullptr : found->second;

@@ -1,4 +1,4 @@
-// The encodings that a page can be in.
+// The encodings of the HTML standard.
 //
 // SPDX-License-Identifier: MIT
 #pragma once
@@ -12,18 +12,17 @@ namespace vellum {
 
 struct Encoding {
     const char* name;
-    /// For iconv; empty where it is not used.
+    /// Name for iconv; empty when it cannot decode this.
     const char* iconvName;
-    /// For Windows; 0 where it has none.
+    /// Code page of Windows; 0 when it has none.
     unsigned codePage;
 };
 
-/// The encoding that goes by this label (lower case) in the HTML standard; null for others.
-const Encoding* encodingOfLabel(const std::string& label);
+/// The encoding with this label (in lower case) in the HTML standard; null for others.
+const Encoding* encodingForLabel(const std::string& label);
 
-/// The bytes in UTF-8, with U+FFFD in the place of those that mean nothing; nothing when the system
-/// does not know the encoding. decoder_posix.cpp and decoder_windows.cpp are the two sources behind
-/// it.
+/// Decodes bytes into UTF-8, with U+FFFD for bytes that the encoding does not define; empty optional
+/// when the system cannot decode it. decoder_posix.cpp and decoder_windows.cpp implement it.
 std::optional<std::string> decoded(const Encoding& encoding, const std::string& bytes,
                                    Checkpoint& checkpoint);
 

@@ -1,4 +1,4 @@
-// Paths to addresses and back. A drive letter gets a slash in front, a network path becomes a host.
+// "C:\x" and "file:///C:/x", "\\server\x" and "file://server/x", "/x" and "file:///x".
 //
 // SPDX-License-Identifier: MIT
 #include "page/file_url.h"
@@ -55,7 +55,7 @@ std::string percentDecoded(const std::string& text) {
     return decoded;
 }
 
-/// "http:" and the like; one letter is a drive.
+/// Does it start with a URL scheme? A single letter before the colon is a drive.
 bool hasScheme(const std::string& text) {
     const std::size_t colon = text.find(':');
     if (colon == std::string::npos || colon < 2 || !isLetter(text[0])) return false;
@@ -69,7 +69,7 @@ bool hasScheme(const std::string& text) {
     return true;
 }
 
-/// The path of a "file:" address.
+/// The path of a "file:" URL.
 fs::path filePath(const std::string& url) {
     std::string text = percentDecoded(url.substr(filePrefix.size()));
     const bool hasDrive = text.size() > 2 && text[0] == '/' && text[2] == ':';
@@ -83,9 +83,9 @@ fs::path filePath(const std::string& url) {
 std::string fileUrl(const fs::path& path) {
     std::string text = path.u8string();
     const bool isWindows = fs::path::preferred_separator == '\\';
-    // Not generic_u8string: it makes one slash of the two before a server.
+    // Not generic_u8string: it merges the two slashes before a server.
     if (isWindows) std::replace(text.begin(), text.end(), '\\', '/');
-    // The long forms of Windows: a drive behind a mark, a server behind a mark.
+    // Windows paths with the prefix for long names.
     if (isWindows && text.compare(0, 8, "//?/UNC/") == 0) text.erase(2, 6);
     if (isWindows && text.compare(0, 4, "//?/") == 0) text.erase(0, 4);
     if (isWindows && text.compare(0, 2, "//") == 0) return "file:" + percentEncoded(text);
@@ -116,7 +116,7 @@ std::optional<fs::path> linkedFile(const std::string& link, const std::string& b
     const std::string path = link.substr(0, link.find_first_of("?#"));
     if (path.empty()) return std::nullopt;
     if (hasScheme(path)) {
-        // Other hosts are not asked.
+        // Never looks on another host.
         const bool isHere = path.compare(0, filePrefix.size() + 1, "file:///") == 0;
         return isHere ? std::optional(filePath(path)) : std::nullopt;
     }
@@ -124,7 +124,7 @@ std::optional<fs::path> linkedFile(const std::string& link, const std::string& b
     if (isOnHost || base.compare(0, filePrefix.size(), filePrefix) != 0) return std::nullopt;
     const fs::path folder = filePath(base.substr(0, base.rfind('/') + 1));
     const fs::path file = folder / fs::u8path(percentDecoded(path));
-    // A network path would lose its server.
+    // lexically_normal would remove the server of a network path.
     const bool isOnNetwork = base.compare(0, 8, "file:///") != 0;
     return isOnNetwork ? file : file.lexically_normal();
 }

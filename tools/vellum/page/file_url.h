@@ -1,4 +1,4 @@
-// Addresses of files and folders.
+// File paths as URLs and back.
 //
 // SPDX-License-Identifier: MIT
 #pragma once
@@ -9,17 +9,17 @@
 
 namespace vellum {
 
-/// "file:///..." for an absolute path, with what is not allowed in an address percent-encoded.
+/// The "file:" URL of an absolute path, percent-encoded.
 std::string fileUrl(const std::filesystem::path& path);
 
-/// The address that relative links of a page count from: a URL stays as it is, a path becomes the
-/// address of that folder with a slash at its end, the empty text means the folder of `page`.
+/// The base URL for relative links of a page: a URL is returned as it is, a path becomes the URL of
+/// that folder with a slash at its end, an empty text means the folder of `page`.
 std::string baseUrl(const std::string& base, const std::filesystem::path& page);
 
-/// The address that a link means, counted from `base`.
+/// The URL that a link means relative to `base`.
 std::string resolvedUrl(const std::string& link, const std::string& base);
 
-/// The file that a link names, counted from `base`; nothing for addresses that are no files.
+/// The local file that a link means relative to `base`; empty optional for other URLs.
 std::optional<std::filesystem::path> linkedFile(const std::string& link, const std::string& base);
 
 }  // namespace vellum

@@ -1,4 +1,4 @@
-// A scanner for start tags, as the HTML standard's tokenizer reads them.
+// Reads start tags as the tokenizer of the HTML standard does.
 //
 // SPDX-License-Identifier: MIT
 #include "page/html_tags.h"
@@ -19,8 +19,8 @@ char lower(char letter) {
     return letter >= 'A' && letter <= 'Z' ? static_cast<char>(letter - 'A' + 'a') : letter;
 }
 
-/// The place of `wanted` (lower case) from `at` on, in whatever letter case; the page's size when
-/// it is not there.
+/// The offset of `wanted` (in lower case), searched from `at` ignoring letter case; the size of the
+/// page when it is not found.
 std::size_t findWord(const std::string& page, std::string_view wanted, std::size_t at) {
     const auto same = [](char one, char other) { return lower(one) == other; };
     const auto found = std::search(page.begin() + static_cast<std::ptrdiff_t>(at), page.end(),
@@ -36,13 +36,13 @@ std::size_t firstOther(const std::string& page, std::string_view letters, std::s
     return std::min(page.find_first_not_of(letters, at), page.size());
 }
 
-std::size_t behindNext(const std::string& page, char letter, std::size_t at) {
+std::size_t afterNext(const std::string& page, char letter, std::size_t at) {
     const std::size_t place = page.find(letter, at);
     return place == std::string::npos ? page.size() : place + 1;
 }
 
-/// The place behind a comment that starts at `at`. On purpose: one walk for both of its ends, since
-/// each of many comments would search the whole page for an end that it never has.
+/// The offset after a comment that starts at `at`. On purpose: one loop for both forms of its end.
+/// With a search for each form, many comments could each search the whole page for the other form.
 std::size_t endOfComment(const std::string& page, std::size_t at) {
     if (page.compare(at, 5, "<!-->") == 0) return at + 5;
     if (page.compare(at, 6, "<!--->") == 0) return at + 6;
@@ -54,7 +54,7 @@ std::size_t endOfComment(const std::string& page, std::size_t at) {
     return page.size();
 }
 
-/// The place behind an element whose contents are text.
+/// The offset after the contents of an element that contains only text; after the tag for others.
 std::size_t endOfTextElement(const std::string& page, const HtmlTag& tag) {
     for (const char* name : {"script", "style", "title", "textarea"}) {
         if (tag.name == name) return findWord(page, "</" + tag.name, tag.end);
@@ -62,8 +62,8 @@ std::size_t endOfTextElement(const std::string& page, const HtmlTag& tag) {
     return tag.end;
 }
 
-/// The character that a reference stands for; the zero byte when it is none of those that count.
-char meaningOf(std::string_view name) {
+/// The character of a reference; a null character when it is not one of those that are decoded.
+char referencedCharacter(std::string_view name) {
     if (name == "amp") return '&';
     if (name == "quot") return '"';
     if (name == "lt") return '<';
@@ -75,14 +75,14 @@ char meaningOf(std::string_view name) {
     return number > 0 && number < 128 ? static_cast<char>(number) : '\0';
 }
 
-void addAttribute(const std::string& page, const AttributePlace& place, HtmlTag& tag) {
+void addAttribute(const std::string& page, const AttributePosition& place, HtmlTag& tag) {
     for (const char* name : {"charset", "content", "href", "http-equiv", "name", "rel", "src"}) {
         const std::string_view view(page);
         const std::string_view written = view.substr(place.name, place.nameEnd - place.name);
         if (written.size() != std::string_view(name).size() || lowerCase(written) != name) continue;
         if (tag.hasAttribute(name)) return;
         tag.attributes.push_back(
-            {name, withoutReferences(view.substr(place.value, place.valueEnd - place.value))});
+            {name, decodeReferences(view.substr(place.value, place.valueEnd - place.value))});
     }
 }
 
@@ -93,9 +93,9 @@ HtmlTag readTag(const std::string& page, std::size_t start, Checkpoint& checkpoi
     tag.name = lowerCase(std::string_view(page).substr(start + 1, nameEnd - start - 1));
     std::size_t at = nextAttribute(page, nameEnd);
     while (at < page.size() && page[at] != '>') {
-        const AttributePlace place = attributeAt(page, at);
+        const AttributePosition place = attributeAt(page, at);
         addAttribute(page, place, tag);
-        checkpoint.passed(place.end - at);
+        checkpoint.processed(place.end - at);
         at = nextAttribute(page, place.end);
     }
     tag.end = std::min(at + 1, page.size());
@@ -128,12 +128,12 @@ void visitStartTags(const std::string& page, Checkpoint& checkpoint,
         } else if (page.compare(at, 4, "<!--") == 0) {
             at = endOfComment(page, at);
         } else if (next == '!' || next == '?' || next == '/') {
-            at = behindNext(page, '>', at);
+            at = afterNext(page, '>', at);
         } else {
             ++at;
         }
         at = page.find('<', at);
-        checkpoint.passed(std::min(at, page.size()) - start);
+        checkpoint.processed(std::min(at, page.size()) - start);
     }
 }
 
@@ -149,10 +149,10 @@ std::size_t nextAttribute(const std::string& page, std::size_t at) {
     return firstOther(page, " \t\n\r\f/", at);
 }
 
-AttributePlace attributeAt(const std::string& page, std::size_t at) {
-    AttributePlace place;
+AttributePosition attributeAt(const std::string& page, std::size_t at) {
+    AttributePosition place;
     place.name = at;
-    // A "=" at its beginning belongs to the name.
+    // A "=" at its start belongs to the name.
     place.nameEnd = firstOf(page, " \t\n\r\f/>=", at + 1);
     const std::size_t sign = firstOther(page, blanks, place.nameEnd);
     place.value = place.valueEnd = place.end = place.nameEnd;
@@ -168,17 +168,18 @@ AttributePlace attributeAt(const std::string& page, std::size_t at) {
     return place;
 }
 
-std::string withoutReferences(std::string_view text) {
+std::string decodeReferences(std::string_view text) {
     constexpr std::size_t longestName = 7;
     std::string plain;
     for (std::size_t i = 0; i < text.size(); ++i) {
         char meant = '\0';
         if (text[i] == '&') {
-            // On purpose: an end further away is not looked for, since each of many "&" would
-            // search the whole text.
+            // On purpose: a bounded search for the ";". Otherwise each of many "&" would search the
+            // whole text.
             const std::string_view name = text.substr(i + 1, longestName + 1);
             const std::size_t length = name.find(';');
-            if (length != std::string_view::npos) meant = meaningOf(name.substr(0, length));
+            if (length != std::string_view::npos)
+                meant = referencedCharacter(name.substr(0, length));
             if (meant != '\0') i += length + 1;
         }
         plain += meant == '\0' ? text[i] : meant;
@@ -192,9 +193,9 @@ std::size_t endOfDocumentType(const std::string& page) {
         if (page.compare(at, 4, "<!--") == 0) {
             at = endOfComment(page, at);
         } else if (page.compare(at, 2, "<?") == 0) {
-            at = behindNext(page, '>', at);
+            at = afterNext(page, '>', at);
         } else if (lowerCase(std::string_view(page).substr(at, 9)) == "<!doctype") {
-            return behindNext(page, '>', at);
+            return afterNext(page, '>', at);
         } else {
             return 0;
         }

@@ -1,5 +1,4 @@
-// The start tags of an HTML page, as far as a converter has to know them. Every function takes time
-// in proportion to the page, whatever is in it.
+// A scanner for the start tags of an HTML page. Every function takes linear time for any input.
 //
 // SPDX-License-Identifier: MIT
 #pragma once
@@ -14,8 +13,8 @@
 
 namespace vellum {
 
-/// Where an attribute is in a page, and what follows its value.
-struct AttributePlace {
+/// Offsets of an attribute in a page; `end` is after the closing quote, if there is one.
+struct AttributePosition {
     std::size_t name = 0;
     std::size_t nameEnd = 0;
     std::size_t value = 0;
@@ -26,53 +25,54 @@ struct AttributePlace {
 struct HtmlAttribute {
     /// In lower case.
     std::string name;
-    /// With character references replaced.
+    /// With character references decoded.
     std::string value;
 };
 
 struct HtmlTag {
     /// In lower case.
     std::string name;
-    /// Those that a converter looks at, the first of each name: charset, content, href, http-equiv,
-    /// name, rel, src.
+    /// The first one of each of these names: charset, content, href, http-equiv, name, rel, src.
+    /// Others are left out.
     std::vector<HtmlAttribute> attributes;
-    /// Place of "<" and of what follows the ">".
+    /// Offset of the "<" and the offset after the ">".
     std::size_t start = 0;
     std::size_t end = 0;
 
-    /// The value of the attribute of this name; empty when there is none.
+    /// The value of this attribute; empty when there is none.
     std::string attribute(std::string_view wanted) const;
     bool hasAttribute(std::string_view wanted) const;
 };
 
-/// Shows all start tags in order until `visit` returns false. Comments, end tags and the contents
-/// of script, style, title and textarea elements are passed over.
+/// Passes all start tags in order to `visit` until it returns false. Skips comments, end tags and
+/// the contents of script, style, title and textarea elements.
 void visitStartTags(const std::string& page, Checkpoint& checkpoint,
                     const std::function<bool(const HtmlTag&)>& visit);
 
-/// Tells whether a "<" with a letter is at `at`: only there a parser begins a start tag.
+/// Returns whether `at` is the offset of a "<" with a letter after it, which starts a tag.
 bool isTagStart(const std::string& page, std::size_t at);
 
-/// The end of the name of a tag that starts at `at`.
+/// The offset after the name of the tag that starts at `at`.
 std::size_t endOfTagName(const std::string& page, std::size_t at);
 
-/// The place of the next attribute of a tag from `at` on, a place in the tag outside of attributes;
-/// that of the ">", or the size of the page, when there is none.
+/// The offset of the next attribute of a tag, searched from `at`, which must be inside the tag and
+/// outside of its attributes. Without one, the offset of the ">" or the size of the page.
 std::size_t nextAttribute(const std::string& page, std::size_t at);
 
-/// The attribute that begins at `at`. The way a parser reads it depends on nothing before.
-AttributePlace attributeAt(const std::string& page, std::size_t at);
+/// The attribute that starts at `at`. How a parser reads it does not depend on anything before.
+AttributePosition attributeAt(const std::string& page, std::size_t at);
 
-/// "&amp;", "&quot;", "&lt;", "&gt;" and numbers below 128; that is all that addresses need.
-std::string withoutReferences(std::string_view text);
+/// The text with its character references decoded: "&amp;", "&quot;", "&lt;", "&gt;" and ASCII numbers,
+/// which is all that URLs need. Others stay as they are.
+std::string decodeReferences(std::string_view text);
 
-/// The place behind the document type and what may precede it: white space, comments, an XML
-/// declaration. 0 without a document type.
+/// The offset after the document type, which may follow white space, comments and an XML
+/// declaration; 0 without a document type.
 std::size_t endOfDocumentType(const std::string& page);
 
 std::string lowerCase(std::string_view text);
 
-/// Without white space at its edges.
+/// The text without white space at its start and end.
 std::string trimmed(const std::string& text);
 
 }  // namespace vellum

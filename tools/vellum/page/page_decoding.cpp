@@ -1,6 +1,6 @@
-// On purpose: no engine ever sees the bytes of a page. It would decode them itself, and a byte that
-// vanishes then turns harmless words into others: in iso-2022-jp, "re" and "l" with an escape
-// between them are "rel".
+// On purpose: no engine ever gets the original bytes of a page. If it decoded them itself, bytes that
+// the sanitizer takes for text could disappear: in iso-2022-jp, "re" and "l" with an escape sequence
+// between them read "rel".
 //
 // SPDX-License-Identifier: MIT
 #include "page/page_decoding.h"
@@ -19,7 +19,7 @@ bool startsWith(const std::string& page, std::string_view start) {
     return page.compare(0, start.size(), start) == 0;
 }
 
-/// The label that a "content" attribute holds.
+/// The encoding label in a "content" attribute.
 std::string labelInContent(const std::string& written) {
     constexpr std::string_view blanks = " \t\r\n\f";
     const std::string content = lowerCase(written);
@@ -31,17 +31,16 @@ std::string labelInContent(const std::string& written) {
     return content.substr(at, content.find_first_of("; \t\r\n\f\"'", at) - at);
 }
 
-/// The encoding that a tag declares; null when it declares none that is known.
+/// The encoding that a tag declares; null when it declares none, or an unknown one.
 const Encoding* declaredEncoding(const HtmlTag& tag) {
     if (tag.name != "meta") return nullptr;
     if (tag.hasAttribute("charset"))
-        return encodingOfLabel(lowerCase(trimmed(tag.attribute("charset"))));
+        return encodingForLabel(lowerCase(trimmed(tag.attribute("charset"))));
     if (lowerCase(trimmed(tag.attribute("http-equiv"))) != "content-type") return nullptr;
-    return encodingOfLabel(labelInContent(tag.attribute("content")));
+    return encodingForLabel(labelInContent(tag.attribute("content")));
 }
 
-/// The first declaration counts. Engines look for it at the beginning of the page, and change their
-/// minds when they meet it later.
+/// The first declaration counts, wherever in the page it is.
 const Encoding& encodingOf(const std::string& page, Checkpoint& checkpoint) {
     const Encoding* encoding = nullptr;
     visitStartTags(page, checkpoint, [&encoding](const HtmlTag& tag) {
@@ -49,7 +48,7 @@ const Encoding& encodingOf(const std::string& page, Checkpoint& checkpoint) {
         return encoding == nullptr;
     });
     if (encoding != nullptr) return *encoding;
-    return *encodingOfLabel(isUtf8(page, checkpoint) ? "utf-8" : "windows-1252");
+    return *encodingForLabel(isUtf8(page, checkpoint) ? "utf-8" : "windows-1252");
 }
 
 }  // namespace

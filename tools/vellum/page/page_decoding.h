@@ -1,4 +1,4 @@
-// The text of a page, whatever its encoding.
+// A page of any encoding as UTF-8.
 //
 // SPDX-License-Identifier: MIT
 #pragma once
@@ -9,9 +9,9 @@
 
 namespace vellum {
 
-/// The page in UTF-8, without a byte order mark. Its encoding is that of its mark, or else the
-/// first one that it declares, or else UTF-8 if it is valid as such, or else windows-1252. What is
-/// no character becomes U+FFFD. Raises a Failure for an encoding that the system does not know.
+/// The page in UTF-8, without a byte order mark. Its encoding is that of its byte order mark, or
+/// else the first one that it declares, or else UTF-8 if it is valid UTF-8, or else windows-1252.
+/// Invalid bytes become U+FFFD. Throws a Failure for an encoding that the system cannot decode.
 std::string pageInUtf8(std::string page, Checkpoint& checkpoint);
 
 }  // namespace vellum

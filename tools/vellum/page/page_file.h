@@ -1,4 +1,4 @@
-// The file of a page, and that of its copy.
+// Reading a page and writing its copy.
 //
 // SPDX-License-Identifier: MIT
 #pragma once
@@ -11,14 +11,15 @@
 
 namespace vellum {
 
-/// Raises a Failure when the file cannot be read to its end, or is none that has one.
+/// Throws a Failure when the file cannot be read to its end, or is not a regular file.
 std::string readPage(const std::filesystem::path& path, Checkpoint& checkpoint);
 
-/// Opens a file for reading as the system does it when others may remove it meanwhile: the library
-/// cancels a conversion by removing its page. Null when it cannot be opened; errno says why.
-std::FILE* openRemovable(const std::filesystem::path& path);
+/// Opens a file for reading so that others can delete it in the meantime: the library cancels a
+/// conversion by deleting its page. Returns null with errno set when it cannot be opened.
+/// page_file_posix.cpp and page_file_windows.cpp implement it.
+std::FILE* openDeletable(const std::filesystem::path& path);
 
-/// Raises a Failure when the file cannot be written whole.
+/// Throws a Failure when the file cannot be written completely.
 void writePage(const std::filesystem::path& path, const std::string& content,
                Checkpoint& checkpoint);
 

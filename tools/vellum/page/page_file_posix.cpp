@@ -1,11 +1,11 @@
-// Opening a page on Linux, where every open file may be removed.
+// Opening a page on Linux, where every open file can be deleted.
 //
 // SPDX-License-Identifier: MIT
 #include "page/page_file.h"
 
 namespace vellum {
 
-std::FILE* openRemovable(const std::filesystem::path& path) {
+std::FILE* openDeletable(const std::filesystem::path& path) {
     return std::fopen(path.c_str(), "rbe");
 }
 

@@ -1,4 +1,4 @@
-// Opening a page on Windows. The C runtime opens files so that nobody can remove them.
+// Opening a page on Windows, where a file that the C runtime opens cannot be deleted.
 //
 // SPDX-License-Identifier: MIT
 #include <windows.h>
@@ -13,7 +13,7 @@
 
 namespace vellum {
 
-std::FILE* openRemovable(const std::filesystem::path& path) {
+std::FILE* openDeletable(const std::filesystem::path& path) {
     constexpr DWORD everybody = FILE_SHARE_READ | FILE_SHARE_WRITE | FILE_SHARE_DELETE;
     HANDLE handle = CreateFileW(path.c_str(), GENERIC_READ, everybody, nullptr, OPEN_EXISTING,
                                 FILE_ATTRIBUTE_NORMAL, nullptr);

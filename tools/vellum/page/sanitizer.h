@@ -1,4 +1,4 @@
-// What no policy reaches is taken out of a page: redirections and attachments.
+// Disables what a content security policy does not cover: redirections and attachments.
 //
 // SPDX-License-Identifier: MIT
 #pragma once
@@ -9,9 +9,9 @@
 
 namespace vellum {
 
-/// Renames each "http-equiv" attribute but the harmless ones, and makes the attributes of each tag
-/// whose "rel" attribute names an attachment meaningless. Looks at everything that begins like a
-/// start tag, also where it is text. No place in the page moves.
-void disarm(std::string& page, Checkpoint& checkpoint);
+/// Renames each "http-equiv" attribute except harmless ones, and overwrites the attributes of each tag
+/// whose "rel" attribute names an attachment. This covers everything that looks like a start tag,
+/// even inside text. The length of the page does not change.
+void sanitize(std::string& page, Checkpoint& checkpoint);
 
 }  // namespace vellum

@@ -1,6 +1,6 @@
-// The insertion stands in front of everything but the document type. A policy further down would
-// come too late for a script above it; and a parser that meets "meta" there opens the head itself
-// and takes the attributes of the page's own html element later.
+// The insertion comes before everything but the document type: a policy further down would not apply
+// to scripts above it. At "meta" the parser opens the head by itself; it still applies the attributes
+// of the page's own html element afterwards.
 //
 // SPDX-License-Identifier: MIT
 #include "page/staged_page.h"
@@ -20,7 +20,7 @@ constexpr const char* policy =
     "<meta http-equiv=\"Content-Security-Policy\" content=\"default-src 'none'; "
     "style-src 'unsafe-inline' file: data:; img-src file: data:; font-src file: data:\">";
 
-/// The attribute of an element that names a file to show; null for elements that show none.
+/// The attribute with the file that an element displays; null for other elements.
 const char* linkAttribute(const HtmlTag& tag) {
     if (tag.name == "img" || tag.name == "source" || tag.name == "embed") return "src";
     if (tag.name == "image") return "href";
@@ -29,14 +29,14 @@ const char* linkAttribute(const HtmlTag& tag) {
     return isStyle ? "href" : nullptr;
 }
 
-/// What the tags of a page say.
-class TagNotes {
+/// Collects what the tags of a page say.
+class TagCollector {
 public:
-    TagNotes(const std::string& base, StagedPage& staged) : base_(base), staged_(staged) {
+    TagCollector(const std::string& base, StagedPage& staged) : base_(base), staged_(staged) {
         staged_.base = base;
     }
 
-    void take(const HtmlTag& tag) {
+    void add(const HtmlTag& tag) {
         if (tag.name == "base" && tag.hasAttribute("href") && !hasBase_) {
             hasBase_ = true;
             staged_.base = resolvedUrl(trimmed(tag.attribute("href")), base_);
@@ -86,9 +86,9 @@ bool hasTagStart(const std::string& page, std::size_t end) {
     return false;
 }
 
-/// On purpose: a start with something like a tag in a comment gives way to a plain one. Whoever
-/// read it as a tag would read on through the insertion.
-void insertBehindDocumentType(const std::string& insertion, std::string& page) {
+/// On purpose: if a comment before the document type contains something like a tag, a plain document
+/// type replaces both. A parser that read it as a tag would read on into the insertion.
+void insertAfterDocumentType(const std::string& insertion, std::string& page) {
     const std::size_t end = endOfDocumentType(page);
     const bool isPlain = !hasTagStart(page, end);
     const std::string start = isPlain ? page.substr(0, end) : "<!DOCTYPE html>";
@@ -100,19 +100,19 @@ void insertBehindDocumentType(const std::string& insertion, std::string& page) {
 StagedPage stagePage(std::string page, const std::string& base, Checkpoint& checkpoint) {
     StagedPage staged;
     page = pageInUtf8(std::move(page), checkpoint);
-    TagNotes notes(base, staged);
-    visitStartTags(page, checkpoint, [&notes](const HtmlTag& tag) {
-        notes.take(tag);
+    TagCollector collector(base, staged);
+    visitStartTags(page, checkpoint, [&collector](const HtmlTag& tag) {
+        collector.add(tag);
         return true;
     });
-    // The mark comes before every declaration, those of the page included.
+    // The byte order mark overrides every declaration of the page.
     std::string insertion = "<meta charset=\"utf-8\">";
     insertion += policy;
-    // Of several bases the first counts; the page's own would count from the copy's folder.
+    // The first base counts; the page's own would be relative to the folder of the copy.
     insertion += "<base href=\"" + escapedAttribute(cleanUtf8(staged.base, checkpoint)) + "\">";
     insertion += "<style>@page{size:A4}</style>";
-    disarm(page, checkpoint);
-    insertBehindDocumentType(insertion, page);
+    sanitize(page, checkpoint);
+    insertAfterDocumentType(insertion, page);
     staged.content = std::move(page);
     return staged;
 }

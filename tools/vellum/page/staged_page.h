@@ -1,4 +1,4 @@
-// The page as an engine gets it: the same content, unable to do harm.
+// The copy of a page that an engine converts: the same content with scripts and network disabled.
 //
 // SPDX-License-Identifier: MIT
 #pragma once
@@ -13,17 +13,16 @@ namespace vellum {
 struct StagedPage {
     /// In UTF-8, with a byte order mark.
     std::string content;
-    /// The base of its relative links: the page's own, or the given one.
+    /// Base URL of its relative links: the page's own, or the given one.
     std::string base;
-    /// The engine that the page asks for; may be empty.
+    /// The engine that the page asks for, or empty.
     std::string engine;
-    /// The images and styles that the page shows, as its links say, each once.
+    /// The links to images and style sheets, each once.
     std::vector<std::string> shownFiles;
 };
 
-/// Puts encoding, policy, base and paper size at the start of a page and takes out what the policy
-/// does not reach: redirections and attachments. Raises a Failure for a page in an encoding that
-/// cannot be read.
+/// Converts the page to UTF-8, inserts encoding, content security policy, base and paper size at its
+/// start, and sanitizes it. Throws a Failure for an encoding that cannot be decoded.
 StagedPage stagePage(std::string page, const std::string& base, Checkpoint& checkpoint);
 
 }  // namespace vellum

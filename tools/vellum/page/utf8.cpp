@@ -40,7 +40,7 @@ bool isUtf8(const std::string& text, Checkpoint& checkpoint) {
     for (std::size_t at = 0; at < text.size();) {
         const std::size_t length = tools::sequenceLength(view.substr(at));
         if (length == 0) return false;
-        checkpoint.passed(length);
+        checkpoint.processed(length);
         at += length;
     }
     return true;
@@ -58,7 +58,7 @@ std::string cleanUtf8(const std::string& text, Checkpoint& checkpoint) {
             clean.append(text, at, length);
         }
         const std::size_t step = length == 0 ? 1 : length;
-        checkpoint.passed(step);
+        checkpoint.processed(step);
         at += step;
     }
     return clean;
@@ -83,7 +83,7 @@ std::string utf8OfUtf16(const std::string& bytes, std::size_t start, bool isBigE
             character = replacement;
         }
         appendUtf8(character, text);
-        checkpoint.passed(2);
+        checkpoint.processed(2);
     }
     if ((bytes.size() - start) % 2 != 0) appendUtf8(replacement, text);
     return text;

@@ -1,4 +1,4 @@
-// Missing files and missing characters. Engines say nothing of either.
+// Engines report neither missing files nor missing characters.
 //
 // SPDX-License-Identifier: MIT
 #include "page/warnings.h"
@@ -20,14 +20,14 @@
 namespace vellum {
 namespace {
 
-/// The characters beyond ASCII of a text in UTF-8.
+/// The non-ASCII characters of a text in UTF-8.
 std::set<char32_t> charactersOf(const std::string& text, Checkpoint& checkpoint) {
     std::vector<bool> isThere(0x110000);
     const std::string_view view = text;
     for (std::size_t at = 0; at < text.size();) {
         const std::size_t length = std::max<std::size_t>(1, tools::sequenceLength(view.substr(at)));
         isThere[tools::codePoint(view.substr(at, length))] = true;
-        checkpoint.passed(length);
+        checkpoint.processed(length);
         at += length;
     }
     std::set<char32_t> characters;
@@ -37,7 +37,7 @@ std::set<char32_t> charactersOf(const std::string& text, Checkpoint& checkpoint)
     return characters;
 }
 
-/// Controls, blanks of all widths, joiners, direction marks and private use need no font.
+/// Returns false for spaces, invisible formatting characters and the replacement character.
 bool needsFont(char32_t character) {
     return character > 0xA0 && character != 0xAD && character != 0x2028 && character != 0x2029 &&
            !(character >= 0x2000 && character <= 0x200F) &&
@@ -47,7 +47,7 @@ bool needsFont(char32_t character) {
            character != 0xFFFD;
 }
 
-/// Takes out what a line of "20-7e a0-17f 192" covers.
+/// Removes the characters of a font, which fc-list prints like "20-7e a0-17f 192".
 void removeCovered(const std::string& line, std::set<char32_t>& characters) {
     std::istringstream ranges(line);
     for (std::string range; ranges >> range && !characters.empty();) {
@@ -76,17 +76,17 @@ std::string characterList(const std::set<char32_t>& characters) {
 
 void warnOfMissingFiles(const StagedPage& page, Checkpoint& checkpoint) {
     constexpr std::size_t mostWarnings = 20;
-    // No file has a longer path; looking at each of many would take time without end.
+    // No file has a longer path. Testing very many long links would take unlimited time.
     constexpr std::size_t longestLink = 4000;
     std::size_t warnings = 0;
     for (const std::string& link : page.shownFiles) {
-        checkpoint.look();
+        checkpoint.check();
         if (link.size() + page.base.size() > longestLink) continue;
         const auto file = linkedFile(link, page.base);
         std::error_code ignored;
         if (!file || std::filesystem::exists(*file, ignored)) continue;
-        if (warnings++ == mostWarnings) return warn("more files do not exist");
-        warn("\"" + link + "\" does not exist (looked for \"" + file->u8string() + "\")");
+        if (warnings++ == mostWarnings) return printWarning("more files do not exist");
+        printWarning("\"" + link + "\" does not exist (looked for \"" + file->u8string() + "\")");
     }
 }
 
@@ -104,7 +104,7 @@ FontCheck::FontCheck(const StagedPage& page, const std::filesystem::path& folder
     try {
         process_ = std::make_unique<tools::ChildProcess>(request);
     } catch (const std::system_error&) {
-        // A warning less.
+        // Then there is no such warning.
     }
 }
 
@@ -122,7 +122,7 @@ void FontCheck::finish(const std::function<void()>& whileWaiting) {
     for (std::string line; std::getline(list, line); hasFont = true)
         removeCovered(line, characters_);
     if (hasFont && !characters_.empty())
-        warn("no installed font has " + characterList(characters_));
+        printWarning("no installed font has " + characterList(characters_));
 }
 
 }  // namespace vellum

@@ -1,4 +1,4 @@
-// What is wrong with a page but does not stop its conversion.
+// Warnings about a page: missing files and characters without a font.
 //
 // SPDX-License-Identifier: MIT
 #pragma once
@@ -14,18 +14,18 @@
 
 namespace vellum {
 
-/// Warns of each local file that the page shows and that does not exist, of twenty at the most.
+/// Prints a warning for each local file that the page displays and that does not exist, at most 20.
 void warnOfMissingFiles(const StagedPage& page, Checkpoint& checkpoint);
 
-/// Looks for characters that no installed font has, while the engine works. Does nothing where
-/// fontconfig's list of fonts cannot be had.
+/// Searches for characters that no installed font has while the engine works. Does nothing where
+/// the program fc-list of fontconfig is not installed.
 class FontCheck {
 public:
-    /// `folder` takes a temporary file.
+    /// The output of fc-list is written to a file in `folder`.
     FontCheck(const StagedPage& page, const std::filesystem::path& folder, Checkpoint& checkpoint);
 
-    /// Warns of the characters, unless the list cannot be had soon. `whileWaiting` is called again
-    /// and again and may raise a Failure.
+    /// Prints a warning with the characters, unless fc-list takes longer than two seconds.
+    /// `whileWaiting` is called repeatedly meanwhile and may throw a Failure.
     void finish(const std::function<void()>& whileWaiting);
 
 private:

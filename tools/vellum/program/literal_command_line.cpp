@@ -1,4 +1,4 @@
-// A match from the front: none of the three texts can hold a double quote.
+// Matches from the start: none of the three texts can contain a double quote.
 //
 // SPDX-License-Identifier: MIT
 #include "program/literal_command_line.h"
@@ -6,15 +6,15 @@
 namespace vellum {
 namespace {
 
-/// The place behind the program's name.
+/// The offset after the name of the program.
 std::size_t endOfProgram(const std::wstring& line) {
     if (line.empty() || line[0] != L'"') return line.find(L' ');
     const std::size_t quote = line.find(L'"', 1);
     return quote == std::wstring::npos ? quote : quote + 1;
 }
 
-/// Takes `opening`, the text up to the next quote, and that quote; moves `at` behind them.
-bool takeText(const std::wstring& line, const std::wstring& opening, std::size_t& at,
+/// Reads `opening`, the text up to the next quote, and that quote; moves `at` after them.
+bool readText(const std::wstring& line, const std::wstring& opening, std::size_t& at,
               std::wstring& text) {
     if (line.compare(at, opening.size(), opening) != 0) return false;
     const std::size_t start = at + opening.size();
@@ -34,8 +34,8 @@ std::optional<std::vector<std::wstring>> literalArguments(const std::wstring& co
     std::wstring base;
     std::wstring output;
     const bool matches =
-        takeText(commandLine, L" -i \"", at, input) && takeText(commandLine, L" -b \"", at, base) &&
-        takeText(commandLine, L" -t html -o \"", at, output) && at == commandLine.size();
+        readText(commandLine, L" -i \"", at, input) && readText(commandLine, L" -b \"", at, base) &&
+        readText(commandLine, L" -t html -o \"", at, output) && at == commandLine.size();
     if (!matches) return std::nullopt;
     return std::vector<std::wstring>{L"-i", input, L"-b", base, L"-t", L"html", L"-o", output};
 }

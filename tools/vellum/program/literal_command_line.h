@@ -1,5 +1,5 @@
-// The command line exactly as the library writes it, for Windows: the usual rules for taking a
-// command line apart see an escaped quote where a base ends in a backslash.
+// The library's command line, read literally on Windows: by the usual rules of quoting, a base that
+// ends in a backslash would escape the quote after it.
 //
 // SPDX-License-Identifier: MIT
 #pragma once
@@ -10,7 +10,7 @@
 
 namespace vellum {
 
-/// The arguments in `PROGRAM -i "A" -b "B" -t html -o "C"`; nothing for a line of another shape.
+/// The arguments of `PROGRAM -i "A" -b "B" -t html -o "C"`; empty optional for any other command line.
 std::optional<std::vector<std::wstring>> literalArguments(const std::wstring& commandLine);
 
 }  // namespace vellum

@@ -7,9 +7,9 @@
 #include "program/program.h"
 
 int main(int argc, char** argv) {
-    // A host that ignores its children's ends hands that on.
+    // A host that ignores SIGCHLD passes that on, and children could not be waited for.
     std::signal(SIGCHLD, SIG_DFL);
-    vellum::stopOnSignal(SIGHUP);
-    vellum::stopOnSignal(SIGQUIT);
+    vellum::cancelOnSignal(SIGHUP);
+    vellum::cancelOnSignal(SIGQUIT);
     return vellum::runProgram(std::vector<std::string>(argv + (argc > 0 ? 1 : 0), argv + argc));
 }

@@ -1,87 +1,137 @@
-// A parser of its own, since the word behind an option is its value whatever it looks like: the
-// library quotes paths, but a path may begin with "-" and a base may be empty.
+// One table for the parser and for --help. A test compares --help with the manual page and
+// docs/vellum.md.
+//
+// The parser is written by hand because the argument after an option is always its value: a path may
+// begin with "-" and a base may be empty.
 //
 // SPDX-License-Identifier: MIT
 #include "program/options.h"
-
-#include <map>
 
 #include "base/failure.h"
 
 namespace vellum {
 namespace {
 
-Failure usage(const std::string& message) {
+struct Option {
+    const char* name;
+    /// Another name for it, or null.
+    const char* longName;
+    /// The value as --help shows it; null for a flag.
+    const char* value;
+    const char* meaning;
+    std::string Options::*text;
+    bool Options::*flag;
+};
+
+constexpr Option optionTable[] = {
+    {"-i", nullptr, "FILE", "the page", &Options::input, nullptr},
+    {"-b", nullptr, "BASE",
+     "base of relative links: a URL, or a folder (default: the folder of the page)", &Options::base,
+     nullptr},
+    {"-t", nullptr, "html", "type of the input; there is no other", &Options::type, nullptr},
+    {"-o", nullptr, "FILE", "the PDF", &Options::output, nullptr},
+    {"--engine", nullptr, "NAME",
+     "use this engine and no other: a name of --list-engines or a path", &Options::engine, nullptr},
+    {"--list-engines", nullptr, nullptr, "list the engines in the order in which they are tried",
+     nullptr, &Options::listEngines},
+    {"--check", nullptr, nullptr, "convert a built-in page and print which engine did it", nullptr,
+     &Options::check},
+    {"-h", "--help", nullptr, "print this help", nullptr, &Options::help},
+    {"--version", nullptr, nullptr, "print the version", nullptr, &Options::version},
+};
+
+struct HelpRow {
+    const char* name;
+    const char* meaning;
+};
+
+constexpr HelpRow variables[] = {
+    {"VELLUM_ENGINE", "same as --engine, which takes precedence"},
+    {"VELLUM_TIMEOUT", "seconds for a conversion (default: 60 and 1 for each 100 kB of the page)"},
+    {"VELLUM_MEMORY",
+     "MiB for the engine (default: 2048 and 1 for each kB of the page, up to 8192)"},
+    {"VELLUM_ON_ERROR", "error report next to the output: text (default), page or none"},
+};
+
+constexpr HelpRow exitCodes[] = {
+    {"0", "the PDF was written"},
+    {"2", "wrong arguments"},
+    {"3", "the page cannot be read"},
+    {"4", "the output cannot be written"},
+    {"5", "the engine failed or wrote no complete PDF"},
+    {"6", "the time limit was exceeded"},
+    {"7", "no engine was found"},
+    {"8", "cancelled"},
+    {"9", "the engine exceeded the memory limit"},
+};
+
+Failure usageError(const std::string& message) {
     return {ExitCode::Usage, message + "; \"vellum --help\" shows the options"};
 }
 
-std::map<std::string, std::string*> valueOptions(Options& options) {
-    return {{"-i", &options.input},
-            {"-b", &options.base},
-            {"-t", &options.type},
-            {"-o", &options.output},
-            {"--engine", &options.engine}};
+const Option* findOption(const std::string& argument) {
+    for (const Option& option : optionTable) {
+        const bool isLongName = option.longName != nullptr && argument == option.longName;
+        if (argument == option.name || isLongName) return &option;
+    }
+    return nullptr;
 }
 
-std::map<std::string, bool*> flags(Options& options) {
-    return {{"-h", &options.help},
-            {"--help", &options.help},
-            {"--version", &options.version},
-            {"--list-engines", &options.listEngines},
-            {"--check", &options.check}};
-}
-
-void takeWords(const std::vector<std::string>& arguments, Options& options) {
-    const auto values = valueOptions(options);
-    const auto switches = flags(options);
+void readArguments(const std::vector<std::string>& arguments, Options& options) {
     for (std::size_t i = 0; i < arguments.size(); ++i) {
-        const std::string& word = arguments[i];
-        const auto value = values.find(word);
-        const auto flag = switches.find(word);
-        if (flag != switches.end()) {
-            *flag->second = true;
-        } else if (value != values.end()) {
-            if (i + 1 == arguments.size()) throw usage(word + " needs a value");
-            *value->second = arguments[++i];
-        } else if (word.size() > 1 && word[0] == '-') {
-            throw usage("there is no option \"" + word + "\"");
+        const std::string& argument = arguments[i];
+        const Option* const option = findOption(argument);
+        if (option == nullptr) {
+            const bool isOption = argument.size() > 1 && argument[0] == '-';
+            throw usageError(isOption ? "there is no option \"" + argument + "\""
+                                      : "\"" + argument + "\" is not expected");
+        }
+        if (option->flag != nullptr) {
+            options.*option->flag = true;
         } else {
-            throw usage("\"" + word + "\" is not expected");
+            if (i + 1 == arguments.size()) throw usageError(argument + " needs a value");
+            options.*option->text = arguments[++i];
         }
     }
 }
 
+std::string helpLine(const std::string& name, const char* meaning) {
+    constexpr std::size_t column = 17;
+    return "  " + name + std::string(column - name.size(), ' ') + meaning + "\n";
+}
+
 }  // namespace
 
-const char* const helpText =
-    "vellum makes a PDF of an HTML page with a browser or WeasyPrint.\n"
-    "\n"
-    "Examples:\n"
-    "  vellum -i report.html -o report.pdf\n"
-    "  vellum -i report.html -b images -t html -o report.pdf\n"
-    "  vellum --check\n"
-    "\n"
-    "Options:\n"
-    "  -i FILE           the page\n"
-    "  -b BASE           base of relative links: a URL or a folder (default: the page's folder)\n"
-    "  -t html           kind of the input; there is no other\n"
-    "  -o FILE           the PDF\n"
-    "  --engine NAME     this engine (a name or a path) and no other\n"
-    "  --list-engines    which engines there are, in the order in which they are tried\n"
-    "  --check           convert a built-in page and say with what\n"
-    "  -h, --help        print this help\n"
-    "  --version         print the version\n"
-    "\n"
-    "Variables: VELLUM_ENGINE, VELLUM_TIMEOUT (seconds), VELLUM_MEMORY (MiB), VELLUM_ON_ERROR\n"
-    "(text, none, page)\n"
-    "Exit codes: 0 done, 2 usage, 3 input, 4 output, 5 engine failed, 6 time was up,\n"
-    "7 no engine, 8 cancelled, 9 the engine took too much memory\n";
+std::string helpText() {
+    std::string text =
+        "vellum makes a PDF of an HTML page with a browser or WeasyPrint.\n"
+        "\n"
+        "Examples:\n"
+        "  vellum -i report.html -o report.pdf\n"
+        "  vellum -i report.html -b images -t html -o report.pdf\n"
+        "  vellum --check\n"
+        "\n"
+        "Options:\n";
+    for (const Option& option : optionTable) {
+        std::string name = option.name;
+        if (option.longName != nullptr) name += std::string(", ") + option.longName;
+        if (option.value != nullptr) name += std::string(" ") + option.value;
+        text += helpLine(name, option.meaning);
+    }
+    text += "\nEnvironment variables:\n";
+    for (const HelpRow& row : variables)
+        text += helpLine(row.name, row.meaning);
+    text += "\nExit codes:\n";
+    for (const HelpRow& row : exitCodes)
+        text += helpLine(row.name, row.meaning);
+    return text;
+}
 
 void parseOptions(const std::vector<std::string>& arguments, Options& options) {
-    takeWords(arguments, options);
+    readArguments(arguments, options);
     if (options.help || options.version || options.listEngines || options.check) return;
-    if (options.input.empty()) throw usage("-i is missing");
-    if (options.output.empty()) throw usage("-o is missing");
+    if (options.input.empty()) throw usageError("-i is missing");
+    if (options.output.empty()) throw usageError("-o is missing");
     if (options.type != "html") {
         throw Failure(ExitCode::Usage,
                       "-t \"" + options.type + "\" is not known; there is html only");

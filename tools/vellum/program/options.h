@@ -1,4 +1,4 @@
-// The arguments of vellum.
+// The command line of vellum.
 //
 // SPDX-License-Identifier: MIT
 #pragma once
@@ -13,7 +13,7 @@ struct Options {
     std::string base;
     std::string type = "html";
     std::string output;
-    /// A name or a path; empty: the first one that there is.
+    /// A name or a path; empty means the first engine that is installed.
     std::string engine;
     bool help = false;
     bool version = false;
@@ -21,11 +21,11 @@ struct Options {
     bool check = false;
 };
 
-/// Understands arguments in any order. Raises a Failure; the options that were understood until
-/// then are in `options`.
+/// Reads the arguments, in any order, into `options`. Throws a Failure; the options before the mistake
+/// are set then.
 void parseOptions(const std::vector<std::string>& arguments, Options& options);
 
 /// What --help prints.
-extern const char* const helpText;
+std::string helpText();
 
 }  // namespace vellum

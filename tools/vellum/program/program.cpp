@@ -1,4 +1,4 @@
-// From the arguments to the exit code.
+// Turns options into actions, and failures into messages and exit codes.
 //
 // SPDX-License-Identifier: MIT
 #include "program/program.h"
@@ -33,7 +33,7 @@ std::string shown(const fs::path& path) {
     return tools::printable(path.u8string());
 }
 
-std::string wantedEngine(const Options& options) {
+std::string engineOption(const Options& options) {
     if (!options.engine.empty()) return options.engine;
     return tools::environmentVariable("VELLUM_ENGINE").value_or("");
 }
@@ -48,7 +48,7 @@ ExitCode listEngines() {
     return hasEngine ? ExitCode::Done : ExitCode::NoEngine;
 }
 
-/// Letters, a table, a picture in the page: what every report has.
+/// Text, a table and a picture, as reports have them.
 constexpr const char* testPage =
     "<!DOCTYPE html><html lang=\"en\"><head><meta charset=\"utf-8\"><title>vellum</title></head>"
     "<body><h1>vellum</h1><p>This page was converted.</p><table border=\"1\"><tr><td>1</td>"
@@ -61,7 +61,7 @@ ExitCode check(const Options& options) {
     std::ofstream(folder / "test.html", std::ios::binary) << testPage;
     const auto start = std::chrono::steady_clock::now();
     const Engine engine =
-        convert({folder / "test.html", "", folder / "test.pdf", wantedEngine(options)});
+        convert({folder / "test.html", "", folder / "test.pdf", engineOption(options)});
     const auto took = std::chrono::duration_cast<std::chrono::milliseconds>(
         std::chrono::steady_clock::now() - start);
     print("engine: " + tools::printable(engine.name) + " (" + shown(engine.program) + ")\n");
@@ -72,14 +72,14 @@ ExitCode check(const Options& options) {
 
 ExitCode runConversion(const Options& options) {
     const fs::path output = fs::u8path(options.output);
-    convert({fs::u8path(options.input), options.base, output, wantedEngine(options)});
-    removeReport(output);
+    convert({fs::u8path(options.input), options.base, output, engineOption(options)});
+    removeErrorText(output);
     return ExitCode::Done;
 }
 
 ExitCode run(const Options& options) {
     if (options.help) {
-        print(helpText);
+        print(helpText());
         return ExitCode::Done;
     }
     if (options.version) {
@@ -90,15 +90,15 @@ ExitCode run(const Options& options) {
     return options.check ? check(options) : runConversion(options);
 }
 
-/// Nobody sees the error output of a converter that the library started.
-int fail(ExitCode code, const std::string& words, const Options& options) {
-    const std::string message = tools::printable(words);
-    say(message);
-    // A page that is gone before it was read: the library has cancelled.
+/// Also writes the message next to the output, since the library does not show standard error.
+int fail(ExitCode code, const std::string& text, const Options& options) {
+    const std::string message = tools::printable(text);
+    printError(message);
+    // A page that was deleted before it was read: the library has cancelled.
     std::error_code ignored;
     const bool isGone = code == ExitCode::Input && !fs::exists(fs::u8path(options.input), ignored);
     if (!options.output.empty() && code != ExitCode::Cancelled && !isGone) {
-        reportBeside(fs::u8path(options.output), message, code != ExitCode::Output);
+        writeErrorReport(fs::u8path(options.output), message, code != ExitCode::Output);
     }
     return static_cast<int>(code);
 }
@@ -108,8 +108,8 @@ int fail(ExitCode code, const std::string& words, const Options& options) {
 int runProgram(const std::vector<std::string>& arguments) {
     Options options;
     try {
-        stopOnSignal(SIGINT);
-        stopOnSignal(SIGTERM);
+        cancelOnSignal(SIGINT);
+        cancelOnSignal(SIGTERM);
         parseOptions(arguments, options);
         return static_cast<int>(run(options));
     } catch (const Failure& failure) {

@@ -1,4 +1,4 @@
-// vellum without its entry point.
+// The program without its entry point.
 //
 // SPDX-License-Identifier: MIT
 #pragma once
@@ -8,7 +8,7 @@
 
 namespace vellum {
 
-/// Runs vellum with the arguments behind the program's name, in UTF-8; returns the exit code.
+/// Runs vellum with these arguments, in UTF-8 and without the program's name; returns the exit code.
 int runProgram(const std::vector<std::string>& arguments);
 
 }  // namespace vellum
