@@ -1,5 +1,6 @@
 // Calls the parts of vellum that work on a page, for what cannot be tested from outside: many pages
-// without an engine, how often the work checks time and cancellation, a clock that the test controls.
+// without an engine, how often the work checks time and cancellation, a clock that the test
+// controls.
 //
 //   staging_probe stage BASE PAGE...   writes PAGE.staged for each page
 //   staging_probe late PAGE            reads and stages a page while every check takes a second

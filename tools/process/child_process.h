@@ -39,8 +39,8 @@ public:
     ChildProcess(const ChildProcess&) = delete;
     ChildProcess& operator=(const ChildProcess&) = delete;
 
-    /// Waits for the program's end, at most `longest`. Returns its exit code, or -1 if it was killed;
-    /// empty optional while it is still running.
+    /// Waits for the program's end, at most `longest`. Returns its exit code, or -1 if it was
+    /// killed; empty optional while it is still running.
     std::optional<int> wait(std::chrono::milliseconds longest);
 
     /// The private memory, in bytes, of the program and its children.

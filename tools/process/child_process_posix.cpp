@@ -1,8 +1,9 @@
 // Child processes on Linux.
 //
-// The death signal (PR_SET_PDEATHSIG) reaches the program only. An engine may be a script that starts
-// the real program, so a second process, the group guardian, kills the whole group when this process
-// is gone: it waits at the read end of a pipe, the lifeline, whose write end this process keeps.
+// The death signal (PR_SET_PDEATHSIG) reaches the program only. An engine may be a script that
+// starts the real program, so a second process, the group guardian, kills the whole group when this
+// process is gone: it waits at the read end of a pipe, the lifeline, whose write end this process
+// keeps.
 //
 // SPDX-License-Identifier: MIT
 #include <fcntl.h>
@@ -125,8 +126,8 @@ bool readWhole(int descriptor, void* bytes, std::size_t size) {
     _exit(0);
 }
 
-/// Sets the number of the guardian and the write end of its pipe. Without a guardian the child still
-/// runs.
+/// Sets the number of the guardian and the write end of its pipe. Without a guardian the child
+/// still runs.
 void startGuardian(pid_t& guardian, int& lifeline) {
     int ends[2] = {-1, -1};
     if (pipe2(ends, O_CLOEXEC) != 0) return;

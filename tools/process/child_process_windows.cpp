@@ -153,7 +153,8 @@ ChildProcess::ChildProcess(const ProcessRequest& request) : state_(std::make_uni
     }
     state_->process = process.hProcess;
     state_->job = makeJob(request.memoryLimit);
-    // Old versions of Windows refuse this inside another job; then only the process itself is killed.
+    // Old versions of Windows refuse this inside another job; then only the process itself is
+    // killed.
     AssignProcessToJobObject(state_->job, process.hProcess);
     ResumeThread(process.hThread);
     CloseHandle(process.hThread);

@@ -1,5 +1,5 @@
-// The guardian on Linux: a forked process that reads a pipe, the lifeline, whose write end this process
-// keeps.
+// The guardian on Linux: a forked process that reads a pipe, the lifeline, whose write end this
+// process keeps.
 //
 // SPDX-License-Identifier: MIT
 #include "process/guardian.h"

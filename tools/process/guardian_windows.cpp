@@ -1,6 +1,6 @@
-// The guardian on Windows: the same program, started once more, reads a pipe, the lifeline, whose write
-// end this process keeps. It does not belong to the job of the engine, which is killed with this
-// process.
+// The guardian on Windows: the same program, started once more, reads a pipe, the lifeline, whose
+// write end this process keeps. It does not belong to the job of the engine, which is killed with
+// this process.
 //
 // SPDX-License-Identifier: MIT
 #include "process/guardian.h"

@@ -7,8 +7,8 @@
 
 namespace vellum {
 
-/// Prints "vellum: ..." and a line end. Control characters in `text`, which may come from a page or a
-/// path, are escaped.
+/// Prints "vellum: ..." and a line end. Control characters in `text`, which may come from a page or
+/// a path, are escaped.
 void printError(const std::string& text);
 
 /// Prints "vellum: warning: ..." in the same way.

@@ -35,7 +35,8 @@ tools::ProcessRequest engineProcess(const Engine& engine, const EngineTask& task
     process.program = engine.program;
     process.arguments = engineArguments(engine, task);
     process.outputFile = work / "output.txt";
-    // WeasyPrint ignores the policy of the page. A proxy that does not exist keeps it off the network.
+    // WeasyPrint ignores the policy of the page. A proxy that does not exist keeps it off the
+    // network.
     for (const char* variable : {"http_proxy", "https_proxy", "ftp_proxy"})
         process.environment[variable] = "http://127.0.0.1:1";
     process.environment["no_proxy"] = "";

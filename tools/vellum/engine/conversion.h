@@ -19,8 +19,8 @@ struct ConversionRequest {
     std::string engine;
 };
 
-/// Converts a page and returns the engine that was used. Throws a Failure, and then leaves neither a
-/// new PDF nor a temporary file.
+/// Converts a page and returns the engine that was used. Throws a Failure, and then leaves neither
+/// a new PDF nor a temporary file.
 Engine convert(const ConversionRequest& request);
 
 }  // namespace vellum

@@ -1,5 +1,5 @@
-// The engines of Windows: next to vellum.exe, registered as applications, in the Program Files folders,
-// on the search path.
+// The engines of Windows: next to vellum.exe, registered as applications, in the Program Files
+// folders, on the search path.
 //
 // SPDX-License-Identifier: MIT
 #include <windows.h>
@@ -19,7 +19,8 @@ bool isProgram(const fs::path& path) {
     return fs::is_regular_file(path, ignored);
 }
 
-/// "chrome-headless-shell*\chrome-headless-shell.exe" next to vellum.exe; the last by name of several.
+/// "chrome-headless-shell*\chrome-headless-shell.exe" next to vellum.exe; the last by name of
+/// several.
 fs::path headlessShellBeside() {
     fs::path found;
     std::error_code failure;

@@ -21,8 +21,8 @@ EngineKind kindOf(const std::string& name) {
     return EngineKind::Chromium;
 }
 
-/// An engine by its name in the list, or any other program by its name or path. Its `program` is empty
-/// when it is not found.
+/// An engine by its name in the list, or any other program by its name or path. Its `program` is
+/// empty when it is not found.
 Engine namedEngine(const std::string& name) {
     for (const Engine& engine : engineCandidates()) {
         if (engine.name == name && !engine.program.empty()) return engine;

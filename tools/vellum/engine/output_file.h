@@ -1,4 +1,5 @@
-// The output file, which is replaced by a complete PDF or not at all, and the error text next to it.
+// The output file, which is replaced by a complete PDF or not at all, and the error text next to
+// it.
 //
 // SPDX-License-Identifier: MIT
 #pragma once
@@ -12,12 +13,12 @@
 
 namespace vellum {
 
-/// The temporary file next to the output that the engine writes. The destructor removes it unless it
-/// was delivered.
+/// The temporary file next to the output that the engine writes. The destructor removes it unless
+/// it was delivered.
 class PartFile {
 public:
-    /// Creates it, empty. Its name does not contain the name of the output, which may already have the
-    /// maximum length. Throws a Failure when the output cannot be written.
+    /// Creates it, empty. Its name does not contain the name of the output, which may already have
+    /// the maximum length. Throws a Failure when the output cannot be written.
     PartFile(const std::filesystem::path& output, tools::Guardian& guardian);
     ~PartFile();
     PartFile(const PartFile&) = delete;
@@ -33,8 +34,8 @@ public:
     /// Returns whether the engine has written a complete PDF.
     bool isComplete() const;
 
-    /// Renames the file to the output. Calls `lastCheck`, which may throw a Failure, directly before.
-    /// Throws a Failure.
+    /// Renames the file to the output. Calls `lastCheck`, which may throw a Failure, directly
+    /// before. Throws a Failure.
     void deliver(const std::function<void()>& lastCheck);
 
 private:
@@ -42,10 +43,10 @@ private:
     std::filesystem::path part_;
 };
 
-/// Reports an error as VELLUM_ON_ERROR says: "text" (default) writes the message to a file next to the
-/// output, with ".error.txt" appended to its name, which is shortened if necessary; "page" also
-/// replaces the output by a PDF with the message, if `mayWriteOutput`; "none" does nothing. Failures
-/// of all this are ignored.
+/// Reports an error as VELLUM_ON_ERROR says: "text" (default) writes the message to a file next to
+/// the output, with ".error.txt" appended to its name, which is shortened if necessary; "page" also
+/// replaces the output by a PDF with the message, if `mayWriteOutput`; "none" does nothing.
+/// Failures of all this are ignored.
 void writeErrorReport(const std::filesystem::path& output, const std::string& message,
                       bool mayWriteOutput);
 

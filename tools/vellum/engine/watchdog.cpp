@@ -57,8 +57,8 @@ std::uint64_t memoryFor(std::size_t pageSize) {
     return std::min<std::uint64_t>(least + pageSize / bytesPerMegabyte, greatest);
 }
 
-/// The last line that an engine printed. Lines that start with "[" are a browser's log, which has many
-/// lines even without an error; they count only when there is nothing else.
+/// The last line that an engine printed. Lines that start with "[" are a browser's log, which has
+/// many lines even without an error; they count only when there is nothing else.
 std::string lastLine(const fs::path& output) {
     std::ifstream file(output, std::ios::binary);
     std::string message;

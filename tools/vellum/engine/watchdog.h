@@ -28,8 +28,8 @@ public:
     /// In bytes.
     std::uint64_t memoryLimit() const;
 
-    /// Throws a Failure when the conversion was cancelled: by a signal, or by the library, which then
-    /// deletes the page.
+    /// Throws a Failure when the conversion was cancelled: by a signal, or by the library, which
+    /// then deletes the page.
     void requireNotCancelled() const;
 
     /// Throws a Failure when the conversion was cancelled or its time is up.

@@ -21,8 +21,9 @@ struct Encoding {
 /// The encoding with this label (in lower case) in the HTML standard; null for others.
 const Encoding* encodingForLabel(const std::string& label);
 
-/// Decodes bytes into UTF-8, with U+FFFD for bytes that the encoding does not define; empty optional
-/// when the system cannot decode it. decoder_posix.cpp and decoder_windows.cpp implement it.
+/// Decodes bytes into UTF-8, with U+FFFD for bytes that the encoding does not define; empty
+/// optional when the system cannot decode it. decoder_posix.cpp and decoder_windows.cpp implement
+/// it.
 std::optional<std::string> decoded(const Encoding& encoding, const std::string& bytes,
                                    Checkpoint& checkpoint);
 

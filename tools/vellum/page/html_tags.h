@@ -62,8 +62,8 @@ std::size_t nextAttribute(const std::string& page, std::size_t at);
 /// The attribute that starts at `at`. How a parser reads it does not depend on anything before.
 AttributePosition attributeAt(const std::string& page, std::size_t at);
 
-/// The text with its character references decoded: "&amp;", "&quot;", "&lt;", "&gt;" and ASCII numbers,
-/// which is all that URLs need. Others stay as they are.
+/// The text with its character references decoded: "&amp;", "&quot;", "&lt;", "&gt;" and ASCII
+/// numbers, which is all that URLs need. Others stay as they are.
 std::string decodeReferences(std::string_view text);
 
 /// The offset after the document type, which may follow white space, comments and an XML

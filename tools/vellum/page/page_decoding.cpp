@@ -1,6 +1,6 @@
-// On purpose: no engine ever gets the original bytes of a page. If it decoded them itself, bytes that
-// the sanitizer takes for text could disappear: in iso-2022-jp, "re" and "l" with an escape sequence
-// between them read "rel".
+// On purpose: no engine ever gets the original bytes of a page. If it decoded them itself, bytes
+// that the sanitizer takes for text could disappear: in iso-2022-jp, "re" and "l" with an escape
+// sequence between them read "rel".
 //
 // SPDX-License-Identifier: MIT
 #include "page/page_decoding.h"

@@ -1,10 +1,11 @@
-// A parser starts a tag only at a "<" with a letter after it, and how it reads the tag does not depend
-// on anything before. So every such offset is read as a tag, also in comments, scripts and foreign
-// elements: no parser can find a tag that was not examined. A tag inside an attribute value of another
-// tag shares the rest of its attributes; each attribute is read once, so the time is linear.
+// A parser starts a tag only at a "<" with a letter after it, and how it reads the tag does not
+// depend on anything before. So every such offset is read as a tag, also in comments, scripts and
+// foreign elements: no parser can find a tag that was not examined. A tag inside an attribute value
+// of another tag shares the rest of its attributes; each attribute is read once, so the time is
+// linear.
 //
-// On purpose: only letters and digits are replaced, by letters and digits. Removing a quote or a ">"
-// would change how a parser reads the tags after it.
+// On purpose: only letters and digits are replaced, by letters and digits. Removing a quote or a
+// ">" would change how a parser reads the tags after it.
 //
 // SPDX-License-Identifier: MIT
 #include "page/sanitizer.h"

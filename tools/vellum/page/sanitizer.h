@@ -9,9 +9,9 @@
 
 namespace vellum {
 
-/// Renames each "http-equiv" attribute except harmless ones, and overwrites the attributes of each tag
-/// whose "rel" attribute names an attachment. This covers everything that looks like a start tag,
-/// even inside text. The length of the page does not change.
+/// Renames each "http-equiv" attribute except harmless ones, and overwrites the attributes of each
+/// tag whose "rel" attribute names an attachment. This covers everything that looks like a start
+/// tag, even inside text. The length of the page does not change.
 void sanitize(std::string& page, Checkpoint& checkpoint);
 
 }  // namespace vellum

@@ -1,6 +1,6 @@
-// The insertion comes before everything but the document type: a policy further down would not apply
-// to scripts above it. At "meta" the parser opens the head by itself; it still applies the attributes
-// of the page's own html element afterwards.
+// The insertion comes before everything but the document type: a policy further down would not
+// apply to scripts above it. At "meta" the parser opens the head by itself; it still applies the
+// attributes of the page's own html element afterwards.
 //
 // SPDX-License-Identifier: MIT
 #include "page/staged_page.h"
@@ -86,8 +86,8 @@ bool hasTagStart(const std::string& page, std::size_t end) {
     return false;
 }
 
-/// On purpose: if a comment before the document type contains something like a tag, a plain document
-/// type replaces both. A parser that read it as a tag would read on into the insertion.
+/// On purpose: if a comment before the document type contains something like a tag, a plain
+/// document type replaces both. A parser that read it as a tag would read on into the insertion.
 void insertAfterDocumentType(const std::string& insertion, std::string& page) {
     const std::size_t end = endOfDocumentType(page);
     const bool isPlain = !hasTagStart(page, end);

@@ -21,8 +21,8 @@ struct StagedPage {
     std::vector<std::string> shownFiles;
 };
 
-/// Converts the page to UTF-8, inserts encoding, content security policy, base and paper size at its
-/// start, and sanitizes it. Throws a Failure for an encoding that cannot be decoded.
+/// Converts the page to UTF-8, inserts encoding, content security policy, base and paper size at
+/// its start, and sanitizes it. Throws a Failure for an encoding that cannot be decoded.
 StagedPage stagePage(std::string page, const std::string& base, Checkpoint& checkpoint);
 
 }  // namespace vellum

@@ -14,8 +14,8 @@ constexpr const char* byteOrderMark = "\xEF\xBB\xBF";
 /// Returns whether the bytes are valid UTF-8.
 bool isUtf8(const std::string& text, Checkpoint& checkpoint);
 
-/// The text with each invalid byte and each null byte replaced by U+FFFD. Parsers drop null bytes in
-/// some contexts and keep them in others.
+/// The text with each invalid byte and each null byte replaced by U+FFFD. Parsers drop null bytes
+/// in some contexts and keep them in others.
 std::string cleanUtf8(const std::string& text, Checkpoint& checkpoint);
 
 /// Converts the bytes from `start` on from UTF-16. Invalid units become U+FFFD.

@@ -10,7 +10,8 @@
 
 namespace vellum {
 
-/// The arguments of `PROGRAM -i "A" -b "B" -t html -o "C"`; empty optional for any other command line.
+/// The arguments of `PROGRAM -i "A" -b "B" -t html -o "C"`; empty optional for any other command
+/// line.
 std::optional<std::vector<std::wstring>> literalArguments(const std::wstring& commandLine);
 
 }  // namespace vellum

@@ -1,5 +1,5 @@
-// The entry point on Windows. The library's command line is read literally, any other as the C runtime
-// splits it.
+// The entry point on Windows. The library's command line is read literally, any other as the C
+// runtime splits it.
 //
 // SPDX-License-Identifier: MIT
 #include <windows.h>

@@ -1,8 +1,8 @@
 // One table for the parser and for --help. A test compares --help with the manual page and
 // docs/vellum.md.
 //
-// The parser is written by hand because the argument after an option is always its value: a path may
-// begin with "-" and a base may be empty.
+// The parser is written by hand because the argument after an option is always its value: a path
+// may begin with "-" and a base may be empty.
 //
 // SPDX-License-Identifier: MIT
 #include "program/options.h"

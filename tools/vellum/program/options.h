@@ -21,8 +21,8 @@ struct Options {
     bool check = false;
 };
 
-/// Reads the arguments, in any order, into `options`. Throws a Failure; the options before the mistake
-/// are set then.
+/// Reads the arguments, in any order, into `options`. Throws a Failure; the options before the
+/// mistake are set then.
 void parseOptions(const std::vector<std::string>& arguments, Options& options);
 
 /// What --help prints.

@@ -8,7 +8,8 @@
 
 namespace vellum {
 
-/// Runs vellum with these arguments, in UTF-8 and without the program's name; returns the exit code.
+/// Runs vellum with these arguments, in UTF-8 and without the program's name; returns the exit
+/// code.
 int runProgram(const std::vector<std::string>& arguments);
 
 }  // namespace vellum
