@@ -1,6 +1,6 @@
 #!/usr/bin/env python3
 # SPDX-License-Identifier: MIT
-"""Measures the library against the floor and prints how it stands to the goals.
+"""Measures the library against the baseline and prints how it stands to the goals.
 
 scripts/benchmark builds the programs and calls this. Everything that is made goes below
 build/benchmarks: the workloads, the raw results of the last run, results.json and results.md.
@@ -51,13 +51,13 @@ def parse_arguments():
 # ---- Candidates ---------------------------------------------------------------------------------
 
 def linux_candidates():
-    return [Candidate(LINUX / "bin" / f"benchmark_{name}") for name in ("floor", "library")]
+    return [Candidate(LINUX / "bin" / f"benchmark_{name}") for name in ("baseline", "library")]
 
 
 def windows_candidates():
     launcher = [ROOT / "scripts/run-under-wine", WINDOWS / "wine"]
     return [Candidate(WINDOWS / "bin" / f"benchmark_{name}.exe", launcher)
-            for name in ("floor", "library")]
+            for name in ("baseline", "library")]
 
 
 def has_mimalloc():
@@ -65,15 +65,15 @@ def has_mimalloc():
     return re.search(r"^RGEN_MIMALLOC:FILEPATH=/", cache, flags=re.M) is not None
 
 
-class FloorWithMimalloc(Candidate):
-    """The floor with another allocator for the XML libraries."""
+class BaselineWithMimalloc(Candidate):
+    """The baseline with another allocator for the XML libraries."""
 
-    def __init__(self, floor):
-        super().__init__(floor.program, floor.launcher, ["--allocator=mimalloc"])
+    def __init__(self, baseline):
+        super().__init__(baseline.program, baseline.launcher, ["--allocator=mimalloc"])
 
     @property
     def name(self):
-        return "floor_mimalloc"
+        return "baseline_mimalloc"
 
 
 # ---- What a run measures ------------------------------------------------------------------------
@@ -88,7 +88,7 @@ def for_each(names, title, measure):
 
 
 def measure_times(measurements, candidates, names):
-    extra = [FloorWithMimalloc(candidates[0])] if has_mimalloc() else []
+    extra = [BaselineWithMimalloc(candidates[0])] if has_mimalloc() else []
     return for_each(names, "times", lambda name: measurements.times(
         [*candidates, *(extra if name in ALLOCATOR_WORKLOADS else [])], name))
 

@@ -41,9 +41,9 @@ def time_goals(times, where=""):
         if workload in times:
             measured = times[workload]
             spread = measured["ratios"]["library"]
-            yield Goal(f"time at {workload}{where}, by the floor's", spread["median"], bar,
+            yield Goal(f"time at {workload}{where}, by the baseline's", spread["median"], bar,
                        note=f"{percent_note(spread)}; {measured['library'] * 1e3:.3f} ms by "
-                            f"{measured['floor'] * 1e3:.3f} ms")
+                            f"{measured['baseline'] * 1e3:.3f} ms")
 
 
 def scaling_goals(times):
@@ -59,10 +59,10 @@ def instruction_goals(instructions):
     for workload, bar in OWN_LAYER_BARS.items():
         if workload in instructions:
             counts = instructions[workload]
-            yield Goal(f"own layers at {workload}, by the floor's instructions",
+            yield Goal(f"own layers at {workload}, by the baseline's instructions",
                        counts["own_ratio"], bar, "{:.4f}",
                        note=f"{counts['own']:,}; in all {counts['library']:,} by "
-                            f"{counts['floor']:,} = {counts['ratio']:.3f}")
+                            f"{counts['baseline']:,} = {counts['ratio']:.3f}")
 
 
 def pass_goals(measured):
@@ -91,20 +91,20 @@ def date_goals(measured, where=""):
 
 def thread_goals(threads):
     for workload, gains in threads.items():
-        yield Goal(f"gain of two threads at {workload}, by the floor's",
+        yield Goal(f"gain of two threads at {workload}, by the baseline's",
                    gains["ratio"]["median"], THREAD_BAR, at_least=True,
                    note=f"{percent_note(gains['ratio'])}; {gains['library']['median']:.2f} by "
-                        f"{gains['floor']['median']:.2f}")
+                        f"{gains['baseline']['median']:.2f}")
 
 
 def memory_goals(peaks, growths):
     for workload, peak in peaks.items():
-        bar = max(peak["floor"] * PEAK_FACTOR, peak["floor"] + PEAK_ALLOWANCE_KIB)
+        bar = max(peak["baseline"] * PEAK_FACTOR, peak["baseline"] + PEAK_ALLOWANCE_KIB)
         yield Goal(f"peak memory at {workload}, KiB", peak["library"], bar, "{:,.0f}",
-                   note=f"floor {peak['floor']:,.0f}")
+                   note=f"baseline {peak['baseline']:,.0f}")
     for workload, growth in growths.items():
         yield Goal(f"memory that stays at {workload}, KiB", growth["library"], GROWTH_BAR_KIB,
-                   "{:,}", note=f"floor {growth['floor']:,}")
+                   "{:,}", note=f"baseline {growth['baseline']:,}")
 
 
 def all_goals(results):
@@ -125,9 +125,9 @@ def all_goals(results):
 def notes(results):
     """What is worth knowing besides the goals."""
     for workload, measured in results["times"].items():
-        if "floor_mimalloc" in measured:
-            ratio = measured["library"] / measured["floor_mimalloc"]
-            yield f"time at {workload}, by that of the floor with mimalloc: {ratio:.3f}"
+        if "baseline_mimalloc" in measured:
+            ratio = measured["library"] / measured["baseline_mimalloc"]
+            yield f"time at {workload}, by that of the baseline with mimalloc: {ratio:.3f}"
 
 
 def markdown(goals, results):

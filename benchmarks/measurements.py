@@ -1,6 +1,6 @@
 # SPDX-License-Identifier: MIT
 """The measurements. Each returns plain numbers, ready for results.json: times in seconds for one
-report, sizes in KiB, ratios library by floor."""
+report, sizes in KiB, ratios library by baseline."""
 
 import json
 import os
@@ -78,16 +78,16 @@ class Measurements:
             for name, seconds in measured.items() if seconds is not base}
         return result
 
-    def two_threads(self, floor, library, workload):
-        """How much faster two threads are than one, and the library's gain by the floor's."""
-        gains = {floor.name: [], library.name: []}
+    def two_threads(self, baseline, library, workload):
+        """How much faster two threads are than one, and the library's gain by the baseline's."""
+        gains = {baseline.name: [], library.name: []}
         for number in range(self.rounds):
-            for candidate in (floor, library):
+            for candidate in (baseline, library):
                 alone = self._time(candidate, workload, number, "--threads=1")
                 together = self._time(candidate, workload, number, "--threads=2")
                 gains[candidate.name].append(alone / together)
-        ratios = [ours / theirs for ours, theirs in zip(gains[library.name], gains[floor.name])]
-        return {"floor": spread_of(gains[floor.name]), "library": spread_of(gains[library.name]),
+        ratios = [ours / theirs for ours, theirs in zip(gains[library.name], gains[baseline.name])]
+        return {"baseline": spread_of(gains[baseline.name]), "library": spread_of(gains[library.name]),
                 "ratio": spread_of(ratios)}
 
     # ---- Instructions ---------------------------------------------------------------------------
@@ -100,16 +100,16 @@ class Measurements:
                      prefix=valgrind)
         return CallgrindFile(raw_file)
 
-    def instructions(self, floor, library, workload):
+    def instructions(self, baseline, library, workload):
         """Instructions for one report, and those of the library's own layers."""
         reports = COUNTED_REPORTS[workload]
-        floor_costs = self._count(floor, workload, reports)
+        baseline_costs = self._count(baseline, workload, reports)
         costs = self._count(library, workload, reports)
-        if not floor_costs.total or not costs.layers["xml"] or not costs.layers["own"]:
+        if not baseline_costs.total or not costs.layers["xml"] or not costs.layers["own"]:
             raise BenchmarkError("callgrind tells no source files; are the debug lines there?")
-        return {"floor": floor_costs.total // reports, "library": costs.total // reports,
-                "ratio": costs.total / floor_costs.total, "own": costs.own // reports,
-                "own_ratio": costs.own / floor_costs.total,
+        return {"baseline": baseline_costs.total // reports, "library": costs.total // reports,
+                "ratio": costs.total / baseline_costs.total, "own": costs.own // reports,
+                "own_ratio": costs.own / baseline_costs.total,
                 "layers": {name: cost // reports for name, cost in costs.layers.items()}}
 
     # ---- Memory ---------------------------------------------------------------------------------

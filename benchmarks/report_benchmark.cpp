@@ -12,7 +12,7 @@
 #include <string_view>
 #include <vector>
 
-#include "process_memory.h"
+#include "benchmark_platform.h"
 
 extern "C" __attribute__((noinline)) void benchmark_one_report(benchmarks::ReportMaker* maker) {
     try {

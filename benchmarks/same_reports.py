@@ -1,8 +1,8 @@
 #!/usr/bin/env python3
 # SPDX-License-Identifier: MIT
-"""Checks that the floor and the library make the same reports of the workloads S and M.
+"""Checks that the baseline and the library make the same reports of the workloads S and M.
 
-Usage: same_reports.py FOLDER FLOOR LIBRARY [LAUNCHER...]
+Usage: same_reports.py FOLDER BASELINE LIBRARY [LAUNCHER...]
 
 The workloads are made in FOLDER; LAUNCHER starts programs of the target.
 """
@@ -15,11 +15,11 @@ from make_workloads import make_workloads
 
 
 def main():
-    folder, floor, library, *launcher = sys.argv[1:]
+    folder, baseline, library, *launcher = sys.argv[1:]
     workloads = Path(folder) / "workloads"
     make_workloads(workloads, ["S", "M"])
     try:
-        expect_same_reports([Candidate(floor, launcher), Candidate(library, launcher)],
+        expect_same_reports([Candidate(baseline, launcher), Candidate(library, launcher)],
                             [workloads / "S", workloads / "M"], Path(folder) / "same_reports")
     except BenchmarkError as error:
         sys.exit(f"same_reports: {error}")

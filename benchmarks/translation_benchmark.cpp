@@ -1,6 +1,6 @@
-// The translation pass beside a plain search for the first word of a marker. Names of benchmarks
-// are WHAT/TEXT/MEBIBYTES, where WHAT is "pass" or a plain search. The context holds the stack that
-// the pass takes, the most over all texts.
+// Compares the translation pass with a plain search for the first word of a marker. The benchmarks
+// are named WHAT/TEXT/MEBIBYTES, where WHAT is "pass" or the name of a search. The context of the
+// result has the maximum stack use of the pass over all texts.
 //
 // SPDX-License-Identifier: MIT
 #include <benchmark/benchmark.h>
@@ -11,25 +11,28 @@
 #include <string>
 #include <vector>
 
+#include "benchmark_platform.h"
 #include "generate/translation.h"
-#include "hostile_texts.h"
-#include "pass_stack.h"
-#include "plain_search.h"
 #include "report_generator.h"
+#include "support/hostile_texts.h"
 
 namespace benchmarks {
 namespace {
 
+using rgen_test::hostileTexts;
+using rgen_test::ordinaryText;
+using rgen_test::TemplateText;
+
 constexpr std::size_t mebibyte = std::size_t{1024} * 1024;
-/// The sizes of the texts in mebibytes.
+/// Sizes of the texts in mebibytes.
 constexpr std::size_t smallest = 1;
 constexpr std::size_t largest = 16;
 constexpr std::string_view keyword = "QT_TRANSLATE_NOOP";
 
 using Clock = std::chrono::steady_clock;
 
-/// Takes `copies` equal texts in turn, so that a small text comes from no nearer a cache than one
-/// that is larger by that factor.
+/// Alternates between `copies` equal texts, so that the total size is the same for small and large
+/// texts and a small one does not stay in a nearer cache.
 void measurePass(benchmark::State& state, const TemplateText& given, std::size_t copies) {
     const rgen::ReportGenerator generator;
     std::vector<std::string> texts(copies, given.text);
@@ -46,7 +49,7 @@ void measurePass(benchmark::State& state, const TemplateText& given, std::size_t
     }
 }
 
-/// Finds every place, as a pass that does nothing else.
+/// Finds every occurrence.
 void measureSearch(benchmark::State& state, const TemplateText& given, const PlainSearch& search) {
     for (auto unused : state) {
         static_cast<void>(unused);

@@ -90,7 +90,7 @@ class Xsltproc(Peer):
 
 
 class Candidate(Peer):
-    """The library or the floor: a program of the benchmarks."""
+    """The library or the baseline: a program of the benchmarks."""
 
     def command(self, workload, output, way, *options):
         return [*map(str, self.start), f"--workload={workload}", f"--output={output}", *options]
@@ -107,7 +107,7 @@ class Candidate(Peer):
 
 
 LIBRARY = Candidate("strata_repgenlib", [PROGRAMS / "benchmark_library"], ways=("each",))
-FLOOR = Candidate("floor", [PROGRAMS / "benchmark_floor"], ways=("each",))
+BASELINE = Candidate("baseline", [PROGRAMS / "benchmark_baseline"], ways=("each",))
 
 
 def python_peer(name, program, module, **more):
@@ -123,12 +123,12 @@ def node_peer(name, program, **more):
 
 
 def all_peers():
-    """The library first, then the floor and the peers."""
+    """The library first, then the baseline and the peers."""
     programs = FOLDER / "cpp/bin"
     java = FOLDER / "java"
     return [
         LIBRARY,
-        FLOOR,
+        BASELINE,
         python_peer("lxml", "lxml_peer.py", "lxml.etree", packages=["python3-lxml"]),
         Xsltproc("xsltproc", [programs / "peer_xsltproc"], ways=("each",), needs=["xsltproc"],
                  packages=["xsltproc"]),

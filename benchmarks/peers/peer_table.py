@@ -108,11 +108,11 @@ def notes(results):
         "The same report of every engine: the values are in memory, the report is a file of HTML "
         "in UTF-8 with its values escaped, and its text is the library's. S has 10 values, M 1,000 "
         "and L 10,000.",
-        "The engines for XSLT (the floor, lxml, xsltproc, Xalan-C, Saxon-HE) run the workload's "
+        "The engines for XSLT (the baseline, lxml, xsltproc, Xalan-C, Saxon-HE) run the workload's "
         "own stylesheet and build its input document for each report; the others have a template "
         "of their own kind.",
-        "The library and the floor also read the configuration and the stored values from their "
-        "files for each report; the peers have the stored values in memory. The floor is what bare "
+        "The library and the baseline also read the configuration and the stored values from their "
+        "files for each report; the peers have the stored values in memory. The baseline is what bare "
         "calls of libxml2 and libxslt take for the library's work.",
         "Where the library is faster by less than 1 x, it is the slower one.",
         "xsltproc is a new process for each report; its memory is that of the process alone.",

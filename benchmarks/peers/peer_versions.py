@@ -24,7 +24,7 @@ def library_version():
 
 
 def third_party_versions():
-    """Of the XML libraries inside the library and the floor."""
+    """Of the XML libraries inside the library and the baseline."""
     folder = first_line(ROOT / "scripts/dependencies", "--print-prefix", "linux")
     with open(f"{folder}/versions.env", encoding="utf-8") as file:
         found = dict(re.findall(r"^(\w+)_VERSION=(.*)$", file.read(), flags=re.M))
@@ -64,6 +64,6 @@ def versions(peers):
         if peer.packages:
             found[peer.name] = ", ".join(filter(None, [version_of(peer), runtime_of(peer)]))
     found["strata_repgenlib"] = f"{library_version()} ({third_party_versions()})"
-    if any(peer.name == "floor" for peer in peers):
-        found["floor"] = third_party_versions()
+    if any(peer.name == "baseline" for peer in peers):
+        found["baseline"] = third_party_versions()
     return found

@@ -14,7 +14,7 @@ from make_workloads import make_workloads  # noqa: E402
 # Workloads whose table has its rows in the order of the properties, which the library leaves open.
 ANY_ORDER = {"M", "L"}
 # Stands in the place of the value "Sample" to see whether a peer escapes it. The library and the
-# floor read their values as XML content instead.
+# baseline read their values as XML content instead.
 MARKED_UP = 'one <b>bold</b> & "quoted"'
 
 

@@ -11,7 +11,7 @@
 #include <stdexcept>
 #include <string_view>
 
-#include "process_memory.h"
+#include "benchmark_platform.h"
 
 namespace peers {
 namespace {

@@ -6,7 +6,6 @@
 
 #include <stdexcept>
 
-#include "../../../benchmarks/hostile_texts.h"
 #include "generate/translation.h"
 #include "platform/platform.h"
 #include "platform/utf8.h"
@@ -14,6 +13,7 @@
 #include "store/base/guid.h"
 #include "store/data_directory.h"
 #include "store/xml/text.h"
+#include "support/hostile_texts.h"
 #include "variant/byte_dump.h"
 
 namespace rgen_test {
@@ -43,13 +43,13 @@ void translate(std::string& text) {
 void addMarkerCases(std::vector<ScalingCase>& cases) {
     const std::string keyword = "QT_TRANSLATE_NOOP";
     const std::string opening = keyword + "(\"QObject\", \"";
-    for (std::size_t i = 0; i < benchmarks::hostileTexts(usualBytes).size(); ++i) {
+    for (std::size_t i = 0; i < hostileTexts(usualBytes).size(); ++i) {
         const auto make = [i](std::size_t size) {
             // An opening has to fit.
             constexpr std::size_t smallest = 64;
-            return benchmarks::hostileTexts(std::max(size, smallest)).at(i).text;
+            return hostileTexts(std::max(size, smallest)).at(i).text;
         };
-        const std::string name = benchmarks::hostileTexts(usualBytes).at(i).name;
+        const std::string name = hostileTexts(usualBytes).at(i).name;
         cases.push_back(textCase("markers: " + name, make, translate));
     }
     const std::vector<std::pair<std::string, TextMaker>> texts = {

@@ -5,7 +5,7 @@
 #include <dlfcn.h>
 #include <libxml/xmlmemory.h>
 
-#include "floor_allocator.h"
+#include "baseline_allocator.h"
 #include "report_benchmark.h"
 
 namespace benchmarks {

@@ -1,19 +1,19 @@
-// Template texts, the same ones each time.
+// Deterministic: the same texts for each run.
 //
 // SPDX-License-Identifier: MIT
-#include "hostile_texts.h"
+#include "support/hostile_texts.h"
 
 #include <array>
 #include <cstdint>
 #include <string_view>
 
-namespace benchmarks {
+namespace rgen_test {
 namespace {
 
 constexpr std::string_view keyword = "QT_TRANSLATE_NOOP";
 constexpr std::string_view opening = "QT_TRANSLATE_NOOP(\"QObject\", \"";
-// Six underscores in a thousand characters, as stylesheets have them. A capital Q is rarer still;
-// one stands in every hundredth line.
+// Six underscores in a thousand characters, as in stylesheets. A capital Q occurs in every
+// hundredth line only.
 constexpr std::array<std::string_view, 32> words = {
     "steel",  "probe",  "surface", "quality", "load",  "cycle",     "batch",  "weld",
     "the",    "filter", "sealed",  "value",   "north", "reference", "Rail",   "grade",
@@ -34,7 +34,7 @@ std::string repeated(std::string_view part, std::size_t size) {
     return text;
 }
 
-/// A message of blanks that ends in a quote without a closing bracket.
+/// A marker whose message is spaces, with a quote but no closing bracket at its end.
 std::string evilMarker(std::size_t size) {
     std::string text = filled(std::string(opening), size - 2, ' ');
     text += "\"x";
@@ -86,4 +86,4 @@ std::vector<TemplateText> hostileTexts(std::size_t size) {
     return texts;
 }
 
-}  // namespace benchmarks
+}  // namespace rgen_test

@@ -1,11 +1,13 @@
-// The system calls on files, for Windows. The paths of workloads are ASCII.
+// The benchmarks on Windows. The paths of workloads are ASCII.
 //
 // SPDX-License-Identifier: MIT
 #include <windows.h>
 
+#include <psapi.h>
+
 #include <stdexcept>
 
-#include "floor_files.h"
+#include "benchmark_platform.h"
 
 namespace benchmarks {
 namespace {
@@ -16,6 +18,10 @@ void require(bool done, const char* what, const std::string& path) {
 
 bool exists(const std::string& path) {
     return GetFileAttributesA(path.c_str()) != INVALID_FILE_ATTRIBUTES;
+}
+
+std::size_t findByView(std::string_view text, std::string_view wanted) {
+    return text.find(wanted);
 }
 
 }  // namespace
@@ -49,6 +55,24 @@ void replaceFile(const std::string& path, const std::vector<unsigned char>& byte
         WriteFile(file, bytes.data(), static_cast<DWORD>(bytes.size()), &count, nullptr) != 0;
     require(done && count == bytes.size(), "cannot write", path);
     require(CloseHandle(file) != 0, "cannot close", path);
+}
+
+ProcessMemory readProcessMemory() {
+    ProcessMemory memory;
+    PROCESS_MEMORY_COUNTERS counters{};
+    if (K32GetProcessMemoryInfo(GetCurrentProcess(), &counters, sizeof(counters)) != 0) {
+        memory.residentKib = static_cast<long>(counters.WorkingSetSize / 1024);
+        memory.peakKib = static_cast<long>(counters.PeakWorkingSetSize / 1024);
+    }
+    return memory;
+}
+
+long stackUsedBy(const std::function<void()>& /*work*/) {
+    return -1;
+}
+
+std::vector<PlainSearch> plainSearches() {
+    return {{"find", findByView}};
 }
 
 }  // namespace benchmarks

@@ -1,4 +1,4 @@
-// The candidate "floor": what bare calls of libxml2 and libxslt take for the work of one report,
+// The candidate "baseline": what bare calls of libxml2 and libxslt take for the work of one report,
 // with the C heap. Nothing is left out that a report contains and nothing is added: no lock, no
 // registration, no translation (the template is translated beforehand), no checks beyond success.
 //
@@ -14,8 +14,8 @@
 #include <string>
 #include <vector>
 
-#include "floor_allocator.h"
-#include "floor_files.h"
+#include "baseline_allocator.h"
+#include "benchmark_platform.h"
 #include "report_benchmark.h"
 
 namespace benchmarks {
@@ -61,9 +61,9 @@ std::string asString(const xmlChar* text) {
     return text != nullptr ? reinterpret_cast<const char*>(text) : "";
 }
 
-class Floor : public ReportMaker {
+class Baseline : public ReportMaker {
 public:
-    Floor(const Options& options, std::string outputPath)
+    Baseline(const Options& options, std::string outputPath)
         : dataDir_(options.dataParent() + "/.rgen/"), outputPath_(std::move(outputPath)) {
         values_.reserve(countValues(options));
         readValues(options, [this](const Value& value) { values_.push_back(value); });
@@ -94,7 +94,7 @@ private:
     std::vector<unsigned char> bytes_;
 };
 
-__attribute__((noinline)) void Floor::readConfiguration(std::string& persistentPath) const {
+__attribute__((noinline)) void Baseline::readConfiguration(std::string& persistentPath) const {
     requireExists(dataDir_);
     const std::string path = dataDir_ + "config.xml";
     requireExists(path);
@@ -121,7 +121,7 @@ __attribute__((noinline)) void Floor::readConfiguration(std::string& persistentP
     require(!persistentPath.empty() && !templateFile.empty(), "the report type is missing");
 }
 
-__attribute__((noinline)) void Floor::readPersistent(const std::string& path) {
+__attribute__((noinline)) void Baseline::readPersistent(const std::string& path) {
     persistent_.clear();
     readElements(path, "/data/properties/property[@name]", [this](xmlNode* property) {
         persistent_.emplace_back(xmlGetProp(property, xmlText("name")),
@@ -135,7 +135,7 @@ void addProperty(xmlNode* list, const xmlChar* name, const xmlChar* text) {
     xmlNewProp(property, xmlText("name"), name);
 }
 
-xmlDoc* Floor::buildDocument() {
+xmlDoc* Baseline::buildDocument() {
     xmlDoc* document = xmlNewDoc(xmlText("1.0"));
     xmlNode* root = xmlNewNode(nullptr, xmlText("data"));
     xmlDocSetRootElement(document, root);
@@ -156,7 +156,7 @@ xmlDoc* Floor::buildDocument() {
     return document;
 }
 
-xsltStylesheet* Floor::loadStylesheet() const {
+xsltStylesheet* Baseline::loadStylesheet() const {
     const std::string templates = dataDir_ + "templates";
     const std::string format = templates + "/html";
     const std::string path = format + "/translated.xsl";
@@ -171,7 +171,7 @@ xsltStylesheet* Floor::loadStylesheet() const {
     return stylesheet;
 }
 
-__attribute__((noinline)) void Floor::transform() {
+__attribute__((noinline)) void Baseline::transform() {
     xmlDoc* data = buildDocument();
     xsltStylesheet* stylesheet = loadStylesheet();
     xmlDoc* output = xsltApplyStylesheet(stylesheet, data, nullptr);
@@ -190,7 +190,7 @@ __attribute__((noinline)) void Floor::transform() {
 }  // namespace
 
 void prepareCandidate(const Options& options) {
-    if (options.mode != 0) fail("the floor writes files only");
+    if (options.mode != 0) fail("the baseline writes files only");
     chooseAllocator(options.allocator);
     xmlInitParser();
     xsltInit();
@@ -199,7 +199,7 @@ void prepareCandidate(const Options& options) {
 
 std::unique_ptr<ReportMaker> makeReportMaker(const Options& options,
                                              const std::string& outputPath) {
-    return std::make_unique<Floor>(options, outputPath);
+    return std::make_unique<Baseline>(options, outputPath);
 }
 
 }  // namespace benchmarks

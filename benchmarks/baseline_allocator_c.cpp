@@ -1,7 +1,7 @@
 // Where there is no other allocator than the C heap.
 //
 // SPDX-License-Identifier: MIT
-#include "floor_allocator.h"
+#include "baseline_allocator.h"
 #include "report_benchmark.h"
 
 namespace benchmarks {

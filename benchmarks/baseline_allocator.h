@@ -1,4 +1,4 @@
-// The allocators that the floor can give to the XML libraries.
+// The allocators that the baseline can give to the XML libraries.
 //
 // SPDX-License-Identifier: MIT
 #pragma once
