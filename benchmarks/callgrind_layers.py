@@ -1,21 +1,21 @@
 #!/usr/bin/env python3
 # SPDX-License-Identifier: MIT
-"""Tells from a callgrind file how many instructions go into the library's own layers.
+"""Counts the instructions of the library's own layers in a callgrind file.
 
 Usage: callgrind_layers.py FILE [REPORTS]
 
-Prints, for each report, the instructions of the layers and the functions that cost the own layers
-most. The layers of an instruction:
+Prints the instructions of one report by layer, and the functions of the own layers that need most of
+them. The layers:
 
     xml       source files of libxml2 and libxslt, and the allocator that the library gives to them
-    system    the C library, the loader and whatever else belongs to the system
+    system    the C library, the loader and other parts of the system
     harness   the benchmark program
-    own       all the rest: the library's sources, the C++ library, Boost
+    own       everything else: the library's sources, the C++ library, Boost
 
-What the own layers cost is their instructions and what they have the system do with memory and
-texts (malloc, memcpy and so on, with everything below). Calls of file functions are not counted:
-they are the report's input and output. A line that the compiler took from the XML libraries into a
-function of the library counts for the XML libraries; what the allocator calls counts for it.
+The cost of the own layers is their instructions and those of the system functions that they call
+(malloc, memcpy and so on, with everything that these call). File functions are not counted: they are
+the input and output of the report. Code of the XML libraries that was inlined into the library counts
+for the XML libraries; functions that the allocator calls count for the allocator.
 """
 
 import re
@@ -24,7 +24,7 @@ from collections import Counter
 from pathlib import Path
 
 XML_FILES = re.compile(r"(^|/)third_party/lib(xml2|xslt)/")
-ALLOCATOR_FILES = re.compile(r"(^|/)src/(memory/|store/xml_(memory|pool))")
+ALLOCATOR_FILES = re.compile(r"(^|/)src/(memory/|store/xml/memory)")
 SYSTEM_OBJECTS = re.compile(r"(^|/)(lib(c|m|pthread|dl|rt)[.-]|ld-linux|linux-vdso|\[vdso\])|^$")
 HARNESS_OBJECTS = re.compile(r"(^|/)benchmark_[a-z]+$")
 FILE_FUNCTIONS = re.compile(
@@ -37,7 +37,7 @@ FILE_FUNCTIONS = re.compile(
 
 
 class Function:
-    """A function, known by its object and name."""
+    """A function, identified by binary and name."""
 
     def __init__(self, binary, file, name):
         self.name = name
@@ -76,13 +76,13 @@ class CallgrindFile:
         self._callee = {}
         self._files = {}
         lines = Path(path).read_text(encoding="utf-8", errors="replace").splitlines()
-        # First every function's file: a call may stand in front of the function that it names.
+        # First pass: the file of each function, since a call may come before its function.
         self._read(lines, self._note_function, lambda cost: None, lambda cost: None)
         self._read(lines, self._enter_function, self._add_cost, self._add_call)
 
     @property
     def own(self):
-        """What the own layers cost, calls of the system for memory and texts included."""
+        """The cost of the own layers with the system functions that they call."""
         return (self.layers["own"] + sum(self.calls_to_system.values())
                 - sum(self.called_by_allocator.values()))
 
@@ -93,7 +93,7 @@ class CallgrindFile:
     # ---- Reading --------------------------------------------------------------------------------
 
     def _name(self, kind, text):
-        """The name for "(7) name" or, later on, "(7)"."""
+        """The name in "(7) name", or the one that was given before for "(7)"."""
         match = re.match(r"\((\d+)\)(?: (.*))?$", text)
         if match is None:
             return text
@@ -181,7 +181,7 @@ def main():
         print(f"{title}:")
         for name, cost in counts.most_common(25):
             print(f"  {cost / reports:14,.0f}  {name[:100]}")
-    print(f"total {costs.total / reports:,.0f}, own layers with what they have the system do "
+    print(f"total {costs.total / reports:,.0f}, own layers with the system functions that they call "
           f"{costs.own / reports:,.0f}")
 
 

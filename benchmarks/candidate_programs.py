@@ -1,24 +1,23 @@
 # SPDX-License-Identifier: MIT
-"""The candidates as programs: how they are started and whether their reports are the same."""
+"""Starts the candidates (library and baseline) and compares their reports."""
 
 import json
 import shutil
 import subprocess
 from pathlib import Path
 
-# Far above what one run takes; its passing is a failure.
+# Seconds after which a run counts as failed.
 LONGEST_RUN = 600
-# Workloads whose template shows the properties in their order in the document, which the library
-# does not define.
+# Workloads whose template lists all properties. Their order in the data document is not defined.
 ANY_ORDER = {"M", "L", "XL"}
 
 
 class BenchmarkError(Exception):
-    """Something does not run, or reports differ."""
+    """A program failed, or reports differ."""
 
 
 class Candidate:
-    """A program of the target; `launcher` holds the words that start programs of the target."""
+    """A program of the target system; `launcher` is the command that starts such programs."""
 
     def __init__(self, program, launcher=(), options=()):
         self.program = Path(program)
@@ -30,7 +29,7 @@ class Candidate:
         return self.program.stem.removeprefix("benchmark_")
 
     def native(self, path):
-        """The absolute path as the program writes it."""
+        """The absolute path in the form that the program expects."""
         text = str(Path(path).resolve())
         return "Z:" + text.replace("/", "\\") if self.program.suffix == ".exe" else text
 
@@ -41,8 +40,8 @@ class Candidate:
 
 
 def run(command, stdout):
-    """Runs a program with its output in a file: under Wine, processes that outlive it may hold on
-    to a pipe. Returns what it printed."""
+    """Runs a program and returns its output. The output goes to a file: under Wine, processes that
+    outlive the program may keep a pipe open."""
     errors = Path(f"{stdout}.err")
     with open(stdout, "wb") as out, open(errors, "wb") as err:
         ended = subprocess.run(command, stdin=subprocess.DEVNULL, stdout=out, stderr=err,
@@ -54,7 +53,7 @@ def run(command, stdout):
 
 
 def make_reports(candidate, workload, scratch, count, *options, prefix=()):
-    """Makes exactly that many reports. Returns the last one's file and what the program says."""
+    """Makes exactly so many reports. Returns the file of the last one and the printed figures."""
     output = scratch / f"{candidate.name}-{workload.name}.html"
     command = candidate.command(workload, output, f"--reports={count}", *options, prefix=prefix)
     printed = run(command, scratch / "reports.json")
@@ -62,7 +61,7 @@ def make_reports(candidate, workload, scratch, count, *options, prefix=()):
 
 
 def expect_same_reports(candidates, workloads, scratch):
-    """The candidates make the same bytes; where the order is open, the same lines."""
+    """Requires identical reports, or identical lines in any order where the order is not defined."""
     shutil.rmtree(scratch, ignore_errors=True)
     scratch.mkdir(parents=True)
     for workload in workloads:

@@ -1,9 +1,9 @@
 #!/usr/bin/env python3
 # SPDX-License-Identifier: MIT
-"""Measures the library against the baseline and prints how it stands to the goals.
+"""Compares the library with the baseline and prints which goals are met.
 
-scripts/benchmark builds the programs and calls this. Everything that is made goes below
-build/benchmarks: the workloads, the raw results of the last run, results.json and results.md.
+scripts/benchmark builds the programs and calls this. All files are written below build/benchmarks: the
+workloads, the raw results of the last run, results.json and results.md.
 """
 
 import argparse
@@ -43,8 +43,8 @@ def step(text):
 def parse_arguments():
     parser = argparse.ArgumentParser(prog="benchmark", description=__doc__.splitlines()[0])
     parser.add_argument("--short", action="store_true", help="few workloads, one round")
-    parser.add_argument("--windows", action="store_true", help="also the DLL, under Wine")
-    parser.add_argument("--keep", type=Path, metavar="FOLDER", help="the raw results go there")
+    parser.add_argument("--windows", action="store_true", help="also measure the DLL, under Wine")
+    parser.add_argument("--keep", type=Path, metavar="FOLDER", help="write the raw results to FOLDER")
     return parser.parse_args()
 
 
@@ -79,7 +79,7 @@ class BaselineWithMimalloc(Candidate):
 # ---- What a run measures ------------------------------------------------------------------------
 
 def for_each(names, title, measure):
-    """What `measure` says of each workload, by its name."""
+    """The result of `measure` for each workload, by its name."""
     measured = {}
     for name in names:
         step(f"{title} at {name}")
@@ -160,7 +160,7 @@ def describe_machine():
 # ---- The run ------------------------------------------------------------------------------------
 
 def raw_folder(arguments):
-    """An empty folder of this run's own, or the one that is asked for."""
+    """The folder of --keep, or an empty one below build/benchmarks."""
     folder = arguments.keep or FOLDER / "raw"
     if arguments.keep is None:
         shutil.rmtree(folder, ignore_errors=True)

@@ -1,5 +1,5 @@
 # SPDX-License-Identifier: MIT
-"""The goals and how a set of results stands to them."""
+"""The goals, and whether the results meet them."""
 
 TIME_BARS = {"S": 0.75, "M": 0.75, "L": 0.75, "T": 0.60, "C": 0.50}
 OWN_LAYER_BARS = {"S": 0.03, "T": 0.03, "M": 0.10, "L": 0.10}
@@ -18,7 +18,7 @@ KEY_BAR = 0.10
 
 
 class Goal:
-    """One line of the table."""
+    """A row of the table: a measured value and its limit."""
 
     def __init__(self, title, value, bar, form="{:.3f}", at_least=False, note=""):
         self.title = title
@@ -41,17 +41,17 @@ def time_goals(times, where=""):
         if workload in times:
             measured = times[workload]
             spread = measured["ratios"]["library"]
-            yield Goal(f"time at {workload}{where}, by the baseline's", spread["median"], bar,
-                       note=f"{percent_note(spread)}; {measured['library'] * 1e3:.3f} ms by "
+            yield Goal(f"time at {workload}{where}, ratio to the baseline", spread["median"], bar,
+                       note=f"{percent_note(spread)}; {measured['library'] * 1e3:.3f} ms / "
                             f"{measured['baseline'] * 1e3:.3f} ms")
 
 
 def scaling_goals(times):
     if "XL" in times:
         ratio = times["XL"]["library"] / 100_000 / (times["M"]["library"] / 1_000)
-        yield Goal("time for a property, XL by M", ratio, LARGE_TABLE_BAR)
+        yield Goal("time for a property, ratio XL to M", ratio, LARGE_TABLE_BAR)
     if "K1" in times:
-        yield Goal("look-ups by key, by those by scan (K1/K0)",
+        yield Goal("look-ups by key, ratio to look-ups by scan (K1/K0)",
                    times["K1"]["library"] / times["K0"]["library"], KEY_BAR)
 
 
@@ -59,15 +59,15 @@ def instruction_goals(instructions):
     for workload, bar in OWN_LAYER_BARS.items():
         if workload in instructions:
             counts = instructions[workload]
-            yield Goal(f"own layers at {workload}, by the baseline's instructions",
+            yield Goal(f"instructions of own layers at {workload}, ratio to the baseline",
                        counts["own_ratio"], bar, "{:.4f}",
-                       note=f"{counts['own']:,}; in all {counts['library']:,} by "
+                       note=f"{counts['own']:,}; in all {counts['library']:,} / "
                             f"{counts['baseline']:,} = {counts['ratio']:.3f}")
 
 
 def pass_goals(measured):
     spread = measured["to_plain_search"]["ordinary/1"]
-    yield Goal("translation pass of 1 MB, by a plain search", spread["median"], PASS_BAR,
+    yield Goal("translation pass of 1 MB, ratio to a plain search", spread["median"], PASS_BAR,
                note=percent_note(spread))
     seconds = measured["seconds"]
     for name, value in seconds.items():
@@ -75,7 +75,7 @@ def pass_goals(measured):
         if kind != "pass" or size != "1" or text in ("ordinary", "markers"):
             continue
         yield Goal(f"hostile text, {text}, 1 MB, ms", value * 1e3, HOSTILE_BAR_SECONDS * 1e3)
-        yield Goal(f"hostile text, {text}, 16 MB by 1 MB", seconds[f"pass/{text}/16"] / value,
+        yield Goal(f"hostile text, {text}, ratio 16 MB to 1 MB", seconds[f"pass/{text}/16"] / value,
                    HOSTILE_GROWTH_BAR, "{:.1f}")
     yield Goal("stack of the translation pass, bytes", measured["stack_bytes"], STACK_BAR_BYTES,
                "{:,}")
@@ -84,16 +84,16 @@ def pass_goals(measured):
 def date_goals(measured, where=""):
     seconds = measured["seconds"]
     for name, spread in measured["to_numbers"].items():
-        yield Goal(f"dump of 20,000 values as {name}{where}, by one of numbers", spread["median"],
-                   DATES_BAR, note=f"{percent_note(spread)}; {seconds[name] * 1e3:.1f} ms by "
+        yield Goal(f"dump of 20,000 values as {name}{where}, ratio to one of numbers", spread["median"],
+                   DATES_BAR, note=f"{percent_note(spread)}; {seconds[name] * 1e3:.1f} ms / "
                                    f"{seconds['number'] * 1e3:.1f} ms")
 
 
 def thread_goals(threads):
     for workload, gains in threads.items():
-        yield Goal(f"gain of two threads at {workload}, by the baseline's",
+        yield Goal(f"speed-up by two threads at {workload}, ratio to the baseline",
                    gains["ratio"]["median"], THREAD_BAR, at_least=True,
-                   note=f"{percent_note(gains['ratio'])}; {gains['library']['median']:.2f} by "
+                   note=f"{percent_note(gains['ratio'])}; {gains['library']['median']:.2f} / "
                         f"{gains['baseline']['median']:.2f}")
 
 
@@ -103,12 +103,12 @@ def memory_goals(peaks, growths):
         yield Goal(f"peak memory at {workload}, KiB", peak["library"], bar, "{:,.0f}",
                    note=f"baseline {peak['baseline']:,.0f}")
     for workload, growth in growths.items():
-        yield Goal(f"memory that stays at {workload}, KiB", growth["library"], GROWTH_BAR_KIB,
+        yield Goal(f"memory growth at {workload}, KiB", growth["library"], GROWTH_BAR_KIB,
                    "{:,}", note=f"baseline {growth['baseline']:,}")
 
 
 def all_goals(results):
-    """The goals that the results say something about."""
+    """All goals for which there are results."""
     goals = [*time_goals(results["times"]), *instruction_goals(results["instructions"]),
              *pass_goals(results["translation_pass"]), *date_goals(results["dates"]),
              *thread_goals(results["two_threads"]),
@@ -123,29 +123,29 @@ def all_goals(results):
 
 
 def notes(results):
-    """What is worth knowing besides the goals."""
+    """Results without a goal."""
     for workload, measured in results["times"].items():
         if "baseline_mimalloc" in measured:
             ratio = measured["library"] / measured["baseline_mimalloc"]
-            yield f"time at {workload}, by that of the baseline with mimalloc: {ratio:.3f}"
+            yield f"time at {workload}, ratio to the baseline with mimalloc: {ratio:.3f}"
 
 
 def markdown(goals, results):
-    """The goals for docs/performance.md."""
+    """The table for docs/performance.md."""
     machine = results["machine"]
     libraries = ", ".join(f"{name.removesuffix('_VERSION').lower()} {version}"
                           for name, version in machine["libraries"].items())
     lines = [f"Measured on {machine['date'][:10]}: {machine['processor']}, {machine['cores']} cores, "
              f"Linux {machine['kernel']}, {machine['compiler']}; {libraries}; "
              f"medians of {results['rounds']} rounds.", "",
-             "| what | bar | measured | met | details |", "|---|---|---|---|---|"]
+             "| measurement | goal | measured | met | details |", "|---|---|---|---|---|"]
     lines += [f"| {goal.title} | {goal.bar} | {goal.measured} | {'yes' if goal.met else '**no**'} "
               f"| {goal.note} |" for goal in goals]
     return "\n".join(lines) + "\n"
 
 
 def table(goals):
-    """The goals as text."""
+    """The table as text."""
     rows = [("goal", "bar", "measured", "", "")]
     rows += [(goal.title, goal.bar, goal.measured, "met" if goal.met else "NOT MET", goal.note)
              for goal in goals]

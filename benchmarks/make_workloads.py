@@ -1,6 +1,6 @@
 #!/usr/bin/env python3
 # SPDX-License-Identifier: MIT
-"""Makes the workloads of the benchmarks: one folder each with a data directory and values.
+"""Creates the workloads of the benchmarks: a folder for each, with a data directory and values.
 
 Usage: make_workloads.py FOLDER [--short]
 
@@ -9,9 +9,9 @@ Usage: make_workloads.py FOLDER [--short]
     C          a configuration with 10,000 report types
     K0 K1      100 look-ups among 10,000 properties, by scan and by key
 
---short makes S, M and T only. The same files come out each time; what exists is skipped.
-A workload FOLDER/W holds data/.rgen as a host keeps it, with the template once more with its marked
-texts replaced (templates/html/translated.xsl), and values.tsv with lines of name, type and text.
+--short creates S, M and T only. The files are the same each time; existing ones are kept. A workload
+FOLDER/W has a data directory data/.rgen, which also contains the template with its markers replaced
+(templates/html/translated.xsl), and a file values.tsv with name, type and text in each line.
 """
 
 import argparse
@@ -27,7 +27,7 @@ WANTED_GUID = "7c9e6679-7425-40de-944b-e07fc1f90ae7"
 OTHER_GUIDS = uuid.UUID("4f1d6b0a-93c2-4c57-8d2e-5a60b7e1f934")
 SHORT = ["S", "M", "T"]
 
-# Letter of the workload: its template and the number of its properties and report types.
+# For each workload its template and its numbers of properties and report types.
 WORKLOADS = {
     "S": ("small", 10, 1),
     "M": ("table", 1_000, 1),
@@ -56,7 +56,7 @@ SCAN = re.compile(r"/data/properties/property\[@name=('[^']*')\]")
 # ---- Texts --------------------------------------------------------------------------------------
 
 def words(source, length):
-    """A text of exactly that many characters that neither starts nor ends with a blank."""
+    """A text of exactly so many characters that neither starts nor ends with a space."""
     text = source.choice(WORDS)
     while len(text) < length:
         text += " " + source.choice(WORDS)
@@ -69,7 +69,7 @@ def property_name(index):
 
 
 def values(count):
-    """The lines of values.tsv; every fourth value is a number."""
+    """The lines of values.tsv. Every fourth value is a number."""
     source = random.Random(f"values {count}")
     lines = []
     for index in range(count):
@@ -88,7 +88,7 @@ def read_template(name):
 
 
 def with_content(template, content):
-    """The template with more content at the end of its page."""
+    """The template with more content at the end of the page."""
     place = template.index("      </body>")
     return template[:place] + content + template[place:]
 
@@ -114,7 +114,7 @@ def scan_template():
 
 
 def key_template():
-    """Every look-up of the scanning template through a key."""
+    """The template that scans, with each look-up replaced by one through a key."""
     template = SCAN.sub(r"key('property', \1)", scan_template())
     declaration = '  <xsl:key name="property" match="property" use="@name"/>\n'
     return template.replace("\n\n  <xsl:template", f"\n{declaration}\n  <xsl:template", 1)
@@ -135,7 +135,7 @@ def report_type(guid, persist_data_file, report_type_file):
 
 
 def configuration(types):
-    """The wanted report type is the last one."""
+    """The configuration file; the wanted report type is the last one."""
     entries = [report_type(uuid.uuid5(OTHER_GUIDS, str(number)), f"persist_{number}.xml",
                            f"report_{number}.xsl") for number in range(1, types)]
     entries.append(report_type(WANTED_GUID, "persist_data.xml", "report.xsl"))
@@ -167,13 +167,13 @@ def make_workload(folder, workload):
 
 
 def recipe():
-    """Changes with everything that the workloads are made of."""
+    """Differs when anything that the workloads are made from differs."""
     sources = [Path(__file__), *sorted(TEMPLATES.glob("*.xsl"))]
     return hashlib.sha256(b"".join(path.read_bytes() for path in sources)).hexdigest()
 
 
 def make_workloads(folder, names):
-    """Makes the named workloads in the folder, or leaves them as they are when they are complete."""
+    """Creates these workloads in the folder, except those that exist and are up to date."""
     for name in names:
         stamp = folder / name / "recipe.txt"
         if stamp.is_file() and stamp.read_text() == recipe():

@@ -1,6 +1,6 @@
 # SPDX-License-Identifier: MIT
-"""The measurements. Each returns plain numbers, ready for results.json: times in seconds for one
-report, sizes in KiB, ratios library by baseline."""
+"""The measurements. Each returns numbers for results.json: times in seconds for one report, sizes in
+KiB, ratios of library to baseline."""
 
 import json
 import os
@@ -12,19 +12,20 @@ from callgrind_layers import CallgrindFile
 from candidate_programs import BenchmarkError, make_reports, run
 
 MINIMUM_TIME = 0.25
-# Workload: more time, so that the first report, which finds no memory yet, is not the only one.
+# More time for slow workloads, so that not only the first report is measured, whose process has no
+# memory yet.
 LONGER_TIMES = {"XL": 2.0}
 MINIMUM_TIME_OF_PASS = 0.05
 STARTS_FOR_MEMORY = 3
-# Workload: the two reports between which memory must not grow.
+# The two reports of a workload between which memory must not grow.
 GROWTH = {"S": (1_000, 10_000), "M": (100, 1_000)}
-# Workload: reports that are counted, after one that is not.
+# The number of reports whose instructions are counted, after one that is not counted.
 COUNTED_REPORTS = {"S": 20, "M": 3, "L": 1, "T": 1, "C": 1}
 UNITS = {"ns": 1e-9, "us": 1e-6, "ms": 1e-3, "s": 1.0}
 
 
 def pinned():
-    """The words that keep a program on one core."""
+    """The command that binds a program to one core."""
     return ["taskset", "-c", str(max(os.sched_getaffinity(0)))]
 
 
@@ -33,7 +34,7 @@ def spread_of(values):
 
 
 class Measurements:
-    """Measures into a folder for raw results; `rounds` times where it takes a median."""
+    """Writes raw results to a folder; takes medians of so many rounds."""
 
     def __init__(self, folder, workloads, rounds):
         self.folder = folder
@@ -48,7 +49,7 @@ class Measurements:
     def _google_benchmark(self, command, raw_file, minimum_time):
         printed = run([*command, f"--benchmark_min_time={minimum_time}",
                        "--benchmark_format=json"], raw_file)
-        # Wine and the C runtime may print in front of it.
+        # Wine and the C runtime may print something before the JSON.
         return json.loads(printed[printed.index("{"):])
 
     def _time(self, candidate, workload, round_number, *options, prefix=()):
@@ -64,7 +65,7 @@ class Measurements:
         return report["real_time"] * UNITS[report["time_unit"]]
 
     def times(self, candidates, workload):
-        """Times of the candidates in turn on one core, and the ratios to the first one."""
+        """Times of the candidates, alternating on one core, and their ratios to the first one."""
         measured = {candidate.name: [] for candidate in candidates}
         for number in range(self.rounds):
             for candidate in candidates:
@@ -79,7 +80,7 @@ class Measurements:
         return result
 
     def two_threads(self, baseline, library, workload):
-        """How much faster two threads are than one, and the library's gain by the baseline's."""
+        """The speed-up by a second thread, and the ratio of the library's to the baseline's."""
         gains = {baseline.name: [], library.name: []}
         for number in range(self.rounds):
             for candidate in (baseline, library):
@@ -101,12 +102,12 @@ class Measurements:
         return CallgrindFile(raw_file)
 
     def instructions(self, baseline, library, workload):
-        """Instructions for one report, and those of the library's own layers."""
+        """Instructions of one report, in all and of the library's own layers."""
         reports = COUNTED_REPORTS[workload]
         baseline_costs = self._count(baseline, workload, reports)
         costs = self._count(library, workload, reports)
         if not baseline_costs.total or not costs.layers["xml"] or not costs.layers["own"]:
-            raise BenchmarkError("callgrind tells no source files; are the debug lines there?")
+            raise BenchmarkError("callgrind names no source files; is there debug information?")
         return {"baseline": baseline_costs.total // reports, "library": costs.total // reports,
                 "ratio": costs.total / baseline_costs.total, "own": costs.own // reports,
                 "own_ratio": costs.own / baseline_costs.total,
@@ -115,13 +116,13 @@ class Measurements:
     # ---- Memory ---------------------------------------------------------------------------------
 
     def peak_memory(self, candidate, workload):
-        """KiB at the highest, of a process that makes one report."""
+        """Peak KiB of a process that makes one report."""
         return statistics.median(
             make_reports(candidate, self.workloads / workload, self.folder, 1)[1]["peak_kib"]
             for _ in range(STARTS_FOR_MEMORY))
 
     def growth(self, candidate, workload):
-        """KiB that are resident after the second report and were not after the first."""
+        """By how many KiB the resident memory grows between the two reports of GROWTH."""
         first, second = GROWTH[workload]
         figures = make_reports(candidate, self.workloads / workload, self.folder, second,
                                f"--growth={first},{second}")[1]
@@ -130,7 +131,7 @@ class Measurements:
     # ---- Translation pass and size --------------------------------------------------------------
 
     def translation_pass(self, program):
-        """Seconds of each benchmark of the program, the ratios to a plain search, and the stack."""
+        """Seconds of each benchmark, ratios to the fastest plain search, and stack use."""
         rounds = []
         for number in range(self.rounds):
             result = self._google_benchmark([*pinned(), str(program)],
@@ -152,7 +153,7 @@ class Measurements:
     # ---- Dates ----------------------------------------------------------------------------------
 
     def dates(self, program, launcher=()):
-        """Seconds for a dump of 20,000 numbers, times and dates, and the ratios to the numbers."""
+        """Seconds to dump 20,000 numbers, times and dates, and the ratios to the numbers."""
         rounds = []
         for number in range(self.rounds):
             result = self._google_benchmark([*pinned(), *launcher, str(program)],
@@ -166,7 +167,7 @@ class Measurements:
                                for name in rounds[0] if name != "number"}}
 
     def stripped_size(self, library):
-        """Bytes of the shared library without symbols."""
+        """Size of the shared library in bytes, without symbols."""
         stripped = self.folder / "stripped-library"
         subprocess.run(["strip", "-o", stripped, Path(library).resolve()], check=True)
         return stripped.stat().st_size

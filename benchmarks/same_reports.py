@@ -1,10 +1,10 @@
 #!/usr/bin/env python3
 # SPDX-License-Identifier: MIT
-"""Checks that the baseline and the library make the same reports of the workloads S and M.
+"""Checks that the baseline and the library make the same reports for the workloads S and M.
 
 Usage: same_reports.py FOLDER BASELINE LIBRARY [LAUNCHER...]
 
-The workloads are made in FOLDER; LAUNCHER starts programs of the target.
+Creates the workloads in FOLDER. LAUNCHER is the command that starts programs of the target system.
 """
 
 import sys
