@@ -1,6 +1,6 @@
-// The candidate "baseline": what bare calls of libxml2 and libxslt take for the work of one report,
-// with the C heap. Nothing is left out that a report contains and nothing is added: no lock, no
-// registration, no translation (the template is translated beforehand), no checks beyond success.
+// The candidate "baseline": direct calls of libxml2 and libxslt for the work of one report, with
+// the C heap. The report is complete, but there is no lock, no registration, no translation (the
+// template is translated in advance) and no check except for success.
 //
 // SPDX-License-Identifier: MIT
 #include <libxml/parser.h>
@@ -35,7 +35,7 @@ void ignoreMessage(void*, const char*, ...) {}
 
 void ignoreError(void*, const xmlError*) {}
 
-/// The error handlers of libxml2 belong to a thread.
+/// The error handlers of libxml2 are set for each thread.
 bool silenceThread() {
     xmlSetStructuredErrorFunc(nullptr, ignoreError);
     xmlSetGenericErrorFunc(nullptr, ignoreMessage);

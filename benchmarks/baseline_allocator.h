@@ -1,4 +1,4 @@
-// The allocators that the baseline can give to the XML libraries.
+// The allocators that the baseline can use for the XML libraries.
 //
 // SPDX-License-Identifier: MIT
 #pragma once
@@ -7,7 +7,7 @@
 
 namespace benchmarks {
 
-/// Gives the named allocator to libxml2 when it is not the C heap; before any use of libxml2.
+/// Sets the allocator of libxml2 unless it is the C heap. To be called before any use of libxml2.
 void chooseAllocator(const std::string& name);
 
 }  // namespace benchmarks

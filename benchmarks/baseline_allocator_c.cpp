@@ -1,4 +1,4 @@
-// Where there is no other allocator than the C heap.
+// For builds without another allocator than the C heap.
 //
 // SPDX-License-Identifier: MIT
 #include "baseline_allocator.h"

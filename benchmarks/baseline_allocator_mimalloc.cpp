@@ -1,5 +1,5 @@
-// The C heap and mimalloc. The latter is loaded only when it is asked for: a program that is linked
-// with it has no other heap any more.
+// The C heap and mimalloc, which is loaded on demand: it would replace the C heap of a program that
+// is linked with it.
 //
 // SPDX-License-Identifier: MIT
 #include <dlfcn.h>

@@ -24,20 +24,21 @@ void require(bool done, const char* what, const std::string& path) {
 
 constexpr std::size_t stackSize = std::size_t{8} * 1024 * 1024;
 constexpr std::size_t pageSize = 4096;
-constexpr unsigned char paint = 0xA5;
+constexpr unsigned char pattern = 0xA5;
 
 void* runWork(void* work) {
     (*static_cast<const std::function<void()>*>(work))();
     return nullptr;
 }
 
-/// Bytes from the first one that is no longer paint to the end; -1 when there is no such thread.
-long depthOf(std::function<void()> work) {
+/// Runs `work` on a thread whose stack is filled with a pattern, and returns how much of the stack
+/// was overwritten; -1 when the thread cannot be started.
+long overwrittenStack(std::function<void()> work) {
     const std::unique_ptr<void, decltype(&std::free)> stack(std::aligned_alloc(pageSize, stackSize),
                                                             std::free);
     auto* const lowest = static_cast<unsigned char*>(stack.get());
     if (lowest == nullptr) return -1;
-    std::fill_n(lowest, stackSize, paint);
+    std::fill_n(lowest, stackSize, pattern);
     pthread_attr_t attributes;
     pthread_attr_init(&attributes);
     pthread_attr_setstack(&attributes, lowest, stackSize);
@@ -46,8 +47,8 @@ long depthOf(std::function<void()> work) {
     if (started) pthread_join(thread, nullptr);
     pthread_attr_destroy(&attributes);
     if (!started) return -1;
-    const auto* const used =
-        std::find_if(lowest, lowest + stackSize, [](unsigned char byte) { return byte != paint; });
+    const auto* const used = std::find_if(lowest, lowest + stackSize,
+                                          [](unsigned char byte) { return byte != pattern; });
     return static_cast<long>(lowest + stackSize - used);
 }
 
@@ -104,8 +105,8 @@ ProcessMemory readProcessMemory() {
 }
 
 long stackUsedBy(const std::function<void()>& work) {
-    const long idle = depthOf([] {});
-    const long busy = depthOf(work);
+    const long idle = overwrittenStack([] {});
+    const long busy = overwrittenStack(work);
     return idle < 0 || busy < 0 ? -1 : std::max(busy - idle, 0L);
 }
 

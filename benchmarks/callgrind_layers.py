@@ -4,8 +4,8 @@
 
 Usage: callgrind_layers.py FILE [REPORTS]
 
-Prints the instructions of one report by layer, and the functions of the own layers that need most of
-them. The layers:
+Prints the instructions of one report by layer, and the functions of the own layers that need most
+of them. The layers:
 
     xml       source files of libxml2 and libxslt, and the allocator that the library gives to them
     system    the C library, the loader and other parts of the system
@@ -13,8 +13,9 @@ them. The layers:
     own       everything else: the library's sources, the C++ library, Boost
 
 The cost of the own layers is their instructions and those of the system functions that they call
-(malloc, memcpy and so on, with everything that these call). File functions are not counted: they are
-the input and output of the report. Code of the XML libraries that was inlined into the library counts
+(malloc, memcpy and so on, with everything that these call). File functions are not counted: they
+are the input and output of the report. Code of the XML libraries that was inlined into the library
+counts
 for the XML libraries; functions that the allocator calls count for the allocator.
 """
 
@@ -181,7 +182,7 @@ def main():
         print(f"{title}:")
         for name, cost in counts.most_common(25):
             print(f"  {cost / reports:14,.0f}  {name[:100]}")
-    print(f"total {costs.total / reports:,.0f}, own layers with the system functions that they call "
+    print(f"total {costs.total / reports:,.0f}, own layers with their system functions "
           f"{costs.own / reports:,.0f}")
 
 

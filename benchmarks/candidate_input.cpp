@@ -1,5 +1,3 @@
-// Options and values.
-//
 // SPDX-License-Identifier: MIT
 #include "candidate_input.h"
 

@@ -1,4 +1,4 @@
-// What every measured program reads: options of its command line and the values of a workload.
+// Input of the measured programs: options of the command line and values of a workload.
 //
 // SPDX-License-Identifier: MIT
 #pragma once
@@ -10,7 +10,7 @@
 
 namespace benchmarks {
 
-/// One line of a file of values, as a host holds it.
+/// One line of a file of values.
 struct Value {
     std::string name;
     bool isNumber = false;
@@ -18,12 +18,12 @@ struct Value {
     std::string text;
 };
 
-/// Hands the values over one by one, so that each candidate keeps them in its own form alone.
-/// Raises std::runtime_error when the file cannot be read or a line is not
+/// Passes the values to `take` one by one, so that each candidate stores them only in its own form.
+/// Throws std::runtime_error when the file cannot be read or a line is not
 /// "name<tab>type<tab>text".
 void readValueFile(const std::string& path, const std::function<void(const Value&)>& take);
 
-/// Takes the value of "--name=value" when `name` is "--name="; false when it is another argument.
+/// Reads the value of "--name=value" if `name` is "--name="; returns false for another argument.
 bool takeOption(std::string_view argument, std::string_view name, std::string& value);
 
 }  // namespace benchmarks

@@ -61,7 +61,7 @@ def make_reports(candidate, workload, scratch, count, *options, prefix=()):
 
 
 def expect_same_reports(candidates, workloads, scratch):
-    """Requires identical reports, or identical lines in any order where the order is not defined."""
+    """Requires identical reports; identical lines where the order is not defined."""
     shutil.rmtree(scratch, ignore_errors=True)
     scratch.mkdir(parents=True)
     for workload in workloads:

@@ -1,4 +1,4 @@
-// A dump of 20,000 dates beside one of as many numbers. Names of benchmarks are dump/HINT.
+// Compares a dump of 20,000 dates with one of 20,000 numbers. The benchmarks are named dump/HINT.
 //
 // SPDX-License-Identifier: MIT
 #include <benchmark/benchmark.h>
@@ -14,10 +14,10 @@ namespace {
 
 constexpr std::uint64_t valueCount = 20000;
 
-/// Twenty thousand moments from 2001 on, more than two hours apart, under one hint.
-class Moments {
+/// 20,000 times from 2001 on, more than two hours apart, with the same hint.
+class TimeValues {
 public:
-    explicit Moments(std::uint64_t hint) {
+    explicit TimeValues(std::uint64_t hint) {
         constexpr std::int64_t first = 1000000000;
         constexpr std::int64_t step = 7919;
         rgen_createRgenCVariantSet(&input_.variants, valueCount);
@@ -28,9 +28,9 @@ public:
                                          &input_.variants.items[number]);
         }
     }
-    ~Moments() { rgen_freeRgenCInputParams(&input_); }
-    Moments(const Moments&) = delete;
-    Moments& operator=(const Moments&) = delete;
+    ~TimeValues() { rgen_freeRgenCInputParams(&input_); }
+    TimeValues(const TimeValues&) = delete;
+    TimeValues& operator=(const TimeValues&) = delete;
 
     const RgenCInputParams* get() const { return &input_; }
 
@@ -39,14 +39,14 @@ private:
 };
 
 void measureDump(benchmark::State& state, std::uint64_t hint) {
-    const Moments moments(hint);
+    const TimeValues values(hint);
     const std::string path =
         (std::filesystem::temp_directory_path() / "rgen-benchmark-dump.xml").u8string();
     RgenReportGenerator* generator = rgen_newReportGenerator();
     for (auto unused : state) {
         static_cast<void>(unused);
         const RgenStatus status =
-            rgen_dumpRawInputDataToFile(generator, moments.get(), path.c_str());
+            rgen_dumpRawInputDataToFile(generator, values.get(), path.c_str());
         if (status != RGEN_OK) state.SkipWithError("the dump failed");
     }
     rgen_freeReportGenerator(generator);

@@ -2,8 +2,8 @@
 # SPDX-License-Identifier: MIT
 """Compares the library with the baseline and prints which goals are met.
 
-scripts/benchmark builds the programs and calls this. All files are written below build/benchmarks: the
-workloads, the raw results of the last run, results.json and results.md.
+scripts/benchmark builds the programs and calls this. All files are written below build/benchmarks:
+the workloads, the raw results of the last run, results.json and results.md.
 """
 
 import argparse
@@ -44,7 +44,7 @@ def parse_arguments():
     parser = argparse.ArgumentParser(prog="benchmark", description=__doc__.splitlines()[0])
     parser.add_argument("--short", action="store_true", help="few workloads, one round")
     parser.add_argument("--windows", action="store_true", help="also measure the DLL, under Wine")
-    parser.add_argument("--keep", type=Path, metavar="FOLDER", help="write the raw results to FOLDER")
+    parser.add_argument("--keep", type=Path, metavar="FOLDER", help="folder for the raw results")
     return parser.parse_args()
 
 

@@ -84,9 +84,10 @@ def pass_goals(measured):
 def date_goals(measured, where=""):
     seconds = measured["seconds"]
     for name, spread in measured["to_numbers"].items():
-        yield Goal(f"dump of 20,000 values as {name}{where}, ratio to one of numbers", spread["median"],
-                   DATES_BAR, note=f"{percent_note(spread)}; {seconds[name] * 1e3:.1f} ms / "
-                                   f"{seconds['number'] * 1e3:.1f} ms")
+        yield Goal(f"dump of 20,000 values as {name}{where}, ratio to one of numbers",
+                   spread["median"], DATES_BAR,
+                   note=f"{percent_note(spread)}; {seconds[name] * 1e3:.1f} ms / "
+                        f"{seconds['number'] * 1e3:.1f} ms")
 
 
 def thread_goals(threads):

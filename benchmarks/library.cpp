@@ -1,4 +1,4 @@
-// The candidate "library": a host with the public header and the shared library.
+// The candidate "library": a host that uses the public header and the shared library.
 //
 // SPDX-License-Identifier: MIT
 #include <stdexcept>

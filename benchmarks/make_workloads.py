@@ -9,9 +9,10 @@ Usage: make_workloads.py FOLDER [--short]
     C          a configuration with 10,000 report types
     K0 K1      100 look-ups among 10,000 properties, by scan and by key
 
---short creates S, M and T only. The files are the same each time; existing ones are kept. A workload
-FOLDER/W has a data directory data/.rgen, which also contains the template with its markers replaced
-(templates/html/translated.xsl), and a file values.tsv with name, type and text in each line.
+--short creates S, M and T only. The files are the same each time; existing ones are kept. A
+workload FOLDER/W has a data directory data/.rgen, which also contains the template with its markers
+replaced (templates/html/translated.xsl), and a file values.tsv with name, type and text in each
+line.
 """
 
 import argparse

@@ -1,6 +1,6 @@
 # SPDX-License-Identifier: MIT
-"""The measurements. Each returns numbers for results.json: times in seconds for one report, sizes in
-KiB, ratios of library to baseline."""
+"""The measurements. Each returns numbers for results.json: times in seconds for one report, sizes
+in KiB, ratios of library to baseline."""
 
 import json
 import os
@@ -88,8 +88,8 @@ class Measurements:
                 together = self._time(candidate, workload, number, "--threads=2")
                 gains[candidate.name].append(alone / together)
         ratios = [ours / theirs for ours, theirs in zip(gains[library.name], gains[baseline.name])]
-        return {"baseline": spread_of(gains[baseline.name]), "library": spread_of(gains[library.name]),
-                "ratio": spread_of(ratios)}
+        return {"baseline": spread_of(gains[baseline.name]),
+                "library": spread_of(gains[library.name]), "ratio": spread_of(ratios)}
 
     # ---- Instructions ---------------------------------------------------------------------------
 

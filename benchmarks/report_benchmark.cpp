@@ -1,5 +1,4 @@
-// The program around a candidate. benchmark_one_report is a function of its own because a profiler
-// counts between its start and its end.
+// The main function of the candidates. The profiler counts inside benchmark_one_report only.
 //
 // SPDX-License-Identifier: MIT
 #include "report_benchmark.h"
@@ -48,7 +47,7 @@ bool takeOwnOption(std::string_view argument, Options& options) {
     return true;
 }
 
-/// Takes the options of ours out of the arguments.
+/// Reads and removes our own options; the rest is for Google Benchmark.
 Options parseOptions(std::vector<char*>& arguments) {
     Options options;
     std::vector<char*> others;

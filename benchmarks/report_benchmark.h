@@ -1,13 +1,12 @@
-// What the candidates share: the command line, the values of a workload and the two ways of
-// measuring. A candidate is a program that defines makeReportMaker.
+// The common part of the candidates: command line, values of a workload, two kinds of measurement.
+// A candidate is a program that defines makeReportMaker.
 //
-// Command line: --workload=FOLDER --output=PATH and, besides Google Benchmark's own flags,
-//   --threads=N      that many threads, each with a maker and an output file of its own
-//   --reports=N      makes exactly N reports and prints one line of JSON instead
-//   --warm-up=N      with --reports: reports before these, outside benchmark_one_report
-//   --growth=A,B     with --reports: the resident memory after report A and after report B
-//   --mode=2         the report as bytes (candidates that can)
-//   --allocator=mimalloc   another allocator for the XML libraries (candidates that can)
+// Command line: --workload=FOLDER --output=PATH and, in addition to the flags of Google Benchmark,
+// --threads=N      so many threads, each with its own maker and output file --reports=N      makes
+// exactly N reports and prints one line of JSON instead --warm-up=N      with --reports: reports
+// before these, not inside benchmark_one_report --growth=A,B     with --reports: print the resident
+// memory after the reports A and B --mode=2         the report as bytes (library only)
+// --allocator=mimalloc   another allocator for the XML libraries (baseline only)
 //
 // SPDX-License-Identifier: MIT
 #pragma once
@@ -42,13 +41,13 @@ struct Options {
 /// The number of values of a workload.
 std::size_t countValues(const Options& options);
 
-/// Hands the values over one by one, so that each candidate keeps them in its own form alone.
+/// Passes the values to `take` one by one, so that each candidate stores them only in its own form.
 void readValues(const Options& options, const std::function<void(const Value&)>& take);
 
-/// A failure of any kind; ends the program with code 1.
+/// Prints the error and exits with code 1.
 [[noreturn]] void fail(const std::string& what);
 
-/// One candidate, ready to make reports on one thread.
+/// A candidate, ready to make reports on one thread.
 class ReportMaker {
 public:
     ReportMaker() = default;
@@ -56,14 +55,14 @@ public:
     ReportMaker(const ReportMaker&) = delete;
     ReportMaker& operator=(const ReportMaker&) = delete;
 
-    /// Makes one report and checks that it succeeds.
+    /// Makes one report; throws on failure.
     virtual void report() = 0;
 };
 
-/// Prepares the process, before the first maker.
+/// Prepares the process, before the first maker is created.
 void prepareCandidate(const Options& options);
 
-/// Prepares everything that does not belong to a report, which goes to `outputPath`.
+/// Prepares what is not part of making a report. The reports are written to `outputPath`.
 std::unique_ptr<ReportMaker> makeReportMaker(const Options& options, const std::string& outputPath);
 
 }  // namespace benchmarks

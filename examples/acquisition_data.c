@@ -1,5 +1,5 @@
 /*
- * The values behind the acquisition report. Names of lists have three parts, "Speed.010.Value":
+ * The values of the acquisition report. Names of list entries have three parts, "Speed.010.Value":
  * the template sorts by the number in the middle, so the order of the values does not matter.
  *
  * SPDX-License-Identifier: MIT
@@ -35,7 +35,7 @@ enum { SectorSize = 512, SpeedSampleDistance = 20 };
 const RgenGuid acquisitionGuid = {
     0x5a0c6f1e, 0x3b74, 0x4e59, {0x9d, 0x21, 0x7c, 0x8e, 0x0f, 0x6a, 0x41, 0xb2}};
 
-/* Persistent texts are XML twice, when they are stored and when they are used. */
+/* Persistent texts are parsed as XML twice: when they are stored and when they are used. */
 static const TextEntry persistentTexts[] = {
     {"Lab.Name", "Brackwater &amp;amp; Lindqvell Data Forensics"},
     {"Lab.Address", "14 Tannery Quay, 3rd floor, Port Ellery"},
@@ -119,7 +119,7 @@ static const BadArea badAreas[] = {
     {712903168, 256, 5, "not-found"},    {901775360, 48, 3, "uncorrectable"},
 };
 
-/* Values are added one by one; a failure is kept so that it is checked once, at the end. */
+/* Adds values one by one and remembers a failure, so that one check at the end is enough. */
 typedef struct ValueWriter {
     RgenCVariantSet* set;
     uint64_t used;

@@ -1,5 +1,5 @@
 /*
- * The data of the acquisition example: one made-up imaging of a 500 GB disk.
+ * The data of the acquisition example: the invented imaging of a 500 GB disk.
  *
  * SPDX-License-Identifier: MIT
  */
@@ -12,7 +12,7 @@
 extern const RgenGuid acquisitionGuid;
 
 /**
- * Fills a set with what stays the same from report to report: laboratory, case, people.
+ * Fills a set with the data that is the same for all reports: laboratory, case, people.
  *
  * @param pairs  An empty record; free it with rgen_freeRgenCAnsiStringSet, also after a failure.
  * @return       1, or 0 when memory is exhausted.
@@ -20,7 +20,7 @@ extern const RgenGuid acquisitionGuid;
 int fillAcquisitionPersistentData(RgenCAnsiStringPairSet* pairs);
 
 /**
- * Fills a request with the values of one acquisition; format, mode and path stay empty.
+ * Fills a request with the values of one acquisition; format, mode and path remain empty.
  *
  * @param request  A zero-filled record; free it with rgen_freeRgenCInputParams, also after a
  *                 failure.

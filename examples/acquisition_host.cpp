@@ -17,7 +17,7 @@ namespace fs = std::filesystem;
 
 namespace {
 
-/// Generates a report as a file, and once more in memory to see that the bytes are the same.
+/// Generates a report as a file, then in memory, and compares the bytes.
 void makeReport(repgen::Generator& generator, const repgen::Request& request,
                 const fs::path& output) {
     generator.generateFile(request, output);
@@ -47,7 +47,7 @@ void makeReports(const fs::path& dataDir, const fs::path& outputDir) {
             makeReport(generator, request,
                        outputDir / ("acquisition-" + std::string(language.code) + "." + format));
         }
-        // The translator ends with what it refers to.
+        // The translator must not outlive the objects that it refers to.
         generator.clearTranslator();
         if (table.missing > 0) throw std::runtime_error("some texts have no translation");
     }

@@ -22,7 +22,7 @@ ACQUISITION = "5a0c6f1e-3b74-4e59-9d21-7c8e0f6a41b2"
 
 
 def value_of(content, kind):
-    """A value of the sample, whose names say what it is: "Device.Capacity:size"."""
+    """A value of the sample. Its name contains its kind: "Device.Capacity:size"."""
     if kind == "datetime":
         return datetime.strptime(content, "%Y-%m-%dT%H:%M:%SZ").replace(tzinfo=timezone.utc)
     if kind == "bytes":
@@ -41,7 +41,7 @@ def read_values(path):
 
 
 def read_translations(path):
-    """The entries of a PO file; those of the sample have one line for each text."""
+    """The entries of a PO file with one line for each text, as in the sample."""
     entries = re.findall(r'^msgid "(.+)"\nmsgstr "(.+)"$', path.read_text(encoding="utf-8"), re.M)
     return dict(entries)
 

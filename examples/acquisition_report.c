@@ -2,9 +2,9 @@
  * Generates the acquisition report as html and txt in three languages and proves that the bytes of
  * mode 2 are the bytes of the file that mode 0 writes. Uses rgen.h and the C library only.
  *
- * The first argument is a folder that holds a data directory: copy templates/acquisition there
- * under the name ".rgen". The library finds its configuration and the templates in it and stores
- * the persistent data beside them.
+ * The first argument is a folder that contains a data directory: copy templates/acquisition there
+ * and name it ".rgen". The library reads its configuration and the templates there and stores the
+ * persistent data there.
  *
  * SPDX-License-Identifier: MIT
  */
@@ -18,7 +18,7 @@
 
 static const char* const outputFormats[] = {"html", "txt"};
 
-/* Everything that the steps below share. */
+/* The state of the run. */
 typedef struct Demo {
     RgenReportGenerator* generator;
     const char* outputDir;
@@ -57,7 +57,7 @@ static int storePersistentData(const Demo* demo) {
     return done;
 }
 
-/* Generates one report; result is filled in mode 2 and then the caller's to free. */
+/* Generates one report; in mode 2 the caller must free the result. */
 static int generate(Demo* demo, const char* format, uint64_t mode, const char* path,
                     RgenCVariant* result) {
     RgenCInputParams request = {0};
@@ -91,7 +91,7 @@ static int generateFile(Demo* demo, const char* format) {
     return 1;
 }
 
-/* Tells whether a file consists of exactly the given bytes. */
+/* Returns whether the file has exactly this content. */
 static int fileHasBytes(const char* path, const uint8_t* bytes, size_t size) {
     FILE* file = fopen(path, "rb");
     uint8_t* content = malloc(size + 1);
@@ -104,7 +104,7 @@ static int fileHasBytes(const char* path, const uint8_t* bytes, size_t size) {
     return same;
 }
 
-/* Generates the report of a file again in mode 2 and compares. */
+/* Generates the report again in mode 2 and compares it with the file. */
 static int compareBytes(Demo* demo, const char* format) {
     char path[1024];
     RgenCVariant result = {0};
@@ -124,7 +124,7 @@ static int compareBytes(Demo* demo, const char* format) {
     return same || fail(path, "the bytes of mode 2 differ from the file");
 }
 
-/* All formats in one language. English is what the generator does without a callback. */
+/* All formats in one language. English needs no callback. */
 static int generateLanguage(Demo* demo, const AcquisitionLanguage* language) {
     demo->translator.language = language;
     if (language->column > 0) {

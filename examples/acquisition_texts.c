@@ -1,7 +1,7 @@
 /*
  * The texts of the acquisition templates in German and Russian, sorted by the English text. The
- * translations become part of the template, so they must be valid XML content. Three of them are
- * no words: the language code, the two separators of numbers and the order of a date.
+ * translations become part of the template, so they must be valid XML content. Three are not words:
+ * the language code, the two separators of numbers and the order of a date.
  *
  * SPDX-License-Identifier: MIT
  */

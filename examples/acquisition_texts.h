@@ -18,20 +18,20 @@ enum { AcquisitionLanguageCount = 3 };
 
 extern const AcquisitionLanguage acquisitionLanguages[AcquisitionLanguageCount];
 
-/* What the translate callback is given as its context. */
+/* The context of the translate callback. */
 typedef struct AcquisitionTranslator {
     const AcquisitionLanguage* language;
-    /* Texts that were asked for and are in no table. */
+    /* The number of requested texts that are in no table. */
     unsigned missing;
 } AcquisitionTranslator;
 
 /**
- * Translates one text; made for rgen_setTranslateFunction.
+ * Translates one text; to be passed to rgen_setTranslateFunction.
  *
  * @param text     The marked text of the template.
  * @param context  An AcquisitionTranslator.
- * @return         The translation, a static text; text itself when there is none, which is counted
- *                 and told on the standard error stream.
+ * @return         The translation, a static text. Without one, text itself; this is counted and
+ *                 reported on standard error.
  */
 const char* translateAcquisitionText(const char* text, void* context);
 

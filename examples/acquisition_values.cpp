@@ -1,5 +1,6 @@
-// Plain containers: an "&" is an "&", a moment is a time point, a list is a loop. Names of lists
-// have three parts, "Speed.010.Value"; the template sorts by the number in the middle.
+// With the C++ header values are plain containers and std::chrono time points, and texts need no
+// escaping. Names of list entries have three parts, "Speed.010.Value"; the template sorts by the
+// number in the middle.
 //
 // SPDX-License-Identifier: MIT
 #include "acquisition_values.h"

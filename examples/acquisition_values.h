@@ -1,4 +1,4 @@
-// The data of the acquisition example as the C++ host has it: the disk of acquisition_data.c.
+// The data of acquisition_data.c for the C++ host.
 //
 // SPDX-License-Identifier: MIT
 #pragma once
@@ -8,11 +8,11 @@
 /// The report type "acquisition" of templates/acquisition/config.xml.
 inline constexpr strata::repgen::Guid acquisitionType("5a0c6f1e-3b74-4e59-9d21-7c8e0f6a41b2");
 
-/// What stays the same from report to report: laboratory, case, people.
+/// The data that is the same for all reports: laboratory, case, people.
 strata::repgen::Texts laboratoryData();
 
-/// What somebody wrote about one acquisition.
+/// The texts about one acquisition.
 strata::repgen::Texts acquisitionRemarks();
 
-/// What was measured in one acquisition.
+/// The measured values of one acquisition.
 strata::repgen::Values acquisitionValues();

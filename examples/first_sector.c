@@ -1,6 +1,6 @@
 /*
- * Makes a master boot record byte by byte. The boot code moves itself from 0x7c00 to 0x0600, looks
- * for the active entry of the partition table, reads that partition's first sector with the
+ * Creates a master boot record byte by byte. The boot code moves itself from 0x7c00 to 0x0600,
+ * looks for the active entry of the partition table, reads that partition's first sector with the
  * BIOS's extended read and jumps to it, or shows one of three messages and halts.
  *
  * SPDX-License-Identifier: MIT
@@ -28,7 +28,7 @@ static const uint8_t bootCode[] = {
     0x0e, 0xcd, 0x10, 0xeb, 0xf2, 0xf4, 0xeb, 0xfd,
 };
 
-/* The code knows the places of these texts: they follow it, each with its terminating zero. */
+/* The code contains the offsets of these null-terminated texts, which follow it. */
 static const char bootMessages[] =
     "No active partition on this disk.\r\n\0"
     "The boot sector cannot be read.\r\n\0"
@@ -40,7 +40,7 @@ static void putNumber(uint8_t* target, uint32_t number) {
     }
 }
 
-/* Cylinder, head and sector fields hold FE FF FF: the place is given by sector numbers alone. */
+/* Cylinder, head and sector fields are FE FF FF: only the sector numbers are used. */
 static void putPartition(uint8_t* sector, size_t index, uint8_t state, uint8_t type, uint32_t first,
                          uint32_t count) {
     static const uint8_t noGeometry[3] = {0xfe, 0xff, 0xff};

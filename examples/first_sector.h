@@ -11,7 +11,7 @@
 enum { FirstSectorSize = 512 };
 
 /**
- * Makes a master boot record: code that starts the active partition, its three messages, a disk
+ * Creates a master boot record: code that starts the active partition, its three messages, a disk
  * signature, three partitions and the closing 55 AA.
  *
  * @param sector  FirstSectorSize bytes.

@@ -1,4 +1,4 @@
-// The guarded calls: each is one call of the library inside guarded().
+// Each function is one call of the library inside guarded().
 //
 // SPDX-License-Identifier: MIT
 #include "guarded_calls.h"
@@ -8,24 +8,24 @@
 
 namespace {
 
-void note(RgenGuardedFailure* failure, const char* reason) noexcept {
+void setReason(RgenGuardedFailure* failure, const char* reason) noexcept {
     if (failure == nullptr) return;
     std::strncpy(failure->reason, reason, sizeof failure->reason - 1);
     failure->reason[sizeof failure->reason - 1] = '\0';
 }
 
-/// What `call` gives, or `otherwise` when it raises.
+/// Returns the result of `call`, or `valueOnThrow` if it throws.
 template <typename Result, typename Call>
-Result guarded(RgenGuardedFailure* failure, Result otherwise, Call call) noexcept {
-    note(failure, "");
+Result guarded(RgenGuardedFailure* failure, Result valueOnThrow, Call call) noexcept {
+    setReason(failure, "");
     try {
         return call();
     } catch (const std::exception& exception) {
-        note(failure, exception.what());
+        setReason(failure, exception.what());
     } catch (...) {
-        note(failure, "unknown exception");
+        setReason(failure, "unknown exception");
     }
-    return otherwise;
+    return valueOnThrow;
 }
 
 }  // namespace

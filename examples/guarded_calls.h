@@ -1,12 +1,12 @@
 /*
- * Calls of strata_repgenlib that raise nothing, for hosts that cannot catch C++ exceptions.
+ * Calls of strata_repgenlib that never throw, for hosts that cannot catch C++ exceptions.
  *
- * The functions that may raise one stand here once more, with "rgenGuarded_" in front. They do the
- * same, but where the library raises an exception they return RGEN_GUARDED_RAISED (the simulated
- * input: 0; the description: a fixed text) and write the reason to `failure`, which may be null.
+ * For each function that may throw there is one with the prefix "rgenGuarded_". It does the same,
+ * but when the library throws an exception it returns RGEN_GUARDED_RAISED (for the simulated input
+ * 0, for the description a fixed text) and writes the reason to `failure`, which may be null.
  *
- * Build guarded_calls.cpp with a C++ compiler of the family that built the library, and link or
- * load it beside the library; take both files as they are, or make them yours.
+ * Compile guarded_calls.cpp with the same family of C++ compilers as the library, and link it into
+ * the host or a library of its own. You may change both files.
  *
  * SPDX-License-Identifier: MIT
  */
@@ -19,12 +19,12 @@
 extern "C" {
 #endif
 
-/** A status of these functions alone, 0xE0000001: the library raised an exception. */
+/** Status of these functions only, 0xE0000001: the library threw an exception. */
 enum RgenGuardedStatus { RGEN_GUARDED_RAISED = -0x1FFFFFFF };
 
-/** Why a call raised. */
+/** Why a call threw an exception. */
 typedef struct RgenGuardedFailure {
-    /** Zero-terminated; empty when the call raised nothing. */
+    /** Null-terminated; empty when the call threw nothing. */
     char reason[256];
 } RgenGuardedFailure;
 

@@ -1,10 +1,10 @@
 #!/usr/bin/env python3
 # SPDX-License-Identifier: MIT
-"""Measures the library beside what could make the same reports instead.
+"""Compares the library with other engines that can make the same reports.
 
-scripts/compare-with-peers builds the programs and calls this. All peers make the same reports of
+scripts/compare-with-peers builds the programs and calls this. All peers make the same reports for
 the workloads S, M and L from values in memory, each with a template of its own kind, in two ways:
-the template compiled for each report, or once. Before anything is measured, every peer's report is
+the template is compiled for each report, or once. Before the measurements, every peer's report is
 compared with the library's. The results are build/benchmarks/peers.json and peers.md.
 """
 
@@ -26,10 +26,10 @@ from peer_table import terminal_tables, written_document
 from peer_versions import versions
 from verification import prepare_workloads, verify
 
-# The measured reports go to a memory file system.
+# A memory file system for the measured reports.
 MEMORY = Path("/dev/shm")
 RESULTS = ROOT / "build/benchmarks"
-# How many reports a process makes whose memory is looked at.
+# How many reports a process makes for the measurement of memory.
 MEMORY_REPORTS = {"S": 1000, "M": 100, "L": 10}
 STARTED = time.monotonic()
 
@@ -63,7 +63,7 @@ def parse_arguments():
 # ---- Preparation --------------------------------------------------------------------------------
 
 def present_peers():
-    """The peers that can run, and why the others cannot."""
+    """The peers that can run, and the reasons why the others cannot."""
     present, left_out = [], {}
     for peer in all_peers():
         reason = peer.missing()
@@ -73,7 +73,7 @@ def present_peers():
         else:
             present.append(peer)
     if LIBRARY.name in left_out:
-        raise PeerError("the library's program is not built")
+        raise PeerError("benchmark_library is not built")
     return present, left_out
 
 
@@ -92,7 +92,7 @@ class Comparison:
         self.starts = {}
 
     def bound(self, peer):
-        """The words that bind a program to one core, where that is fair."""
+        """The command that binds a program without threads of its own to one core."""
         return [] if peer.own_threads else ["taskset", "-c", str(self.core)]
 
     def measure(self, workload):

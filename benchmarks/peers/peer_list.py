@@ -1,5 +1,5 @@
 # SPDX-License-Identifier: MIT
-"""The peers: how each is started, what it needs and which of its parts have a version."""
+"""The peers: how they are started and what they need."""
 
 import re
 import shutil
@@ -10,37 +10,37 @@ from pathlib import Path
 ROOT = Path(__file__).resolve().parents[2]
 SOURCES = ROOT / "benchmarks/peers"
 FOLDER = ROOT / "build/benchmarks/peers"
-# The compared reports are kept here.
+# Compared reports and other intermediate files.
 SCRATCH = FOLDER / "scratch"
 PROGRAMS = FOLDER / "bin"
-# Debian's own; the Python packages belong to it.
+# Debian's Python, to which the packages of the peers belong.
 PYTHON = "/usr/bin/python3"
 SAXON = Path("/usr/share/java/Saxon-HE.jar")
 TEMPLATES = {"S": "small", "M": "table", "L": "table"}
 LONGEST_RUN = 600
-# Seconds. Programs that compile themselves while they run take a while to become fast: Saxon-HE
-# compiles a template several times as fast after 20 seconds as after 3.
+# Seconds. Virtual machines with a just-in-time compiler become fast after a while: Saxon-HE
+# compiles a template several times faster after 20 seconds than after 3.
 WARM_UP = 0.5
 NODE_WARM_UP = 10
 JAVA_WARM_UP = 25
 
 
 class PeerError(Exception):
-    """Something does not run, or a report is not what it has to be."""
+    """A program failed, or its report is wrong."""
 
 
 @dataclass
 class Peer:
-    """An engine with the small program of ours around it."""
+    """An engine and the small program that calls it."""
 
     name: str
     start: list
-    engine: str = ""                # ending of its templates; none: the workload's own stylesheet
+    engine: str = ""                # extension of its templates; empty: the workload's stylesheet
     ways: tuple = ("each", "once")
-    needs: list = field(default_factory=list)       # files without which it cannot run
-    modules: list = field(default_factory=list)     # what its Python needs
-    packages: list = field(default_factory=list)    # what has to be installed, the peer first
-    own_threads: bool = False       # of a virtual machine: not bound to one core
+    needs: list = field(default_factory=list)       # required files
+    modules: list = field(default_factory=list)     # required Python modules
+    packages: list = field(default_factory=list)    # required packages, the peer first
+    own_threads: bool = False       # a virtual machine: not bound to one core
     warm_up: float = WARM_UP
 
     @property
@@ -48,15 +48,15 @@ class Peer:
         return re.sub(r"\W+", "-", self.name.lower())
 
     def missing(self):
-        """What keeps the peer from running, or nothing."""
-        takes = " and ".join(self.packages) or "the build of the preset linux"
+        """Why the peer cannot run; empty when it can."""
+        packages = " and ".join(self.packages) or "(build the preset linux)"
         for path in [self.start[0], *self.needs]:
             if shutil.which(str(path)) is None and not Path(path).exists():
-                return f"{Path(path).name} is missing, which takes {takes}"
+                return f"{Path(path).name} is missing; install {packages}"
         for module in self.modules:
             if subprocess.run([PYTHON, "-c", f"import {module}"], capture_output=True,
                               check=False).returncode != 0:
-                return f"{PYTHON} has no module {module}, which takes {takes}"
+                return f"{PYTHON} has no module {module}; install {packages}"
         return ""
 
     def command(self, workload, output, way, *options):
@@ -81,7 +81,7 @@ class Peer:
 
 
 class Xsltproc(Peer):
-    """Its cold start is the bare program with its input ready."""
+    """Its cold start is the program xsltproc itself, with its input prepared."""
 
     def cold_command(self, workload, output):
         document = SCRATCH / f"{self.key}-{workload.name}-each.html.xml"
@@ -90,7 +90,7 @@ class Xsltproc(Peer):
 
 
 class Candidate(Peer):
-    """The library or the baseline: a program of the benchmarks."""
+    """The library or the baseline: a benchmark program."""
 
     def command(self, workload, output, way, *options):
         return [*map(str, self.start), f"--workload={workload}", f"--output={output}", *options]
@@ -146,7 +146,7 @@ def all_peers():
 
 
 def run(command, what):
-    """Runs a command and returns what it printed."""
+    """Runs a command and returns its output."""
     try:
         ended = subprocess.run(list(map(str, command)), stdin=subprocess.DEVNULL,
                                capture_output=True, timeout=LONGEST_RUN, check=False)

@@ -1,14 +1,14 @@
 # SPDX-License-Identifier: MIT
-"""The results as tables: plain for a terminal and as a document in Markdown."""
+"""The results as tables, for a terminal and as a Markdown document."""
 
 WAYS = {"each": "each report", "once": "once"}
 LIBRARY = "strata_repgenlib"
-# Between the rounds of one result; more is pointed out.
+# Results whose rounds differ by more than this are listed.
 LARGEST_SPREAD = 0.2
 
 
 def significant(number):
-    """Three digits, with commas between thousands."""
+    """Three significant digits, with commas between thousands."""
     if number >= 100:
         digits = len(str(int(number))) - 3
         return f"{round(number, -digits):,.0f}"
@@ -35,7 +35,7 @@ def rate(measured, _results, _name):
 
 
 def factor(measured, results, name):
-    """How many reports the library makes in the time of one."""
+    """How many reports the library makes in the time of one report of the peer."""
     library = library_of(results)["ways"]["each"][name]["reports_per_second"]
     return f"{significant(library / measured['reports_per_second'])} x"
 
@@ -67,7 +67,7 @@ def cold_table(results):
 
 
 def in_markdown(table, texts):
-    """The first columns hold texts, the others numbers."""
+    """A Markdown table. The first `texts` columns contain text, the others numbers."""
     widths = [max(len(row[column]) for row in table) for column in range(len(table[0]))]
 
     def line(cells):
@@ -81,7 +81,7 @@ def in_markdown(table, texts):
 
 
 def unsteady(results):
-    """The results whose rounds lie far apart, each with the spread."""
+    """The results whose rounds differ much, each with the spread."""
     found = []
     for peer in results["peers"]:
         for way, by_workload in peer["ways"].items():
@@ -94,7 +94,7 @@ def unsteady(results):
 
 
 def warm_ups(results):
-    """What the programs that are not bound to a core are warmed up for."""
+    """The warm-up times of the programs that are not bound to one core."""
     return ", ".join(f"{peer['name']} ({peer['warm_up']} s)" for peer in results["peers"]
                      if not peer["bound_to_one_core"])
 
@@ -112,8 +112,8 @@ def notes(results):
         "own stylesheet and build its input document for each report; the others have a template "
         "of their own kind.",
         "The library and the baseline also read the configuration and the stored values from their "
-        "files for each report; the peers have the stored values in memory. The baseline is what bare "
-        "calls of libxml2 and libxslt take for the library's work.",
+        "files for each report; the peers have the stored values in memory. The baseline is a "
+        "program that calls libxml2 and libxslt directly for the same work.",
         "Where the library is faster by less than 1 x, it is the slower one.",
         "xsltproc is a new process for each report; its memory is that of the process alone.",
         f"Medians of {settings['rounds']} round(s) with all engines in turn, at least "
@@ -121,7 +121,7 @@ def notes(results):
         + (f", except these, which run on virtual machines with threads of their own and are "
            f"warmed up for longer: {apart}" if apart else "") + ".",
         f"Load of the machine before the first round and after each: {load}.",
-        "Each report replaces the one before, whose file is removed first."
+        "Each report replaces the previous one, whose file is deleted first."
         + (" The files are in a memory file system, so that no disk is measured."
            if results["files_in_memory"] else ""),
         "Memory is the peak of the resident memory of a process that makes the stated number of "
@@ -130,7 +130,7 @@ def notes(results):
         f"({settings['cold_starts'] * settings['rounds']} starts).",
     ]
     if far:
-        lines.append(f"Results whose rounds lie more than {LARGEST_SPREAD:.0%} apart: "
+        lines.append(f"Results whose rounds differ by more than {LARGEST_SPREAD:.0%}: "
                      f"{'; '.join(far)}.")
     lines += [f"{name} is left out: {reason}." for name, reason in results["left_out"].items()]
     return "\n".join(f"- {line}" for line in lines)

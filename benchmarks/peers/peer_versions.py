@@ -1,5 +1,5 @@
 # SPDX-License-Identifier: MIT
-"""The versions of the peers and of what they run on."""
+"""The versions of the peers and their runtimes."""
 
 import json
 import re
@@ -24,7 +24,7 @@ def library_version():
 
 
 def third_party_versions():
-    """Of the XML libraries inside the library and the baseline."""
+    """The versions of the XML libraries in the library and the baseline."""
     folder = first_line(ROOT / "scripts/dependencies", "--print-prefix", "linux")
     with open(f"{folder}/versions.env", encoding="utf-8") as file:
         found = dict(re.findall(r"^(\w+)_VERSION=(.*)$", file.read(), flags=re.M))
@@ -37,7 +37,7 @@ def module_version(name):
 
 
 def runtime_of(peer):
-    """What a peer's program runs on."""
+    """The interpreter or virtual machine of a peer."""
     if peer.start[0] == PYTHON:
         return first_line(PYTHON, "--version")
     if peer.start[0] == "node":
@@ -58,7 +58,7 @@ def version_of(peer):
 
 
 def versions(peers):
-    """By the names of the peers."""
+    """The versions by the names of the peers."""
     found = {}
     for peer in peers:
         if peer.packages:

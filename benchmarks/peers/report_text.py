@@ -1,5 +1,5 @@
 # SPDX-License-Identifier: MIT
-"""The text of a report: what two engines have to agree on, whatever their white space is like."""
+"""The text of a report, which must be the same for all engines, without regard to white space."""
 
 from html.parser import HTMLParser
 
@@ -8,7 +8,7 @@ CELLS = {"td", "th"}
 
 
 class ReportParser(HTMLParser):
-    """Collects one text for each block; the cells of a row are set apart."""
+    """Collects one text for each block, with a separator between the cells of a row."""
 
     def __init__(self):
         super().__init__(convert_charrefs=True)
@@ -34,7 +34,7 @@ class ReportParser(HTMLParser):
 
 
 def report_text(content):
-    """The texts of the blocks of a report, with plain white space. Raises UnicodeDecodeError."""
+    """The texts of the blocks of a report, with normalized white space."""
     parser = ReportParser()
     parser.feed(content.decode("utf-8"))
     parser.close()
@@ -42,7 +42,7 @@ def report_text(content):
 
 
 def difference(wanted, made, any_order):
-    """Says where two reports differ, or nothing. `any_order`: the rows may stand in any order."""
+    """The first difference of two reports, or "". `any_order` ignores the order of rows."""
     expected, found = report_text(wanted), report_text(made)
     if any_order:
         expected, found = sorted(expected), sorted(found)

@@ -1,5 +1,5 @@
 # SPDX-License-Identifier: MIT
-"""The workloads as the peers take them, and whether their reports are what they have to be."""
+"""Prepares the workloads for the peers and verifies their reports."""
 
 import shutil
 import sys
@@ -11,15 +11,15 @@ from report_text import difference, report_text
 sys.path.insert(0, str(ROOT / "benchmarks"))
 from make_workloads import make_workloads  # noqa: E402
 
-# Workloads whose table has its rows in the order of the properties, which the library leaves open.
+# Workloads whose table has a row for each property, in an order that the library does not define.
 ANY_ORDER = {"M", "L"}
-# Stands in the place of the value "Sample" to see whether a peer escapes it. The library and the
-# baseline read their values as XML content instead.
+# Replaces the value "Sample" to test whether a peer escapes it. The library and the baseline do
+# not: their values are XML content.
 MARKED_UP = 'one <b>bold</b> & "quoted"'
 
 
 def prepare_workload(folder):
-    """The peers' values have the persistent ones in front."""
+    """Writes the values for the peers: the persistent ones, then those of the workload."""
     persistent = ElementTree.parse(folder / "data/.rgen/persist_data.xml")
     lines = "".join(f"{found.get('name')}\ttext\t{found.text}\n"
                     for found in persistent.iterfind("properties/property"))
@@ -36,7 +36,7 @@ def prepare_workloads(names):
 
 
 def with_markup(workload):
-    """A copy of a workload with one value that has to be escaped."""
+    """A copy of a workload with one value that contains markup."""
     copy = SCRATCH / "escaping" / workload.name
     shutil.copytree(workload, copy)
     path = copy / "all_values.tsv"
@@ -47,7 +47,7 @@ def with_markup(workload):
 
 
 def make_report(peer, workload, way, kind=""):
-    """The second report that a process makes, and its file, which is kept to be looked at."""
+    """Content and file of the second report that a process makes."""
     output = SCRATCH / f"{peer.key}-{workload.name}-{way}{kind}.html"
     run(peer.reports_command(workload, output, way, 2), f"{peer.name} ({way}, {workload.name})")
     return output.read_bytes(), output
@@ -61,7 +61,7 @@ def text_differs(wanted, made, any_order):
 
 
 def verify_texts(peers, workload):
-    """Every peer's report has the library's text."""
+    """Requires that each peer's report has the text of the library's."""
     wanted, _ = make_report(LIBRARY, workload, "each")
     for peer in peers:
         for way in peer.ways:
@@ -73,7 +73,7 @@ def verify_texts(peers, workload):
 
 
 def verify_escaping(peers, workload):
-    """Every peer shows markup in a value as text."""
+    """Requires that each peer escapes markup in values."""
     marked_up = with_markup(workload)
     for peer in peers:
         for way in () if isinstance(peer, Candidate) else peer.ways:

@@ -1,8 +1,8 @@
-// Measures how long a command takes from its start to its end, again and again.
+// Measures repeatedly how long a command takes from its start to its end.
 //
 // Usage: cold_start COUNT COMMAND [ARGUMENT...]
-// Prints the milliseconds of each start, one per line; what the command prints is dropped. The
-// program is small, so that starting from it costs what starting from any host costs.
+// Prints the milliseconds of each start, one per line, and discards the output of the command.
+// On purpose: a small program, since starting a process takes longer from a large one.
 //
 // SPDX-License-Identifier: MIT
 #include <fcntl.h>
@@ -19,7 +19,7 @@ namespace {
 
 using Clock = std::chrono::steady_clock;
 
-/// Ends the program when a step fails.
+/// Exits with an error if a step fails.
 void require(bool done, const char* what) {
     if (done) return;
     std::fprintf(stderr, "cold_start: %s\n", what);

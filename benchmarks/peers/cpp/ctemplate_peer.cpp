@@ -1,5 +1,5 @@
-// The peer "ctemplate". Every value is escaped by the modifier "h" of the templates. The dictionary
-// that a report is expanded from is built from the values each time.
+// The peer "ctemplate". The modifier "h" of the templates escapes all values. The dictionary is
+// built from the values for each report.
 //
 // SPDX-License-Identifier: MIT
 #include <ctemplate/template.h>

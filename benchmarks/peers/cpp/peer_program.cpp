@@ -1,4 +1,4 @@
-// The program around a peer.
+// The main function of the C++ peers.
 //
 // SPDX-License-Identifier: MIT
 #include "peer_program.h"
@@ -56,8 +56,8 @@ std::vector<Value> readValues(const std::string& path) {
     return values;
 }
 
-/// Makes reports until both the count and the time are reached. The old file goes first, as the
-/// library does it: some file systems wait for the disk when a file is written over.
+/// Makes reports until both the count and the time are reached. Deletes the old file first, as the
+/// library does: some file systems wait for the disk when a file is overwritten.
 Measured makeReports(const Options& options, ReportMaker& maker, int fewest, double seconds) {
     using Clock = std::chrono::steady_clock;
     const Clock::time_point start = Clock::now();

@@ -1,12 +1,11 @@
-// What the C++ peers share: the command line, the values of a workload and the two ways of
-// measuring. A peer is a program that defines makeReportMaker. The peers in other languages have
-// the same command line and print the same line.
+// The common part of the C++ peers: command line, values of a workload, two kinds of measurement. A
+// peer is a program that defines makeReportMaker. The peers in other languages have the same
+// command line and output.
 //
-// Command line: --values=FILE --template=FILE --output=FILE --way=each|once and either
-//   --reports=N                  makes exactly N reports
-//   --warm-up=S --seconds=S      makes reports for that long, and at least three of them
-// The file of the report before is removed first each time.
-// Printed: one line of JSON with the reports, their seconds and the peak of the memory.
+// Command line: --values=FILE --template=FILE --output=FILE --way=each|once and either --reports=N
+// makes exactly N reports --warm-up=S --seconds=S      makes reports for so many seconds, and at
+// least three The file of the previous report is deleted before each report. Output: one line of
+// JSON with the number of reports, their seconds and the peak memory.
 //
 // SPDX-License-Identifier: MIT
 #pragma once
@@ -23,7 +22,7 @@ struct Options {
     std::string values;
     std::string templatePath;
     std::string output;
-    /// The template is compiled once and kept, not read and compiled for each report.
+    /// The template is compiled once, instead of read and compiled for each report.
     bool keepTemplate = false;
     int reports = 0;
     double warmUp = 0;
@@ -32,13 +31,13 @@ struct Options {
 
 using benchmarks::Value;
 
-/// How the value stands in a report.
+/// The value as text, as it appears in a report.
 std::string textOf(const Value& value);
 
 std::string readFile(const std::string& path);
 void writeFile(const std::string& path, const std::string& content);
 
-/// One peer with its values, ready to make reports.
+/// A peer with its values, ready to make reports.
 class ReportMaker {
 public:
     ReportMaker() = default;
@@ -46,14 +45,14 @@ public:
     ReportMaker(const ReportMaker&) = delete;
     ReportMaker& operator=(const ReportMaker&) = delete;
 
-    /// Makes one report; a failure is an exception.
+    /// Makes one report; throws on failure.
     virtual void report() = 0;
 
-    /// The peak of the memory so far, in units of 1,024 bytes.
+    /// The peak memory so far in KiB.
     virtual long peakKib() const;
 };
 
-/// Prepares everything that does not belong to a report.
+/// Prepares what is not part of making a report.
 std::unique_ptr<ReportMaker> makeReportMaker(const Options& options, std::vector<Value> values);
 
 }  // namespace peers

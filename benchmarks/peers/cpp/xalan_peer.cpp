@@ -1,4 +1,4 @@
-// The peer "xalan": Xalan-C with the input document built in its own form of tree, without parsing.
+// The peer "xalan": Xalan-C. The input document is built as its own tree, without parsing.
 //
 // SPDX-License-Identifier: MIT
 #include <xalanc/XalanTransformer/XalanDocumentBuilder.hpp>
@@ -19,7 +19,7 @@ namespace {
 
 using Text = std::basic_string<XMLCh>;
 
-/// Prepares and ends the libraries; lives as long as the process uses them.
+/// Initialises and terminates the libraries.
 struct Libraries {
     Libraries() {
         xercesc::XMLPlatformUtils::Initialize();
@@ -31,7 +31,7 @@ struct Libraries {
     }
 };
 
-/// UTF-8 into the libraries' characters; one transcoder for all texts.
+/// Converts UTF-8 to UTF-16, with one transcoder for all texts.
 class Decoder {
 public:
     Decoder() {
@@ -88,7 +88,7 @@ private:
     const Text* name_ = nullptr;
 };
 
-/// Hands the document over as a parser does.
+/// Passes the document to the handler, as a parser does.
 class DocumentWriter {
 public:
     explicit DocumentWriter(xercesc::ContentHandler& handler) : handler_(handler) {}

@@ -1,5 +1,5 @@
 // The peer "xsltproc": a host that writes the values into an XML file and starts the program for
-// each report. There is nothing to keep between two reports. The memory is that of the started
+// each report. Nothing can be reused between two reports. The memory is that of the started
 // program.
 //
 // SPDX-License-Identifier: MIT

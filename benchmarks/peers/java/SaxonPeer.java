@@ -1,5 +1,5 @@
-// The peer "Saxon-HE". The input document is built for each report in Saxon's own form of tree,
-// without parsing. cpp/peer_program.h describes the command line and what is printed.
+// The peer "Saxon-HE". The input document is built for each report as Saxon's own tree, without
+// parsing. cpp/peer_program.h describes the command line and the output.
 //
 // SPDX-License-Identifier: MIT
 import java.io.File;

@@ -1,4 +1,4 @@
-// The peer "Eta"; it escapes what "<%= ... %>" shows.
+// The peer "Eta", which escapes the values of "<%= ... %>".
 //
 // SPDX-License-Identifier: MIT
 import { Eta } from "eta";

@@ -1,4 +1,4 @@
-// The peer "Handlebars"; it escapes what "{{...}}" shows.
+// The peer "Handlebars", which escapes the values of "{{...}}".
 //
 // SPDX-License-Identifier: MIT
 import Handlebars from "handlebars";

@@ -1,5 +1,5 @@
-// What the Node peers share: the command line, the values of a workload and the two ways of
-// measuring. cpp/peer_program.h describes the command line and what is printed.
+// The common part of the Node peers: command line, values of a workload, two kinds of measurement.
+// cpp/peer_program.h describes the command line and the output.
 //
 // SPDX-License-Identifier: MIT
 import { readFileSync, rmSync, writeFileSync } from "node:fs";
@@ -49,7 +49,7 @@ function peakKib() {
     return line ? Number(line[1]) : 0;
 }
 
-/// What a template shows: rows for a table, or the values by their names.
+/// The context of a template: rows of a table, or the values by name.
 function contextOf(values, withRows) {
     if (withRows) {
         return { rows: values.map(({ name, value }) => ({ name, value: String(value) })) };
@@ -57,7 +57,7 @@ function contextOf(values, withRows) {
     return Object.fromEntries(values.map(({ name, value }) => [name, String(value)]));
 }
 
-/// `compile` makes a function, from context to page, of a template's text.
+/// `compile` turns the text of a template into a function from context to page.
 export function runProgram(compile) {
     const options = parseArguments();
     const values = readValues(options.values);

@@ -1,6 +1,6 @@
 #!/usr/bin/env python3
 # SPDX-License-Identifier: MIT
-"""The peer "Jinja2": the context is built from the values for each report. All are escaped."""
+"""The peer "Jinja2": the context is built from the values for each report; all are escaped."""
 
 from jinja2 import Environment, StrictUndefined
 

@@ -1,6 +1,6 @@
 # SPDX-License-Identifier: MIT
-"""What the Python peers share: the command line, the values of a workload and the two ways of
-measuring. cpp/peer_program.h describes the command line and what is printed."""
+"""The common part of the Python peers: command line, values of a workload, two kinds of
+measurement. cpp/peer_program.h describes the command line and the output."""
 
 import argparse
 import json
@@ -52,7 +52,7 @@ def peak_kib():
 
 
 def run_program(make_report_maker):
-    """`make_report_maker` takes the arguments and the values and gives a function that makes one
+    """`make_report_maker` gets the arguments and the values and returns a function that makes one
     report."""
     arguments = parse_arguments()
     output = arguments.output
