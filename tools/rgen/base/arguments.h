@@ -9,6 +9,9 @@
 
 namespace cli {
 
+/// The formats of the library, separated by "|".
+inline constexpr const char* outputFormatChoices = "html|pdf|txt";
+
 /// Where values come from.
 struct ValueArguments {
     /// "NAME[:HINT]=VALUE", as given.
@@ -32,6 +35,8 @@ struct ReportArguments {
 struct Arguments {
     /// The words of the command: "report", "persist get".
     std::string command;
+    bool help = false;
+    bool version = false;
     bool json = false;
     bool quiet = false;
     std::optional<std::string> dataDir;

@@ -14,6 +14,16 @@ std::string joined(const std::vector<std::string>& words, const std::string& sep
     return text;
 }
 
+std::vector<std::string> split(std::string_view text, char separator) {
+    std::vector<std::string> parts;
+    while (!text.empty()) {
+        const std::size_t end = text.find(separator);
+        parts.emplace_back(text.substr(0, end));
+        text.remove_prefix(end == std::string_view::npos ? text.size() : end + 1);
+    }
+    return parts;
+}
+
 std::string lowerCase(std::string text) {
     for (char& letter : text) {
         if (letter >= 'A' && letter <= 'Z') letter = static_cast<char>(letter - 'A' + 'a');

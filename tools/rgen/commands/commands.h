@@ -23,7 +23,6 @@ ExitCode runInit(const Arguments& arguments, Console& console, JsonDocument& doc
 ExitCode runTypes(const Arguments& arguments, Console& console, JsonDocument& document);
 ExitCode runExplain(const Arguments& arguments, Console& console, JsonDocument& document);
 ExitCode runDoctor(const Arguments& arguments, Console& console, JsonDocument& document);
-ExitCode runCompletion(const Arguments& arguments, Console& console, JsonDocument& document);
 ExitCode runVersion(const Arguments& arguments, JsonDocument& document);
 
 }  // namespace cli

@@ -8,6 +8,7 @@
 #include <filesystem>
 #include <set>
 
+#include "base/arguments.h"
 #include "base/command_error.h"
 #include "base/file_set.h"
 #include "base/guid_text.h"
@@ -167,7 +168,7 @@ std::string templatePath(const DataDirectory& directory, const ReportType& type,
 }
 
 const std::vector<std::string>& outputFormats() {
-    static const std::vector<std::string> formats = {"html", "pdf", "txt"};
+    static const std::vector<std::string> formats = split(outputFormatChoices, '|');
     return formats;
 }
 

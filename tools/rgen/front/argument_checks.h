@@ -1,23 +1,26 @@
-// What the arguments of a command must hold together, beyond what can be parsed.
+// Checks of arguments beyond what the parser checks.
 //
 // SPDX-License-Identifier: MIT
 #pragma once
 
 #include <string>
-#include <vector>
+#include <string_view>
 
-#include "base/arguments.h"
+#include "front/command_table.h"
 
 namespace cli {
 
-/// Raises a CommandError when something is missing or a word is none of those there are.
-void checkArguments(const Arguments& arguments);
+/// Throws a CommandError when something that the command requires is missing, or a value is none of
+/// the choices.
+void checkArguments(const Command& command, const Arguments& arguments);
 
-/// The words that an option ("--mode") or operand ("SHELL") can be; empty when they cannot be
-/// counted.
-std::vector<std::string> choicesOf(const std::string& name);
+/// Throws the CommandError about an argument that the command does not know, with what may be meant.
+[[noreturn]] void failAtUnknown(const Command& command, const std::string& argument);
+
+/// Throws the CommandError about an operand too many.
+[[noreturn]] void failAtSurplus(const Command& command, const std::string& operand);
 
 /// `"rgen persist get --help"` for "persist get", in quotes.
-std::string helpCommand(const std::string& command);
+std::string helpCommand(std::string_view command);
 
 }  // namespace cli

@@ -1,71 +1,84 @@
-// rgen completion: scripts for bash and zsh, made from the same table as the parser.
+// Scripts for bash and zsh, made from the table of commands.
 //
 // SPDX-License-Identifier: MIT
+#include "front/completion.h"
+
 #include <algorithm>
 
 #include "base/text_functions.h"
-#include "commands/commands.h"
-#include "front/command_line.h"
+#include "front/command_table.h"
 
 namespace cli {
 namespace {
 
-/// Calls `visit` for each command with the words that lead to it, rgen itself first.
-template <typename Visit>
-void forEachCommand(const CommandOutline& command, const std::string& words, const Visit& visit) {
-    visit(command, words);
-    for (const CommandOutline& inner : command.commands)
-        forEachCommand(inner, words.empty() ? inner.name : words + " " + inner.name, visit);
+std::vector<std::string> namesOf(const Option& option) {
+    std::vector<std::string> names;
+    if (!option.shortName.empty()) names.emplace_back(option.shortName);
+    names.emplace_back(option.name);
+    return names;
 }
 
-/// Everything that may stand next behind a command.
-std::string nextWords(const CommandOutline& command) {
-    std::vector<std::string> words = command.operands;
-    for (const CommandOutline& inner : command.commands)
-        words.push_back(inner.name);
-    for (const OptionOutline& option : command.options)
-        words.insert(words.end(), option.names.begin(), option.names.end());
+bool takesValue(const Option& option) {
+    return !option.argument.empty();
+}
+
+/// The words that can follow a command.
+std::string nextWords(const Command& command) {
+    std::vector<std::string> words = choicesOf(command.operand.choices);
+    for (const Command* inner : commandsInside(command))
+        words.push_back(lastWord(*inner));
+    for (const Option& option : command.options) {
+        for (const std::string& name : namesOf(option))
+            words.push_back(name);
+    }
     return joined(words, " ");
 }
 
+void addOnce(std::vector<std::string>& texts, const std::string& text) {
+    if (std::find(texts.begin(), texts.end(), text) == texts.end()) texts.push_back(text);
+}
+
 /// The cases of one "case" statement for options with a fixed choice of values, each named once.
-std::string bashChoices(const CommandOutline& outline) {
+std::string bashChoices() {
     std::vector<std::string> cases;
-    forEachCommand(outline, "", [&cases](const CommandOutline& command, const std::string&) {
-        for (const OptionOutline& option : command.options) {
+    for (const Command& command : commandTable()) {
+        for (const Option& option : command.options) {
             if (option.choices.empty()) continue;
-            std::string line = "        " + joined(option.names, " | ") + ")\n" +
+            addOnce(cases, "        " + joined(namesOf(option), " | ") + ")\n" +
                                "            COMPREPLY=($(compgen -W \"" +
-                               joined(option.choices, " ") +
-                               "\" -- \"$current\"))\n            return\n            ;;\n";
-            const bool isKnown = std::find(cases.begin(), cases.end(), line) != cases.end();
-            if (!isKnown) cases.push_back(std::move(line));
+                               joined(choicesOf(option.choices), " ") +
+                               "\" -- \"$current\"))\n            return\n            ;;\n");
         }
-    });
+    }
     return joined(cases, "");
 }
 
-std::string bashValueOptions(const CommandOutline& outline) {
+/// The patterns of the options that satisfy `isWanted`, for a "case" statement.
+template <typename Predicate>
+std::string bashOptions(const Predicate& isWanted) {
     std::vector<std::string> names;
-    forEachCommand(outline, "", [&names](const CommandOutline& command, const std::string&) {
-        for (const OptionOutline& option : command.options) {
-            if (!option.takesValue || !option.choices.empty()) continue;
-            for (const std::string& name : option.names) {
-                const bool isKnown = std::find(names.begin(), names.end(), name) != names.end();
-                if (!isKnown && name != "--type" && name != "-t") names.push_back(name);
-            }
+    for (const Command& command : commandTable()) {
+        for (const Option& option : command.options) {
+            if (!isWanted(option)) continue;
+            for (const std::string& name : namesOf(option))
+                addOnce(names, name);
         }
-    });
+    }
     return joined(names, " | ");
 }
 
-std::string bashScript(const CommandOutline& outline) {
+bool takesFile(const Option& option) {
+    return takesValue(option) && option.choices.empty() && !option.namesReportType;
+}
+
+std::string bashScript() {
     std::string commands;
     std::string words;
-    forEachCommand(outline, "", [&](const CommandOutline& command, const std::string& path) {
-        if (!path.empty()) commands += (commands.empty() ? "" : " | ") + ("\"" + path + "\"");
-        words += "        \"" + path + "\") words=\"" + nextWords(command) + "\" ;;\n";
-    });
+    for (const Command& command : commandTable()) {
+        const std::string name(command.name);
+        if (!name.empty()) commands += (commands.empty() ? "" : " | ") + ("\"" + name + "\"");
+        words += "        \"" + name + "\") words=\"" + nextWords(command) + "\" ;;\n";
+    }
     return "# Completion of rgen for bash.\n"
            "_rgen() {\n"
            "    local current=${COMP_WORDS[COMP_CWORD]} previous=${COMP_WORDS[COMP_CWORD - 1]}\n"
@@ -82,8 +95,9 @@ std::string bashScript(const CommandOutline& outline) {
            "        esac\n"
            "    done\n"
            "    case $previous in\n" +
-           bashChoices(outline) +
-           "        -t | --type)\n"
+           bashChoices() + "        " +
+           bashOptions([](const Option& option) { return option.namesReportType; }) +
+           ")\n"
            "            while IFS= read -r next; do\n"
            "                [[ $next != \"$current\"* ]] || COMPREPLY+=(\"$(printf %q "
            "\"$next\")\")\n"
@@ -92,7 +106,7 @@ std::string bashScript(const CommandOutline& outline) {
            "            return\n"
            "            ;;\n"
            "        " +
-           bashValueOptions(outline) +
+           bashOptions(takesFile) +
            ")\n"
            "            compopt -o filenames 2>/dev/null\n"
            "            mapfile -t COMPREPLY < <(compgen -f -- \"$current\")\n"
@@ -126,63 +140,59 @@ std::string zshText(const std::string& text) {
     return quoted;
 }
 
-std::string zshOption(const OptionOutline& option) {
-    const bool isRepeatable = option.names.back() == "--set" || option.names.back() == "--data" ||
-                              option.names.back() == "--pair";
+std::string zshValues(std::string_view choices) {
+    return choices.empty() ? "_files" : "(" + joined(choicesOf(choices), " ") + ")";
+}
+
+std::string zshOption(const Option& option) {
+    const std::vector<std::string> names = namesOf(option);
     std::string spec = "        ";
-    if (isRepeatable) {
-        spec += "'*'" + option.names.back();
-    } else if (option.names.size() > 1) {
-        spec += "'(" + joined(option.names, " ") + ")'{" + joined(option.names, ",") + "}";
+    if (std::holds_alternative<std::vector<std::string>& (*)(Arguments&)>(option.target)) {
+        spec += "'*'" + names.back();
+    } else if (names.size() > 1) {
+        spec += "'(" + joined(names, " ") + ")'{" + joined(names, ",") + "}";
     } else {
-        spec += option.names.front();
+        spec += names.front();
     }
-    spec += "'[" + zshText(option.summary) + "]";
-    if (option.takesValue) {
-        const std::string action =
-            option.choices.empty() ? "_files" : "(" + joined(option.choices, " ") + ")";
-        spec += ":value:" + action;
-    }
+    spec += "'[" + zshText(std::string(option.summary)) + "]";
+    if (takesValue(option)) spec += ":value:" + zshValues(option.choices);
     return spec + "' \\\n";
 }
 
-std::string zshFunctionName(const std::string& path) {
-    std::string name = path.empty() ? "_rgen" : "_rgen_" + path;
-    for (char& letter : name) {
-        if (letter == ' ') letter = '_';
-    }
+std::string zshFunctionName(const Command& command) {
+    std::string name = command.name.empty() ? "_rgen" : "_rgen_" + std::string(command.name);
+    std::replace(name.begin(), name.end(), ' ', '_');
     return name;
 }
 
-/// One function for each command; a command with commands of its own passes on to theirs.
-std::string zshFunction(const CommandOutline& command, const std::string& path) {
-    std::string text = zshFunctionName(path) + "() {\n    local context state state_descr line\n" +
+/// One function for each command; a command with commands inside it calls theirs.
+std::string zshFunction(const Command& command) {
+    std::string text = zshFunctionName(command) +
+                       "() {\n    local context state state_descr line\n" +
                        "    typeset -A opt_args\n    _arguments -C \\\n";
-    for (const OptionOutline& option : command.options)
+    for (const Option& option : command.options)
         text += zshOption(option);
-    if (command.commands.empty()) {
-        const std::string action =
-            command.operands.empty() ? "_files" : "(" + joined(command.operands, " ") + ")";
-        return text + "        '*:operand:" + action + "'\n}\n";
+    const std::vector<const Command*> inside = commandsInside(command);
+    if (inside.empty()) {
+        return text + "        '*:operand:" + zshValues(command.operand.choices) + "'\n}\n";
     }
     std::string names;
     std::string cases;
-    for (const CommandOutline& inner : command.commands) {
-        const std::string words = path.empty() ? inner.name : path + " " + inner.name;
-        names += (names.empty() ? "" : " ") + inner.name + "\\:\"" + zshText(inner.summary) + "\"";
-        cases += "        " + inner.name + ") " + zshFunctionName(words) + " ;;\n";
+    for (const Command* inner : inside) {
+        const std::string word = lastWord(*inner);
+        const std::string summary(inner->summary);
+        names += (names.empty() ? "" : " ") + word + "\\:\"" + zshText(summary) + "\"";
+        cases += "        " + word + ") " + zshFunctionName(*inner) + " ;;\n";
     }
     return text + "        '1:command:((" + names + "))' \\\n        '*::argument:->argument'\n" +
            "    [[ $state == argument ]] || return\n    case $words[1] in\n" + cases +
            "    esac\n}\n";
 }
 
-std::string zshScript(const CommandOutline& outline) {
+std::string zshScript() {
     std::string functions;
-    forEachCommand(outline, "",
-                   [&functions](const CommandOutline& command, const std::string& path) {
-                       functions += zshFunction(command, path);
-                   });
+    for (const Command& command : commandTable())
+        functions += zshFunction(command);
     return "#compdef rgen\n# Completion of rgen for zsh.\n" + functions +
            "if [[ $funcstack[1] == _rgen ]]; then\n    _rgen \"$@\"\nelse\n"
            "    compdef _rgen rgen\nfi\n";
@@ -192,8 +202,7 @@ std::string zshScript(const CommandOutline& outline) {
 
 ExitCode runCompletion(const Arguments& arguments, Console&, JsonDocument& document) {
     const bool isBash = arguments.operands.front() == "bash";
-    const CommandOutline outline = commandOutline();
-    const std::string script = isBash ? bashScript(outline) : zshScript(outline);
+    const std::string script = isBash ? bashScript() : zshScript();
     document.set("shell", arguments.operands.front());
     document.set("script", script);
     if (!arguments.json) printData(script);

@@ -5,36 +5,17 @@
 
 #include <algorithm>
 #include <exception>
-#include <map>
 
 #include "base/host_system.h"
 #include "base/interruption.h"
 #include "commands/commands.h"
 #include "front/command_line.h"
+#include "front/command_table.h"
+#include "front/help_text.h"
 #include "library/error_json.h"
 
 namespace cli {
 namespace {
-
-using Command = ExitCode (*)(const Arguments&, Console&, JsonDocument&);
-
-const std::map<std::string, Command>& commands() {
-    static const std::map<std::string, Command> all = {
-        {"completion", runCompletion},
-        {"doctor", runDoctor},
-        {"dump", runDump},
-        {"explain", runExplain},
-        {"init", runInit},
-        {"persist get", runPersistGet},
-        {"persist replace", runPersistReplace},
-        {"persist set", runPersistSet},
-        {"persist unset", runPersistUnset},
-        {"report", runReport},
-        {"simulate", runSimulate},
-        {"types", runTypes},
-    };
-    return all;
-}
 
 /// Says what went wrong; what the document holds already stays in it. Nothing is said when the
 /// reader of standard output has gone: it has seen enough.
@@ -53,13 +34,14 @@ ExitCode fail(const CommandError& error, bool json, Console& console, JsonDocume
 
 ExitCode runCommandLine(const CommandLine& commandLine, Console& console, JsonDocument& document) {
     const Arguments& arguments = commandLine.arguments;
+    const Command& command = findCommand(arguments.command);
     if (!commandLine.help.empty()) {
-        printData(commandLine.help);
+        if (arguments.json) describeCommands(command, document);
+        printData(arguments.json ? document.text() : commandLine.help);
         return ExitCode::Done;
     }
-    const ExitCode code = commandLine.wantsVersion
-                              ? runVersion(arguments, document)
-                              : commands().at(arguments.command)(arguments, console, document);
+    const ExitCode code = arguments.version ? runVersion(arguments, document)
+                                            : command.run(arguments, console, document);
     if (arguments.json) printData(document.text());
     return code;
 }

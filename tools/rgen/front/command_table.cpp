@@ -1,0 +1,251 @@
+// The rows are in the order in which the help shows them.
+//
+// SPDX-License-Identifier: MIT
+#include "front/command_table.h"
+
+#include <algorithm>
+
+#include "base/text_functions.h"
+#include "commands/commands.h"
+#include "front/completion.h"
+
+namespace cli {
+namespace {
+
+constexpr const char* rgenExamples =
+    R"(rgen makes reports with strata_repgenlib: from values and an XSLT template to html, pdf
+or txt.
+
+Examples:
+  rgen init case
+  rgen persist set -d case --data case/acquisition-lab.json
+  rgen report -d case --data case/acquisition.json -o report.html
+  rgen report -d case --data case/acquisition.json -o bericht.html --lang de
+
+Exit codes: 0 done, 1 the library refused, 2 usage, 4 output not verified,
+5 surroundings (no data directory, no converter), 130 interrupted, 141 nobody reads
+
+)";
+
+constexpr const char* reportExamples = R"(Examples:
+  rgen report -d case --data case/acquisition.json -o report.html
+  rgen report -d case -t acquisition -f txt -o - --set Report.Number=AR-7
+  rgen report -d case -o report.html --set Device.Capacity:size=500107862016 \
+      --set Report.Created:datetime=now --set Sector.First:bytes=@sector.bin
+  rgen report -d case --data case/acquisition.json -o bericht.txt --lang de
+  rgen report -d case --batch items.ndjson
+
+Hints: text, int, size, speed, address, time, date, datetime, bytes
+
+)";
+
+constexpr const char* persistExamples = R"(Examples:
+  rgen persist set -d case "Lab.Name=Brackwater & Lindqvell" Examiner.Name=Marta
+  rgen persist get -d case
+  rgen persist get -d case Lab.Name
+  rgen persist unset -d case Examiner.Name
+
+)";
+
+constexpr const char* persistGetExamples = R"(Examples:
+  rgen persist get -d case                 all names and texts
+  rgen persist get -d case Lab.Name        one text
+  rgen persist get -d case --json
+
+)";
+
+constexpr const char* persistSetExamples = R"(Examples:
+  rgen persist set -d case "Lab.Name=Brackwater & Lindqvell" Examiner.Name=Marta
+  rgen persist set -d case --data lab.json
+  rgen persist unset -d case Examiner.Name   (there are no empty texts)
+
+)";
+
+constexpr const char* persistUnsetExamples = R"(Examples:
+  rgen persist unset -d case Examiner.Name Reviewer.Name
+
+)";
+
+constexpr const char* persistReplaceExamples = R"(Examples:
+  rgen persist replace -d case Lab.Name=Brackwater
+  rgen persist replace -d case --data lab.json
+
+)";
+
+constexpr const char* dumpExamples = R"(Examples:
+  rgen dump --data case/acquisition.json -o dump.xml
+  rgen dump --set Device.Capacity:size=500107862016 -o -
+
+)";
+
+constexpr const char* simulateExamples = R"(Examples:
+  rgen simulate --data case/acquisition.json -o simulated.xml
+  rgen report -d case --data simulated.xml -o report.html
+
+)";
+
+constexpr const char* initExamples = R"(Examples:
+  rgen init case
+  rgen report -d case --data case/acquisition.json -o report.html
+
+)";
+
+constexpr const char* typesExamples = R"(Examples:
+  rgen types -d case
+  rgen types -d case --json
+
+)";
+
+constexpr const char* explainExamples = R"(Examples:
+  rgen explain 0xC0020002
+  rgen explain RGEN_E_TEMPLATE_NOT_FOUND
+  rgen explain
+
+)";
+
+constexpr const char* doctorExamples = R"(Examples:
+  rgen doctor
+  rgen doctor -d case
+
+)";
+
+constexpr const char* completionExamples = R"(Examples:
+  rgen completion bash > ~/.local/share/bash-completion/completions/rgen
+  rgen completion zsh > "${fpath[1]}/_rgen"
+
+)";
+
+/// The options that every command takes, then its own.
+std::vector<Option> withCommonOptions(const std::vector<Option>& own) {
+    std::vector<Option> all = {options::help, options::json, options::quiet};
+    all.insert(all.end(), own.begin(), own.end());
+    return all;
+}
+
+constexpr Operand newValues = {
+    "NAME[:HINT]=VALUE", "Values", true, true, options::data.name,
+};
+
+std::vector<Command> makeTable() {
+    namespace o = options;
+    return {
+        {"", "", "", rgenExamples, {o::help, o::version, o::json}},
+        {"report",
+         "Make a report, or many with --batch",
+         "",
+         reportExamples,
+         withCommonOptions({o::reportOutput, o::format, o::dataDir, o::type, o::set, o::pair,
+                            o::data, o::raw, o::lang, o::mode, o::base, o::noConvert, o::showData,
+                            o::timing, o::batch}),
+         {},
+         runReport},
+        {"persist", "Read and change persistent data", "", persistExamples, withCommonOptions({})},
+        {"persist get",
+         "Print persistent data",
+         "Print lines `NAME=TEXT`, sorted; of one NAME its text only.",
+         persistGetExamples,
+         withCommonOptions({o::dataDir, o::type, o::printRaw}),
+         {"NAME", "Names to print (default: all)", true},
+         runPersistGet},
+        {"persist set", "Add or change persistent data", "Add or change values.",
+         persistSetExamples, withCommonOptions({o::dataDir, o::type, o::data, o::raw}), newValues,
+         runPersistSet},
+        {"persist unset",
+         "Remove persistent data",
+         "Remove values. Nothing is changed when one of them does not exist.",
+         persistUnsetExamples,
+         withCommonOptions({o::dataDir, o::type}),
+         {"NAME", "Names to remove", true, true},
+         runPersistUnset},
+        {"persist replace", "Replace all persistent data",
+         "Make the values exactly the given ones.", persistReplaceExamples,
+         withCommonOptions({o::dataDir, o::type, o::data, o::raw}), newValues, runPersistReplace},
+        {"dump",
+         "Write values as a raw input dump",
+         "",
+         dumpExamples,
+         withCommonOptions({o::fileOutput, o::set, o::data, o::raw}),
+         {},
+         runDump},
+        {"simulate",
+         "Write values as simulated input",
+         "",
+         simulateExamples,
+         withCommonOptions({o::fileOutput, o::set, o::data, o::raw}),
+         {},
+         runSimulate},
+        {"init",
+         "Make a data directory with a sample report type",
+         "",
+         initExamples,
+         withCommonOptions({o::sample}),
+         {"DIR", "Folder, made if need be", false, true},
+         runInit},
+        {"types",
+         "List the report types of a data directory",
+         "",
+         typesExamples,
+         withCommonOptions({o::dataDir}),
+         {},
+         runTypes},
+        {"explain",
+         "Explain a status of the library",
+         "",
+         explainExamples,
+         withCommonOptions({}),
+         {"STATUS", "Number or name; all of them without it"},
+         runExplain},
+        {"doctor",
+         "Check what reports need",
+         "",
+         doctorExamples,
+         withCommonOptions({o::dataDir}),
+         {},
+         runDoctor},
+        {"completion",
+         "Print a shell's completion script",
+         "",
+         completionExamples,
+         withCommonOptions({}),
+         {"SHELL", "bash or zsh", false, true, {}, "bash|zsh"},
+         runCompletion},
+    };
+}
+
+}  // namespace
+
+const std::vector<Command>& commandTable() {
+    static const std::vector<Command> table = makeTable();
+    return table;
+}
+
+const Command& findCommand(std::string_view name) {
+    const std::vector<Command>& table = commandTable();
+    return *std::find_if(table.begin(), table.end(),
+                         [name](const Command& command) { return command.name == name; });
+}
+
+std::vector<const Command*> commandsInside(const Command& command) {
+    std::vector<const Command*> inside;
+    for (const Command& each : commandTable()) {
+        if (!each.name.empty() && parentName(each) == command.name) inside.push_back(&each);
+    }
+    return inside;
+}
+
+std::string_view parentName(const Command& command) {
+    const std::size_t blank = command.name.rfind(' ');
+    return blank == std::string_view::npos ? std::string_view() : command.name.substr(0, blank);
+}
+
+std::string lastWord(const Command& command) {
+    const std::size_t blank = command.name.rfind(' ');
+    return std::string(blank == std::string_view::npos ? command.name
+                                                       : command.name.substr(blank + 1));
+}
+
+std::vector<std::string> choicesOf(std::string_view choices) {
+    return split(choices, '|');
+}
+
+}  // namespace cli
