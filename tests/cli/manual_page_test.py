@@ -1,13 +1,15 @@
-"""The manual page names every command and option that the help texts name, and no others.
+"""The manual page and docs/rgen.md list the commands and options that the program has, and the page
+names no others.
 
 SPDX-License-Identifier: MIT
 """
 
 import re
 
-from cli_case import SOURCE_FOLDER, CliCase
+import command_pages
+from cli_case import CliCase
 
-PAGE = SOURCE_FOLDER / "tools/rgen/rgen.1.in"
+PAGE = command_pages.MANUAL_PAGE
 
 
 def words_of_page():
@@ -35,17 +37,25 @@ class ManualPage(CliCase):
             found += self.every_command(*inner)
         return found
 
+    def test_the_lists_of_commands_and_options_are_those_of_the_program(self):
+        told = self.rgen("--help", "--json")
+        self.expect_done(told)
+        for path, text in command_pages.pages(told.out):
+            self.assertEqual(text, path.read_text(encoding="utf-8"),
+                             "write the lists anew: tests/cli/command_pages.py RGEN --accept")
+
     def test_every_command_and_option_is_described(self):
-        page = words_of_page()
         commands = self.every_command()
         self.assertGreater(len(commands), 10)
         options = set()
         for command in commands:
-            self.assertIn(" ".join(command), page)
             options.update(re.findall(r"^ +(?:-\w,)?(--[a-z-]+)", self.help_of(*command), re.M))
         self.assertGreater(len(options), 15)
-        for option in sorted(options):
-            self.assertRegex(page, option + r"(?![a-z-])")
+        for text in (words_of_page(), command_pages.DOCUMENT.read_text(encoding="utf-8")):
+            for command in commands:
+                self.assertIn(" ".join(command), text)
+            for option in sorted(options):
+                self.assertRegex(text, option + r"(?![a-z-])")
 
     def test_no_option_is_described_that_does_not_exist(self):
         known = set()
