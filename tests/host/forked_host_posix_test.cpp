@@ -9,6 +9,7 @@
 #include <thread>
 
 #include "support/host_records.h"
+#include "support/process_figures.h"
 
 namespace rgen_test {
 namespace {
@@ -30,7 +31,7 @@ TEST(ForkedHost, MakesAGeneratorWhateverAThreadThatMakesThemWasDoing) {
             rgen_freeReportGenerator(rgen_newReportGenerator());
     });
     int failed = 0;
-    for (int number = 0; number < 2000 && failed == 0; ++number) {
+    for (int number = 0; number < loopCount(2000) && failed == 0; ++number) {
         const pid_t child = fork();
         if (child == 0) makeGeneratorAndEnd();
         int status = 0;

@@ -24,15 +24,15 @@ protected:
                     made.status == statusHex(RGEN_E_XSLT_APPLY))
             << made.status;
     }
-    void expectReportsWith(MakeSheet makeSheet, const NodeText& place) {
-        for (const NodeText& kind : nodeKinds()) {
-            SCOPED_TRACE(kind.label);
+    void expectReportsOfAllKinds(MakeSheet makeSheet, const std::vector<NodeText>& places) {
+        forEachPlaceAndKind(places, [&](const NodeText& place, const NodeText& kind) {
+            SCOPED_TRACE(place.label + ", " + kind.label);
             for (const char* method : {"html", "xml"}) {
                 const Report made = reportOfTemplate(makeSheet(place, kind.xml, method));
                 expectDocumented(made);
                 EXPECT_EQ(made, reportOfValue("value"));
             }
-        }
+        });
     }
     void expectCdataIsText(MakeSheet makeSheet, const NodeText& place) {
         for (const std::size_t length : {std::size_t{1}, shortLength, longLength}) {
@@ -56,17 +56,11 @@ protected:
 };
 
 TEST_F(NodeKinds, EveryInstructionTakesEveryKind) {
-    for (const NodeText& place : bodyPlaces()) {
-        SCOPED_TRACE(place.label);
-        expectReportsWith(sheetWithBody, place);
-    }
+    expectReportsOfAllKinds(sheetWithBody, bodyPlaces());
 }
 
 TEST_F(NodeKinds, EveryTopLevelElementTakesEveryKind) {
-    for (const NodeText& place : topLevelPlaces()) {
-        SCOPED_TRACE(place.label);
-        expectReportsWith(sheetWithTopLevel, place);
-    }
+    expectReportsOfAllKinds(sheetWithTopLevel, topLevelPlaces());
 }
 
 TEST_F(NodeKinds, CdataGivesWhatTextGives) {

@@ -5,6 +5,8 @@
 
 #include <ostream>
 
+#include "support/process_figures.h"
+
 namespace rgen_test {
 namespace {
 
@@ -186,6 +188,14 @@ const std::vector<NodeText>& nodeKinds() {
         {"xsl:comment", "<xsl:comment><![CDATA[value]]></xsl:comment>"},
         {"xsl:unknown", "<xsl:unknown>value</xsl:unknown>"}};
     return kinds;
+}
+
+void forEachPlaceAndKind(const std::vector<NodeText>& places, const VisitCombination& visit) {
+    for (std::size_t place = 0; place < places.size(); ++place) {
+        for (std::size_t kind = 0; kind < nodeKinds().size(); ++kind) {
+            if (combinationIsTried(place, kind)) visit(places[place], nodeKinds()[kind]);
+        }
+    }
 }
 
 std::string letters(std::size_t length) {

@@ -5,6 +5,7 @@
 #ifndef RGEN_TESTS_SUPPORT_NODE_KINDS_H
 #define RGEN_TESTS_SUPPORT_NODE_KINDS_H
 
+#include <functional>
 #include <iosfwd>
 #include <string>
 #include <vector>
@@ -25,6 +26,10 @@ const std::vector<NodeText>& bodyPlaces();
 const std::vector<NodeText>& topLevelPlaces();
 // Text of some lengths, CDATA, comment, instruction, reference, elements of every sort, nothing.
 const std::vector<NodeText>& nodeKinds();
+
+// Visits every kind in every place; where everything takes longer, every third combination.
+using VisitCombination = std::function<void(const NodeText& place, const NodeText& kind)>;
+void forEachPlaceAndKind(const std::vector<NodeText>& places, const VisitCombination& visit);
 
 // Lengths below and above the largest block of a pool.
 constexpr std::size_t shortLength = 10;

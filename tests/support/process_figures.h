@@ -5,6 +5,7 @@
 #ifndef RGEN_TESTS_SUPPORT_PROCESS_FIGURES_H
 #define RGEN_TESTS_SUPPORT_PROCESS_FIGURES_H
 
+#include <cstddef>
 #include <functional>
 #include <string>
 
@@ -35,6 +36,10 @@ extern const bool memoryIsMeasured;
 // The number of repetitions: the given one in a plain Linux build, fewer where everything takes
 // longer, times RGEN_SOAK_FACTOR where the environment has that variable.
 int loopCount(int plainCount);
+
+// For tables of combinations: whether the one in that row and column is tried. In a plain Linux
+// build all are, where everything takes longer every third one, so that no row or column is left out.
+bool combinationIsTried(std::size_t row, std::size_t column);
 
 // Prints a line that scripts/soak puts into its table.
 void printGrowth(const std::string& what, long before, long after);

@@ -31,19 +31,17 @@ protected:
         EXPECT_EQ(0U, faults.poolsLeft);
         EXPECT_EQ(0U, faults.wrongReleases);
     }
-    void expectOrderWith(MakeSheet makeSheet, const NodeText& place, const std::string& after) {
-        SCOPED_TRACE(place.label);
-        for (const NodeText& kind : nodeKinds()) {
-            SCOPED_TRACE(kind.label);
-            expectOrder(makeSheet(place, kind.xml + after, "html"));
-            if (!after.empty()) expectOrder(makeSheet(place, after + kind.xml, "html"));
-        }
+    void expectOrderWith(MakeSheet makeSheet, const std::vector<NodeText>& places,
+                         const std::string& other) {
+        forEachPlaceAndKind(places, [&](const NodeText& place, const NodeText& kind) {
+            SCOPED_TRACE(place.label + ", " + kind.label);
+            expectOrder(makeSheet(place, kind.xml + other, "html"));
+            if (!other.empty()) expectOrder(makeSheet(place, other + kind.xml, "html"));
+        });
     }
-    void expectOrderEverywhere(const std::string& after) {
-        for (const NodeText& place : bodyPlaces())
-            expectOrderWith(sheetWithBody, place, after);
-        for (const NodeText& place : topLevelPlaces())
-            expectOrderWith(sheetWithTopLevel, place, after);
+    void expectOrderEverywhere(const std::string& other) {
+        expectOrderWith(sheetWithBody, bodyPlaces(), other);
+        expectOrderWith(sheetWithTopLevel, topLevelPlaces(), other);
     }
 
 private:
