@@ -7,7 +7,7 @@ import re
 import subprocess
 from pathlib import Path
 
-# Only what the public headers declare counts; nothing of the building machine goes into the dump.
+# Only what the public headers declare counts; the dump contains nothing of the build machine.
 DUMP_OPTIONS = ["--drop-private-types", "--drop-undefined-syms", "--exported-interfaces-only",
                 "--no-corpus-path", "--no-show-locs", "--no-comp-dir-path", "--no-elf-needed",
                 "--type-id-style", "hash"]

@@ -32,7 +32,7 @@ struct Functions {
     decltype(&rgen_freeRgenCInputParams) freeInput;
 };
 
-// One report with a data directory in that folder: the number 255 as an address behind a translated
+// One report with a data directory in that folder: the number 255 as an address after a translated
 // text, which makes "[size] 0xff".
 std::string reportThrough(const Functions& functions, const TempFolder& folder);
 

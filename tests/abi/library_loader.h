@@ -37,12 +37,6 @@ private:
 // True while the system still has the library in memory.
 bool libraryIsInMemory();
 
-// What stays when the library goes, in bytes and handles: of each load (a table of the C++
-// runtime), and of each thread that has used the library and still lives.
-extern const long bytesKeptOfLoad;
-extern const long bytesKeptOfThread;
-extern const long handlesKeptOfThread;
-
 }  // namespace rgen_test
 
 #endif

@@ -3,8 +3,7 @@
 // SPDX-License-Identifier: MIT
 #include <gtest/gtest.h>
 
-#include "support/delivered_handle.h"
-#include "support/time_zone.h"
+#include "support/test_platform.h"
 #include "wrapper_fixture.h"
 
 namespace rgen_test {

@@ -14,7 +14,7 @@ namespace {
 class CancelConversion : public ConversionTest {
 protected:
     // Cancels the running conversion of the fixture's request and expects it to be stopped while
-    // the converter goes on.
+    // the converter continues.
     void expectCancelledBy(const RgenGuid* guid) {
         converter.obey(
             waiting({{"write", output, "partial"}}, {{"mark", folder.file("survived")}}));
@@ -136,7 +136,7 @@ TEST_F(CancelConversion, ByGuidLeavesTheConversionsOfOtherGuidsRunning) {
     EXPECT_EQ(statusHex(RGEN_CANCELED), one.status());
     release();
     EXPECT_EQ(statusHex(RGEN_OK), two.status());
-    // Not its content: the converter that was left behind writes the same file at some time.
+    // Not its content: the abandoned converter writes the same file at some time.
     EXPECT_TRUE(exists(folder.file("other.pdf")));
 }
 

@@ -19,8 +19,8 @@
 #include <vector>
 
 #include "support/conversion_fixture.h"
-#include "support/delivered_handle.h"
 #include "support/process_figures.h"
+#include "support/test_platform.h"
 #include "support/working_folder.h"
 
 namespace rgen_test {
@@ -88,7 +88,7 @@ protected:
         EXPECT_LE(allChildren(), childrenBefore_);
     }
 
-    // Converters that other cases have left behind may end, and are collected, at any time.
+    // Converters that other cases have abandoned may end, and are collected, at any time.
     const long childrenBefore_ = allChildren();
 };
 

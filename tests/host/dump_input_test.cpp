@@ -123,7 +123,7 @@ TEST_F(DumpRawInputData, ReadsBackAsNoValues) {
     EXPECT_EQ(0U, data.count);
 }
 
-// ---- What stands at the path ----------------------------------------------------------------
+// ---- The path -------------------------------------------------------------------------------
 
 TEST_F(DumpRawInputData, ReplacesAFile) {
     rgen_test::writeFile(folder_.file("dump.xml"), std::string(5000, 'x'));

@@ -1,4 +1,4 @@
-// Files and folders of the data directory that somebody else replaces or removes while reports are
+// Files and folders of the data directory that another program replaces or removes while reports are
 // made. A report sees the old state, the new one, or a part that its status explains.
 //
 // SPDX-License-Identifier: MIT
@@ -145,7 +145,7 @@ TEST_F(FileRace, ADataDirectoryRemovedInALoopIsMadeAnewOrReported) {
     readWhile(
         loopCount(4000),
         [&](const Generator& own) {
-            // A folder that is gone between two looks at it can raise, by contract.
+            // A folder that is removed between two calls may cause an exception, as documented.
             try {
                 const Report result = reportOn(own);
                 // The report itself as long as the first directory is there.

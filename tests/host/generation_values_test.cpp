@@ -11,7 +11,7 @@
 #include <vector>
 
 #include "support/report_fixture.h"
-#include "support/time_zone.h"
+#include "support/test_platform.h"
 
 namespace rgen_test {
 namespace {

@@ -75,7 +75,7 @@ TEST_F(GuardedCalls, GiveAReasonInsteadOfAnException) {
     Result result;
     PairSet pairs;
     expectRaised(rgenGuarded_setDataDirPath(handle, brokenPath, &failure));
-    // Without a data directory the file system raises.
+    // Without a data directory the file system throws.
     expectRaised(rgenGuarded_generateReport(handle, record, result.get(), &failure));
     expectRaised(rgenGuarded_getPersistentData(handle, &guid, nullptr, &failure));
     expectRaised(

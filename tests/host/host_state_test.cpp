@@ -1,5 +1,5 @@
 // Each of the 26 functions leaves the state of the host's process as it was, when it succeeds, when
-// it fails and when it raises, and prints nothing. What that state is, support/host_state.h says.
+// it fails and when it throws, and prints nothing. What that state is, support/host_state.h says.
 //
 // SPDX-License-Identifier: MIT
 #include <gtest/gtest.h>
@@ -19,24 +19,24 @@
 namespace rgen_test {
 namespace {
 
-// Makes one call and looks at the process in front of it and behind it. True when the call raised.
+// Compares the process before and after one call. True when the call threw an exception.
 bool expectUnchanged(const char* name, const std::function<void()>& call) {
     const std::string before = hostState();
     std::string after;
-    bool raised = false;
+    bool threw = false;
     const ConsoleText console = captureConsole([&] {
         const std::string inside = hostState();
         try {
             call();
         } catch (const std::exception&) {
-            raised = true;
+            threw = true;
         }
         after = settledHostState(inside) == inside ? before : hostState();
     });
     EXPECT_EQ(before, after) << name;
     EXPECT_EQ("", console.out) << name;
     EXPECT_EQ("", console.err) << name;
-    return raised;
+    return threw;
 }
 
 class UnchangedHost : public ReportTest {

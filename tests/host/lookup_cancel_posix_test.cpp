@@ -20,7 +20,7 @@
 namespace rgen_test {
 namespace {
 
-// While it lives, or until it is released, whoever opens the file waits.
+// While it lives, or until it is released, opening the file blocks.
 class HeldFile {
 public:
     explicit HeldFile(const std::string& path)

@@ -39,7 +39,7 @@ protected:
                                           generator.get(), &guid, pairs.get())));
     }
 
-    // Where the ten good entries stand in the file, seen from the other one.
+    // Where the ten good entries are in the file, relative to the damaged one.
     std::vector<Place> places() const {
         const std::string file = readFile(folder.dataFile("persist_data.xml"));
         std::vector<Place> found;

@@ -1,4 +1,4 @@
-// The fourteen exports that create and free records: what they store, refuse and leave behind.
+// The fourteen exports that create and free records: what they store, refuse and leave in a record.
 //
 // SPDX-License-Identifier: MIT
 #include <gtest/gtest.h>

@@ -34,7 +34,7 @@ public:
 const char* RGEN_CALL translateByReport(const char*, void* context) {
     auto& translated = *static_cast<std::string*>(context);
     OtherReport other;
-    // A failure first, so that an error of libxml2 stays behind.
+    // A failure first, after which libxml2 keeps its last error.
     EXPECT_EQ(failure(RGEN_E_XSLT_PARSE), other.make("no template"));
     translated = other.make(textStylesheet("made " + valueOf("v"))).bytes;
     return translated.c_str();

@@ -189,15 +189,15 @@ TEST(Silence, HoldsOnAThreadThatDidNotCreateTheGenerator) {
 TEST(Silence, HoldsWhenACallRaises) {
     const TempFolder folder;
     const Generator generator;
-    bool raised = false;
+    bool threw = false;
     expectSilent([&] {
         try {
             rgen_setDataDirPath(generator.get(), folder.file("\xFF").c_str());
         } catch (const std::range_error&) {
-            raised = true;
+            threw = true;
         }
     });
-    EXPECT_TRUE(raised);
+    EXPECT_TRUE(threw);
 }
 
 }  // namespace

@@ -20,7 +20,7 @@ namespace {
 
 class PipeInPlace : public ReportTest {
 protected:
-    // A pipe at a path, instead of what stands there.
+    // A pipe that replaces the file at a path.
     static void putPipe(const std::string& path) {
         removeAll(path);
         ASSERT_EQ(0, mkfifo(path.c_str(), S_IRUSR | S_IWUSR)) << path;

@@ -1,5 +1,5 @@
 // How a report finds its template: the folder of the format, the file name of the configuration,
-// what is made on the way, and which status is given first when several things are wrong.
+// which folders are created, and which status is returned when several things are wrong.
 //
 // SPDX-License-Identifier: MIT
 #include <gtest/gtest.h>

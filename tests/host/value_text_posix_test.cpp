@@ -10,9 +10,8 @@
 #include "support/dumped_text.h"
 #include "support/global_locale.h"
 #include "support/host_records.h"
-#include "support/process_environment.h"
 #include "support/report_fixture.h"
-#include "support/time_zone.h"
+#include "support/test_platform.h"
 
 namespace rgen_test {
 namespace {

@@ -13,7 +13,7 @@
 #include "strata_repgenlib/rgen.h"
 #include "support/dumped_text.h"
 #include "support/host_records.h"
-#include "support/time_zone.h"
+#include "support/test_platform.h"
 
 namespace {
 

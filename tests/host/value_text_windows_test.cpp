@@ -6,7 +6,7 @@
 #include "strata_repgenlib/rgen.h"
 #include "support/dumped_text.h"
 #include "support/global_locale.h"
-#include "support/time_zone.h"
+#include "support/test_platform.h"
 
 namespace rgen_test {
 namespace {

@@ -2,7 +2,7 @@
 //
 // Values are read as XML content, so "&" starts a reference there; names are not interpreted. Each
 // row is checked in a dump, in persistent data from pairs and in persistent data from values. The
-// bytes EF BF BD are the replacement character, which stands for what is no character.
+// bytes EF BF BD are the replacement character, which replaces bytes that are no character.
 //
 // SPDX-License-Identifier: MIT
 #include <gtest/gtest.h>
@@ -43,7 +43,7 @@ std::string fileWith(const std::string& name, const std::string& text) {
            name + "\"" + text + "\n  </properties>\n</data>\n";
 }
 
-// The three ways of one name and text into a file, and the way back.
+// The three functions that write one name and text to a file, and those that read it.
 class ContentTable : public testing::TestWithParam<ContentRow> {
 protected:
     ContentTable() : generator_(folder_.path()) {}
@@ -105,7 +105,7 @@ ContentRow value(const char* label, const std::string& given, const std::string&
     return {label, given, ">" + inFile + "</property>", readBack};
 }
 
-// The text and what comes back are the same; the file holds it as it stands.
+// The text is read back unchanged; the file contains it without escapes.
 ContentRow unchanged(const char* label, const char* text) {
     return value(label, text, text, text);
 }
@@ -150,7 +150,7 @@ INSTANTIATE_TEST_SUITE_P(
                     value("no hexadecimal digits", "&#xZZ;", "ZZ;", "ZZ;"),
                     value("minus", "x&#-5;y", "x-5;y", "x-5;y")));
 
-// A reference with markup in it goes: in a file it would be markup.
+// A reference with markup in it is dropped: in a file it would be markup.
 INSTANTIATE_TEST_SUITE_P(
     MarkupInReferences, ValueContent,
     testing::Values(value("an element", "a&<b>x</b>;b", "ab", "ab"),

@@ -1,4 +1,4 @@
-// Catches what a call writes to standard output and standard error, whoever writes it.
+// Catches what a call writes to standard output and standard error, in any library.
 //
 // SPDX-License-Identifier: MIT
 #ifndef RGEN_TESTS_SUPPORT_CONSOLE_CAPTURE_H

@@ -1,4 +1,4 @@
-// Reports of the format pdf that go through the stand-in converter.
+// Reports of the format pdf, converted by the stand-in converter.
 //
 // SPDX-License-Identifier: MIT
 #ifndef RGEN_TESTS_SUPPORT_CONVERSION_FIXTURE_H

@@ -8,8 +8,8 @@
 #include <string>
 #include <vector>
 
-#include "support/process_environment.h"
 #include "support/temp_folder.h"
+#include "support/test_platform.h"
 
 namespace rgen_test {
 
@@ -35,7 +35,7 @@ private:
 };
 
 // Wait until a file exists, or until a folder holds that many entries. The bound is far above what
-// a working converter needs; its passing fails the test and gives false.
+// a working converter needs; when it passes, the test fails and the result is false.
 bool waitForFile(const std::string& path);
 bool waitForFiles(const std::string& folder, std::size_t count);
 

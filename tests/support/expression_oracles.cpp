@@ -1,4 +1,4 @@
-// The regular expressions that the matchers written by hand stand for.
+// The regular expressions with which the hand-written matchers are compared.
 //
 // SPDX-License-Identifier: MIT
 #include "support/expression_oracles.h"

@@ -18,7 +18,7 @@ namespace rgen_test {
 const char* RGEN_CALL markMessage(const char* text, void* context);
 const char* RGEN_CALL giveMarker(const char* text, void* context);
 
-// The text after the translation pass: search, replace, go on behind the replacement.
+// The text after the translation pass: search, replace, continue after the replacement.
 std::string translatedByExpression(std::string text, RgenTranslateFunction translate);
 
 bool isByteDumpByExpression(const std::string& text);

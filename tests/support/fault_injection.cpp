@@ -1,25 +1,11 @@
-// Replacements of the wrapped calls that are the same on both systems. Each one is given the name
-// by which the linker looks for it.
+// The list of the faults that are to come. Nothing here allocates memory while a call is counted.
 //
 // SPDX-License-Identifier: MIT
 #include "support/fault_injection.h"
 
-#include <libxml/parser.h>
-#include <libxml/tree.h>
-#include <libxml/xmlIO.h>
-#include <libxml/xmlsave.h>
-#include <libxml/xpath.h>
-#include <libxslt/transform.h>
-#include <libxslt/xsltutils.h>
-
 #include <atomic>
-#include <boost/filesystem/operations.hpp>
-#include <cstddef>
-#include <memory>
-#include <new>
-#include <utility>
 
-#include "store/xml/parser_context.h"
+#include "support/test_platform.h"
 
 namespace rgen_test {
 namespace {
@@ -28,14 +14,15 @@ std::atomic<FailingCall*> newestCall = nullptr;
 
 }  // namespace
 
-FailingCall::FailingCall(Call call, int number) : FailingCall(call, number, nullptr) {}
-
-FailingCall::FailingCall(Call call, int number, std::function<void()> action)
-    : call_(call),
-      remaining_(number),
+FailingCall::FailingCall(std::initializer_list<Call> calls, std::size_t number, FailureForm form,
+                         std::function<void()> action)
+    : number_(number),
+      form_(form),
       action_(std::move(action)),
-      thread_(currentThreadNumber()),
+      thread_(callingThread()),
       next_(newestCall) {
+    for (const Call call : calls)
+        calls_.set(static_cast<std::size_t>(call));
     newestCall = this;
 }
 
@@ -43,189 +30,21 @@ FailingCall::~FailingCall() {
     newestCall = next_;
 }
 
+bool FailingCall::countsAsFailure(Call call) {
+    const bool isOver = form_ == FailureForm::One && number_ != 0 && count_ >= number_;
+    if (isOver || !calls_[static_cast<std::size_t>(call)] || thread_ != callingThread())
+        return false;
+    ++count_;
+    return number_ != 0 && count_ >= number_;
+}
+
 bool failsNow(Call call) {
     for (FailingCall* armed = newestCall; armed != nullptr; armed = armed->next_) {
-        if (armed->call_ != call || armed->remaining_ == 0) continue;
-        if (armed->thread_ != currentThreadNumber() || --armed->remaining_ > 0) continue;
+        if (!armed->countsAsFailure(call)) continue;
         if (!armed->action_) return true;
         armed->action_();
     }
     return false;
-}
-
-namespace {
-
-// What libxml2 gives for a full disk: another negative number than -1.
-constexpr int fullDisk = -1528;
-
-extern "C" {
-
-void* realMalloc(std::size_t size) __asm__("__real_malloc");
-void* wrappedMalloc(std::size_t size) __asm__("__wrap_malloc");
-void* realCalloc(std::size_t count, std::size_t size) __asm__("__real_calloc");
-void* wrappedCalloc(std::size_t count, std::size_t size) __asm__("__wrap_calloc");
-void* realRealloc(void* block, std::size_t size) __asm__("__real_realloc");
-void* wrappedRealloc(void* block, std::size_t size) __asm__("__wrap_realloc");
-void* realNew(std::size_t size) __asm__("__real_" RGEN_NEW);
-void* wrappedNew(std::size_t size) __asm__("__wrap_" RGEN_NEW);
-
-bool realCreateDirectory(const boost::filesystem::path& path,
-                         const boost::filesystem::path* existing,
-                         boost::system::error_code* error) __asm__("__real_" RGEN_CREATE_DIRECTORY);
-bool wrappedCreateDirectory(
-    const boost::filesystem::path& path, const boost::filesystem::path* existing,
-    boost::system::error_code* error) __asm__("__wrap_" RGEN_CREATE_DIRECTORY);
-
-boost::filesystem::file_status realStatus(
-    const boost::filesystem::path& path,
-    boost::system::error_code* error) __asm__("__real_" RGEN_FILE_STATUS);
-boost::filesystem::file_status wrappedStatus(
-    const boost::filesystem::path& path,
-    boost::system::error_code* error) __asm__("__wrap_" RGEN_FILE_STATUS);
-
-xmlDoc* realReadFile(const char* path, const char* encoding,
-                     int options) __asm__("__real_xmlReadFile");
-xmlDoc* wrappedReadFile(const char* path, const char* encoding,
-                        int options) __asm__("__wrap_xmlReadFile");
-xmlDoc* realNewDoc(const xmlChar* version) __asm__("__real_xmlNewDoc");
-xmlDoc* wrappedNewDoc(const xmlChar* version) __asm__("__wrap_xmlNewDoc");
-xmlNode* realNewNode(xmlNs* space, const xmlChar* name) __asm__("__real_xmlNewNode");
-xmlNode* wrappedNewNode(xmlNs* space, const xmlChar* name) __asm__("__wrap_xmlNewNode");
-xmlNode* realNewChild(xmlNode* parent, xmlNs* space, const xmlChar* name,
-                      const xmlChar* content) __asm__("__real_xmlNewChild");
-xmlNode* wrappedNewChild(xmlNode* parent, xmlNs* space, const xmlChar* name,
-                         const xmlChar* content) __asm__("__wrap_xmlNewChild");
-
-xmlAttr* realNewProp(xmlNode* node, const xmlChar* name,
-                     const xmlChar* value) __asm__("__real_xmlNewProp");
-xmlAttr* wrappedNewProp(xmlNode* node, const xmlChar* name,
-                        const xmlChar* value) __asm__("__wrap_xmlNewProp");
-
-xmlXPathContext* realNewXPathContext(xmlDoc* document) __asm__("__real_xmlXPathNewContext");
-xmlXPathContext* wrappedNewXPathContext(xmlDoc* document) __asm__("__wrap_xmlXPathNewContext");
-xmlXPathObject* realEvaluate(const xmlChar* expression,
-                             xmlXPathContext* context) __asm__("__real_xmlXPathEvalExpression");
-xmlXPathObject* wrappedEvaluate(const xmlChar* expression,
-                                xmlXPathContext* context) __asm__("__wrap_xmlXPathEvalExpression");
-
-xmlOutputBuffer* realNewOutputBuffer(
-    xmlOutputWriteCallback write, xmlOutputCloseCallback close, void* stream,
-    xmlCharEncodingHandler* encoder) __asm__("__real_xmlOutputBufferCreateIO");
-xmlOutputBuffer* wrappedNewOutputBuffer(
-    xmlOutputWriteCallback write, xmlOutputCloseCallback close, void* stream,
-    xmlCharEncodingHandler* encoder) __asm__("__wrap_xmlOutputBufferCreateIO");
-int realSaveDocument(xmlOutputBuffer* buffer, xmlDoc* document, const char* encoding,
-                     int format) __asm__("__real_xmlSaveFormatFileTo");
-int wrappedSaveDocument(xmlOutputBuffer* buffer, xmlDoc* document, const char* encoding,
-                        int format) __asm__("__wrap_xmlSaveFormatFileTo");
-
-xsltTransformContext* realNewTransformContext(xsltStylesheet* stylesheet, xmlDoc* document) __asm__(
-    "__real_xsltNewTransformContext");
-xsltTransformContext* wrappedNewTransformContext(
-    xsltStylesheet* stylesheet, xmlDoc* document) __asm__("__wrap_xsltNewTransformContext");
-int realSaveResult(xmlChar** text, int* length, xmlDoc* result,
-                   xsltStylesheet* stylesheet) __asm__("__real_xsltSaveResultToString");
-int wrappedSaveResult(xmlChar** text, int* length, xmlDoc* result,
-                      xsltStylesheet* stylesheet) __asm__("__wrap_xsltSaveResultToString");
-
-void* wrappedMalloc(std::size_t size) {
-    return failsNow(Call::Malloc) ? nullptr : realMalloc(size);
-}
-
-void* wrappedCalloc(std::size_t count, std::size_t size) {
-    return failsNow(Call::Calloc) ? nullptr : realCalloc(count, size);
-}
-
-void* wrappedRealloc(void* block, std::size_t size) {
-    return failsNow(Call::Realloc) ? nullptr : realRealloc(block, size);
-}
-
-void* wrappedNew(std::size_t size) {
-    if (failsNow(Call::New)) throw std::bad_alloc();
-    return realNew(size);
-}
-
-bool wrappedCreateDirectory(const boost::filesystem::path& path,
-                            const boost::filesystem::path* existing,
-                            boost::system::error_code* error) {
-    return !failsNow(Call::CreateDirectory) && realCreateDirectory(path, existing, error);
-}
-
-boost::filesystem::file_status wrappedStatus(const boost::filesystem::path& path,
-                                             boost::system::error_code* error) {
-    const boost::filesystem::file_status status = realStatus(path, error);
-    if (!failsNow(Call::TellFileKind)) return status;
-    return {boost::filesystem::reparse_file, status.permissions()};
-}
-
-xmlDoc* wrappedReadFile(const char* path, const char* encoding, int options) {
-    return failsNow(Call::ReadXmlFile) ? nullptr : realReadFile(path, encoding, options);
-}
-
-xmlDoc* wrappedNewDoc(const xmlChar* version) {
-    return failsNow(Call::NewXmlDocument) ? nullptr : realNewDoc(version);
-}
-
-xmlNode* wrappedNewNode(xmlNs* space, const xmlChar* name) {
-    return failsNow(Call::NewXmlNode) ? nullptr : realNewNode(space, name);
-}
-
-xmlNode* wrappedNewChild(xmlNode* parent, xmlNs* space, const xmlChar* name,
-                         const xmlChar* content) {
-    return failsNow(Call::NewXmlChild) ? nullptr : realNewChild(parent, space, name, content);
-}
-
-xmlAttr* wrappedNewProp(xmlNode* node, const xmlChar* name, const xmlChar* value) {
-    return failsNow(Call::NewXmlAttribute) ? nullptr : realNewProp(node, name, value);
-}
-
-xmlXPathContext* wrappedNewXPathContext(xmlDoc* document) {
-    return failsNow(Call::NewXPathContext) ? nullptr : realNewXPathContext(document);
-}
-
-xmlXPathObject* wrappedEvaluate(const xmlChar* expression, xmlXPathContext* context) {
-    return failsNow(Call::EvaluateXPath) ? nullptr : realEvaluate(expression, context);
-}
-
-xmlOutputBuffer* wrappedNewOutputBuffer(xmlOutputWriteCallback write, xmlOutputCloseCallback close,
-                                        void* stream, xmlCharEncodingHandler* encoder) {
-    return failsNow(Call::NewOutputBuffer) ? nullptr
-                                           : realNewOutputBuffer(write, close, stream, encoder);
-}
-
-int wrappedSaveDocument(xmlOutputBuffer* buffer, xmlDoc* document, const char* encoding,
-                        int format) {
-    const bool fails = failsNow(Call::SaveXmlDocument);
-    const int count = realSaveDocument(buffer, document, encoding, format);
-    return fails ? fullDisk : count;
-}
-
-xsltTransformContext* wrappedNewTransformContext(xsltStylesheet* stylesheet, xmlDoc* document) {
-    return failsNow(Call::NewTransformContext) ? nullptr
-                                               : realNewTransformContext(stylesheet, document);
-}
-
-int wrappedSaveResult(xmlChar** text, int* length, xmlDoc* result, xsltStylesheet* stylesheet) {
-    if (!failsNow(Call::SaveTransformResult)) {
-        return realSaveResult(text, length, result, stylesheet);
-    }
-    *text = nullptr;
-    *length = 0;
-    return -1;
-}
-
-}  // extern "C"
-
-}  // namespace
-
-using SharedContext = rgen::XmlParserContextReference;
-
-SharedContext realShareContext() __asm__("__real_" RGEN_SHARE_XML_CONTEXT);
-SharedContext wrappedShareContext() __asm__("__wrap_" RGEN_SHARE_XML_CONTEXT);
-
-SharedContext wrappedShareContext() {
-    if (failsNow(Call::ShareXmlContext)) return {};
-    return realShareContext();
 }
 
 }  // namespace rgen_test

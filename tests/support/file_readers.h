@@ -1,4 +1,4 @@
-// The three files that the library reads as XML, behind one interface: what came out of a content.
+// One interface for the three files that the library reads as XML: the result of reading a content.
 //
 // SPDX-License-Identifier: MIT
 #ifndef RGEN_TESTS_SUPPORT_FILE_READERS_H

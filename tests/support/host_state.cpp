@@ -1,5 +1,3 @@
-// The part of the host's state that both systems ask for in the same way.
-//
 // SPDX-License-Identifier: MIT
 #include "support/host_state.h"
 
@@ -9,6 +7,8 @@
 #include <filesystem>
 #include <locale>
 #include <thread>
+
+#include "support/test_platform.h"
 
 namespace rgen_test {
 

@@ -1,4 +1,4 @@
-// What a library in somebody else's process has to leave as it found it.
+// The state of the process that the library must not change.
 //
 // SPDX-License-Identifier: MIT
 #ifndef RGEN_TESTS_SUPPORT_HOST_STATE_H
@@ -17,9 +17,6 @@ std::string hostState();
 // As hostState(), once it is `expected` or a while has passed: the system still counts a thread for
 // a moment after it has been joined, and a process that has ended.
 std::string settledHostState(const std::string& expected);
-
-// The lines of hostState() that each system has to be asked for in its own way.
-std::string systemState();
 
 }  // namespace rgen_test
 

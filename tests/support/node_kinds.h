@@ -1,5 +1,5 @@
-// Templates made of two tables: every element of XSLT as a place, and every kind of node as what
-// stands inside it.
+// Templates made of two tables: the places, which are the elements of XSLT, and the kinds of nodes that
+// such an element can contain.
 //
 // SPDX-License-Identifier: MIT
 #ifndef RGEN_TESTS_SUPPORT_NODE_KINDS_H
@@ -12,7 +12,7 @@
 
 namespace rgen_test {
 
-// An XML text with a name for messages. That of a place holds one "@", where the content goes.
+// An XML text with a name for messages. That of a place contains one "@", which the content replaces.
 struct NodeText {
     std::string label;
     std::string xml;
@@ -20,9 +20,9 @@ struct NodeText {
 
 std::ostream& operator<<(std::ostream& out, const NodeText& text);
 
-// Instructions and literal elements, to stand in a template.
+// Instructions and literal elements inside a template.
 const std::vector<NodeText>& bodyPlaces();
-// What stands beside the templates.
+// Top-level elements beside the templates.
 const std::vector<NodeText>& topLevelPlaces();
 // Text of some lengths, CDATA, comment, instruction, reference, elements of every sort, nothing.
 const std::vector<NodeText>& nodeKinds();

@@ -1,5 +1,4 @@
-// The part of process_figures.h that is the same on every system. RGEN_TEST_SLOWNESS says how many
-// times longer a repetition takes in this build.
+// RGEN_TEST_SLOWNESS says how many times longer a repetition takes in this build.
 //
 // SPDX-License-Identifier: MIT
 #include "support/process_figures.h"
@@ -8,8 +7,6 @@
 #include <array>
 #include <cstdio>
 #include <cstdlib>
-
-#include "support/process_environment.h"
 
 namespace rgen_test {
 

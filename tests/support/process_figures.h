@@ -1,5 +1,4 @@
-// What this process holds of the system at the moment, for cases about growth, and how often such
-// cases repeat their loops.
+// For cases about growth: readings of test_platform.h, and how often such cases repeat their loops.
 //
 // SPDX-License-Identifier: MIT
 #ifndef RGEN_TESTS_SUPPORT_PROCESS_FIGURES_H
@@ -9,26 +8,12 @@
 #include <functional>
 #include <string>
 
+#include "support/test_platform.h"
+
 namespace rgen_test {
 
-// Physical memory of this process in bytes, without what its C heap has ready for later: how much
-// that is depends on the last large blocks, and not on what is kept.
-long residentBytes();
-// The middle one of several readings, the action being done before each.
+// The median of several readings of residentBytes(), with the action before each.
 long medianOfResidentBytes(const std::function<void()>& action);
-
-// Grows by one with each descriptor (Linux) or handle (Windows) that is left open.
-long openHandles();
-// How much openHandles() may grow without a leak: locks make a handle of their own when threads
-// first meet at them (Windows).
-extern const long handlesOfLocks;
-
-long threadCount();
-
-// Children of this process that have ended and that nobody has collected. Always 0 on Windows.
-long endedChildren();
-// Children of this process that run or, on Linux, have ended. An ended one has closed its files.
-long allChildren();
 
 // False in sanitizer builds, whose own memory grows with everything that happens.
 extern const bool memoryIsMeasured;

@@ -1,4 +1,4 @@
-// std::regex behind regular_expression.h.
+// Regular expressions by std::regex.
 //
 // SPDX-License-Identifier: MIT
 #include "support/regular_expression.h"

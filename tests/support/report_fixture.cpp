@@ -71,14 +71,14 @@ void ReportTest::putTemplate(const std::string& text, const std::string& format)
 
 void ReportTest::putTemplateFile(const std::string& fileName, const std::string& text,
                                  const std::string& format) {
-    writeFile(folder.dataFile("templates/" + format + "/" + fileName), text);
+    replaceFile(folder.dataFile("templates/" + format + "/" + fileName), text);
 }
 
 void ReportTest::putConfig(const std::string& reportTypes) {
-    writeFile(folder.dataFile("config.xml"),
-              "<?xml version=\"1.0\" encoding=\"UTF-8\"?>\n"
-              "<config><reportTypes>" +
-                  reportTypes + "</reportTypes></config>\n");
+    replaceFile(folder.dataFile("config.xml"),
+                "<?xml version=\"1.0\" encoding=\"UTF-8\"?>\n"
+                "<config><reportTypes>" +
+                    reportTypes + "</reportTypes></config>\n");
 }
 
 std::string ReportTest::generate(InputParams& input) {

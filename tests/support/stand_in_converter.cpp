@@ -1,9 +1,9 @@
-// A program that stands in for the external converter "vellum" in tests. It does what a control
+// A program that replaces the external converter "vellum" in tests. It does what a control
 // file says, whose path it finds in the environment variable STAND_IN_CONTROL. Without a control
 // file it does nothing and succeeds.
 //
 // The control file holds one command a line, a word and its arguments separated by tabs. In every
-// argument "%pid%" stands for the number of the process.
+// argument "%pid%" is replaced by the number of the process.
 //
 //   log FILE           writes how the process was started; the file appears when it is complete
 //   mark FILE          makes an empty file, so that a test sees how far the program has come
@@ -18,8 +18,6 @@
 //   exit CODE          ends with that exit code
 //
 // SPDX-License-Identifier: MIT
-#include "support/stand_in_converter.h"
-
 #include <chrono>
 #include <cstdlib>
 #include <filesystem>
@@ -29,11 +27,15 @@
 #include <thread>
 #include <vector>
 
+#include "support/test_platform.h"
+
 namespace {
 
 using Command = std::vector<std::string>;
 
-// Bounds every wait, so that no process stays behind when a test gives up.
+constexpr const char* controlVariable = "STAND_IN_CONTROL";
+
+// Limits every wait, so that no process stays when a test fails.
 constexpr std::chrono::seconds longestWait{60};
 
 constexpr int exitOfUnknownCommand = 96;
@@ -46,7 +48,7 @@ std::filesystem::path nativePath(const std::string& text) {
 std::string withProcessNumber(std::string text) {
     const std::string variable = "%pid%";
     for (std::size_t at = text.find(variable); at != std::string::npos; at = text.find(variable)) {
-        text.replace(at, variable.size(), std::to_string(stand_in::processNumber()));
+        text.replace(at, variable.size(), std::to_string(rgen_test::processNumber()));
     }
     return text;
 }
@@ -70,7 +72,7 @@ void writeLog(const std::string& path) {
     const std::string unfinished = path + ".unfinished";
     {
         std::ofstream file(nativePath(unfinished), std::ios::binary);
-        stand_in::describeProcess(file);
+        rgen_test::describeProcess(file);
     }
     std::filesystem::rename(nativePath(unfinished), nativePath(path));
 }
@@ -110,23 +112,20 @@ bool obeyCommand(const Command& command, std::list<std::fstream>& openFiles, int
     } else if (word == "copy") {
         copyFile(command[1], command[2]);
     } else if (word == "background") {
-        stand_in::obeyInBackground(command[1]);
+        rgen_test::setEnvironmentText(controlVariable, command[1]);
+        rgen_test::startThisProgramAgain();
     } else if (word == "await") {
         exitCode = waitUntilExists(command[1]) ? EXIT_SUCCESS : exitOfEndlessWait;
     } else if (word == "ignore-signals") {
-        stand_in::ignoreSignals();
+        rgen_test::ignoreSignals();
     } else if (word == "crash") {
-        stand_in::crash();
+        rgen_test::crash();
     } else {
         exitCode = word == "exit" ? std::atoi(command[1].c_str()) : exitOfUnknownCommand;
         return false;
     }
     return exitCode == EXIT_SUCCESS;
 }
-
-}  // namespace
-
-namespace stand_in {
 
 int obey(const std::string& controlPath) {
     std::list<std::fstream> openFiles;
@@ -137,9 +136,9 @@ int obey(const std::string& controlPath) {
     return exitCode;
 }
 
-}  // namespace stand_in
+}  // namespace
 
 int main() {
-    const std::string controlPath = stand_in::controlFilePath();
-    return controlPath.empty() ? EXIT_SUCCESS : stand_in::obey(controlPath);
+    const std::string controlPath = rgen_test::environmentText(controlVariable);
+    return controlPath.empty() ? EXIT_SUCCESS : obey(controlPath);
 }

@@ -11,7 +11,7 @@
 
 namespace rgen_test {
 
-// Eight upper-case hexadecimal digits behind "0x". Compare statuses through it:
+// "0x" and eight upper-case hexadecimal digits. Compare statuses through it:
 // EXPECT_EQ(statusHex(RGEN_OK), statusHex(rgen_setDataDirPath(...))).
 inline std::string statusHex(RgenStatus status) {
     static const char digits[] = "0123456789ABCDEF";

@@ -105,6 +105,12 @@ void writeFile(const std::string& path, const std::string& bytes) {
     }
 }
 
+void replaceFile(const std::string& path, const std::string& bytes) {
+    std::error_code ignored;
+    fs::remove(toPath(path), ignored);
+    writeFile(path, bytes);
+}
+
 void createFolder(const std::string& path) {
     std::error_code error;
     fs::create_directories(toPath(path), error);

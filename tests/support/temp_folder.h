@@ -44,8 +44,11 @@ bool isFolder(const std::string& path);
 
 // The bytes of a file; a file that cannot be read fails the test and gives the empty text.
 std::string readFile(const std::string& path);
-// Writes a file as it stands (no line end translation); missing folders above it are created.
+// Writes exactly these bytes (no line end translation); missing folders above it are created.
 void writeFile(const std::string& path, const std::string& bytes);
+// The same for a file that may exist: a new one takes its place, since ext4 writes a file that was
+// emptied to the disk when it is closed, which takes milliseconds.
+void replaceFile(const std::string& path, const std::string& bytes);
 // Creates a folder and the missing ones above it.
 void createFolder(const std::string& path);
 // Removes a file or a folder with all that is in it; nothing happens when there is none.

@@ -38,7 +38,7 @@ void UnitTest::putConfig() {
 
 std::string UnitTest::putTemplate(const std::string& text, const std::string& format) {
     const std::string path = folder.dataFile("templates/" + format + "/test_stylesheet.xsl");
-    writeFile(path, text);
+    replaceFile(path, text);
     return path;
 }
 

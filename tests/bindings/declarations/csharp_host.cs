@@ -69,7 +69,7 @@ internal static partial class CSharpHost
         throw new Exception("no " + typeof(TException).Name + " was raised");
     }
 
-    /// <summary>What is raised is this or derived from it.</summary>
+    /// <summary>The base class of all thrown exceptions.</summary>
     private static void StatusRaised(int status, Action action)
     {
         StatusException exception = Raised<StatusException>(action);

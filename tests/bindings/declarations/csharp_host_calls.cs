@@ -95,7 +95,7 @@ internal static partial class CSharpHost
                 () => generator.GenerateBytes(request)).Message);
             Equal(1, calls);
             Raised<InvalidOperationException>(() => generator.GenerateOpenFile(request, "x.txt"));
-            // What one generator's translator raises does not reach the translator of another.
+            // An exception in the translator of one generator does not reach that of another.
             inner.SetTranslator(text => "a\0b");
             generator.SetTranslator(text =>
             {

@@ -40,7 +40,7 @@ CONFIGURATION = cli_templates.configuration([
     ("listing.xsl", TYPE, "persistent.xml"),
     ("none.xsl", "11111111-2222-3333-4444-555555555555", "persistent.xml"),
     ("attribute.xsl", "22222222-3333-4444-5555-666666666666", "persistent.xml")])
-# The marked text stands in an attribute, between single quotes.
+# The marked text is in an attribute, between single quotes.
 ATTRIBUTE = cli_templates.stylesheet(
     "<p lang='QT_TRANSLATE_NOOP(\"QObject\", \"en\")'/>", "html")
 CONVERSIONS = {

@@ -99,7 +99,7 @@ pub fn check_raising_translator() {
     assert_eq!("on purpose", panic_of(|| generator.generate_open_file(&one(), "x.txt")));
     generator.set_markup_translator(|_| "a&nbsp;b".to_string());
     assert!(panic_of(|| generator.generate_bytes(&one())).contains("unknown reference"));
-    // What one generator's translator raises does not reach the translator of another.
+    // A panic in the translator of one generator does not reach that of another.
     let mut inner = open();
     inner.set_translator(|_| "a\0b".to_string());
     generator.set_translator(move |text| {

@@ -3,9 +3,8 @@
 
 #include <gtest/gtest.h>
 
-#include "robustness/soak/child_host.h"
-#include "support/process_environment.h"
 #include "support/temp_folder.h"
+#include "support/test_platform.h"
 
 namespace rgen_test {
 namespace {

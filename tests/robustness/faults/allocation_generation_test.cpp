@@ -7,13 +7,13 @@
 
 #include "memory/pool_scope.h"
 #include "robustness/faults/allocation_sweep.h"
-#include "robustness/faults/point_count.h"
-#include "robustness/faults/process_state.h"
+#include "robustness/faults/sweep_report.h"
+#include "support/test_platform.h"
 
 namespace rgen_test {
 namespace {
 
-// Where a pool stands between the XML libraries and the C heap, there are fewer calls to fail.
+// Where the XML libraries allocate from a pool, fewer calls can fail.
 [[maybe_unused]] const bool isRequired =
     requirePoints("allocation_points", rgen::memory::poolsAreUsed ? 1000 : 3000);
 

@@ -7,8 +7,8 @@
 #include <cstdint>
 #include <string>
 
-#include "robustness/faults/allocation_faults.h"
 #include "robustness/faults/allocation_sweep.h"
+#include "support/allocation_faults.h"
 
 namespace rgen_test {
 namespace {
@@ -53,7 +53,7 @@ FaultScenario namedValue(const std::string& name) {
     return scenario;
 }
 
-// Without its text or bytes it gives 0, and the rest of the record stands.
+// Without its text or bytes the result is 0, and the rest of the record is filled.
 FaultScenario namedBuffer(const std::string& name, const std::string& typeAndHint) {
     FaultScenario scenario = namedValue(name);
     scenario.failures = {0};

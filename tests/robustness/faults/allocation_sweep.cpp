@@ -7,11 +7,11 @@
 #include <system_error>
 #include <utility>
 
-#include "robustness/faults/allocation_faults.h"
-#include "robustness/faults/process_state.h"
 #include "robustness/faults/sweep_report.h"
+#include "support/allocation_faults.h"
 #include "support/console_capture.h"
 #include "support/status_printer.h"
+#include "support/test_platform.h"
 
 namespace rgen_test {
 namespace {
@@ -39,7 +39,7 @@ public:
         : files_(files), scenario_(scenario) {}
 
     void run() {
-        raiseWithoutMemory();
+        throwWithoutMemory();
         for (int warmUp = 0; warmUp < 2; ++warmUp)
             runGoodCall();
         for (const FailureForm form : {FailureForm::One, FailureForm::AllFrom}) {
@@ -64,7 +64,7 @@ public:
 private:
     // What C++ keeps for exceptions without memory has a lock, which on Windows is made when it is
     // first used, and that needs memory.
-    static void raiseWithoutMemory() {
+    static void throwWithoutMemory() {
         try {
             const FailingAllocation first(1);
             throw std::bad_alloc();
@@ -83,7 +83,7 @@ private:
         take(subject, good_);
         if (!subject.works()) problem("no report can be made after a good call");
         names_ = namesIn(files_.folder().path());
-        if (good_.ending != Ending::Status) problem("the call without a failure raises");
+        if (good_.ending != Ending::Status) problem("the call without a failure throws");
     }
 
     void runPoint(std::size_t number, FailureForm form) {

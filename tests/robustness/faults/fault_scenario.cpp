@@ -7,7 +7,7 @@
 #include <utility>
 
 #include "report_generator.h"
-#include "robustness/faults/process_state.h"
+#include "support/test_platform.h"
 
 namespace rgen_test {
 namespace {
@@ -46,11 +46,11 @@ FaultFolder::FaultFolder() {
 }
 
 void FaultFolder::putTemplate(const std::string& text, const std::string& format) const {
-    writeFile(file("main/.rgen/templates/" + format + "/test_stylesheet.xsl"), text);
+    replaceFile(file("main/.rgen/templates/" + format + "/test_stylesheet.xsl"), text);
 }
 
 void FaultFolder::putPersistentData() const {
-    writeFile(file("main/.rgen/persist_data.xml"), persistentData);
+    replaceFile(file("main/.rgen/persist_data.xml"), persistentData);
 }
 
 FaultSubject::FaultSubject(const FaultFolder& faultFolder, const std::string& dataDirectory)
@@ -79,6 +79,13 @@ std::string takeBytes(FaultSubject& subject) {
         const RgenByteArray& bytes = subject.result.value.byteArrayValue;
         text.assign(bytes.data, bytes.data + bytes.size);
     }
+    rgen_freeRgenCVariant(&subject.result);
+    return text;
+}
+
+std::string takeHandle(FaultSubject& subject) {
+    if (subject.result.type != RGEN_TYPE_HANDLE) return {};
+    std::string text = takeDeliveredFile(subject.result.value.handleValue);
     rgen_freeRgenCVariant(&subject.result);
     return text;
 }

@@ -59,17 +59,17 @@ private:
 
 struct FaultScenario {
     std::string name;
-    // The files in front of each call; may be empty.
+    // Puts the files before each call; may be empty.
     std::function<void(const FaultFolder&)> arrange;
     // The arguments; may be empty.
     std::function<void(FaultSubject&)> prepare;
     // The call itself, and nothing else. Its number is a status, or a result that counts as one.
     std::function<RgenStatus(FaultSubject&)> call;
-    // Everything that the call gave, as lines of text; also releases it. May be empty.
+    // Everything that the call returned, as lines of text; also releases it. May be empty.
     std::function<std::string(FaultSubject&)> take;
     // The failures that the call documents and that a fault can cause.
     std::vector<RgenStatus> failures;
-    // What may be there after a failure.
+    // The results that are allowed after a failure.
     std::vector<std::string> productsOfFailure = {""};
     // The product may lack lines.
     bool mayLoseLines = false;
@@ -77,7 +77,7 @@ struct FaultScenario {
 
 // Mode 2: the bytes of the result.
 std::string takeBytes(FaultSubject& subject);
-// Mode 1: what stands in the file behind the handle, which is closed.
+// Mode 1: what the file of the handle holds, see takeDeliveredFile(); the handle is closed.
 std::string takeHandle(FaultSubject& subject);
 // The whole file of that name in the subject's folder, which is removed; "missing" without one.
 std::function<std::string(FaultSubject&)> takeFile(const std::string& name);

@@ -17,9 +17,9 @@
 #include <thread>
 #include <vector>
 
-#include "robustness/faults/allocation_faults.h"
 #include "robustness/faults/fault_scenario.h"
-#include "robustness/faults/point_count.h"
+#include "robustness/faults/sweep_report.h"
+#include "support/allocation_faults.h"
 
 namespace rgen_test {
 namespace {
@@ -30,8 +30,8 @@ struct FirstCall {
     // True for an outcome that the call documents. Exceptions other than std::bad_alloc end the
     // child.
     std::function<bool()> call;
-    bool mayRaise = false;
-    // Nothing is the first of its kind behind this one.
+    bool mayThrow = false;
+    // Later allocations are not made for the first time.
     std::size_t lastAllocation = static_cast<std::size_t>(-1);
     // What the child does before; may be empty.
     std::function<void()> prepare;
@@ -108,7 +108,7 @@ private:
             isRight = first.call();
             count = failure.count();
         } catch (const std::bad_alloc&) {
-            isRight = first.mayRaise;
+            isRight = first.mayThrow;
             count = number;
         }
         if (count < number) return Verdict::NotReached;
@@ -148,7 +148,7 @@ TEST_F(FirstCalls, NewReportGenerator) {
 // The XML libraries keep something for each thread.
 TEST_F(FirstCalls, ReportOnAnotherThread) {
     FirstCall first;
-    first.mayRaise = true;
+    first.mayThrow = true;
     first.lastAllocation = 80;
     const std::string path = files.file("plain");
     const RgenGuid guid = defaultGuid();
@@ -186,7 +186,7 @@ TEST_F(FirstCalls, SimulatedInput) {
               "<data><properties><property name=\"n\" type=\"int64\" hint=\"Size\">1</property>"
               "</properties></data>");
     FirstCall first;
-    first.mayRaise = true;
+    first.mayThrow = true;
     first.call = [this] {
         const std::string path = files.file("in.xml");
         RgenReportGenerator* generator = rgen_newReportGenerator();

@@ -18,7 +18,7 @@
 namespace rgen_test {
 namespace {
 
-// It asks for an extension, so that whoever compiles it looks into libxslt's table of these.
+// It uses an extension element, so that compiling it reads libxslt's table of extensions.
 const char* const stylesheetText =
     "<xsl:stylesheet version=\"1.0\" xmlns:xsl=\"http://www.w3.org/1999/XSL/Transform\""
     " xmlns:q=\"urn:q\" extension-element-prefixes=\"q\"><xsl:output method=\"text\"/>"
@@ -60,8 +60,8 @@ bool twoReportsAreRight(const TempFolder& folder) {
     return isOneRight && isOtherRight;
 }
 
-// What the XML libraries make at their first use is made before the threads use it. The thread
-// sanitizer ends a child that does otherwise.
+// What the XML libraries initialise on first use is initialised before the threads use it. The thread
+// sanitizer ends a child in which it is not.
 TEST(FirstReports, OfTwoThreadsMayBeMadeAtOnce) {
     const TempFolder folder;
     writeFile(folder.dataFile("templates/html/test_stylesheet.xsl"), stylesheetText);

@@ -1,4 +1,4 @@
-// Files that somebody else holds open or that are read-only, and folders in the place of files,
+// Files that another program holds open or that are read-only, and folders in the place of files,
 // where no other suite looks: templates, temporary files, simulated input and attributes.
 //
 // SPDX-License-Identifier: MIT

@@ -1,5 +1,5 @@
-// The functions that stand in front of the C library's. Each is given the name by which callers
-// look for it, and finds the next one of that name behind it.
+// The functions that replace the C library's. Each has the name by which callers look for it, and
+// finds the next function of that name, the C library's own, at run time.
 //
 // SPDX-License-Identifier: MIT
 #include "robustness/faults/io_faults_posix.h"
@@ -14,7 +14,7 @@
 #include <cstdio>
 #include <cstring>
 
-#include "robustness/faults/process_state.h"
+#include "support/test_platform.h"
 
 namespace rgen_test {
 namespace {
@@ -55,10 +55,8 @@ int noted(int descriptor, bool isOpen) {
 }
 
 bool countsAsFailure(IoCall call) {
-    const std::size_t count = ++watch.counts.at(static_cast<std::size_t>(call));
-    const IoFault& fault = watch.fault;
-    if (fault.call != call || fault.number == 0 || count < fault.number) return false;
-    return fault.form == FailureForm::AllFrom || count == fault.number;
+    ++watch.counts.at(static_cast<std::size_t>(call));
+    return watch.fault.call == call && failsNow(Call::FileOperation);
 }
 
 // For calls that cannot be short.
@@ -70,7 +68,7 @@ bool fails(IoCall call, Target target) {
 }
 
 template <typename Function>
-Function behind(Function /*itself*/, const char* name) {
+Function next(Function /*itself*/, const char* name) {
     return reinterpret_cast<Function>(dlsym(RTLD_NEXT, name));
 }
 
@@ -82,201 +80,202 @@ mode_t modeOf(int flags, std::va_list& arguments) {
 
 extern "C" {
 
-int frontOpen(const char* path, int flags, ...) __asm__("open");
-int frontOpen64(const char* path, int flags, ...) __asm__("open64");
-int frontOpenAt(int folder, const char* path, int flags, ...) __asm__("openat");
-int frontOpenAt64(int folder, const char* path, int flags, ...) __asm__("openat64");
-int frontDup(int descriptor) __asm__("dup");
-FILE* frontFopen(const char* path, const char* mode) __asm__("fopen");
-FILE* frontFopen64(const char* path, const char* mode) __asm__("fopen64");
-ssize_t frontRead(int descriptor, void* bytes, std::size_t size) __asm__("read");
-ssize_t frontWrite(int descriptor, const void* bytes, std::size_t size) __asm__("write");
-ssize_t frontReadv(int descriptor, const iovec* parts, int count) __asm__("readv");
-ssize_t frontWritev(int descriptor, const iovec* parts, int count) __asm__("writev");
-int frontClose(int descriptor) __asm__("close");
-int frontFclose(FILE* file) __asm__("fclose");
-int frontUnlink(const char* path) __asm__("unlink");
-int frontUnlinkAt(int folder, const char* path, int flags) __asm__("unlinkat");
-int frontRmdir(const char* path) __asm__("rmdir");
-int frontRemove(const char* path) __asm__("remove");
-int frontMkdir(const char* path, mode_t mode) __asm__("mkdir");
-int frontStat(const char* path, struct stat* information) __asm__("stat");
-int frontStat64(const char* path, struct stat* information) __asm__("stat64");
-int frontLstat(const char* path, struct stat* information) __asm__("lstat");
-int frontLstat64(const char* path, struct stat* information) __asm__("lstat64");
-int frontFstat(int descriptor, struct stat* information) __asm__("fstat");
-int frontFstat64(int descriptor, struct stat* information) __asm__("fstat64");
-int frontStatx(int folder, const char* path, int flags, unsigned mask,
-               void* information) __asm__("statx");
-off_t frontSeek(int descriptor, off_t offset, int origin) __asm__("lseek");
-off_t frontSeek64(int descriptor, off_t offset, int origin) __asm__("lseek64");
+int replacedOpen(const char* path, int flags, ...) __asm__("open");
+int replacedOpen64(const char* path, int flags, ...) __asm__("open64");
+int replacedOpenAt(int folder, const char* path, int flags, ...) __asm__("openat");
+int replacedOpenAt64(int folder, const char* path, int flags, ...) __asm__("openat64");
+int replacedDup(int descriptor) __asm__("dup");
+FILE* replacedFopen(const char* path, const char* mode) __asm__("fopen");
+FILE* replacedFopen64(const char* path, const char* mode) __asm__("fopen64");
+ssize_t replacedRead(int descriptor, void* bytes, std::size_t size) __asm__("read");
+ssize_t replacedWrite(int descriptor, const void* bytes, std::size_t size) __asm__("write");
+ssize_t replacedReadv(int descriptor, const iovec* parts, int count) __asm__("readv");
+ssize_t replacedWritev(int descriptor, const iovec* parts, int count) __asm__("writev");
+int replacedClose(int descriptor) __asm__("close");
+int replacedFclose(FILE* file) __asm__("fclose");
+int replacedUnlink(const char* path) __asm__("unlink");
+int replacedUnlinkAt(int folder, const char* path, int flags) __asm__("unlinkat");
+int replacedRmdir(const char* path) __asm__("rmdir");
+int replacedRemove(const char* path) __asm__("remove");
+int replacedMkdir(const char* path, mode_t mode) __asm__("mkdir");
+int replacedStat(const char* path, struct stat* information) __asm__("stat");
+int replacedStat64(const char* path, struct stat* information) __asm__("stat64");
+int replacedLstat(const char* path, struct stat* information) __asm__("lstat");
+int replacedLstat64(const char* path, struct stat* information) __asm__("lstat64");
+int replacedFstat(int descriptor, struct stat* information) __asm__("fstat");
+int replacedFstat64(int descriptor, struct stat* information) __asm__("fstat64");
+int replacedStatx(int folder, const char* path, int flags, unsigned mask,
+                  void* information) __asm__("statx");
+off_t replacedSeek(int descriptor, off_t offset, int origin) __asm__("lseek");
+off_t replacedSeek64(int descriptor, off_t offset, int origin) __asm__("lseek64");
 
-int frontOpen(const char* path, int flags, ...) {
+int replacedOpen(const char* path, int flags, ...) {
     std::va_list arguments;
     va_start(arguments, flags);
     const mode_t mode = modeOf(flags, arguments);
     va_end(arguments);
     if (fails(IoCall::Open, path)) return -1;
-    return noted(behind(frontOpen, "open")(path, flags, mode), isWatched(path));
+    return noted(next(replacedOpen, "open")(path, flags, mode), isWatched(path));
 }
 
-int frontOpen64(const char* path, int flags, ...) {
+int replacedOpen64(const char* path, int flags, ...) {
     std::va_list arguments;
     va_start(arguments, flags);
     const mode_t mode = modeOf(flags, arguments);
     va_end(arguments);
-    return frontOpen(path, flags | O_LARGEFILE, mode);
+    return replacedOpen(path, flags | O_LARGEFILE, mode);
 }
 
-int frontOpenAt(int folder, const char* path, int flags, ...) {
+int replacedOpenAt(int folder, const char* path, int flags, ...) {
     std::va_list arguments;
     va_start(arguments, flags);
     const mode_t mode = modeOf(flags, arguments);
     va_end(arguments);
     if (fails(IoCall::Open, path)) return -1;
-    return noted(behind(frontOpenAt, "openat")(folder, path, flags, mode), isWatched(path));
+    return noted(next(replacedOpenAt, "openat")(folder, path, flags, mode), isWatched(path));
 }
 
-int frontOpenAt64(int folder, const char* path, int flags, ...) {
+int replacedOpenAt64(int folder, const char* path, int flags, ...) {
     std::va_list arguments;
     va_start(arguments, flags);
     const mode_t mode = modeOf(flags, arguments);
     va_end(arguments);
-    return frontOpenAt(folder, path, flags | O_LARGEFILE, mode);
+    return replacedOpenAt(folder, path, flags | O_LARGEFILE, mode);
 }
 
 // A second number for an open file counts as opening one.
-int frontDup(int descriptor) {
+int replacedDup(int descriptor) {
     if (fails(IoCall::Open, descriptor)) return -1;
-    return noted(behind(frontDup, "dup")(descriptor), isWatched(descriptor));
+    return noted(next(replacedDup, "dup")(descriptor), isWatched(descriptor));
 }
 
-FILE* frontFopen(const char* path, const char* mode) {
+FILE* replacedFopen(const char* path, const char* mode) {
     if (fails(IoCall::Open, path)) return nullptr;
-    FILE* file = behind(frontFopen, "fopen")(path, mode);
+    FILE* file = next(replacedFopen, "fopen")(path, mode);
     if (file != nullptr) noted(fileno(file), isWatched(path));
     return file;
 }
 
-FILE* frontFopen64(const char* path, const char* mode) {
-    return frontFopen(path, mode);
+FILE* replacedFopen64(const char* path, const char* mode) {
+    return replacedFopen(path, mode);
 }
 
-ssize_t frontRead(int descriptor, void* bytes, std::size_t size) {
-    const auto next = behind(frontRead, "read");
+ssize_t replacedRead(int descriptor, void* bytes, std::size_t size) {
+    const auto original = next(replacedRead, "read");
     if (!isWatched(descriptor) || !countsAsFailure(IoCall::Read))
-        return next(descriptor, bytes, size);
-    if (watch.fault.error == shortCount) return next(descriptor, bytes, (size + 1) / 2);
+        return original(descriptor, bytes, size);
+    if (watch.fault.error == shortCount) return original(descriptor, bytes, (size + 1) / 2);
     errno = watch.fault.error;
     return -1;
 }
 
-ssize_t frontWrite(int descriptor, const void* bytes, std::size_t size) {
-    const auto next = behind(frontWrite, "write");
+ssize_t replacedWrite(int descriptor, const void* bytes, std::size_t size) {
+    const auto original = next(replacedWrite, "write");
     if (!isWatched(descriptor) || !countsAsFailure(IoCall::Write))
-        return next(descriptor, bytes, size);
-    if (watch.fault.error == shortCount) return next(descriptor, bytes, (size + 1) / 2);
+        return original(descriptor, bytes, size);
+    if (watch.fault.error == shortCount) return original(descriptor, bytes, (size + 1) / 2);
     errno = watch.fault.error;
     return -1;
 }
 
 // A short one takes the first part alone.
-ssize_t frontReadv(int descriptor, const iovec* parts, int count) {
-    const auto next = behind(frontReadv, "readv");
+ssize_t replacedReadv(int descriptor, const iovec* parts, int count) {
+    const auto original = next(replacedReadv, "readv");
     if (!isWatched(descriptor) || !countsAsFailure(IoCall::Read))
-        return next(descriptor, parts, count);
-    if (watch.fault.error == shortCount) return next(descriptor, parts, 1);
+        return original(descriptor, parts, count);
+    if (watch.fault.error == shortCount) return original(descriptor, parts, 1);
     errno = watch.fault.error;
     return -1;
 }
 
-ssize_t frontWritev(int descriptor, const iovec* parts, int count) {
-    const auto next = behind(frontWritev, "writev");
+ssize_t replacedWritev(int descriptor, const iovec* parts, int count) {
+    const auto original = next(replacedWritev, "writev");
     if (!isWatched(descriptor) || !countsAsFailure(IoCall::Write))
-        return next(descriptor, parts, count);
-    if (watch.fault.error == shortCount) return next(descriptor, parts, 1);
+        return original(descriptor, parts, count);
+    if (watch.fault.error == shortCount) return original(descriptor, parts, 1);
     errno = watch.fault.error;
     return -1;
 }
 
 // A close that fails has closed all the same, as on Linux.
-int frontClose(int descriptor) {
+int replacedClose(int descriptor) {
     const bool failing = fails(IoCall::Close, descriptor);
     noted(descriptor, false);
-    const int result = behind(frontClose, "close")(descriptor);
+    const int result = next(replacedClose, "close")(descriptor);
     if (!failing) return result;
     errno = watch.fault.error;
     return -1;
 }
 
-int frontFclose(FILE* file) {
+int replacedFclose(FILE* file) {
     const int descriptor = fileno(file);
     const bool failing = fails(IoCall::Close, descriptor);
     noted(descriptor, false);
-    const int result = behind(frontFclose, "fclose")(file);
+    const int result = next(replacedFclose, "fclose")(file);
     if (!failing) return result;
     errno = watch.fault.error;
     return EOF;
 }
 
-int frontUnlink(const char* path) {
-    return fails(IoCall::Remove, path) ? -1 : behind(frontUnlink, "unlink")(path);
+int replacedUnlink(const char* path) {
+    return fails(IoCall::Remove, path) ? -1 : next(replacedUnlink, "unlink")(path);
 }
 
-int frontUnlinkAt(int folder, const char* path, int flags) {
+int replacedUnlinkAt(int folder, const char* path, int flags) {
     return fails(IoCall::Remove, path) ? -1
-                                       : behind(frontUnlinkAt, "unlinkat")(folder, path, flags);
+                                       : next(replacedUnlinkAt, "unlinkat")(folder, path, flags);
 }
 
-int frontRmdir(const char* path) {
-    return fails(IoCall::Remove, path) ? -1 : behind(frontRmdir, "rmdir")(path);
+int replacedRmdir(const char* path) {
+    return fails(IoCall::Remove, path) ? -1 : next(replacedRmdir, "rmdir")(path);
 }
 
-int frontRemove(const char* path) {
-    return fails(IoCall::Remove, path) ? -1 : behind(frontRemove, "remove")(path);
+int replacedRemove(const char* path) {
+    return fails(IoCall::Remove, path) ? -1 : next(replacedRemove, "remove")(path);
 }
 
-int frontMkdir(const char* path, mode_t mode) {
-    return fails(IoCall::MakeFolder, path) ? -1 : behind(frontMkdir, "mkdir")(path, mode);
+int replacedMkdir(const char* path, mode_t mode) {
+    return fails(IoCall::MakeFolder, path) ? -1 : next(replacedMkdir, "mkdir")(path, mode);
 }
 
-int frontStat(const char* path, struct stat* information) {
-    return fails(IoCall::Look, path) ? -1 : behind(frontStat, "stat")(path, information);
+int replacedStat(const char* path, struct stat* information) {
+    return fails(IoCall::Look, path) ? -1 : next(replacedStat, "stat")(path, information);
 }
 
-int frontStat64(const char* path, struct stat* information) {
-    return frontStat(path, information);
+int replacedStat64(const char* path, struct stat* information) {
+    return replacedStat(path, information);
 }
 
-int frontLstat(const char* path, struct stat* information) {
-    return fails(IoCall::Look, path) ? -1 : behind(frontLstat, "lstat")(path, information);
+int replacedLstat(const char* path, struct stat* information) {
+    return fails(IoCall::Look, path) ? -1 : next(replacedLstat, "lstat")(path, information);
 }
 
-int frontLstat64(const char* path, struct stat* information) {
-    return frontLstat(path, information);
+int replacedLstat64(const char* path, struct stat* information) {
+    return replacedLstat(path, information);
 }
 
-int frontFstat(int descriptor, struct stat* information) {
+int replacedFstat(int descriptor, struct stat* information) {
     return fails(IoCall::Look, descriptor) ? -1
-                                           : behind(frontFstat, "fstat")(descriptor, information);
+                                           : next(replacedFstat, "fstat")(descriptor, information);
 }
 
-int frontFstat64(int descriptor, struct stat* information) {
-    return frontFstat(descriptor, information);
+int replacedFstat64(int descriptor, struct stat* information) {
+    return replacedFstat(descriptor, information);
 }
 
-int frontStatx(int folder, const char* path, int flags, unsigned mask, void* information) {
+int replacedStatx(int folder, const char* path, int flags, unsigned mask, void* information) {
     if (fails(IoCall::Look, path)) return -1;
-    return behind(frontStatx, "statx")(folder, path, flags, mask, information);
+    return next(replacedStatx, "statx")(folder, path, flags, mask, information);
 }
 
-off_t frontSeek(int descriptor, off_t offset, int origin) {
-    return fails(IoCall::Seek, descriptor) ? -1
-                                           : behind(frontSeek, "lseek")(descriptor, offset, origin);
+off_t replacedSeek(int descriptor, off_t offset, int origin) {
+    return fails(IoCall::Seek, descriptor)
+               ? -1
+               : next(replacedSeek, "lseek")(descriptor, offset, origin);
 }
 
-off_t frontSeek64(int descriptor, off_t offset, int origin) {
-    return frontSeek(descriptor, offset, origin);
+off_t replacedSeek64(int descriptor, off_t offset, int origin) {
+    return replacedSeek(descriptor, offset, origin);
 }
 
 }  // extern "C"
@@ -287,7 +286,8 @@ const char* nameOf(IoCall call) {
     return names.at(static_cast<std::size_t>(call));
 }
 
-FailingIo::FailingIo(const std::string& folder, const IoFault& fault) {
+FailingIo::FailingIo(const std::string& folder, const IoFault& fault)
+    : FailingCall({Call::FileOperation}, fault.number, fault.form) {
     watch.thread = callingThread();
     watch.fault = fault;
     watch.folderLength = folder.copy(watch.folder.data(), watch.folder.size());

@@ -1,9 +1,9 @@
 // Makes chosen file operations fail.
 //
-// The test program defines the C library's functions that open, read, write, close, remove, make
-// and look at files. So they stand in front of the C library's own for everybody in the process:
-// the library's objects, the static libraries and libstdc++.so. Calls for the watched folder, on
-// the thread that made the object, are counted; all others are passed on.
+// The test program defines the C library's functions that open, read, write, close, remove, create
+// and examine files. They replace the C library's own for the whole process: the library's objects,
+// the static libraries and libstdc++.so. Calls for the watched folder, on the thread that made the
+// object, are counted; all others are passed on.
 //
 // SPDX-License-Identifier: MIT
 #ifndef RGEN_TESTS_FAULTS_IO_FAULTS_POSIX_H
@@ -13,7 +13,7 @@
 #include <cstddef>
 #include <string>
 
-#include "robustness/faults/allocation_faults.h"
+#include "support/fault_injection.h"
 
 namespace rgen_test {
 
@@ -33,9 +33,9 @@ struct IoFault {
     FailureForm form = FailureForm::One;
 };
 
-// While it lives, calls for what lies below `folder` are counted and one of them fails. One object
-// at a time.
-class FailingIo {
+// While it lives, calls for what is inside `folder` are counted and one of them fails. One object at
+// a time.
+class FailingIo : public FailingCall {
 public:
     FailingIo(const std::string& folder, const IoFault& fault);
     ~FailingIo();

@@ -6,7 +6,7 @@
 #include <string>
 
 #include "robustness/faults/io_sweep_posix.h"
-#include "robustness/faults/point_count.h"
+#include "robustness/faults/sweep_report.h"
 #include "support/converter_control.h"
 
 namespace rgen_test {
@@ -92,7 +92,7 @@ TEST_F(FailingFileOperations, ReportAsFile) {
     };
     scenario.base.take = takeFile("report");
     scenario.base.productsOfFailure = {"missing", "old"};
-    // A full disk goes unnoticed.
+    // A full disk is not noticed.
     scenario.mayMake = [](const IoFault& fault, const std::string& whole,
                           const std::string& product) {
         return isCut(fault, whole, product) || lacksStoredValues(fault, whole, product);

@@ -8,16 +8,16 @@
 #include <cstring>
 #include <vector>
 
-#include "robustness/faults/process_state.h"
 #include "robustness/faults/sweep_report.h"
 #include "support/console_capture.h"
 #include "support/status_printer.h"
+#include "support/test_platform.h"
 
 namespace rgen_test {
 namespace {
 
 struct Attempt {
-    bool raised = false;
+    bool threw = false;
     RgenStatus status = RGEN_OK;
     std::string product;
 };
@@ -58,7 +58,7 @@ private:
             counts_.at(kind) = counting.count(static_cast<IoCall>(kind));
         take(subject, good_);
         names_ = namesIn(files_.folder().path());
-        if (good_.raised) problem("the call without a failure raises");
+        if (good_.threw) problem("the call without a failure throws");
     }
 
     void runFaults(IoCall kind, std::size_t number) {
@@ -80,7 +80,7 @@ private:
                  (fault.error == shortCount ? "short" : std::strerror(fault.error));
         if (scenario_.base.arrange) scenario_.base.arrange(files_);
         const long printedBefore = printedBytes();
-        const std::size_t openBefore = openDescriptors();
+        const long openBefore = openHandles();
         FaultSubject subject(files_);
         if (scenario_.base.prepare) scenario_.base.prepare(subject);
         Attempt attempt;
@@ -93,7 +93,7 @@ private:
         take(subject, attempt);
         if (count < fault.number) problem("is not reached");
         judge(fault, attempt);
-        if (openDescriptors() != openBefore) problem("a descriptor stays open");
+        if (openHandles() != openBefore) problem("a descriptor stays open");
         checkNextCall(subject);
         if (printedBytes() != printedBefore) problem("something is printed");
     }
@@ -102,7 +102,7 @@ private:
         Attempt again;
         call(subject, again);
         take(subject, again);
-        if (again.raised || again.status != good_.status || again.product != good_.product)
+        if (again.threw || again.status != good_.status || again.product != good_.product)
             problem("the next call gives " + describe(again));
         if (!subject.works()) problem("no report can be made afterwards");
     }
@@ -111,7 +111,7 @@ private:
         try {
             attempt.status = scenario_.base.call(subject);
         } catch (const boost::filesystem::filesystem_error&) {
-            attempt.raised = true;
+            attempt.threw = true;
         }
     }
 
@@ -120,14 +120,14 @@ private:
     }
 
     void judge(const IoFault& fault, const Attempt& attempt) {
-        const bool failed = attempt.raised || attempt.status != good_.status;
+        const bool failed = attempt.threw || attempt.status != good_.status;
         // A signal or a short count in the middle of the bytes loses nothing.
         const bool mustSucceed =
             fault.call == IoCall::Write && (fault.error == EINTR || fault.error == shortCount);
         bool isRight = attempt.product == good_.product;
         if (failed) {
-            const bool isDocumented = attempt.raised
-                                          ? scenario_.mayRaise
+            const bool isDocumented = attempt.threw
+                                          ? scenario_.mayThrow
                                           : contains(scenario_.base.failures, attempt.status);
             isRight = isDocumented && !mustSucceed &&
                       (fault.call == IoCall::Remove ||
@@ -145,7 +145,7 @@ private:
     }
 
     static std::string describe(const Attempt& attempt) {
-        const std::string ending = attempt.raised ? "an exception" : statusHex(attempt.status);
+        const std::string ending = attempt.threw ? "an exception" : statusHex(attempt.status);
         return ending + " and \"" + attempt.product + "\"";
     }
 

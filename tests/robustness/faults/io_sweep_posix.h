@@ -13,12 +13,12 @@ namespace rgen_test {
 
 struct IoScenario {
     FaultScenario base;
-    // True when a call that says it succeeded may have made `product` instead of `whole`, because
-    // of that fault; with nothing here it may not.
+    // True when a successful call may have made `product` instead of `whole` because of that fault;
+    // empty when no fault allows that.
     std::function<bool(const IoFault&, const std::string& whole, const std::string& product)>
         mayMake;
     // Failures of the file system that the call documents as exceptions.
-    bool mayRaise = true;
+    bool mayThrow = true;
 };
 
 // Counts the file operations of a good call; then lets each of them fail in each way. Every time

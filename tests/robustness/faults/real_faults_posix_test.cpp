@@ -22,8 +22,8 @@
 #include <string>
 
 #include "robustness/faults/fault_scenario.h"
-#include "robustness/faults/process_state.h"
 #include "support/status_printer.h"
+#include "support/test_platform.h"
 
 namespace rgen_test {
 namespace {
@@ -66,7 +66,7 @@ protected:
             try {
                 action();
             } catch (const std::exception& exception) {
-                ADD_FAILURE() << "raised " << exception.what();
+                ADD_FAILURE() << "threw " << exception.what();
             }
             std::fflush(stdout);
             _exit(HasFailure() ? 1 : 0);

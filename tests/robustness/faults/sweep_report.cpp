@@ -5,10 +5,49 @@
 #include <unistd.h>
 
 #include <cstdio>
-
-#include "robustness/faults/point_count.h"
+#include <map>
 
 namespace rgen_test {
+namespace {
+
+struct Points {
+    std::size_t tried = 0;
+    std::size_t least = 0;
+};
+
+std::map<std::string, Points>& pointsByKind() {
+    static std::map<std::string, Points> points;
+    return points;
+}
+
+class PointReport : public testing::Environment {
+public:
+    void TearDown() override {
+        const auto& tests = *testing::UnitTest::GetInstance();
+        const bool allRan = tests.test_to_run_count() == tests.total_test_count();
+        for (const auto& [kind, points] : pointsByKind()) {
+            std::printf("[  points  ] %s: %zu\n", kind.c_str(), points.tried);
+            testing::Test::RecordProperty(kind, std::to_string(points.tried));
+            if (allRan) {
+                EXPECT_GE(points.tried, points.least) << kind;
+            }
+        }
+    }
+};
+
+testing::Environment* const report = testing::AddGlobalTestEnvironment(new PointReport);
+
+}  // namespace
+
+void countPoints(const std::string& kind, std::size_t points) {
+    testing::Test::RecordProperty(kind, std::to_string(points));
+    pointsByKind()[kind].tried += points;
+}
+
+bool requirePoints(const std::string& kind, std::size_t least) {
+    pointsByKind()[kind].least = least;
+    return true;
+}
 
 long printedBytes() {
     std::fflush(stdout);

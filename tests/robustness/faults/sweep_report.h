@@ -1,4 +1,4 @@
-// What both sweeps need: what a call has printed, and the report at the end.
+// What a sweep tells: the failures that it tried, and the problems that it found.
 //
 // SPDX-License-Identifier: MIT
 #ifndef RGEN_TESTS_FAULTS_SWEEP_REPORT_H
@@ -18,6 +18,13 @@ template <typename T>
 bool contains(const std::vector<T>& list, const T& element) {
     return std::find(list.begin(), list.end(), element) != list.end();
 }
+
+// Adds points of failure of one kind; the present case gets them as a property of that name. At the
+// end of the program each kind is printed, and a run of all cases must have tried enough of it.
+void countPoints(const std::string& kind, std::size_t points);
+
+// Says how many points of a kind a run of all cases tries at least. For use at namespace level.
+bool requirePoints(const std::string& kind, std::size_t least);
 
 // Prints the summary, fails for each problem, and adds the points to those of their kind.
 void reportSweep(const std::string& scenario, const std::string& summary,

@@ -16,7 +16,7 @@ namespace {
 
 constexpr std::size_t mostCalls = 48;
 
-// Runs a call that may raise one of the exceptions that the header names for files and paths.
+// Runs a call that may throw one of the exceptions that the header names for files and paths.
 template <typename Call>
 void attempt(const Call& call) {
     try {

@@ -33,7 +33,7 @@ bool readByte(const std::string& token, rgen::ByteVector& bytes) {
     return true;
 }
 
-// Cuts the text at its commas and looks at what stands between them.
+// Splits the text at its commas and checks each part.
 bool readPlainly(const std::string& text, rgen::ByteVector& bytes) {
     std::size_t start = 0;
     for (;;) {

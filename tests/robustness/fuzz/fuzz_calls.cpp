@@ -20,7 +20,7 @@ const char* const simulatedInput =
     "<property name=\"b\" type=\"byte_array\" hint=\"Dump\">0x01, 0xFF</property>"
     "</properties></data>";
 
-// The same files in front of each row: "a" has templates for all formats, "b" has nothing.
+// The same files before each row: "a" has templates for all formats, "b" has nothing.
 void prepareFolders() {
     for (const char* name : {"a", "b", "out"})
         removeFromWork(name);

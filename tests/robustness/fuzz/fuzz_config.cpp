@@ -29,7 +29,7 @@ const Generator& generator() {
 }
 
 // Names that the file system refuses (too long, or no valid UTF-8, as a reference to a surrogate
-// makes them) are raised as exceptions; all others end with a status.
+// makes them) are thrown as exceptions; all others end with a status.
 template <typename Call>
 bool raises(const Call& call) {
     try {

@@ -1,4 +1,4 @@
-// The GUID matcher against the regular expression that it stands for, and the writer against the
+// The GUID matcher compared with a regular expression of the same grammar, and the writer against the
 // matcher.
 //
 // SPDX-License-Identifier: MIT

@@ -1,4 +1,4 @@
-// The translation pass against the regular expression that it stands for. The expression recurses
+// The translation pass compared with a regular expression of the same grammar. The expression recurses
 // for each character, so it is asked about short texts only.
 //
 // SPDX-License-Identifier: MIT

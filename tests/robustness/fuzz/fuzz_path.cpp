@@ -1,5 +1,5 @@
-// Paths: the matcher of a path's end against the regular expression that it stands for, and the
-// strict UTF-8 of paths: any bytes either convert or raise the documented exception.
+// Paths: the matcher of a path's end compared with a regular expression, and the
+// strict UTF-8 of paths: any bytes either convert or throw the documented exception.
 //
 // SPDX-License-Identifier: MIT
 #include <cstddef>

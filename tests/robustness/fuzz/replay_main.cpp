@@ -45,7 +45,7 @@ std::vector<fs::path> filesIn(const fs::path& folder) {
     return files;
 }
 
-// The name goes out first: an input that fails ends the program.
+// The name is printed first: an input that fails ends the program.
 void runFile(const Target& target, const fs::path& file) {
     std::printf("%s: %s\n", target.name, file.filename().u8string().c_str());
     std::fflush(stdout);

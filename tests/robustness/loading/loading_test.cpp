@@ -8,9 +8,8 @@
 #include <string>
 #include <vector>
 
-#include "robustness/soak/child_host.h"
-#include "support/process_environment.h"
 #include "support/temp_folder.h"
+#include "support/test_platform.h"
 
 namespace rgen_test {
 namespace {

@@ -45,7 +45,7 @@ std::vector<ScalingCase> propertyCases();
 std::vector<ScalingCase> fileCases();
 // Whole reports.
 std::vector<ScalingCase> reportCases();
-// Work that is not proportional, and has to be noticed. Their names begin with "stand-in".
+// Work that is not proportional, and has to be noticed. Their names start with "stand-in".
 std::vector<ScalingCase> standIns();
 
 }  // namespace rgen_test

@@ -1,4 +1,4 @@
-// What a host that is killed while it writes leaves behind, and that the next host can go on.
+// The files of a host that is killed while it writes, and that the next host can continue with them.
 //
 // SPDX-License-Identifier: MIT
 #include <gtest/gtest.h>
@@ -10,10 +10,10 @@
 #include <system_error>
 #include <thread>
 
-#include "robustness/soak/child_host.h"
 #include "support/converter_control.h"
 #include "support/process_figures.h"
 #include "support/report_fixture.h"
+#include "support/test_platform.h"
 
 namespace rgen_test {
 namespace {
@@ -105,7 +105,7 @@ TEST_F(KilledHost, LeavesAConfigurationThatIsWholeOrReported) {
         const RgenStatus status = persistentData(next, defaultGuid()).status;
         EXPECT_EQ(statusHex(found == "empty file" ? RGEN_E_OPEN_CONFIG : RGEN_OK),
                   statusHex(status));
-        // An empty configuration stays until somebody removes it; then the default one comes back.
+        // An empty configuration stays until a user removes it; then the default one is written.
         removeAll(path);
         EXPECT_EQ(statusHex(RGEN_OK), statusHex(persistentData(next, defaultGuid()).status));
         return found;

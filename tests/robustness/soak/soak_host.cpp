@@ -8,7 +8,7 @@
 #include <numeric>
 #include <sstream>
 
-#include "support/delivered_handle.h"
+#include "support/test_platform.h"
 
 namespace rgen_test {
 namespace {

@@ -115,7 +115,7 @@ private:
     SoakPlace second_{"B"};
     SoakPlace* places_[2] = {&first_, &second_};
     unsigned current_ = 0;
-    // What the translate callback puts in front of each text.
+    // The prefix that the translate callback adds to each text.
     char* prefix_;
     Generator generator_;
     Companion companion_;

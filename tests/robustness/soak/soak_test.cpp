@@ -7,8 +7,8 @@
 #include <cstdlib>
 
 #include "robustness/soak/soak_host.h"
-#include "support/process_environment.h"
 #include "support/process_figures.h"
+#include "support/test_platform.h"
 
 namespace rgen_test {
 namespace {

@@ -19,7 +19,7 @@
 #include <vector>
 
 #include "strata_repgenlib/rgen.h"
-#include "support/delivered_handle.h"
+#include "support/test_platform.h"
 
 namespace {
 

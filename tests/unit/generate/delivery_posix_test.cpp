@@ -6,22 +6,16 @@
 #include <unistd.h>
 
 #include <cstdint>
-#include <filesystem>
-#include <iterator>
 #include <stdexcept>
 #include <string>
 
 #include "generate/delivery.h"
 #include "support/fault_injection.h"
+#include "support/test_platform.h"
 #include "unit/unit_fixture.h"
 
 namespace rgen_test {
 namespace {
-
-std::ptrdiff_t openDescriptors() {
-    return std::distance(std::filesystem::directory_iterator("/proc/self/fd"),
-                         std::filesystem::directory_iterator());
-}
 
 class DeliverPosixTest : public UnitTest {
 protected:
@@ -39,7 +33,7 @@ protected:
 };
 
 TEST_F(DeliverPosixTest, EveryFailureOfHandleModeClosesTheDescriptor) {
-    const std::ptrdiff_t before = openDescriptors();
+    const long before = openHandles();
     {
         const FailingCall failure(Call::WriteFile);
         EXPECT_EQ(statusHex(RGEN_E_WRITE_OUTPUT), deliver(1, folder.file("out")));
@@ -52,7 +46,7 @@ TEST_F(DeliverPosixTest, EveryFailureOfHandleModeClosesTheDescriptor) {
     EXPECT_EQ(statusHex(RGEN_E_CREATE_OUTPUT), deliver(1, folder.path()));
     EXPECT_EQ(statusHex(RGEN_E_WRITE_OUTPUT), deliver(1, "/dev/full"));
     EXPECT_TRUE(exists("/dev/full"));
-    EXPECT_EQ(before, openDescriptors());
+    EXPECT_EQ(before, openHandles());
     EXPECT_FALSE(result.value.hasValue);
     EXPECT_TRUE(namesIn(folder.path()).empty());
 }

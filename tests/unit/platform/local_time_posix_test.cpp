@@ -9,8 +9,7 @@
 
 #include "platform/platform.h"
 #include "support/global_locale.h"
-#include "support/process_environment.h"
-#include "support/time_zone.h"
+#include "support/test_platform.h"
 #include "variant/hinted_convertors.h"
 
 namespace rgen_test {

@@ -13,7 +13,7 @@
 #include "support/fault_injection.h"
 #include "support/sized_thread.h"
 #include "support/temp_folder.h"
-#include "support/time_zone.h"
+#include "support/test_platform.h"
 
 namespace rgen_test {
 namespace {

@@ -27,7 +27,7 @@ using rgen::sync::GenerationRegistration;
 
 class LockTest : public UnitTest {
 protected:
-    // Runs `work` and, in front of the first mutex that it asks for, `before`.
+    // Runs `work` and, right before it locks its first mutex, `before`.
     static void expectLock(const std::function<void()>& work, const std::function<void()>& before) {
         const InterceptedCall locking(Call::LockMutex, before);
         work();

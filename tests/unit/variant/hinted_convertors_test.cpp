@@ -1,4 +1,4 @@
-// The text of every kind under every hint, the guard in front of it, and what locales may change.
+// The text of every kind under every hint, the checks before it, and what locales may change.
 //
 // SPDX-License-Identifier: MIT
 #include "variant/hinted_convertors.h"
@@ -15,7 +15,7 @@
 
 #include "platform/platform.h"
 #include "support/global_locale.h"
-#include "support/time_zone.h"
+#include "support/test_platform.h"
 
 namespace rgen_test {
 namespace {

@@ -18,7 +18,7 @@
 namespace rgen_test {
 namespace {
 
-// A socket that stands in the file system while it lives.
+// A socket that exists in the file system while this object lives.
 class NamedSocket {
 public:
     explicit NamedSocket(const std::string& path) : descriptor_(socket(AF_UNIX, SOCK_STREAM, 0)) {

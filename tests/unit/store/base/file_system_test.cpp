@@ -122,7 +122,7 @@ TEST_F(FileSystemTest, WriteFileCreatesAndTruncates) {
     EXPECT_FALSE(rgen::writeFile("", {1}));
 }
 
-// Windows keeps files of cloud folders and deduplicated ones behind reparse points of other kinds.
+// On Windows, files of cloud folders and deduplicated ones are reparse points of other kinds.
 TEST_F(FileSystemTest, ReadFileTakesAFileBehindAReparsePoint) {
     writeFile(folder.file("cloud"), "bytes");
     std::string text = "previous";

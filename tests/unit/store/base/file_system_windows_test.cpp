@@ -1,4 +1,4 @@
-// The file-system operations on Windows: separators, and files that somebody holds open.
+// The file-system operations on Windows: separators, and files that are held open.
 //
 // SPDX-License-Identifier: MIT
 #include <gtest/gtest.h>

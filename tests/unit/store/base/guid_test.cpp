@@ -1,4 +1,4 @@
-// GUID text: the writer, and the matcher against the regular expression that it stands for.
+// GUID text: the writer, and the matcher compared with a regular expression of the same grammar.
 //
 // SPDX-License-Identifier: MIT
 #include "store/base/guid.h"

@@ -1,4 +1,4 @@
-// Replacements of the wrapped calls of Linux.
+// Replacements of system calls of Linux.
 //
 // SPDX-License-Identifier: MIT
 #include <poll.h>
@@ -14,10 +14,6 @@
 #include "support/fault_injection.h"
 
 namespace rgen_test {
-
-unsigned long long currentThreadNumber() {
-    return pthread_self();
-}
 
 namespace {
 

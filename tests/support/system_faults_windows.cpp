@@ -1,4 +1,4 @@
-// Replacements of the wrapped calls of Windows. A call into a system DLL goes through a pointer in
+// Replacements of system calls of Windows. A call into a system DLL goes through a pointer in
 // the import table, so the pointers are replaced.
 //
 // SPDX-License-Identifier: MIT
@@ -7,10 +7,6 @@
 #include "support/fault_injection.h"
 
 namespace rgen_test {
-
-unsigned long long currentThreadNumber() {
-    return GetCurrentThreadId();
-}
 
 namespace {
 

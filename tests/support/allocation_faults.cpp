@@ -2,14 +2,14 @@
 // addressing, which needs no memory of its own.
 //
 // SPDX-License-Identifier: MIT
-#include "robustness/faults/allocation_faults.h"
+#include "support/allocation_faults.h"
 
 #include <array>
 #include <cstdint>
 #include <cstdlib>
 #include <new>
 
-#include "robustness/faults/process_state.h"
+#include "support/test_platform.h"
 
 extern "C" {
 
@@ -27,24 +27,6 @@ void wrappedFree(void* block) __asm__("__wrap_free");
 namespace rgen_test {
 namespace {
 
-struct Failure {
-    bool isArmed;
-    unsigned long long thread;
-    std::size_t number;
-    FailureForm form;
-    std::size_t count;
-};
-
-// All zero until the first object, so that allocations before main() pass.
-Failure failure;
-
-bool failsNow() {
-    if (!failure.isArmed || failure.thread != callingThread()) return false;
-    ++failure.count;
-    if (failure.number == 0 || failure.count < failure.number) return false;
-    return failure.form == FailureForm::AllFrom || failure.count == failure.number;
-}
-
 class BlockTable {
 public:
     void add(void* block) {
@@ -61,7 +43,7 @@ public:
         }
         places_[place] = nullptr;
         --count_;
-        // The blocks behind it may have been on their way past this place.
+        // A later block may be there only because this place was taken.
         for (place = next(place); places_[place] != nullptr; place = next(place)) {
             void* moved = places_[place];
             places_[place] = nullptr;
@@ -106,10 +88,15 @@ void* noted(void* block) {
     return block;
 }
 
-// A block with room in front for the address that the C library knows it by.
+// Never null for a request of no bytes: operator new has to return an address.
+void* allocate(std::size_t size) {
+    return failsNow(Call::New) ? nullptr : noted(realMalloc(size == 0 ? 1 : size));
+}
+
+// The address that the C library knows is stored right before the block.
 void* allocateAligned(std::size_t size, std::align_val_t alignment) {
     const auto step = static_cast<std::size_t>(alignment);
-    void* block = std::malloc(size + step + sizeof(void*));
+    void* block = allocate(size + step + sizeof(void*));
     if (block == nullptr) return nullptr;
     const auto start = reinterpret_cast<std::uintptr_t>(block) + sizeof(void*);
     auto* aligned = reinterpret_cast<void**>((start + step - 1) / step * step);
@@ -127,18 +114,6 @@ void* orBadAlloc(void* block) {
 }
 
 }  // namespace
-
-FailingAllocation::FailingAllocation(std::size_t number, FailureForm form) {
-    failure = {true, callingThread(), number, form, 0};
-}
-
-FailingAllocation::~FailingAllocation() {
-    failure.isArmed = false;
-}
-
-std::size_t FailingAllocation::count() const {
-    return failure.count;
-}
 
 BlockAccount::BlockAccount() {
     table.thread = callingThread();
@@ -164,7 +139,9 @@ UnaccountedStretch::~UnaccountedStretch() {
 
 }  // namespace rgen_test
 
+using rgen_test::allocate;
 using rgen_test::allocateAligned;
+using rgen_test::Call;
 using rgen_test::failsNow;
 using rgen_test::noted;
 using rgen_test::orBadAlloc;
@@ -174,15 +151,15 @@ using rgen_test::table;
 extern "C" {
 
 void* wrappedMalloc(std::size_t size) {
-    return failsNow() ? nullptr : noted(realMalloc(size));
+    return failsNow(Call::Malloc) ? nullptr : noted(realMalloc(size));
 }
 
 void* wrappedCalloc(std::size_t count, std::size_t size) {
-    return failsNow() ? nullptr : noted(realCalloc(count, size));
+    return failsNow(Call::Calloc) ? nullptr : noted(realCalloc(count, size));
 }
 
 void* wrappedRealloc(void* block, std::size_t size) {
-    if (failsNow()) return nullptr;
+    if (failsNow(Call::Realloc)) return nullptr;
     table.remove(block);
     void* moved = realRealloc(block, size);
     table.add(moved != nullptr ? moved : block);
@@ -196,15 +173,14 @@ void wrappedFree(void* block) {
 
 }  // extern "C"
 
-// A request for no bytes is one for one byte: operator new has to give an address.
 void* operator new(std::size_t size) {
-    return orBadAlloc(std::malloc(size == 0 ? 1 : size));
+    return orBadAlloc(allocate(size));
 }
 void* operator new[](std::size_t size) {
     return operator new(size);
 }
 void* operator new(std::size_t size, const std::nothrow_t& /*tag*/) noexcept {
-    return std::malloc(size == 0 ? 1 : size);
+    return allocate(size);
 }
 void* operator new[](std::size_t size, const std::nothrow_t& tag) noexcept {
     return operator new(size, tag);
