@@ -6,6 +6,7 @@
  */
 #include "strata_repgenlib/rgen.h"
 #include "strata_repgenlib/rgen_status.h"
+#include "support/every_status.h"
 
 #if RGEN_VERSION_MAJOR < 0 || RGEN_VERSION_MINOR < 0 || RGEN_VERSION_PATCH < 0
 #error "the version macros must be numbers"
@@ -33,15 +34,11 @@ enum RgenTestStatus { RGEN_TEST_UNKNOWN = RGEN_E_UNKNOWN };
 REQUIRE(values, RGEN_TEST_UNKNOWN == -1073676289 && RGEN_CANCELED == -2147483647);
 
 const char* rgenTestName(RgenStatus status) {
-    switch (status) {
-#define RGEN_TEST_STATUS(name) \
-    case name:                 \
-        return #name;
-#include "every_status.inc"
-#undef RGEN_TEST_STATUS
-        default:
-            return status == failures[0] ? "never" : 0;
+    size_t i;
+    for (i = 0; i < sizeof everyStatus / sizeof *everyStatus; ++i) {
+        if (everyStatus[i].status == status) return everyStatus[i].name;
     }
+    return status == failures[0] ? "never" : 0;
 }
 
 static const char* RGEN_CALL translate(const char* text, void* context) {

@@ -5,6 +5,7 @@
 // SPDX-License-Identifier: MIT
 #include "strata_repgenlib/rgen.h"
 #include "strata_repgenlib/rgen_status.h"
+#include "support/every_status.h"
 
 namespace rgen_test {
 
@@ -34,15 +35,10 @@ const char* nameOf(RgenStatus status);
 RgenStatus useOfEveryKind(const char* path, const RgenCInputParams& input);
 
 const char* nameOf(RgenStatus status) {
-    switch (status) {
-#define RGEN_TEST_STATUS(name) \
-    case name:                 \
-        return #name;
-#include "every_status.inc"
-#undef RGEN_TEST_STATUS
-        default:
-            return nullptr;
+    for (const RgenDescribedStatus& row : everyStatus) {
+        if (row.status == status) return row.name;
     }
+    return nullptr;
 }
 
 RgenStatus useOfEveryKind(const char* path, const RgenCInputParams& input) {

@@ -12,6 +12,7 @@
 #include <unordered_map>
 
 #include "strata_repgenlib/rgen.hpp"
+#include "support/every_status.h"
 #include "support/host_records.h"
 
 namespace rgen_test {
@@ -174,17 +175,7 @@ TEST(WrapperText, ANullPointerIsRefused) {
 }
 
 TEST(WrapperStatus, NamesAreThoseOfTheHeader) {
-    struct Row {
-        RgenStatus status;
-        const char* name;
-    };
-    const Row rows[] = {
-#define RGEN_TEST_STATUS(name) {name, #name},
-#include "every_status.inc"
-#undef RGEN_TEST_STATUS
-    };
-    EXPECT_EQ(37U, std::size(rows));
-    for (const Row& row : rows)
+    for (const RgenDescribedStatus& row : everyStatus)
         EXPECT_EQ(row.name, repgen::statusName(row.status));
     EXPECT_EQ("", repgen::statusName(1));
     EXPECT_EQ("", repgen::statusName(-1));

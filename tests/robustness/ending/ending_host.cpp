@@ -15,51 +15,12 @@
 #include <initializer_list>
 
 #include "robustness/ending/ending_library.h"
+#include "support/every_status.h"
 
 namespace rgen_test {
 namespace {
 
-const RgenStatus statuses[] = {
-    RGEN_OK,
-    RGEN_E_BAD_PARAMETER,
-    RGEN_E_DIR_NOT_FOUND,
-    RGEN_E_CREATE_DIR,
-    RGEN_E_CREATE_CONFIG,
-    RGEN_E_OPEN_CONFIG,
-    RGEN_E_OPEN_PERSIST,
-    RGEN_E_EMPTY_INPUT,
-    RGEN_E_GUID_NOT_IN_CONFIG,
-    RGEN_E_TEMPLATE_NOT_FOUND,
-    RGEN_E_UNKNOWN_FORMAT,
-    RGEN_E_OVERWRITE_OUTPUT,
-    RGEN_E_CREATE_OUTPUT,
-    RGEN_E_WRITE_OUTPUT,
-    RGEN_E_UNKNOWN_OUTPUT_MODE,
-    RGEN_E_WRITE_ALL_OUTPUT,
-    RGEN_E_DELETE_PERSIST,
-    RGEN_E_CREATE_PERSIST,
-    RGEN_E_RUN_EXTERNAL,
-    RGEN_E_EXTERNAL_FAILED,
-    RGEN_E_OPEN_SIMULATION,
-    RGEN_E_DELETE_DUMP,
-    RGEN_E_XPATH_DOCUMENT,
-    RGEN_E_XPATH_CONTEXT,
-    RGEN_E_XPATH_SEARCH,
-    RGEN_E_NO_PERSIST_IN_CONFIG,
-    RGEN_E_XPATH_NOT_NODE,
-    RGEN_E_XPATH_NODE_EMPTY,
-    RGEN_E_NO_TYPE_MAP,
-    RGEN_E_NO_VALID_TYPE_MAP,
-    RGEN_E_NO_PERSIST_VALUES,
-    RGEN_E_NO_VALID_PERSIST_VALUES,
-    RGEN_E_XSLT_PARSE,
-    RGEN_E_XSLT_APPLY,
-    RGEN_E_XSLT_RESULT,
-    RGEN_E_UNKNOWN,
-    RGEN_CANCELED,
-};
-constexpr std::size_t statusCount = sizeof statuses / sizeof *statuses;
-static_assert(statusCount == 37, "all statuses");
+constexpr std::size_t statusCount = sizeof everyStatus / sizeof *everyStatus;
 
 constexpr std::size_t longestPath = 4096;
 
@@ -82,7 +43,7 @@ void note(const char* moment, const char* problem) {
 
 const char* describeAll(RgenReportGenerator* generator) {
     for (std::size_t i = 0; i < statusCount; ++i) {
-        const char* text = library.describe(generator, statuses[i]);
+        const char* text = library.describe(generator, everyStatus[i].status);
         if (std::strcmp(text, "Undescribed error") == 0) return "a status has no description";
         if (texts[i] != nullptr && texts[i] != text) return "a description has moved";
         texts[i] = text;
