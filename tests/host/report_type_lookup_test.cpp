@@ -236,6 +236,12 @@ INSTANTIATE_TEST_SUITE_P(
                 RGEN_E_NO_VALID_TYPE_MAP),
         refused("one of white space", withInner(fileElements("p1.xml", " \n ")),
                 RGEN_E_NO_VALID_TYPE_MAP),
+        refused("persistDataFile of white space", withInner(fileElements(" ", "t1.xsl")),
+                RGEN_E_NO_VALID_TYPE_MAP),
+        refused("each file in a type of its own",
+                inReportTypes(typeElement(wantedGuid, "<persistDataFile>p1.xml</persistDataFile>") +
+                              typeElement(wantedGuid, "<reportTypeFile>t1.xsl</reportTypeFile>")),
+                RGEN_E_NO_VALID_TYPE_MAP),
         refused("both of white space", withInner(fileElements(" ", "\t")),
                 RGEN_E_NO_VALID_TYPE_MAP),
         refused("incomplete beside a complete type",
@@ -268,6 +274,9 @@ INSTANTIATE_TEST_SUITE_P(
                withSecond(wantedGuid, fileElements("p2.xml", " ")), "p2.xml", "t1.xsl"),
         served("an empty element adds nothing",
                withSecond(wantedGuid, "<persistDataFile/><reportTypeFile>t2.xsl</reportTypeFile>")),
+        served("an empty template adds nothing",
+               withSecond(wantedGuid,
+                          "<persistDataFile>p2.xml</persistDataFile><reportTypeFile/>")),
         served("an incomplete type adds nothing",
                withSecond(wantedGuid, "<reportTypeFile>t2.xsl</reportTypeFile>")),
         served("an invalid type adds nothing", withSecond("x", fileElements("p2.xml", "t2.xsl"))),
@@ -276,7 +285,7 @@ INSTANTIATE_TEST_SUITE_P(
                              typeElement(wantedGuid, fileElements(" ", "t3.xsl"))),
                "p3.xml", "t3.xsl")));
 
-// ---- File names are used as they stand ------------------------------------------------------
+// ---- File names are used unchanged ----------------------------------------------------------
 
 RgenStatus storeIn(const TempFolder& folder, const std::string& persistDataFile) {
     rgen_test::writeFile(folder.dataFile("config.xml"),

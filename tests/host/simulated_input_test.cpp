@@ -223,6 +223,7 @@ TEST(SimulatedProperty, IsSkippedUnlessEverythingFits) {
           property("n", "", "Generic", "x"),
           property("", "string", "Generic", "x"),
           property("  ", "string", "Generic", "x"),
+          property(" &#9;&#10;", "string", "Generic", "x"),
           property("n", "string", "Generic", ""),
           property("n", "string", "Generic", " \n "),
           property("n", "string", "Generic", "<b>x</b>"),

@@ -1,5 +1,5 @@
 // The driver: the order of its steps, its checkpoints and its registration. A case acts between two
-// steps through the calls that it intercepts, and raises the flag of the registered source itself.
+// steps through the calls that it intercepts, and sets the flag of the registered source itself.
 //
 // SPDX-License-Identifier: MIT
 #include "generate/generation_driver.h"
@@ -45,7 +45,7 @@ protected:
         ASSERT_EQ(RGEN_OK, rgen::setPersistentDataFromPairs(generator, rgen::defaultReportTypeGuid,
                                                             properties));
     }
-    // Raises the flag of the only running generation, as a cancelling thread does.
+    // Sets the flag of the only running generation, as a cancelling thread does.
     void raiseFlag() {
         ASSERT_EQ(1U, generator.cancellationRegistry.size());
         generator.cancellationRegistry.begin()->second->cancel();
@@ -54,14 +54,6 @@ protected:
     rgen::InputParams request = {};
     Variant result;
 };
-
-TEST_F(GenerateTest, LaterOfTwoValuesOfOneNameCounts) {
-    putConfig();
-    putTemplate(textTemplate("[" + valueOf("a") + "]"));
-    request.variants.emplace_back("a", Variant(std::string("later"), VariantHint::Generic));
-    EXPECT_EQ(statusHex(RGEN_OK), generate());
-    EXPECT_EQ("[later]", resultText());
-}
 
 TEST_F(GenerateTest, PoolComesBackAfterEveryEnd) {
     if (!rgen::memory::poolsAreUsed)
@@ -92,37 +84,12 @@ TEST_F(GenerateTest, PoolComesBackAfterEveryEnd) {
     }
 }
 
-TEST_F(GenerateTest, MakesTheReport) {
-    putConfig();
-    putTemplate(textTemplate("[" + valueOf("a") + "]"));
-    EXPECT_EQ(statusHex(RGEN_OK), generate());
-    EXPECT_EQ("[value]", resultText());
-}
-
-TEST_F(GenerateTest, ValuesWinOverPairsAndPairsOverPersistentData) {
-    putConfig();
-    putPersistentData({{"a", "persistent"}, {"b", "persistent"}, {"c", "persistent"}});
-    request.pairs = {{"a", "pair"}, {"b", "pair"}};
-    putTemplate(textTemplate(valueOf("a") + "," + valueOf("b") + "," + valueOf("c")));
-    EXPECT_EQ(statusHex(RGEN_OK), generate());
-    EXPECT_EQ("value,pair,persistent", resultText());
-}
-
 TEST_F(GenerateTest, EmptyValueHasTheFixedText) {
     putConfig();
     request.variants = {{"a", Variant()}};
     putTemplate(textTemplate(valueOf("a")));
     EXPECT_EQ(statusHex(RGEN_OK), generate());
     EXPECT_EQ("UNINITIALIZED_VARIANT_VALUE", resultText());
-}
-
-TEST_F(GenerateTest, NoPropertyAtAllIsAFailure) {
-    putConfig();
-    putTemplate(textTemplate("x"));
-    request.variants.clear();
-    EXPECT_EQ(statusHex(RGEN_E_EMPTY_INPUT), generate());
-    putPersistentData({{"a", "1"}});
-    EXPECT_EQ(statusHex(RGEN_OK), generate());
 }
 
 TEST_F(GenerateTest, EntryIsThereWhileTheGenerationRuns) {
@@ -217,40 +184,11 @@ TEST_F(GenerateTest, FlagRaisedAfterTheLastCheckIsNotSeen) {
     EXPECT_EQ("x", resultText());
 }
 
-TEST_F(GenerateTest, EmptyFormatOrTemplateNameHasNoTemplate) {
-    putConfig();
-    request.outputFormat.clear();
-    EXPECT_EQ(statusHex(RGEN_E_TEMPLATE_NOT_FOUND), generate());
-    EXPECT_FALSE(exists(folder.dataFile("templates")));
-}
-
-TEST_F(GenerateTest, FoldersOfTheTemplateAreMade) {
-    putConfig();
-    request.outputFormat = "doc";
-    EXPECT_EQ(statusHex(RGEN_E_TEMPLATE_NOT_FOUND), generate());
-    EXPECT_TRUE(isFolder(folder.dataFile("templates/doc")));
-    putTemplate(textTemplate("x"), "doc");
-    EXPECT_EQ(statusHex(RGEN_E_UNKNOWN_FORMAT), generate());
-}
-
-TEST_F(GenerateTest, FoldersThatCannotBeMadeAreIgnored) {
-    putConfig();
-    writeFile(folder.dataFile("templates"), "in the way");
-    EXPECT_EQ(statusHex(RGEN_E_TEMPLATE_NOT_FOUND), generate());
-    EXPECT_EQ("in the way", readFile(folder.dataFile("templates")));
-}
-
 TEST_F(GenerateTest, FormatThatIsNotUtf8Raises) {
     putConfig();
     request.outputFormat = "a\xFF";
     EXPECT_THROW(generate(), std::range_error);
     EXPECT_TRUE(generator.cancellationRegistry.empty());
-}
-
-TEST_F(GenerateTest, FolderAtTheTemplatePathDoesNotParse) {
-    putConfig();
-    createFolder(folder.dataFile("templates/html/test_stylesheet.xsl"));
-    EXPECT_EQ(statusHex(RGEN_E_XSLT_PARSE), generate());
 }
 
 TEST_F(GenerateTest, UnknownModeIsRefusedAfterTheWholeTransformation) {

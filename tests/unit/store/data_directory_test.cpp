@@ -7,7 +7,6 @@
 #include <string>
 
 #include "platform/platform.h"
-#include "support/console_capture.h"
 #include "support/expression_oracles.h"
 #include "support/fault_injection.h"
 #include "unit/random_text.h"
@@ -16,18 +15,7 @@
 namespace rgen_test {
 namespace {
 
-const char* const defaultConfig =
-    "<?xml version=\"1.0\" encoding=\"UTF-8\"?>\n"
-    "<config>\n"
-    "  <reportTypes>\n"
-    "    <type guid=\"deadbabe-0000-0000-0000-000000000000\">\n"
-    "      <persistDataFile>persist_data.xml</persistDataFile>\n"
-    "      <reportTypeFile>test_stylesheet.xsl</reportTypeFile>\n"
-    "    </type>\n"
-    "  </reportTypes>\n"
-    "</config>\n";
-
-// The rule that endsInSeparator stands for: the whole path is anything without a line break and a
+// The rule of endsInSeparator: the whole path is anything without a line break, followed by a
 // separator of the platform.
 void expectSameAsExpression(const std::string& path) {
     // Separators are the platform's before the rule is asked.
@@ -81,41 +69,6 @@ TEST_F(DataDirectoryTest, SecondSeparatorAndSecondLevelAreKept) {
     createFolder(folder.dataDir());
     EXPECT_EQ(statusHex(RGEN_OK), statusHex(rgen::setDataDir(generator, folder.dataDir())));
     EXPECT_EQ(nativePath(folder.path() + "/.rgen/.rgen/"), generator.dataDirPath);
-}
-
-TEST_F(DataDirectoryTest, MissingFolderKeepsThePreviousPath) {
-    const std::string before = generator.dataDirPath;
-    EXPECT_EQ(statusHex(RGEN_E_DIR_NOT_FOUND),
-              statusHex(rgen::setDataDir(generator, folder.file("none"))));
-    EXPECT_EQ(statusHex(RGEN_E_DIR_NOT_FOUND), statusHex(rgen::setDataDir(generator, "")));
-    EXPECT_THROW(rgen::setDataDir(generator, "\xFF"), std::range_error);
-    EXPECT_EQ(before, generator.dataDirPath);
-}
-
-TEST_F(DataDirectoryTest, ExistingFileIsAcceptedAndFailsLater) {
-    writeFile(folder.file("file"), "x");
-    EXPECT_EQ(statusHex(RGEN_OK), statusHex(rgen::setDataDir(generator, folder.file("file"))));
-    EXPECT_THROW(load(), boost::filesystem::filesystem_error);
-    EXPECT_TRUE(isUnlocked(generator));
-}
-
-TEST_F(DataDirectoryTest, FirstLoadMakesDirectoryAndDefaultConfiguration) {
-    EXPECT_EQ(statusHex(RGEN_OK), load());
-    EXPECT_EQ("persist_data.xml", entry.persistDataFile);
-    EXPECT_EQ("test_stylesheet.xsl", entry.reportTypeFile);
-    EXPECT_EQ(defaultConfig, readFile(configPath));
-    EXPECT_EQ(statusHex(RGEN_E_GUID_NOT_IN_CONFIG), load(otherGuid));
-    EXPECT_EQ(defaultConfig, readFile(configPath));
-    removeAll(configPath);
-    EXPECT_EQ(statusHex(RGEN_OK), load());
-    EXPECT_EQ(defaultConfig, readFile(configPath));
-}
-
-TEST_F(DataDirectoryTest, ExistingConfigurationIsNeverRewritten) {
-    const std::string damaged = "<config><reportTypes>";
-    writeFile(configPath, damaged);
-    EXPECT_EQ(statusHex(RGEN_E_NO_TYPE_MAP), load());
-    EXPECT_EQ(damaged, readFile(configPath));
 }
 
 TEST_F(DataDirectoryTest, ConfigurationThatDoesNotParseAtAll) {
@@ -188,12 +141,6 @@ TEST_F(DataDirectoryTest, MutexIsHeldForTheWholeLoad) {
     EXPECT_TRUE(reading.reached());
     EXPECT_FALSE(unlocked);
     EXPECT_TRUE(isUnlocked(generator));
-}
-
-TEST_F(DataDirectoryTest, LoadPrintsNothing) {
-    writeFile(configPath, "<config>&undefined;<reportTypes><type guid='&'></config>");
-    const ConsoleText console = captureConsole([this] { load(); });
-    EXPECT_EQ("", console.out + console.err);
 }
 
 }  // namespace
