@@ -164,27 +164,6 @@ TEST_F(DeleteOnCloseMode, LeavesTheOtherNameOfAFileItsRights) {
     EXPECT_EQ(0, close(descriptor));
 }
 
-TEST_F(DeleteOnCloseMode, OverwritesAnExistingFile) {
-    const std::string path = folder.file("report.html");
-    writeFile(path, std::string(1000, 'o'));
-    input.output(RGEN_OUTPUT_DELETE_ON_CLOSE, path);
-    const int descriptor = generateDescriptor();
-    EXPECT_EQ("value", contentOf(descriptor));
-    EXPECT_FALSE(exists(path));
-    EXPECT_EQ(0, close(descriptor));
-}
-
-TEST_F(DeleteOnCloseMode, NeverConverts) {
-    for (const std::string format : {"txt", "pdf"}) {
-        SCOPED_TRACE(format);
-        input.format(format).output(RGEN_OUTPUT_DELETE_ON_CLOSE, folder.file("report"));
-        const int descriptor = generateDescriptor();
-        EXPECT_EQ("value", contentOf(descriptor));
-        EXPECT_EQ(0, close(descriptor));
-        EXPECT_EQ(std::vector<std::string>{".rgen"}, namesIn(folder.path()));
-    }
-}
-
 TEST_F(DeleteOnCloseMode, GivesTwoReportsTwoFiles) {
     input.output(RGEN_OUTPUT_DELETE_ON_CLOSE, folder.file("report.html"));
     const int first = generateDescriptor();

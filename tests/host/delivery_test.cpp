@@ -1,4 +1,4 @@
-// Where a report goes by its output mode, as far as it is the same on every system.
+// The output modes, as far as they are the same on every system.
 //
 // SPDX-License-Identifier: MIT
 #include <gtest/gtest.h>
@@ -9,6 +9,7 @@
 
 #include "support/converter_control.h"
 #include "support/report_fixture.h"
+#include "support/test_platform.h"
 #include "support/working_folder.h"
 
 namespace rgen_test {
@@ -34,6 +35,7 @@ protected:
 class FileMode : public Delivery {};
 class BytesMode : public Delivery {};
 class UnknownMode : public Delivery {};
+class DeleteOnCloseReport : public DeleteOnCloseTest {};
 
 TEST_F(FileMode, WritesExactlyTheTransformationsBytes) {
     for (const std::string format : {"html", "txt"}) {
@@ -195,6 +197,23 @@ TEST_F(BytesMode, DoesNotLookAtTheOutputPath) {
         SCOPED_TRACE(path.substr(0, 30));
         input.output(RGEN_OUTPUT_BYTES, path);
         EXPECT_EQ(statusHex(RGEN_OK), generate(input));
+    }
+}
+
+TEST_F(DeleteOnCloseReport, OverwritesAnExistingFile) {
+    const std::string path = folder.file("report.html");
+    writeFile(path, std::string(1000, 'o'));
+    input.output(RGEN_OUTPUT_DELETE_ON_CLOSE, path);
+    EXPECT_TRUE(closesOnBytes(generateHandle(), "value"));
+    EXPECT_FALSE(exists(path));
+}
+
+TEST_F(DeleteOnCloseReport, NeverConverts) {
+    for (const std::string format : {"txt", "pdf"}) {
+        SCOPED_TRACE(format);
+        input.format(format).output(RGEN_OUTPUT_DELETE_ON_CLOSE, folder.file("report"));
+        EXPECT_TRUE(closesOnBytes(generateHandle(), "value"));
+        EXPECT_EQ(std::vector<std::string>{".rgen"}, namesIn(folder.path()));
     }
 }
 

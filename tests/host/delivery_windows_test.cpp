@@ -81,27 +81,6 @@ TEST_F(DeleteOnCloseMode, TheFileIsThereUntilTheHandleIsClosed) {
     EXPECT_FALSE(exists(path));
 }
 
-TEST_F(DeleteOnCloseMode, OverwritesAnExistingFile) {
-    const std::string path = folder.file("report.html");
-    writeFile(path, std::string(1000, 'o'));
-    input.output(RGEN_OUTPUT_DELETE_ON_CLOSE, path);
-    const HANDLE handle = generateHandle();
-    EXPECT_EQ(5, sizeOf(handle));
-    EXPECT_NE(0, CloseHandle(handle));
-    EXPECT_FALSE(exists(path));
-}
-
-TEST_F(DeleteOnCloseMode, NeverConverts) {
-    for (const std::string format : {"txt", "pdf"}) {
-        SCOPED_TRACE(format);
-        input.format(format).output(RGEN_OUTPUT_DELETE_ON_CLOSE, folder.file("report"));
-        const HANDLE handle = generateHandle();
-        EXPECT_EQ(5, sizeOf(handle));
-        EXPECT_NE(0, CloseHandle(handle));
-        EXPECT_EQ(std::vector<std::string>{".rgen"}, namesIn(folder.path()));
-    }
-}
-
 TEST_F(DeleteOnCloseMode, RefusesAFolderAMissingParentAndAHeldFile) {
     createFolder(folder.file("folder"));
     writeFile(folder.file("held"), "old");

@@ -1,13 +1,15 @@
-// Failures that leave the functions as C++ exceptions, and the generator's state behind them.
+// Failures that the functions report as C++ exceptions, and the generator's state afterwards.
 //
 // SPDX-License-Identifier: MIT
 #include <gtest/gtest.h>
 
+#include <exception>
 #include <stdexcept>
 #include <string>
 #include <vector>
 
 #include "support/conversion_fixture.h"
+#include "support/test_platform.h"
 
 namespace rgen_test {
 namespace {
@@ -98,6 +100,16 @@ TEST_F(Exceptions, AConverterArgumentThatIsNotUtf8IsNotLookedAtWithoutConversion
     EXPECT_EQ(statusHex(RGEN_OK), statusHex(generateInto("html", output)));
     input.skipExternalConversion(1);
     EXPECT_EQ(statusHex(RGEN_OK), statusHex(generateInto("pdf", output)));
+}
+
+// A DLL with a C++ runtime of its own lowers the host's count with each catch without having increased
+// it with the throw.
+TEST_F(Exceptions, ACaughtOneLeavesTheCountOfUncaughtOnesToASharedRuntime) {
+    for (int round = 0; round < 3; ++round) {
+        const int before = std::uncaught_exceptions();
+        EXPECT_THROW(rgen_setDataDirPath(generator.get(), "\xFF"), std::range_error);
+        EXPECT_EQ(librarySharesCppRuntime ? before : before - 1, std::uncaught_exceptions());
+    }
 }
 
 TEST_F(Exceptions, AFormatThatIsNotUtf8Raises) {
