@@ -20,7 +20,7 @@ public:
     bool isLoaded() const { return handle_ != nullptr; }
     // The address of an exported name, or null.
     void* address(const char* name) const;
-    // The exported function of that name as the given type.
+    // The exported function of that name as a pointer of that type.
     template <typename Function>
     Function function(const char* name) const {
         void* found = address(name);

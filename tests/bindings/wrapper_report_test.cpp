@@ -70,7 +70,7 @@ TEST_F(WrapperTest, AnOpenFileVanishesWithItsOwner) {
         repgen::OpenFile third = own.generateOpenFile(request, folder.file("other.html"));
         third = std::move(first);
         EXPECT_TRUE(third && !first);
-        // Windows gives the name back when the file is closed.
+        // On Windows the file exists until it is closed.
         EXPECT_FALSE(exists(folder.file("other.html")));
         first = std::move(third);
         first.close();

@@ -1,5 +1,5 @@
 // Every element of XSLT with every kind of node inside: a report or a documented failure, the same
-// one each time, and a CDATA section gives what the same text gives.
+// one each time, and a CDATA section makes the same report as the same text.
 //
 // SPDX-License-Identifier: MIT
 #include "support/node_kinds.h"

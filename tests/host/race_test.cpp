@@ -221,7 +221,7 @@ protected:
 };
 
 TEST_F(Race, TenThousandReportsOfEightThreadsAndFourGenerators) {
-    const int reports = 10000 / static_cast<int>(racers);
+    const int reports = loopCount(10000) / static_cast<int>(racers);
     const Generator others[] = {Generator(folder.path()), Generator(folder.path()),
                                 Generator(folder.path())};
     const Generator* const used[] = {&generator, &others[0], &others[1], &others[2]};

@@ -18,7 +18,7 @@ using rgen_test::toBytes;
 using rgen_test::toText;
 
 constexpr std::uint64_t hugeHint = std::numeric_limits<std::uint64_t>::max();
-// More bytes than any heap gives; the product of the two counts and a record size overflows.
+// More bytes than any heap has; the product of the two counts and a record size overflows.
 constexpr std::uint64_t hugeByteCount = std::uint64_t{1} << 63;
 constexpr std::uint64_t overflowingCount = std::uint64_t{1} << 61;
 constexpr std::uint64_t hugeCount = std::uint64_t{1} << 56;

@@ -21,7 +21,7 @@ extern const char* const callAgain;
 // A template "again" with that body, which the root template calls.
 std::string endless(const std::string& body, const std::string& topLevel = std::string());
 
-// Something that has a stack of its own.
+// A thread or fiber with a stack of its own.
 struct StackPlace {
     const char* label;
     void (*run)(std::size_t stackSize, const std::function<void()>& function);

@@ -55,7 +55,7 @@ std::string withGuid(const std::string& guid) {
     return inReportTypes(typeElement(guid, fileElements("p1.xml", "t1.xsl")));
 }
 
-// One type for the wanted GUID, with the given content.
+// One type for the wanted GUID, with that content.
 std::string withInner(const std::string& inner) {
     return inReportTypes(typeElement(wantedGuid, inner));
 }

@@ -24,7 +24,7 @@ protected:
         return result;
     }
 
-    // A template that calls itself that many times, from inside the given elements.
+    // A template that calls itself that many times, inside these elements.
     Report descent(int levels, const std::string& start, const std::string& end) {
         const std::string call =
             "<xsl:call-template name=\"down\"><xsl:with-param name=\"n\" select=\"";

@@ -35,7 +35,7 @@ class Recovery : public ReportTest {};
 
 class Entities : public ReportTest {
 protected:
-    // A template with an internal document type subset; its root template has the given body.
+    // A template with an internal document type subset and that body of the root template.
     static std::string withSubset(const std::string& subset, const std::string& body) {
         return "<?xml version=\"1.0\"?><!DOCTYPE t " + subset +
                "><xsl:stylesheet version=\"1.0\" "

@@ -12,7 +12,7 @@
 namespace rgen_test {
 namespace {
 
-// What a callback is to give, and what it was asked for.
+// What a callback returns, and the texts that it was called with.
 struct Translator {
     std::string answer;
     std::vector<std::string> asked;

@@ -3,6 +3,11 @@
 // SPDX-License-Identifier: MIT
 #include "support/conversion_fixture.h"
 
+#include <chrono>
+#include <thread>
+
+#include "support/test_platform.h"
+
 namespace rgen_test {
 
 ConversionTest::ConversionTest()
@@ -19,8 +24,13 @@ ConversionTest::ConversionTest()
     request(input, "report.pdf");
 }
 
+// Abandoned converters end before the folder is removed: one that misses the file would wait for a
+// minute.
 ConversionTest::~ConversionTest() {
     release();
+    const auto limit = std::chrono::steady_clock::now() + std::chrono::seconds(10);
+    while (allChildren() > endedChildren() && std::chrono::steady_clock::now() < limit)
+        std::this_thread::yield();
 }
 
 void ConversionTest::request(InputParams& request, const std::string& name) {

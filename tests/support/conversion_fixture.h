@@ -11,7 +11,7 @@
 
 namespace rgen_test {
 
-// A pdf template for the first two report types, a stand-in converter that is found, and a request
+// A pdf template for the first two report types, a stand-in converter in the PATH, and a request
 // for the file "report.pdf".
 class ConversionTest : public ReportTest {
 protected:
@@ -22,11 +22,11 @@ protected:
     // Prepares a request for that output file of the test's folder.
     void request(InputParams& input, const std::string& name);
     // Commands of a converter that says "started" and then waits for release(), with others between
-    // and behind the two.
+    // and after the two.
     ConverterCommands waiting(const ConverterCommands& before, const ConverterCommands& after = {});
     // Waits until that many converters have said "started".
     bool waitForStarted(std::size_t count = 1);
-    // Lets the waiting converters go on.
+    // Lets the waiting converters continue.
     void release();
 
     ConverterControl converter;

@@ -39,7 +39,7 @@ private:
 bool waitForFile(const std::string& path);
 bool waitForFiles(const std::string& folder, std::size_t count);
 
-// The rest of each line of a stand-in's log that starts with the given word and a tab.
+// The rest of each line of a stand-in's log that starts with that word and a tab.
 std::vector<std::string> loggedFacts(const std::string& logPath, const std::string& word);
 
 }  // namespace rgen_test

@@ -1,5 +1,4 @@
-// What the matchers that are written by hand are to give, said by the regular expressions that they
-// stand for. The expressions recurse for each character: short texts only.
+// The regular expressions with which the hand-written matchers are compared. The expressions recurse for each character: short texts only.
 //
 // SPDX-License-Identifier: MIT
 #ifndef RGEN_TESTS_SUPPORT_EXPRESSION_ORACLES_H
@@ -28,7 +27,7 @@ std::vector<std::uint8_t> bytesByExpression(const std::string& text);
 
 bool isGuidTextByExpression(const std::string& text);
 
-// The rule for the end of a path whose separators are the platform's, which is the one given.
+// The rule for the end of a path whose separators are the platform's, which is `separator`.
 bool endsInSeparatorByExpression(const std::string& path, char separator);
 
 }  // namespace rgen_test

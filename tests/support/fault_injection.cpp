@@ -1,4 +1,4 @@
-// The list of the faults that are to come. Nothing here allocates memory while a call is counted.
+// The list of the armed faults. Nothing here allocates memory while a call is counted.
 //
 // SPDX-License-Identifier: MIT
 #include "support/fault_injection.h"

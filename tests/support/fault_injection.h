@@ -63,7 +63,7 @@ enum class FailureForm {
     AllFrom  // that call and all later ones fail
 };
 
-// While it lives, one call fails: the first one of that kind from now on, or the one with the given
+// While it lives, one call fails: the first one of that kind from now on, or the one with that
 // number. Several objects may live at once.
 class FailingCall {
 public:

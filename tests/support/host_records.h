@@ -114,7 +114,7 @@ public:
 
     RgenCVariant* get() { return &record_; }
     const RgenCVariant& record() const { return record_; }
-    // The bytes of a mode 2 result; any other content gives the empty text.
+    // The bytes of a mode 2 result; the empty text for any other content.
     std::string bytes() const;
 
 private:
@@ -131,7 +131,7 @@ std::string toText(const RgenAnsiString& record);
 std::vector<std::uint8_t> toBytes(const RgenByteArray& record);
 TextMap toMap(const RgenCAnsiStringPairSet& set);
 
-// What rgen_getPersistentData gave: its status and the pairs (empty when the set was untouched).
+// The status of rgen_getPersistentData and the pairs (empty when the set was untouched).
 struct PersistentData {
     RgenStatus status;
     TextMap pairs;
@@ -151,7 +151,7 @@ struct ReadVariant {
 };
 ReadVariant readVariant(const RgenCVariant& record);
 
-// What rgen_getSimulatedRawDataFromFile gave; entries without a name are under the empty text.
+// The result of rgen_getSimulatedRawDataFromFile; entries without a name are under the empty text.
 struct SimulatedData {
     std::int32_t result;
     std::uint64_t count;

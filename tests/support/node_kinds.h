@@ -39,8 +39,8 @@ constexpr std::size_t longLength = 70000;
 std::string letters(std::size_t length);
 std::string cdata(const std::string& text);
 
-// The stylesheet with that content in that place, for an output method: everything that a place
-// defines is also used.
+// The stylesheet with that content in that place, for an output method. It also uses everything that
+// the place defines.
 std::string sheetWithBody(const NodeText& place, const std::string& content,
                           const std::string& method);
 std::string sheetWithTopLevel(const NodeText& place, const std::string& content,

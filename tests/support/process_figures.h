@@ -18,7 +18,7 @@ long medianOfResidentBytes(const std::function<void()>& action);
 // False in sanitizer builds, whose own memory grows with everything that happens.
 extern const bool memoryIsMeasured;
 
-// The number of repetitions: the given one in a plain Linux build, fewer where everything takes
+// The number of repetitions: `plainCount` in a plain Linux build, fewer where everything takes
 // longer, times RGEN_SOAK_FACTOR where the environment has that variable.
 int loopCount(int plainCount);
 

@@ -156,7 +156,7 @@ class Running:
 
 
 def wait_for(path, running=None, is_gone=False):
-    """Waits until a file exists, or is gone; gives up early when the program that is to make it has
+    """Waits until a file exists, or is gone; stops early when the program that is to make it has
     ended."""
     limit = time.monotonic() + LONGEST_WAIT
     while path.exists() == is_gone:
@@ -194,7 +194,7 @@ class ProgramCase(unittest.TestCase):
         env = {name: value for name, value in os.environ.items() if name not in DROPPED_VARIABLES}
         env.update(LC_ALL="C.UTF-8", TZ="EST5EDT")
         if not ON_WINDOWS:
-            # Wine keeps its server's socket there, and gives its programs another folder.
+            # Wine's server has its socket there; Wine's programs use another folder.
             env["TMPDIR"] = str(self.system_temp)
         env.update(search_path(self.folder / "nothing here"))
         env.update(changes or {})

@@ -27,7 +27,7 @@ public:
 
     // True when the whole text matches.
     bool matches(const std::string& text) const;
-    // Finds the first match at the given position or after it; false when there is none.
+    // Finds the first match at that position or after it; false when there is none.
     bool search(const std::string& text, std::size_t from, Match& match) const;
 
 private:

@@ -24,10 +24,10 @@ extern const char* const sharingGuidText;
 // A whole stylesheet: the attributes of its xsl:output and its further top-level elements.
 std::string stylesheet(const std::string& outputAttributes, const std::string& topLevel);
 
-// A stylesheet with the output method text whose root template has the given body.
+// A stylesheet with the output method text and that body of the root template.
 std::string textStylesheet(const std::string& body);
 
-// The xsl:value-of that gives the text of one property.
+// The xsl:value-of for the text of one property.
 std::string valueOf(const std::string& propertyName);
 
 // A mode 2 generation: its status as statusHex() writes it, and its bytes.
@@ -40,12 +40,12 @@ struct Report {
 bool operator==(const Report& left, const Report& right);
 std::ostream& operator<<(std::ostream& out, const Report& report);
 
-// The report that a successful mode 2 generation is expected to give.
+// The expected report of a successful mode 2 generation.
 Report reportOf(const std::string& bytes);
-// The report that a failed generation is expected to give.
+// The expected report of a failed generation.
 Report failure(RgenStatus status);
 
-// The translate callback that gives "<context><text>"; the context is a zero-terminated text.
+// A translate callback that returns "<context><text>"; the context is a null-terminated text.
 const char* RGEN_CALL translateWithPrefix(const char* text, void* context);
 
 // A data directory with three report types. The first has the default GUID, the files
@@ -76,7 +76,7 @@ protected:
     Generator generator;
 };
 
-// Mode 1 generations: templates for all formats that give the value "v", and an input with one.
+// Mode 1 generations: templates for all formats with the text of the value "v", and an input with that value.
 class DeleteOnCloseTest : public ReportTest {
 protected:
     DeleteOnCloseTest();

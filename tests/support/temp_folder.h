@@ -15,7 +15,7 @@ namespace rgen_test {
 class TempFolder {
 public:
     TempFolder();
-    // The folder's name ends in the given text, so that a case can ask for blanks or other letters.
+    // The folder's name ends in that text, so that a case can have blanks or other letters in it.
     explicit TempFolder(const std::string& nameEnding);
     ~TempFolder();
     TempFolder(const TempFolder&) = delete;
@@ -25,7 +25,7 @@ public:
     const std::string& path() const { return path_; }
     // UTF-8 path of something inside; "/" in the relative path becomes the native separator.
     std::string file(const std::string& relativePath) const;
-    // The data directory that a generator uses when path() is given to rgen_setDataDirPath,
+    // The data directory that a generator uses when path() is passed to rgen_setDataDirPath,
     // without a separator at its end.
     std::string dataDir() const { return file(".rgen"); }
     // UTF-8 path of something inside the data directory.
@@ -42,7 +42,7 @@ std::string nativePath(std::string path);
 bool exists(const std::string& path);
 bool isFolder(const std::string& path);
 
-// The bytes of a file; a file that cannot be read fails the test and gives the empty text.
+// The bytes of a file; a file that cannot be read fails the test and reads as the empty text.
 std::string readFile(const std::string& path);
 // Writes exactly these bytes (no line end translation); missing folders above it are created.
 void writeFile(const std::string& path, const std::string& bytes);

@@ -36,7 +36,7 @@ protected:
     rgen::ReportGenerator generator;
 };
 
-// A stylesheet with the output method text whose root template has the given body.
+// A stylesheet with the output method text and that body of the root template.
 std::string textTemplate(const std::string& body);
 
 // True when the calling thread could take the generator's mutex.

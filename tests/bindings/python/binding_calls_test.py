@@ -217,7 +217,7 @@ class Interrupts(BindingCase):
         self.put_template(marked("a"))
         self.own.set_translator(translate)
         before = sorted(os.listdir("/proc/self/fd"))
-        # The generation is not cancelled, so that it does give a file.
+        # The generation is not cancelled, so that it returns a file.
         with mock.patch.object(self.own, "cancel", lambda _type: interrupted.set()), \
                 self.assertRaises(KeyboardInterrupt):
             self.own.open_report(Request(TYPE, values={"v": 1}), self.folder / "report.html")

@@ -16,7 +16,7 @@ namespace {
 
 constexpr const char* storedFile = "main/.rgen/persist_data.xml";
 
-// One line for each of the properties that are given and stored.
+// One line for each property of the input and of the stored data.
 constexpr const char* lineTemplate =
     "<xsl:stylesheet version=\"1.0\" xmlns:xsl=\"http://www.w3.org/1999/XSL/Transform\">"
     "<xsl:output method=\"text\"/><xsl:template match=\"/\">"

@@ -1,5 +1,5 @@
 // Faults of the system itself: a full file system, folders without rights, no descriptors left, a
-// limit on file sizes. Each case runs in a child, which can give up rights without spoiling the
+// limit on file sizes. Each case runs in a child, which can drop rights without spoiling the
 // others.
 //
 // SPDX-License-Identifier: MIT

@@ -51,7 +51,7 @@ public:
     void collectConverters();
 
     long reports() const { return reports_; }
-    // How often each kind of step was taken, and each status given.
+    // How often each kind of step was taken and each status returned.
     const std::map<std::string, long>& counts() const { return counts_; }
     // Removes the outputs that later reports would have replaced.
     void removeReports();

@@ -13,6 +13,7 @@
 #include "generate/generation_driver.h"
 #include "strata_repgenlib/rgen.h"
 #include "support/fault_injection.h"
+#include "support/process_figures.h"
 #include "unit/unit_fixture.h"
 
 namespace rgen_test {
@@ -52,7 +53,7 @@ protected:
             std::this_thread::yield();
     }
 
-    // Generates; while the given call of the generation runs, that many cancels begin to wait.
+    // Generates; while that call of the generation runs, that many cancels begin to wait.
     rgen::Status generateCancelledAt(Call call, unsigned cancels) {
         std::vector<std::thread> cancelling;
         const InterceptedCall step(call, [&] {
@@ -69,7 +70,7 @@ protected:
 };
 
 TEST_F(CancelTest, NoneOfAThousandThatWaitForTheLookupIsLost) {
-    constexpr int rounds = 1000;
+    const int rounds = loopCount(1000);
     std::atomic<bool> mayCancel{false};
     std::thread cancelling([&] {
         for (int round = 0; round < rounds; ++round) {
