@@ -37,7 +37,7 @@ COMPILERS += [("header_compiles.c", C_VERSIONS, CLANG_WARNINGS, f"clang-{CLANG}"
 
 
 def compile_header(compiler, version, warnings, source, include=INCLUDE):
-    """The first lines of what the compiler says; nothing when it takes the header."""
+    """The first lines of the compiler's output; empty when it accepts the header."""
     run = subprocess.run([compiler, f"-std={version}", *warnings, "-Werror", f"-I{include}",
                           f"-I{TESTS}", "-fsyntax-only", FOLDER / source], check=False, text=True,
                          stdin=subprocess.DEVNULL, stdout=subprocess.PIPE,

@@ -131,7 +131,7 @@ TEST(LibraryLife, MayBeUnloadedWhileAThreadThatUsedItLives) {
         turns.waitFor(2);
     }
     EXPECT_EQ("[size] 0xff", report);
-    // A system may keep the code for the thread; what counts is that the thread ends well.
+    // A system may keep the code in memory for the thread; the test is that the thread ends.
     turns.next(3);
     user.join();
 }

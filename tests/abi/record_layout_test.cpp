@@ -1,6 +1,6 @@
 // Sizes and offsets of every record, and the numbers of every constant: the binary interface.
 //
-// The assertions are the compiler's; the cases look at the same memory once more at run time.
+// The assertions are the compiler's; the cases check the same memory at run time.
 //
 // SPDX-License-Identifier: MIT
 #include <gtest/gtest.h>

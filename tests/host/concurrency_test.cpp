@@ -267,7 +267,7 @@ TEST_F(Threads, ACancelBeforeAReportDoesNotReachIt) {
     EXPECT_EQ(reportOf("v"), reportOn(generator, "v"));
 }
 
-// A cancel that arrives while the template runs waits for it and comes too late for the report.
+// A cancel that arrives while the template runs waits for it and has no effect on the report.
 TEST_F(Threads, ACancelBehindTheLastCheckLeavesTheReportItsStatus) {
     putTemplate(textStylesheet(marker));
     struct Shared {

@@ -20,7 +20,7 @@ using rgen_test::InputParams;
 using rgen_test::statusHex;
 using rgen_test::TempFolder;
 
-// Holds a file open so that nobody else can open or remove it.
+// Holds a file open so that no other handle can open or remove it.
 class HeldFile {
 public:
     explicit HeldFile(const std::string& path)

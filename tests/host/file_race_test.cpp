@@ -24,7 +24,7 @@ namespace fs = std::filesystem;
 
 constexpr int readers = 4;
 
-// Windows keeps an open file from being replaced, and says so to either side.
+// Windows refuses to replace an open file, with an error on both sides.
 constexpr bool renamingIsAtomic = fs::path::preferred_separator == '/';
 
 // A configuration whose report type has that template. The rest makes it long enough to be read in
@@ -139,7 +139,7 @@ TEST_F(FileRace, ADataDirectoryRemovedInALoopIsMadeAnewOrReported) {
         statusHex(RGEN_E_CREATE_DIR), statusHex(RGEN_E_CREATE_CONFIG),
         statusHex(RGEN_E_OPEN_CONFIG), statusHex(RGEN_E_NO_TYPE_MAP),
         statusHex(RGEN_E_NO_VALID_TYPE_MAP), statusHex(RGEN_E_TEMPLATE_NOT_FOUND),
-        // The template is gone between the look at it and its reading.
+        // The template is removed after the check and before it is read.
         statusHex(RGEN_E_XSLT_PARSE)};
     std::atomic<int> answered{0};
     readWhile(

@@ -1,4 +1,4 @@
-// The data of a report: where it comes from, which of its sources wins, and what is left out.
+// The data of a report: its sources, their precedence, and what is left out.
 //
 // SPDX-License-Identifier: MIT
 #include <gtest/gtest.h>

@@ -1,5 +1,5 @@
 // Each of the 26 functions leaves the state of the host's process as it was, when it succeeds, when
-// it fails and when it throws, and prints nothing. What that state is, support/host_state.h says.
+// it fails and when it throws, and prints nothing. The state is described in support/host_state.h.
 //
 // SPDX-License-Identifier: MIT
 #include <gtest/gtest.h>

@@ -1,4 +1,4 @@
-// Files of sizes that nobody expects: depth, numbers and lengths. Each row is put into all three of
+// Files of unusual sizes: depth, numbers and lengths. Each row is put into all three of
 // the files that the library reads, as far as it concerns them.
 //
 // SPDX-License-Identifier: MIT

@@ -1,6 +1,6 @@
 // What one persistent text does to the others. A reference that XML does not know, or a byte or
 // character that it cannot hold, is stored as it is; when the file is read back, every reference
-// after it is lost. Each row is stored beside ten good texts, and those are looked at by their
+// after it is lost. Each row is stored beside ten good texts, and those are checked by their
 // place in the file, whose order is not defined.
 //
 // SPDX-License-Identifier: MIT
@@ -90,7 +90,7 @@ TEST_F(PersistentRecovery, WhatXmlCannotHoldTakesTheReferencesAfterIt) {
 }
 
 TEST_F(PersistentRecovery, ANameThatXmlCannotHoldDoesSo) {
-    // U+FFFE in a name takes the references of all entries.
+    // U+FFFE in a name loses the references of all entries.
     for (const char* name : {"a\xFFz", "\xED\xA0\x80", "\xEF\xBF\xBE", "\xEF\xBF\xBF"}) {
         SCOPED_TRACE(name);
         store(name, "text");

@@ -34,7 +34,7 @@ void onThreads(unsigned count, const Function& function) {
 // Contexts of the callback, which threads exchange.
 char prefixes[][2] = {"0", "1", "2"};
 
-// Eight threads that do whatever their own sequence says, on two shared generators, with two data
+// Eight threads, each with a random sequence of calls, on two shared generators, with two data
 // directories.
 class MixedRace : public ReportTest {
 protected:

@@ -1,7 +1,7 @@
 // Which "type" elements of config.xml serve which GUID, and with which two files.
 //
 // Each row is one configuration. The persistent data file is seen as the file that a store creates,
-// the template as the one of several templates whose name comes out as the report.
+// the template by its name, which is what each template writes as the report.
 //
 // SPDX-License-Identifier: MIT
 #include <gtest/gtest.h>

@@ -1,5 +1,5 @@
-// Pipes, devices and sockets in the places of files. Opening a pipe that nobody writes to would
-// wait for ever; then the case comes to no end.
+// Pipes, devices and sockets in the places of files. Opening a pipe without a writer blocks; then
+// the case does not end.
 //
 // SPDX-License-Identifier: MIT
 #include <gtest/gtest.h>

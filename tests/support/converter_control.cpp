@@ -1,5 +1,3 @@
-// The test side of the stand-in converter.
-//
 // SPDX-License-Identifier: MIT
 #include "support/converter_control.h"
 

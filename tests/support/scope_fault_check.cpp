@@ -1,5 +1,3 @@
-// The check, as a listener that every case reports to.
-//
 // SPDX-License-Identifier: MIT
 #include "support/scope_fault_check.h"
 

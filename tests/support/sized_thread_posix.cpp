@@ -70,8 +70,8 @@ std::size_t takenAtStart() {
     return taken;
 }
 
-// The thread-local data of a sanitizer lies on the stack and is large, and instrumented code takes
-// more of it; a caller means neither.
+// The thread-local data of a sanitizer is on the stack and large, and instrumented code needs more
+// stack; the sizes of the callers include neither.
 std::size_t sanitizerShare() {
     constexpr std::size_t ordinary = 64 * kibibyte;
     static const std::size_t share = takenAtStart() / ordinary * ordinary + instrumentationStack;

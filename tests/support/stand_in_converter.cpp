@@ -1,5 +1,5 @@
-// A program that replaces the external converter "vellum" in tests. It does what a control
-// file says, whose path it finds in the environment variable STAND_IN_CONTROL. Without a control
+// A program that replaces the external converter "vellum" in tests. It runs the commands of a
+// control file, whose path is in the environment variable STAND_IN_CONTROL. Without a control
 // file it does nothing and succeeds.
 //
 // The control file holds one command a line, a word and its arguments separated by tabs. In every

@@ -251,7 +251,7 @@ internal static partial class CSharpHost
         }
     }
 
-    /// <summary>What the library would keep only a part of, or lose other texts for.</summary>
+    /// <summary>Texts of which the library would keep only a part, or because of which it would lose others.</summary>
     private static void CheckPersistentLimits()
     {
         const int Longest = 10000000;

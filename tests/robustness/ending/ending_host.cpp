@@ -1,6 +1,6 @@
-// A host that uses the library at each moment of its end: in exit functions that were registered
+// A host that uses the library at each moment while it ends: in exit functions that were registered
 // before and after the first use, in the destructor of an ordinary global object, in the end of the
-// program and of a library. Everything it needs for that itself has nothing to destroy. Each moment
+// program and of a library. Its own data needs no destructor. Each moment
 // writes a line into the file "moments" of the folder.
 //
 // Arguments: folder, use, library, late library ("-" for none). The use is one of "held" (the

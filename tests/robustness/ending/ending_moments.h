@@ -1,4 +1,4 @@
-// What the hosts that use the library at the end of their process tell about it.
+// Runs the hosts that use the library while their process ends.
 //
 // SPDX-License-Identifier: MIT
 #ifndef RGEN_TESTS_ENDING_ENDING_MOMENTS_H
@@ -8,7 +8,7 @@
 
 namespace rgen_test {
 
-// Runs a host in a folder of its own; a line for each moment, in the order in which they came. The
+// Runs a host in a folder of its own; returns a line for each moment, in their order. The
 // late library is a path, or "-" for none.
 std::string momentsOf(const std::string& host, const std::string& use,
                       const std::string& lateLibrary);

@@ -44,7 +44,7 @@ std::string takeRecord(FaultSubject& subject) {
     return lines;
 }
 
-// A named value keeps its result of 1 without its name.
+// The result for a named value is 1 even when its name cannot be allocated.
 FaultScenario namedValue(const std::string& name) {
     FaultScenario scenario;
     scenario.name = name;

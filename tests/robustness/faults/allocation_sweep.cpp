@@ -18,14 +18,14 @@ namespace {
 
 enum class Ending { Status, BadAlloc, LockError };
 
-// What one call came to.
+// The result of one call.
 struct Attempt {
     Ending ending = Ending::Status;
     RgenStatus status = RGEN_OK;
     std::string product;
 };
 
-// How often each outcome came.
+// The number of each outcome.
 struct Outcomes {
     std::size_t same = 0;
     std::size_t statuses = 0;
@@ -62,7 +62,7 @@ public:
     }
 
 private:
-    // What C++ keeps for exceptions without memory has a lock, which on Windows is made when it is
+    // The reserve of the C++ runtime for exceptions has a lock, which on Windows is created when it is
     // first used, and that needs memory.
     static void throwWithoutMemory() {
         try {

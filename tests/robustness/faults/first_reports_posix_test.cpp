@@ -30,7 +30,7 @@ const char* const configuration =
     "<persistDataFile>persist_data.xml</persistDataFile>"
     "<reportTypeFile>test_stylesheet.xsl</reportTypeFile></type></reportTypes></config>";
 
-// The callback runs directly before the template is compiled: there the threads meet.
+// The threads wait for each other in the callback, which runs right before the template is compiled.
 const char* RGEN_CALL meet(const char* text, void* context) {
     auto& arrived = *static_cast<std::atomic<int>*>(context);
     ++arrived;
@@ -46,7 +46,7 @@ bool reportIsRight(const TempFolder& folder, std::atomic<int>& arrived) {
     input.variants().addString("v", "value");
     Result result;
     const RgenStatus status = rgen_generateReport(generator.get(), input.get(), result.get());
-    // A report that failed on its way keeps nobody waiting.
+    // After a report that failed early no thread may wait any more.
     arrived = 2;
     return status == RGEN_OK && result.bytes() == "text fallback";
 }

@@ -24,7 +24,7 @@ std::wstring wide(const std::string& path) {
     return std::filesystem::u8path(path).wstring();
 }
 
-// Holds a file open so that nobody else can open or remove it.
+// Holds a file open so that no other handle can open or remove it.
 class HeldHandle {
 public:
     explicit HeldHandle(const std::string& path)

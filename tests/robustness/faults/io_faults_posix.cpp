@@ -178,7 +178,7 @@ ssize_t replacedWrite(int descriptor, const void* bytes, std::size_t size) {
     return -1;
 }
 
-// A short one takes the first part alone.
+// A short one handles only the first part.
 ssize_t replacedReadv(int descriptor, const iovec* parts, int count) {
     const auto original = next(replacedReadv, "readv");
     if (!isWatched(descriptor) || !countsAsFailure(IoCall::Read))

@@ -1,4 +1,4 @@
-// What a sweep tells: the failures that it tried, and the problems that it found.
+// The results of a sweep: the number of failures that it tried, and the problems that it found.
 //
 // SPDX-License-Identifier: MIT
 #ifndef RGEN_TESTS_FAULTS_SWEEP_REPORT_H

@@ -1,4 +1,4 @@
-// Bytes as config.xml: every reader of it must come to a documented status, and to the same one.
+// Bytes as config.xml: every reader of it must return a documented status, and all the same one.
 //
 // SPDX-License-Identifier: MIT
 #include <boost/filesystem/exception.hpp>

@@ -15,7 +15,7 @@ namespace {
 
 constexpr std::size_t longestForExpression = 256;
 
-// The first 16 bytes as a GUID: the text has a fixed form and tells all of them.
+// The first 16 bytes as a GUID: the text has a fixed form and contains all of them.
 void checkWriter(const std::string& input) {
     rgen::Guid guid = {};
     if (input.size() < sizeof guid) return;

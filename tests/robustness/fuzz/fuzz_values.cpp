@@ -1,5 +1,5 @@
 // Names, values and hints of every type through storage, dump and reports. Markup in a name or
-// value never becomes an element, and what came back once comes back unchanged from then on.
+// value never becomes an element, and a text that was read once is read unchanged from then on.
 //
 // SPDX-License-Identifier: MIT
 #include <cstddef>
@@ -40,7 +40,7 @@ struct Given {
     ValueSet values;
     // Names that enter the library.
     std::set<std::string> names;
-    // True while every value is a text without references, and no name came twice.
+    // True while every value is a text without references, and no name occurs twice.
     bool plain = true;
     // Of all names and texts.
     std::size_t characters = 0;

@@ -1,6 +1,6 @@
 // The limits. The linker sends two calls through this file (--wrap): where the library makes a
 // transformation context, which is given limits, and where libxslt calls its debugger hook before
-// each instruction, where the memory is looked at. The memory functions in use are put behind ones
+// each instruction, where the used memory is checked. The memory functions are wrapped by ones
 // that count what is asked of them.
 //
 // SPDX-License-Identifier: MIT

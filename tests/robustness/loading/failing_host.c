@@ -1,7 +1,7 @@
 /*
  * A host that loads the library and calls it once for each allocation of the call, which fails,
  * alone or with all later ones. Every attempt is the first use of a process of its own, which this
- * one forks. Where the host is in C, the C++ library comes in with the library, too.
+ * one forks. A host in C loads the C++ library along with the report library.
  *
  * Arguments: library, folder, call ("new", "report", "persist", "simulate"), thread ("main",
  * "other": on a thread that has not used the library yet), number of thread keys that are taken

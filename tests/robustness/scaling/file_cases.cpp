@@ -21,7 +21,7 @@ struct FileText {
     TextMaker make;
 };
 
-// The number of each copy takes the place of "#".
+// "#" is replaced by the number of each copy.
 std::string numberedTimes(const std::string& part, std::size_t count) {
     std::string text;
     for (std::size_t i = 0; i < count; ++i) {

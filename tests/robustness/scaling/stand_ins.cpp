@@ -1,4 +1,4 @@
-// Scanners as they should not be: one goes back to the start for each character, one looks through
+// Scanners that are wrong on purpose: one starts again for each character, one looks through
 // the rest for each opening, as fast as the C library can. Both must be noticed.
 //
 // SPDX-License-Identifier: MIT
@@ -10,7 +10,7 @@
 namespace rgen_test {
 namespace {
 
-// Keeps results that nobody needs.
+// Keeps the compiler from removing the work.
 volatile std::size_t sink;
 
 void lookBackFromEach(std::string_view text) {

@@ -22,7 +22,7 @@ namespace {
 using TextMaker = std::function<std::string(std::size_t size)>;
 using TextReader = std::function<void(std::string& text)>;
 
-// Keeps results that nobody needs.
+// Keeps the compiler from removing the work.
 volatile bool sink;
 
 ScalingCase textCase(const std::string& name, const TextMaker& make, const TextReader& read) {
@@ -103,7 +103,7 @@ void addByteDumpCases(std::vector<ScalingCase>& cases) {
         const std::string prefix = "byte dump: " + name;
         cases.push_back(textCase(prefix + ", checked", make,
                                  [](std::string& text) { sink = rgen::isValidByteDump(text); }));
-        // The parser says on standard output what it does not take.
+        // The parser reports invalid dumps on standard output.
         if (!rgen::isValidByteDump(make(usualBytes))) continue;
         cases.push_back(textCase(prefix + ", read", make, [](std::string& text) {
             rgen::ByteVector bytes;

@@ -12,7 +12,7 @@
 namespace rgen_test {
 namespace {
 
-// Keeps results that nobody needs.
+// Keeps the compiler from removing the work.
 volatile std::size_t sink;
 
 std::string numbered(const std::string& name, std::size_t number, bool isNumbered) {

@@ -14,7 +14,7 @@ namespace rgen_test {
 namespace {
 
 constexpr unsigned seed = 20240229;
-// Half of it where a report takes many times longer.
+// Half as many where a report takes much longer.
 const int defaultReports = memoryIsMeasured ? 100000 : 50000;
 constexpr long allowedGrowth = 256 * 1024;
 constexpr int parts = 5;

@@ -26,7 +26,7 @@ struct LateCancel {
 
 const char* RGEN_CALL translateAndCancel(const char* text, void* context) {
     auto* call = static_cast<LateCancel*>(context);
-    // The companion waits for the lock that this report holds, and comes too late for it.
+    // The companion waits for the lock that this report holds, and has no effect on it.
     call->companion.begin([call] {
         const RgenGuid guid = guidFromText(goodType);
         rgen_cancel(call->generator, call->everything ? nullptr : &guid);

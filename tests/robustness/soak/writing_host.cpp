@@ -40,7 +40,7 @@ public:
     WritingHost(const WritingHost&) = delete;
     WritingHost& operator=(const WritingHost&) = delete;
 
-    // One round; 0 or the exit code that tells what went wrong.
+    // One round; returns 0 or the exit code of the failure.
     int write(unsigned long round) {
         const std::string text(kind_ == "persist" ? 400 : 60000,
                                static_cast<char>('a' + round % 26));
