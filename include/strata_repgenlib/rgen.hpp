@@ -654,7 +654,9 @@ public:
     ~Owned() { detail::release(record_); }
     Owned(const Owned&) = delete;
     Owned& operator=(const Owned&) = delete;
+    /** Moves the content; `other` is empty afterwards. */
     Owned(Owned&& other) noexcept : record_(std::exchange(other.record_, Record{})) {}
+    /** Frees the current content, then moves that of `other`. */
     Owned& operator=(Owned&& other) noexcept {
         if (this != &other) {
             detail::release(record_);
@@ -663,12 +665,15 @@ public:
         return *this;
     }
 
+    ///@{
+    /** Access to the record, which this object still owns. */
     Record* get() noexcept { return &record_; }
     const Record* get() const noexcept { return &record_; }
     Record& operator*() noexcept { return record_; }
     const Record& operator*() const noexcept { return record_; }
     Record* operator->() noexcept { return &record_; }
     const Record* operator->() const noexcept { return &record_; }
+    ///@}
 
 private:
     Record record_{};
@@ -680,6 +685,7 @@ public:
     /** The GUID of zeros. */
     constexpr Guid() noexcept = default;
 
+    /** From a record of rgen.h. */
     constexpr Guid(const RgenGuid& record) noexcept : record_(record) {}
 
     /**
@@ -711,12 +717,15 @@ public:
     /** The record for functions of rgen.h. */
     constexpr const RgenGuid& record() const noexcept { return record_; }
 
+    ///@{
+    /** Compares all 16 bytes. */
     friend bool operator==(const Guid& left, const Guid& right) noexcept {
         return std::memcmp(&left.record_, &right.record_, sizeof left.record_) == 0;
     }
     friend bool operator!=(const Guid& left, const Guid& right) noexcept {
         return !(left == right);
     }
+    ///@}
     /** The order of the texts. */
     friend bool operator<(const Guid& left, const Guid& right) noexcept {
         for (std::size_t digit = 0; digit < digits; ++digit) {
@@ -828,12 +837,15 @@ public:
     /** Plain or Markup. */
     TextForm form() const noexcept { return form_; }
 
+    ///@{
+    /** Compares content and form. */
     friend bool operator==(const Text& left, const Text& right) noexcept {
         return left.content_ == right.content_ && left.form_ == right.form_;
     }
     friend bool operator!=(const Text& left, const Text& right) noexcept {
         return !(left == right);
     }
+    ///@}
 
 private:
     std::string content_;
@@ -855,6 +867,7 @@ public:
     /** The empty text. */
     Value() = default;
 
+    /** A text in either form. */
     Value(Text text) : content_(std::move(text)) {}
 
     /** A plain text, which appears in the report unchanged. */
@@ -903,18 +916,22 @@ public:
     /** For a text always Generic, for bytes Dump. */
     Hint hint() const noexcept { return hint_; }
 
-    /** The integer. This and the next four throw std::bad_variant_access for another type. */
+    ///@{
+    /** The content. Exceptions: std::bad_variant_access if the value has another type. */
     std::int64_t integer() const { return std::get<std::int64_t>(content_); }
     const std::string& text() const { return std::get<Text>(content_).content(); }
-    /** The text with its form. */
     const Text& markedText() const { return std::get<Text>(content_); }
     const Bytes& bytes() const { return std::get<Bytes>(content_); }
     void* handle() const { return std::get<void*>(content_); }
+    ///@}
 
+    ///@{
+    /** Compares content and hint. */
     friend bool operator==(const Value& left, const Value& right) {
         return left.content_ == right.content_ && left.hint_ == right.hint_;
     }
     friend bool operator!=(const Value& left, const Value& right) { return !(left == right); }
+    ///@}
 
 private:
     template <typename Number>
@@ -950,11 +967,14 @@ private:
 template <typename Item>
 class Named {
 public:
+    /** The underlying container. */
     using Map = std::map<std::string, Item, std::less<>>;
+    /** A name and its item. */
     using Entry = std::pair<std::string, Item>;
 
     Named() = default;
 
+    /** From a list of entries. */
     Named(std::initializer_list<Entry> entries) { add(entries); }
 
     /** From any range of pairs: a name and something that converts to Item. */
@@ -973,6 +993,7 @@ public:
         return *this;
     }
 
+    /** Adds the entries of a list. */
     Named& add(std::initializer_list<Entry> entries) {
         for (const Entry& entry : entries)
             add(entry.first, entry.second);
@@ -999,12 +1020,15 @@ public:
         return found->second;
     }
 
+    ///@{
+    /** As in std::map; map() returns the container itself. */
     bool contains(std::string_view name) const { return map_.find(name) != map_.end(); }
     std::size_t size() const noexcept { return map_.size(); }
     bool empty() const noexcept { return map_.empty(); }
     auto begin() const noexcept { return map_.begin(); }
     auto end() const noexcept { return map_.end(); }
     const Map& map() const noexcept { return map_; }
+    ///@}
 
 private:
     Map map_;
@@ -1047,8 +1071,10 @@ public:
     ~OpenFile() { close(); }
     OpenFile(const OpenFile&) = delete;
     OpenFile& operator=(const OpenFile&) = delete;
+    /** Moves the file; `other` is closed afterwards. */
     OpenFile(OpenFile&& other) noexcept
         : handle_(other.handle_), isOpen_(std::exchange(other.isOpen_, false)) {}
+    /** Closes the current file, then moves that of `other`. */
     OpenFile& operator=(OpenFile&& other) noexcept {
         if (this != &other) {
             close();
@@ -1058,8 +1084,11 @@ public:
         return *this;
     }
 
+    ///@{
+    /** Whether there is an open file. */
     bool isOpen() const noexcept { return isOpen_; }
     explicit operator bool() const noexcept { return isOpen_; }
+    ///@}
 
     /** Windows: the HANDLE, write-only. Linux: the descriptor as a pointer. */
     void* get() const noexcept { return handle_; }
