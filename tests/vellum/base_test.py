@@ -1,17 +1,17 @@
-"""The base of relative links: what -b gives, as it stands in the page that the engine gets.
+"""The base of relative links: the value of -b as the engine gets it in the page.
 
 SPDX-License-Identifier: MIT
 """
 
 import urllib.parse
 
-from page_places import Tags
+from staged_page import Tags
 from program_case import ON_WINDOWS, linux_only, native, search_path, windows_only
 from vellum_case import PAGE, VELLUM, VellumCase
 
 
 def address(path):
-    """The address of a folder, as every browser understands it."""
+    """The URL of a folder, as every browser understands it."""
     text = "/" + native(path).replace("\\", "/") if ON_WINDOWS else native(path)
     return "file://" + urllib.parse.quote(text, safe="/:") + "/"
 
@@ -25,7 +25,7 @@ class BaseCase(VellumCase):
         return found[0]
 
     def expect_folder(self, path, base, **settings):
-        """Some signs may stand as they are or as their code."""
+        """Some characters may or may not be percent-encoded."""
         found = self.staged_base(base, **settings)
         plain = urllib.parse.unquote(found.removeprefix("file://"))
         self.assertEqual(urllib.parse.unquote(address(path).removeprefix("file://")), plain)
@@ -97,7 +97,7 @@ class Addresses(BaseCase):
 
 @windows_only
 class LiteralCommandLine(BaseCase):
-    """A batch file starts vellum with exactly the text that the library gives to the system."""
+    """A batch file starts vellum with exactly the command line that the library uses."""
 
     def run_line(self, line):
         self.write("page.html", PAGE)

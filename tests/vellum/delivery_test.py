@@ -1,4 +1,4 @@
-"""The PDF appears as a whole or not at all; an error leaves its text.
+"""A complete PDF is written or none; an error is written to a file next to it.
 
 SPDX-License-Identifier: MIT
 """
@@ -23,7 +23,7 @@ class DeliveryCase(VellumCase):
         self.write("report.pdf", OLD)
 
     def expect_failure(self, result, code, message):
-        """The old PDF stays, the text is beside it and nothing else is."""
+        """The old PDF remains, with the error text next to it and nothing else."""
         self.expect_error(result, code, message)
         self.assertEqual(OLD, self.read("report.pdf"))
         self.assertEqual(f"vellum: {message}\n", self.error_text())
@@ -107,7 +107,7 @@ class Failures(DeliveryCase):
         result = self.vellum("-i", "x.html", "-o", "report.pdf")
         self.expect_error_like(result, 3, 'cannot read "x.html": .+; check the path given to -i')
         self.assertEqual(OLD, self.read("report.pdf"))
-        # The page is gone before it was read: that is how an early cancel looks.
+        # A page that is deleted before it was read was cancelled early.
         self.assertNotIn("report.pdf.error.txt", self.names())
 
     def test_a_folder_as_page(self):
@@ -125,14 +125,14 @@ class Failures(DeliveryCase):
 
     @linux_only
     def test_a_pipe_as_page(self):
-        """Opening it could wait for ever."""
+        """Opening it could block forever."""
         os.mkfifo(self.folder / "pipe")
         result = self.vellum("-i", "pipe", "-o", "report.pdf")
         self.expect_error(result, 3, 'cannot read "pipe": it is no ordinary file; check the path given to -i')
 
     @linux_only
     def test_no_room_for_the_copy_of_the_page(self):
-        """An engine that gets half a page would make a PDF of half a report."""
+        """An engine would make a PDF of half a report from half a page."""
         page = PAGE + "x" * 200_000
         result = self.convert(page=page, prefix=with_small_files(100_000))
         self.assertNotEqual(0, result.code, result)
@@ -196,7 +196,7 @@ class Outputs(VellumCase):
 
     @windows_only
     def test_a_path_without_drive(self):
-        """Two backslashes in front: paths of the network begin so, and long ones."""
+        """Paths that start with two backslashes: network paths and long paths."""
         self.expect_done(self.convert(output="\\\\?\\" + native(self.folder / "report.pdf")))
         self.expect_pdf()
         self.assertEqual(["page.html", "report.pdf"], self.names())
@@ -211,7 +211,7 @@ class Outputs(VellumCase):
 
 
 class LongNames(VellumCase):
-    """As long as the system allows: 255 bytes, on Windows units of UTF-16."""
+    """Names of maximum length: 255 bytes, on Windows UTF-16 units."""
 
     def names_of_length(self):
         for length in (245, 246, 250, 255):

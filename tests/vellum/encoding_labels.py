@@ -1,9 +1,9 @@
-"""What pages may call their encodings: the list of the HTML standard.
+"""The encoding labels of the HTML standard.
 
 SPDX-License-Identifier: MIT
 """
 
-# An encoding of the standard, Python's name for it, the labels.
+# Encoding of the standard, name in Python, labels.
 ROWS = [
     ("utf-8", "utf-8",
      "unicode-1-1-utf-8 unicode11utf8 unicode20utf8 utf-8 utf8 x-unicode20utf8"),
@@ -95,17 +95,17 @@ ROWS = [
      "x-user-defined"),
 ]
 LABELS = {label: codec for _, codec, labels in ROWS for label in labels.split()}
-# Engines show none of them, since bytes of ASCII mean other letters there.
+# Engines support none of these, in which ASCII bytes have other meanings.
 REFUSED = ["csiso2022kr", "hz-gb-2312", "iso-2022-cn",
            "iso-2022-cn-ext", "iso-2022-kr", "replacement"]
-# No encodings of the standard; some programs know them all the same.
+# Not in the standard, but supported by some programs.
 UNKNOWN = ["utf-7", "unicode-1-1-utf-7", "utf-32", "utf-32le", "ucs-4", "cp037", "ibm1047", "scsu",
            "ebcdic-cp-us", "bocu-1", "cesu-8", "utf-ebcdic", "iso-2022-jp-2", "iso-2022-jp-3",
            "iso-10646-utf-1", "x-none", "utf8x", "base64"]
-# Those that Windows has no conversion for.
+# Windows cannot decode these.
 LINUX_ONLY = {"iso-8859-10", "iso-8859-14", "iso-8859-16"}
-# Windows has code pages for these, Wine 8 none.
+# Windows has code pages for these, Wine 8 has not.
 NOT_IN_WINE = {"gbk", "gb18030", "iso-2022-jp"}
-# The labels of both: a page under them may be refused where the target is Windows, no other may.
+# The labels of both groups. On Windows pages with these may be refused, and no others.
 MAY_LACK = {label for encoding, _, labels in ROWS for label in labels.split()
             if encoding in LINUX_ONLY | NOT_IN_WINE}

@@ -1,6 +1,6 @@
-"""Which engine is taken: by name, by path, by the page, by the order in which they are tried.
+"""The choice of an engine: by name, by path, by the page, by the order of the list.
 
-The cases about Windows register engines in Wine's folder of this build.
+The cases for Windows register engines in the Wine prefix of this build.
 
 SPDX-License-Identifier: MIT
 """
@@ -25,8 +25,8 @@ def page_that_asks_for(name, tag="meta name=\"vellum:engine\" content"):
 
 
 class EngineCase(VellumCase):
-    """No engine is named. Those that a case installs are found: on Windows the first one in a
-    folder beside a copy of vellum, all others on the search path."""
+    """No engine is named. The engines that a case installs are found: on Windows the first one in a
+    folder next to a copy of vellum, all others on the search path."""
 
     def setUp(self):
         super().setUp()
@@ -69,7 +69,7 @@ class EngineCase(VellumCase):
         self.assertEqual(0, result.code, result)
 
     def register(self, root, program, path):
-        """Registers a browser until the case is over."""
+        """Registers a browser until the end of the case."""
         key = f"{root}\\{APP_PATHS}\\{program}"
         self.registry("add", key, "/ve", "/d", native(path), "/f")
         self.addCleanup(self.start_and_finish, "delete", key, "/f")
@@ -170,13 +170,13 @@ class Named(EngineCase):
 
 
 class AskedByThePage(EngineCase):
-    """On Windows the browsers that a page may ask for are registered."""
+    """On Windows a page can ask for registered browsers."""
 
-    # Its name in the list, and that of its program.
+    # The name in the list, and the name of the program.
     BROWSER, BROWSER_PROGRAM = ("google-chrome", "chrome") if ON_WINDOWS else ("chromium", "chromium")
 
     def install_browser(self):
-        """One that is not the first of the list."""
+        """An engine that is not the first of the list."""
         if ON_WINDOWS:
             path = self.put_program(STAND_IN, self.base_folder / "browsers", self.BROWSER_PROGRAM)
             self.register("HKCU", path.name, path)
@@ -192,7 +192,7 @@ class AskedByThePage(EngineCase):
             self.expect_engine(self.BROWSER_PROGRAM, page=page_that_asks_for(self.BROWSER, tag))
 
     def test_not_one_without_a_policy(self):
-        """What a page may do is not for the page to choose."""
+        """A page cannot choose an engine that ignores the policy."""
         self.install(FIRST_ENGINE, "weasyprint")
         ran, result = self.run_with(page=page_that_asks_for("weasyprint"))
         self.assertEqual(FIRST_ENGINE, ran)
@@ -231,7 +231,7 @@ class AskedByThePage(EngineCase):
 
 
 class Order(EngineCase):
-    """On Windows without the registered ones, which are below."""
+    """On Windows without registered browsers, which have cases below."""
 
     def test_the_first_there_is(self):
         names = [FIRST_ENGINE, "weasyprint"] if ON_WINDOWS else ORDER
@@ -301,7 +301,7 @@ class Check(EngineCase):
 class Registered(EngineCase):
 
     def put_into_program_files(self, *names):
-        """Puts a browser where its installer puts it, until the case is over."""
+        """Puts a browser into the folder that its installer uses, until the end of the case."""
         top = path_here("C:\\") / names[0]
         self.addCleanup(shutil.rmtree, top / names[1])
         return self.put_program(STAND_IN, top.joinpath(*names[1:-1]), names[-1])

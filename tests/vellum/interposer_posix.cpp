@@ -1,15 +1,13 @@
-// A library that is loaded before the C library into vellum and lets something happen directly
-// before one of its calls. Its variables:
+// A library for LD_PRELOAD that makes something happen in vellum directly before a chosen system
+// call. Its variables:
 //
-//   INTERPOSER_AT     before the call of this number, from 1 on
-//   INTERPOSER_DOES   "kill": the process is killed; "signal": it gets SIGTERM; "remove": the page
-//                     goes; "late": from then on the clock is a day ahead
-//   INTERPOSER_PAGE   the page
-//   INTERPOSER_LOG    gets a line for each call, its number and name; and, when a file is renamed
-//                     after that call, the word "delivered"
+// INTERPOSER_AT     the number of the call, counted from 1 INTERPOSER_DOES   "kill": kills the
+// process; "signal": sends SIGTERM; "remove": deletes the page; "late": sets the clock a day ahead
+// from then on INTERPOSER_PAGE   the page INTERPOSER_LOG    receives a line for each call with its
+// number and name, and the word "delivered" when a file is renamed after the chosen call
 //
-// Calls that look at or change files and processes count, but not those that only read; with "late"
-// those of the clock alone. Only those of the program itself count, not of its children.
+// Calls that examine or change files and processes count, but not those that only read. With
+// "late", only calls that read the clock count. Calls of child processes do not count.
 //
 // SPDX-License-Identifier: MIT
 #include <dlfcn.h>
@@ -95,7 +93,7 @@ void step(const char* name, bool isClock = false) {
 
 }  // namespace
 
-// One line for each function: its result, its name, its parameters, how they are passed on.
+// One line for each function: result, name, parameters, arguments of the original call.
 #define PASS_ON(result, name, parameters, arguments)                    \
     extern "C" result name parameters {                                 \
         static const auto next = original<result(*) parameters>(#name); \

@@ -1,4 +1,4 @@
-"""The lines that people meet, word by word.
+"""The exact text of messages.
 
 SPDX-License-Identifier: MIT
 """
@@ -24,7 +24,7 @@ class Input(VellumCase):
                                    "check the path given to -i")
 
     def test_a_path_that_forges_lines(self):
-        """The message stays one line, on standard error and in the text beside the output."""
+        """A message is one line, on standard error and in the error text."""
         result = self.vellum("-i", "x\nvellum: forged\x1b[2J\u009b31m\u202e.html", "-b",
                              "\nvellum: forged", "-o", "no\nfolder/report.pdf")
         self.assertEqual(1, result.err.count("\n"), result)
@@ -32,7 +32,7 @@ class Input(VellumCase):
         self.assertIn("\\n", result.err)
 
     def test_a_page_that_forges_lines(self):
-        """What a page names comes into warnings."""
+        """Warnings contain text from the page."""
         forged = "x\nvellum: forged\x1b[2J\u009b31m\u202e"
         for page, names in ((f'<img src="{forged}.png">', True),
                             (f'<link rel=stylesheet href="{forged}.css">', True),
@@ -101,7 +101,7 @@ class Success(VellumCase):
 
 
 class Standard(VellumCase):
-    """What is printed where."""
+    """What is printed to standard output and to standard error."""
 
     def test_errors_are_on_standard_error_only(self):
         result = self.convert(does="nothing")

@@ -1,21 +1,21 @@
-"""What is done to the page before the engine gets it.
+"""What is done to a page before the engine gets it.
 
 SPDX-License-Identifier: MIT
 """
 
-from page_places import POLICY, Tags, insertion
 from program_case import native
+from staged_page import POLICY, Tags, insertion
 from vellum_case import VellumCase
 
 BASE = "https://base.invalid/a/"
 BODY = '<html lang="de"><head><title>T</title></head><body class="x"><p>Größe и слово\n'
 DOCTYPE = "<!DOCTYPE html>"
-# How each page begins that an engine gets.
+# The start of each page that an engine gets.
 MARK = b"\xef\xbb\xbf"
-# So many conversions run at once.
+# The number of conversions that run at the same time.
 AT_ONCE = 4
 
-# What stands in front of the insertion, and what follows. Comments end as browsers end them.
+# The text before the insertion, and the text after it. Comments end as in browsers.
 PLACES = {
     "a document type": (DOCTYPE, BODY),
     "lower case": ("<!doctype html>", BODY),
@@ -47,7 +47,7 @@ PLACES = {
 }
 
 WORD = "слово"
-# The text of a page and the encoding of its bytes.
+# The text of a page and its encoding.
 ENCODINGS = {
     "charset": ('<!doctype html><meta charset="windows-1251">' + WORD, "cp1251"),
     "capitals": ("<HTML><HEAD><META CHARSET='KOI8-R'></HEAD>" + WORD, "koi8-r"),
@@ -100,7 +100,7 @@ ATTACHMENTS = [
 class PageCase(VellumCase):
 
     def stage(self, *pages, base=BASE):
-        """The pages, given as bytes, as the engine gets them."""
+        """The staged pages for these pages (bytes)."""
         staged = []
         for start in range(0, len(pages), AT_ONCE):
             chunk = range(start, min(start + AT_ONCE, len(pages)))
@@ -113,7 +113,7 @@ class PageCase(VellumCase):
             for each in running:
                 self.expect_done(each.finish())
             pages = [self.log(f"{number}").page for number in chunk]
-            # Nothing that a page declares wins over the mark.
+            # The byte order mark overrides all declarations of a page.
             self.assertTrue(all(page.startswith(MARK) for page in pages), pages)
             staged += [page.removeprefix(MARK) for page in pages]
         return staged
@@ -122,7 +122,7 @@ class PageCase(VellumCase):
         return self.stage(page.encode("utf-8"))[0].decode("utf-8")
 
     def expect_insertion(self, inserted, encoding, base=BASE):
-        """Encoding, policy, base, paper, in this order."""
+        """Encoding, policy, base, paper size, in this order."""
         kinds = (["meta"] if encoding else []) + ["meta"] + (["base"] if base else []) + ["style"]
         self.assertEqual(kinds, inserted.kinds)
         self.assertEqual((encoding, base), (inserted.encoding, inserted.base))
@@ -198,7 +198,7 @@ class Removals(PageCase):
 
     def test_redirections(self):
         pages = [f"{DOCTYPE}<p>in front{tag}<p>behind".encode() for tag in REDIRECTIONS]
-        # One page holds them all but the last two, whose comments reach further.
+        # One page with all but the last two, whose comments do not end.
         together = DOCTYPE + "".join(f"<p>in front{tag}<p>behind" for tag in REDIRECTIONS[:-2])
         rows = [together.encode(), *pages[-2:]]
         for page, staged in zip(rows, self.stage(*rows)):

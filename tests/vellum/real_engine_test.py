@@ -1,4 +1,4 @@
-"""Conversions with a real browser engine: what is in the PDF, and what a page cannot do.
+"""Conversions with a real browser engine: the content of the PDF, and what a page cannot do.
 
 SPDX-License-Identifier: MIT
 """
@@ -30,7 +30,7 @@ A4, A5_ACROSS = (595, 842), (595, 420)
 
 
 def small_png():
-    """An image of two by two red points."""
+    """An image of two by two red pixels."""
     def chunk(name, content):
         return (struct.pack(">I", len(content)) + name + content
                 + struct.pack(">I", zlib.crc32(name + content)))
@@ -45,12 +45,12 @@ def small_png():
 class RealCase(VellumCase):
 
     def environment(self, changes=None):
-        """Only the real engine is there."""
+        """Only the real engine is installed."""
         return super().environment({**engines_on(Path(PROGRAM or "/").parent),
                                     "STAND_IN_ENGINE_LOG": None, **(changes or {})})
 
     def made(self, page, *args, output="report.pdf", **settings):
-        """The path of the PDF of that page; its form is checked."""
+        """The path of the PDF of this page, after a check of its structure."""
         self.expect_done(self.convert(*args, page=page, output=output, **settings))
         path = self.folder / output
         self.tool("qpdf", "--check", path)
@@ -185,7 +185,7 @@ class Files(RealCase):
 
 
 class Harm(RealCase):
-    """What a page wants and does not get."""
+    """What a page tries to do in vain."""
 
     def test_scripts_do_not_run(self):
         page = (PAGE + "<p id=a>plain</p><script>document.getElementById('a').textContent = 'ran'"
@@ -203,7 +203,7 @@ class Harm(RealCase):
 
     def test_a_start_that_shifts_letters(self):
         for start in ("<!doctype html \x1b$B>\x1b(B>", "<!-- \x1b$B --><!doctype html>\x1b(B -->"):
-            # The letters may be such that no font has them; that is a warning.
+            # If no font has the letters, there is a warning.
             result = self.convert(
                 page=f'{start}<meta charset="iso-2022-jp"><script>document.write("ran")</script>'
                 '<iframe src="file:///etc/passwd"></iframe><p>plain')
@@ -214,7 +214,7 @@ class Harm(RealCase):
             self.assertIn("plain", words)
 
     def test_words_that_are_put_together_by_decoding(self):
-        """In both engines, and in tags that lie in values of others."""
+        """With both engines, also for tags inside attribute values of other tags."""
         secret = self.write("secret.html", "<p>secret").as_uri()
         refresh = f"content='0;url={secret}'"
         pages = [f"<meta http-\x1b(Bequiv=refresh {refresh}>", f"<link re\x1b(Bl=attachment href={secret}>",
@@ -254,7 +254,7 @@ class Harm(RealCase):
         asked = []
 
         class Server(http.server.BaseHTTPRequestHandler):
-            def do_GET(self):  # The name that the module prescribes.
+            def do_GET(self):  # The name that http.server requires.
                 asked.append(self.path)
                 self.send_error(404)
 
@@ -276,7 +276,7 @@ class Harm(RealCase):
         self.assertEqual([], asked)
 
     def test_an_unprivileged_user(self):
-        """In containers that forbid the sandbox the reason must be clear."""
+        """In containers without a sandbox the message must name the reason."""
         self.write("page.html", REPORT)
         prefix = self.as_nobody()
         self.addCleanup(shutil.rmtree, self.folder / "home", True)

@@ -9,7 +9,7 @@ import unittest
 from pathlib import Path
 
 import cli_templates
-from page_places import Tags
+from staged_page import Tags
 from program_case import (ON_WINDOWS, PROGRAM, linux_only, native, search_path, windows_only)
 from vellum_case import (ENGINE, FIRST_ENGINE, OLD, STAND_IN, VELLUM, VellumCase, path_here)
 
@@ -19,8 +19,8 @@ REAL = shutil.which(ENGINE)
 
 
 class ChainCase(VellumCase):
-    """A case with a data directory. rgen finds a copy of vellum on the search path; on Windows a
-    folder beside that holds the stand-in engine."""
+    """A case with a data directory. rgen finds a copy of vellum on the search path; on Windows the
+    stand-in engine is in a folder next to it."""
 
     def setUp(self):
         super().setUp()
@@ -99,7 +99,7 @@ class WithStandIn(ChainCase):
         self.assertEqual(self.before, self.names())
 
     def interrupt(self, does, waits_for):
-        """The whole path is in vellum's command line, by which its process is found."""
+        """The process of vellum is found by the path in its command line."""
         running = self.start_report(output=native(self.folder / "report.pdf"),
                                     env={"STAND_IN_ENGINE": does})
         self.wait_until_it_hangs(running, waits_for)

@@ -17,7 +17,7 @@ import unittest
 from pathlib import Path
 
 from encoding_labels import LABELS, MAY_LACK, REFUSED, ROWS, UNKNOWN
-from page_places import Tags
+from staged_page import Tags
 from program_case import ON_WINDOWS, ProgramCase, linux_only, native
 
 PROBE = Path(os.environ["RGEN_VELLUM_PROBE"]).resolve()
@@ -26,11 +26,11 @@ MARK = b"\xef\xbb\xbf"
 BASE = "https://base.invalid/"
 SECRET = "file:///secret.html"
 
-# What engines drop, or take for something else, in one encoding or another.
+# Bytes that engines drop or change in some encoding.
 GAPS = [b"\x1b(B", b"\x1b(J", b"\x1b$B\x1b(B", b"\x1b$)C", b"\x1b$)A\x0f", b"\x0e\x0f", b"~{~}", b"~\n",
         b"+-", b"\x00", b"\xef\xbb\xbf", b"\xc2\xad", b"\x80", b"\xff", b"\x8e", b"\x8f", b"\x81\x30\x81",
         b"\xfe\xff", b""]
-# The words of harmful tags; "*" is where a gap comes.
+# Harmful tags; "*" is replaced by such bytes.
 CONSTRUCTS = [
     f"<link re*l=attachment href={SECRET}>",
     f"<link rel=att*achment href={SECRET}>",
@@ -55,10 +55,10 @@ CONSTRUCTS = [
     f"""<link x="<meta http-equiv=refresh y='"'*>" rel=attachment href={SECRET}>""",
     f"<b <link rel=attachment*x='>' href={SECRET}>",
 ]
-# Where the attributes of a tag begin: a parser begins a tag at a "<" with a letter only.
+# The start of the attributes of a tag: a parser starts a tag only at a "<" with a letter after it.
 TAG = re.compile(rb"<[A-Za-z]")
 
-# Repeats of these made scanners read the page again and again, or could.
+# Repetitions of these can make scanners read the page many times.
 REPEATS = {
     "empty comments": "<!---->",
     "comments with a mark": "<!--x--!>",
@@ -108,7 +108,7 @@ REPEATS = {
 }
 
 
-# What the page of a kind says it is in.
+# The encoding that a page of each kind declares.
 DECLARED = {"shifts": "iso-2022-jp", "half letters": "shift_jis"}
 
 
@@ -117,7 +117,7 @@ def as_bytes(text):
 
 
 def repeated(repeat, size):
-    """A page of about so many bytes: after a start, the pieces in equal parts."""
+    """A page of about so many bytes: a start, then the pieces in equal shares."""
     if callable(repeat):
         return repeat(size).encode()
     start, *pieces = [as_bytes(text) for text in (repeat if isinstance(repeat, tuple) else ("", repeat))]
@@ -125,8 +125,8 @@ def repeated(repeat, size):
 
 
 def attributes_at(page, at):
-    """The attributes of a tag that begins at that place, as the HTML standard reads them. Written
-    after the standard's states, one letter at a time, and not as the program does it."""
+    """The attributes of the tag at this offset. An independent implementation: it follows the states
+    of the HTML standard, one character at a time."""
     state, name, value, found = "tag", b"", b"", []
     blank = b" \t\n\r\f"
 
@@ -187,7 +187,7 @@ def attributes_at(page, at):
 
 
 def harmful_attributes(page):
-    """What an engine would obey, wherever it begins to read a tag."""
+    """What an engine would obey, wherever it starts to read a tag."""
     harmful = []
     for tag in TAG.finditer(page):
         for name, value in attributes_at(page, tag.start()):
@@ -202,14 +202,14 @@ def harmful_attributes(page):
 class ProbeCase(ProgramCase):
 
     def probe(self, command, *words):
-        """For each page its exit code, the number of looks and the message."""
+        """For each page the exit code, the number of checks and the message."""
         result = self.start(command, *words, program=PROBE).finish()
         self.assertEqual(0, result.code, result)
         rows = [line.split(" ", 2) for line in result.text.splitlines()]
-        return [(int(code), int(looks), message) for code, looks, message in rows]
+        return [(int(code), int(checks), message) for code, checks, message in rows]
 
     def stage(self, pages):
-        """The pages, given as bytes by their names: each one's code and what was made of it."""
+        """The exit code and the staged page for each of these pages (bytes by name)."""
         for name, page in pages.items():
             self.write(f"{name}.html", page)
         names = [f"{name}.html" for name in pages]
@@ -258,7 +258,7 @@ class EveryEncoding(ProbeCase):
             self.assertEqual([], harmful_attributes(staged), name)
 
     def test_letters(self):
-        """A letter of each encoding comes through under each of its labels."""
+        """A letter of each encoding is decoded under each of its labels."""
         pages, wanted = {}, {}
         for _, codec, labels in ROWS:
             letter = next(letter for letter in "中あ한Жéяאαعāกßė’ŵș" if can_encode(letter, codec))
@@ -296,14 +296,14 @@ class EveryEncoding(ProbeCase):
                   if row[0] == 0 or not may_be_refused(label)}
         self.assertEqual("a\ufffd\ufffdb\ufffd\ufffd\ufffdc\ufffdd\ufffde", staged["utf-8"])
         if not ON_WINDOWS:
-            # Windows has letters of its own for such bytes.
+            # Windows decodes such bytes to letters of its own.
             self.assertEqual("a\ufffd<b>c", staged["shift_jis"])
             self.assertEqual("a\ufffd<b>c", staged["gb18030"])
             self.assertEqual("a\ufffd", staged["euc-kr"])
             self.assertEqual("aÊ\ufffd<b>c", staged["big5"])
 
     def test_bytes_without_a_meaning_in_the_encodings_of_windows(self):
-        """They are the control characters of their numbers, as the HTML standard has it."""
+        """They are the control characters with their numbers, as in the HTML standard."""
         pages = {encoding: bytes(range(0x80, 0xa0)) for encoding, _, _ in ROWS
                  if encoding.startswith("windows-")}
         rows = self.stage({encoding: f"<meta charset={encoding}><p>".encode() + text
@@ -317,12 +317,12 @@ class EveryEncoding(ProbeCase):
         self.assertTrue(staged.endswith("<p>a\x81\x8db".encode()), staged)
 
     def test_a_second_mark_is_a_letter(self):
-        """A page that begins with two marks has its document type after a letter: too late."""
+        """After a second byte order mark, which is a character, the document type is too late."""
         (_, _, staged), = self.stage({"x": MARK + MARK + b"<!doctype html><p>x"}).values()
         self.assertTrue(staged.startswith(MARK + b'<meta charset="utf-8">'), staged)
 
     def test_letters_longer_than_a_piece(self):
-        """The converter works in pieces; a letter may lie across two."""
+        """iconv is called for one piece after the other; a character may be split between two."""
         for shift in range(4):
             text = "x" * shift + "あ" * 70_000
             page = f"<meta charset=shift_jis><p>{text}".encode("shift-jis")
@@ -332,7 +332,7 @@ class EveryEncoding(ProbeCase):
 
 
 def may_be_refused(label):
-    """Tells whether the system may have no code page for the encoding."""
+    """Returns whether the system may have no code page for the encoding."""
     return ON_WINDOWS and label in MAY_LACK
 
 
@@ -351,7 +351,7 @@ def can_encode(letter, codec):
 
 
 class Tokenizer(ProbeCase):
-    """Against a second reader of tags, over all short texts of the pieces that matter."""
+    """Comparison with a second reader of tags, for all short combinations of relevant pieces."""
 
     PIECES = ['<a ', '<b/', 'rel=attachment', ' http-equiv=refresh', '"', "'", '>', '=', ' ', '<!--', 'x']
 
@@ -362,7 +362,7 @@ class Tokenizer(ProbeCase):
                       for piece in self.PIECES]
         pages = {}
         for number in range(0, len(texts), 200):
-            # What follows from one text cannot hide the next one: quotes and tags end.
+            # A text cannot affect the next one: all quotes and tags are closed.
             rows = ["".join(text) for text in texts[number:number + 200]]
             pages[str(number)] = "\n'\"'>\n".join(rows).encode()
         for name, (code, _, staged) in self.stage(pages).items():
@@ -388,13 +388,13 @@ class Tokenizer(ProbeCase):
 
 
 class Proportion(ProbeCase):
-    """Work grows with the page and not faster."""
+    """The work grows linearly with the page."""
 
     SMALL, LARGE = 8_000, 128_000
-    # Sixteen times the size; some pages are near the cost of an empty one.
+    # For 16 times the size; some pages cost little more than an empty one.
     HIGHEST = 20
 
-    # So many kinds of pages are counted together, since each start under valgrind takes time.
+    # The number of kinds of pages in one run, since each start of valgrind takes time.
     TOGETHER = 4
 
     def instructions(self, repeats, size):
@@ -419,43 +419,43 @@ class Proportion(ProbeCase):
                 large = self.instructions(repeats, self.LARGE) - nothing
                 self.assertLessEqual(large / small, self.HIGHEST, (small, large))
 
-    def test_looks(self):
-        """The clock is looked at all along, whatever the page is made of."""
+    def test_regular_checks(self):
+        """The clock is checked regularly, whatever the page contains."""
         size = 1_000_000
         names = {f"{number}": repeat for number, repeat in enumerate(REPEATS.values())}
         for name, repeat in names.items():
             self.write(f"{name}.html", repeated(repeat, size))
         rows = self.probe("stage", BASE, *(f"{name}.html" for name in names))
-        for kind, (code, looks, message) in zip(REPEATS, rows):
+        for kind, (code, checks, message) in zip(REPEATS, rows):
             with self.subTest(kind=kind):
                 if code == 3 and may_be_refused(DECLARED.get(kind)):
                     self.assertIn("which cannot be read here", message)
                     self.skipTest(f"this system has no code page for {DECLARED[kind]}")
                 self.assertEqual(0, code, message)
                 # Reading and decoding. The text may be shorter than the page.
-                self.assertGreaterEqual(looks, 2 * (size // 65_536))
+                self.assertGreaterEqual(checks, 2 * (size // 65_536))
 
 
 class Ends(ProbeCase):
-    """What ends the work on a page."""
+    """Timeout and cancellation during the work on a page."""
 
     SIZE = 350_000
 
     def expect(self, command, code, message):
         self.write("page.html", repeated("<!---->", self.SIZE))
-        (found, looks, words), = self.probe(command, "page.html")
+        (found, checks, words), = self.probe(command, "page.html")
         self.assertEqual((code, message), (found, words))
-        return looks
+        return checks
 
     def test_the_clock(self):
-        looks = self.expect("late", 6, "the work on the page was still busy after 2 s; set VELLUM_TIMEOUT to "
+        checks = self.expect("late", 6, "the work on the page was still busy after 2 s; set VELLUM_TIMEOUT to "
                             "give it more time")
-        self.assertLess(looks, 5)
+        self.assertLess(checks, 5)
 
     def test_the_page_disappears(self):
-        looks = self.expect("gone", 8, "cancelled")
-        # Windows may show a removed file until it is closed, which is when the page has been read.
-        self.assertLessEqual(looks, self.SIZE // 65_536 + 1 if ON_WINDOWS else 1)
+        checks = self.expect("gone", 8, "cancelled")
+        # On Windows a deleted file may exist until it is closed, which is after the page was read.
+        self.assertLessEqual(checks, self.SIZE // 65_536 + 1 if ON_WINDOWS else 1)
 
     def test_a_signal(self):
         self.assertEqual(1, self.expect("signal", 8, "cancelled"))

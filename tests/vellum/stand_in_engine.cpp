@@ -1,24 +1,18 @@
-// A program that stands in for a browser engine in tests. It takes the page's address from its last
-// argument and the PDF's path from "--print-to-pdf=PATH"; without that option the last two
-// arguments are the page and the PDF, as WeasyPrint takes them. It does what the environment
-// variable STAND_IN_ENGINE says, "pdf" by default:
+// A stand-in for a browser engine. The last argument is the URL of the page, "--print-to-pdf=PATH"
+// the path of the PDF; without that option the last two arguments are page and PDF, as for
+// WeasyPrint. It does what the environment variable STAND_IN_ENGINE says, "pdf" by default:
 //
-//   pdf          writes a small PDF of one page
-//   unwell       the same, but complains and ends with exit code 3
-//   nothing      ends with exit code 0 and without a file
-//   garbage      writes a file that is no PDF
-//   cut          writes a PDF without its end
-//   fail:TEXT    prints the text on standard error and ends with exit code 1
-//   hang         does nothing until it is ended
-//   stuck        writes a PDF without its end, then hangs
-//   linger       writes a PDF, then hangs
-//   child        starts a copy of itself that hangs, then hangs
-//   swell        takes 200 MiB of memory, then hangs
-//   swell child  starts a copy of itself that takes 200 MiB and hangs, then hangs
+// pdf          writes a small PDF of one page unwell       the same, but prints an error and exits
+// with code 3 nothing      writes no file and exits with code 0 garbage      writes a file that is
+// not a PDF cut          writes a truncated PDF fail:TEXT    prints the text on standard error and
+// exits with code 1 hang         does nothing until it is killed stuck        writes a truncated
+// PDF, then hangs linger       writes a PDF, then hangs child        starts a copy of itself that
+// hangs, then hangs swell        allocates 200 MiB of memory, then hangs swell child  starts a copy
+// of itself that allocates 200 MiB and hangs, then hangs
 //
-// When STAND_IN_ENGINE_LOG names a file, it first writes there what it was started with: one line
-// for its own name and each argument. Beside it, FILE.html is a copy of the page, FILE.hangs
-// appears when the program begins to hang, and FILE.child when its copy does.
+// If STAND_IN_ENGINE_LOG is the path of a file, it first writes its own name and its arguments to
+// it, one per line. FILE.html is then a copy of the page; FILE.hangs is created when the program
+// starts to hang, and FILE.child when its copy does.
 //
 // SPDX-License-Identifier: MIT
 #include "vellum/stand_in_engine.h"
@@ -60,7 +54,7 @@ Task taskOf(const std::vector<std::string>& arguments) {
     return task;
 }
 
-// Turns "%C3%B6" into the bytes that it stands for.
+// Decodes percent-encoding.
 std::string percentDecoded(const std::string& text) {
     std::string decoded;
     for (std::size_t i = 0; i < text.size(); ++i) {
@@ -74,7 +68,7 @@ std::string percentDecoded(const std::string& text) {
     return decoded;
 }
 
-// The path of a page that is given by its address or as a path.
+// The path of a page that is given as a URL or as a path.
 fs::path pathOfPage(const std::string& page) {
     const std::string address = "file://";
     if (page.compare(0, address.size(), address) != 0) return fs::u8path(page);
@@ -87,7 +81,7 @@ void write(const std::string& path, const std::string& text) {
     std::ofstream(fs::u8path(path), std::ios::binary) << text;
 }
 
-// The list of arguments appears last and in one step: whoever sees it finds the copy as well.
+// The list of arguments is written last and is renamed: once it exists, the copy exists, too.
 void writeLog(const std::string& path, const std::vector<std::string>& arguments,
               const Task& task) {
     std::error_code ignored;
@@ -133,7 +127,7 @@ void hangMarked(const std::string& log) {
     stand_in_engine::hang(log.empty() ? log : log + ".hangs");
 }
 
-// Obeys the word that may write a file; returns whether it is known.
+// Carries out a command that writes a file; returns whether the command is known.
 bool writePdf(const std::string& word, const std::string& path) {
     if (word == "pdf" || word == "unwell" || word == "linger") {
         write(path, smallPdf());
@@ -148,7 +142,7 @@ bool writePdf(const std::string& word, const std::string& path) {
     return true;
 }
 
-// Keeps this process busy with so much memory, which it uses.
+// Allocates and uses so much memory, then hangs.
 void swellAndHang(const std::string& mark) {
     constexpr std::size_t size = 200 * 1048576;
     const std::vector<char> memory(size, 'x');

@@ -1,6 +1,5 @@
-// What the stand-in engine needs of its operating system. The program itself is in
-// stand_in_engine.cpp, the two sources behind this header are stand_in_engine_windows.cpp and
-// stand_in_engine_posix.cpp.
+// What the stand-in engine (stand_in_engine.cpp) asks of the operating system.
+// stand_in_engine_posix.cpp and stand_in_engine_windows.cpp implement it.
 //
 // SPDX-License-Identifier: MIT
 #ifndef RGEN_TESTS_VELLUM_STAND_IN_ENGINE_H
@@ -11,17 +10,16 @@
 
 namespace stand_in_engine {
 
-// The arguments of this process in UTF-8, the program's name first.
+// The arguments of this process in UTF-8, including the name of the program.
 std::vector<std::string> arguments();
 
-// The UTF-8 text of an environment variable, empty when it is not set.
+// The value of an environment variable in UTF-8; empty when it is not set.
 std::string variable(const std::string& name);
 
-// Starts this program once more with that argument.
+// Starts another process of this program with this argument.
 void startCopy(const std::string& argument);
 
-// Makes the file as its mark and keeps this process busy until it is ended, a minute at the
-// longest.
+// Creates the file as a signal for the test, then waits to be killed, for at most a minute.
 void hang(const std::string& markPath);
 
 }  // namespace stand_in_engine

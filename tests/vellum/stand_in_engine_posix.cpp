@@ -1,5 +1,5 @@
-// The stand-in engine on Linux. It reads its arguments from /proc, so that main needs no
-// parameters.
+// The stand-in engine on Linux. Reads the arguments from /proc, so that main has no parameters on
+// both systems.
 //
 // SPDX-License-Identifier: MIT
 #include <signal.h>
@@ -41,7 +41,7 @@ void startCopy(const std::string& argument) {
 }
 
 void hang(const std::string& markPath) {
-    // The alarm ends the process.
+    // SIGALRM ends the process.
     alarm(longestLife);
     if (!markPath.empty()) std::ofstream(markPath, std::ios::binary) << getpid();
     for (;;) {

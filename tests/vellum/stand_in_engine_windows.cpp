@@ -1,4 +1,4 @@
-// The stand-in engine on Windows. Texts of the system are turned into UTF-8.
+// The stand-in engine on Windows. Converts texts of the system to UTF-8.
 //
 // SPDX-License-Identifier: MIT
 #include <windows.h>

@@ -1,4 +1,4 @@
-"""Engines that do not end: the deadline, a page that disappears (which cancels), signals.
+"""Engines that do not exit: time limit, a deleted page (which cancels), signals.
 
 No case measures time. An engine that hangs is there until it is ended, or ends itself long after
 the case has given up.
@@ -146,7 +146,7 @@ class SuddenEnd(VellumCase):
         self.expect_nothing_left()
 
     def expect_nothing_left(self):
-        """The copy of the page and what the engine has begun go as well, in a moment."""
+        """The copy of the page and the temporary PDF are removed, too, after a moment."""
         wait_for(self.log().page_path.parent, is_gone=True)
         wait_for(self.log().pdf_path, is_gone=True)
         self.assertEqual([], [name for name in self.names() if "part" in name])

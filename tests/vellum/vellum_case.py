@@ -1,9 +1,9 @@
-"""What the suites share: a folder for each case, a started vellum, its engine and what they left.
+"""The base class of the cases: a folder for each case, starting vellum, checking what it leaves.
 
-The target comes from the environment: besides the variables that program_case.py lists,
+The programs under test are set by environment variables, in addition to those of program_case.py:
 
 RGEN_VELLUM_PROGRAM  the program vellum
-RGEN_VELLUM_ENGINE   the stand-in engine; stand_in_engine.cpp says what it can do
+RGEN_VELLUM_ENGINE   the stand-in engine (stand_in_engine.cpp)
 
 SPDX-License-Identifier: MIT
 """
@@ -24,29 +24,29 @@ from program_case import (LAUNCHER, ON_WINDOWS, ProgramCase, Result, native, sea
 VELLUM = Path(os.environ["RGEN_VELLUM_PROGRAM"]).resolve()
 STAND_IN = Path(os.environ["RGEN_VELLUM_ENGINE"]).resolve()
 PROGRAM_ENDING = ".exe" if ON_WINDOWS else ""
-# The engine that cases have which do not care.
+# The default engine of the cases.
 ENGINE = "chromium-headless-shell"
-# The first one that is looked for.
+# The first engine that vellum searches for.
 FIRST_ENGINE = "chrome-headless-shell" if ON_WINDOWS else ENGINE
 
 PAGE = '<!doctype html>\n<html lang="de"><head><title>Prüfung</title></head><p>Größe и слово\n'
 OLD = b"an older file"
 
-# A user without rights.
+# The number of an unprivileged user.
 NOBODY = 65534
-# Bounds the wait for the end of processes. Below the life of an engine that hangs, so that one that
-# was forgotten is found.
+# Seconds to wait for the end of processes: less than the life of an engine that hangs, so that a
+# remaining one is found.
 LONGEST_END = 30
 
 
 def path_of_address(address):
-    """The path of this system for a "file:" address that a program of the target wrote."""
+    """The path on this system for a "file:" URL that a program of the target system wrote."""
     path = urllib.parse.unquote(address.removeprefix("file://"))
     return path_here(path.removeprefix("/") if ON_WINDOWS else path)
 
 
 def path_here(text):
-    """The path of this system for an absolute one of the target."""
+    """The path on this system for an absolute path of the target system."""
     if not ON_WINDOWS:
         return Path(text)
     drive, path = text[:2].upper(), text[2:].replace("\\", "/")
@@ -54,7 +54,7 @@ def path_here(text):
 
 
 class EngineLog:
-    """What an engine was started with."""
+    """The command line and page that an engine was started with."""
 
     def __init__(self, path):
         self.words = path.read_bytes().decode("utf-8").replace("\r", "").splitlines()
@@ -62,7 +62,7 @@ class EngineLog:
 
     @property
     def program(self):
-        """The name of the engine's program without its ending."""
+        """The name of the engine's program without its extension."""
         return re.split(r"[\\/]", self.words[0])[-1].removesuffix(".exe")
 
     @property
@@ -71,7 +71,7 @@ class EngineLog:
 
     @property
     def page_path(self):
-        """Where the page was: the address at the end, or the path before that of the PDF."""
+        """The path of the page: the URL at the end, or the path before that of the PDF."""
         last = self.words[-1]
         return path_of_address(last) if last.startswith("file:") else path_here(self.words[-2])
 
@@ -98,7 +98,7 @@ class VellumResult(Result):
 
 
 class VellumCase(ProgramCase):
-    """A case with a stand-in engine. At its end no process and no temporary file is left."""
+    """A case with a stand-in engine. At its end there must be no process and no temporary file."""
 
     folder_name = "vellum Größe и слово "
     result_type = VellumResult
@@ -115,7 +115,7 @@ class VellumCase(ProgramCase):
 
     @staticmethod
     def put_program(original, folder, name):
-        """Puts a program into a folder under another name."""
+        """Copies a program to a folder under another name."""
         folder.mkdir(parents=True, exist_ok=True)
         path = folder / (name + PROGRAM_ENDING)
         shutil.copy(original, path)
@@ -124,7 +124,7 @@ class VellumCase(ProgramCase):
     # ---- Starting programs ----------------------------------------------------------------------
 
     def environment(self, changes=None):
-        """A change to None takes a variable away."""
+        """`changes` with None unset a variable."""
         env = super().environment({"VELLUM_ENGINE": native(self.engine),
                                    "STAND_IN_ENGINE_LOG": native(self.log_path()),
                                    **(changes or {})})
@@ -144,12 +144,12 @@ class VellumCase(ProgramCase):
         return super().start(*args, program=program, **settings)
 
     def vellum(self, *args, **settings):
-        """Runs vellum to its end; env holds changes of the environment."""
+        """Runs vellum to its end; env contains changes of the environment."""
         return self.start(*args, **settings).finish()
 
     def start_conversion(self, *args, page=PAGE, output="report.pdf", base="", does="pdf", env=None,
                          **settings):
-        """Starts it as the library does. The stand-in engine does what it is told."""
+        """Starts vellum as the library does. `does` is what the stand-in engine is to do."""
         if page is not None:
             self.write("page.html", page)
         return self.start("-i", "page.html", "-b", base, "-t", "html", "-o", output, *args,
@@ -159,12 +159,12 @@ class VellumCase(ProgramCase):
         return self.start_conversion(*args, **settings).finish()
 
     def wait_until_it_hangs(self, running, does="hangs"):
-        """Waits until the engine, or its child, has come to where it hangs."""
+        """Waits until the engine, or its child, hangs."""
         wait_for(self.log_path().with_name("engine.log." + does), running)
 
     def as_nobody(self):
-        """The command that starts a program as a user without rights, who gets the files of this
-        case and a copy of vellum, whose own folder may be closed to others."""
+        """The command that starts a program as an unprivileged user, who gets the files of this case
+        and a copy of vellum, since the original may be in a folder without access."""
         self.program = self.put_program(VELLUM, self.base_folder / "programs", "vellum")
         for folder, _, names in os.walk(self.base_folder):
             for path in [folder, *(os.path.join(folder, name) for name in names)]:
@@ -180,8 +180,8 @@ class VellumCase(ProgramCase):
     # ---- Processes ------------------------------------------------------------------------------
 
     def processes(self):
-        """The command lines of this case's processes, by their numbers. Under Wine those of the
-        system inherit the variables of the case; so only the command line counts there."""
+        """The command lines of this case's processes, by their numbers. Under Wine, system processes
+        inherit the variables of the case, so only the command line counts there."""
         found = {}
         for folder in Path("/proc").iterdir():
             if not folder.name.isdigit() or int(folder.name) == os.getpid():
@@ -196,7 +196,7 @@ class VellumCase(ProgramCase):
         return found
 
     def expect_no_processes(self):
-        """Waits for the end of processes that have been ended."""
+        """Waits for the end of processes that were killed."""
         limit = time.monotonic() + LONGEST_END
         while self.processes() and time.monotonic() < limit:
             time.sleep(0.005)
@@ -205,7 +205,7 @@ class VellumCase(ProgramCase):
             os.kill(number, signal.SIGKILL)
         self.assertEqual({}, left)
 
-    # ---- Statements about a run -----------------------------------------------------------------
+    # ---- Checks of a run ------------------------------------------------------------------------
 
     def expect_no_staged_pages(self):
         for path in self.logs.glob("*.log"):
@@ -213,12 +213,12 @@ class VellumCase(ProgramCase):
             self.assertFalse(staged.exists() or staged.parent.exists(), staged)
 
     def expect_done(self, result, *warnings):
-        """Nothing is printed besides warnings."""
+        """Nothing but warnings is printed."""
         self.assertEqual((0, b"", []), (result.code, result.out, result.messages), result)
         self.assertEqual(list(warnings), result.warnings)
 
     def expect_error(self, result, code, message):
-        """One line says what is wrong, nothing is on standard output."""
+        """One line with the error, nothing on standard output."""
         self.assertEqual([f"vellum: {message}"], result.messages)
         self.assertEqual((code, b""), (result.code, result.out))
         self.expect_plain(result.err)
@@ -239,5 +239,5 @@ class VellumCase(ProgramCase):
 
 
 def engines_on(folder):
-    """The variables with which engines are searched in that folder only."""
+    """Environment variables with which engines are searched in this folder only."""
     return {**search_path(folder), "VELLUM_ENGINE": None}

@@ -1,4 +1,4 @@
-"""Warnings: files that are missing, characters that no font has. They change nothing else.
+"""Warnings: missing files and characters without a font.
 
 SPDX-License-Identifier: MIT
 """
@@ -14,7 +14,7 @@ from vellum_case import VellumCase, path_here
 class MissingFiles(VellumCase):
 
     def warnings_of(self, body, **settings):
-        """The links and files of the warnings about a page with that body."""
+        """The links and files in the warnings for a page with this body."""
         result = self.convert(page=f"<!doctype html><html><body>{body}", **settings)
         self.assertEqual((0, []), (result.code, result.messages), result)
         self.expect_pdf()
@@ -70,7 +70,7 @@ class MissingFiles(VellumCase):
 
 
 class MissingCharacters(VellumCase):
-    """The list of fonts is this machine's; no font has the characters that are asked for."""
+    """With the fonts of this machine, which do not have the tested characters."""
 
     def setUp(self):
         super().setUp()

@@ -1,8 +1,7 @@
-"""What happens at each moment of a conversion: a kill, a signal, a page that disappears, the end of the
-time. A library that is loaded first lets it happen before one call of the system after the other.
+"""A kill, a signal, a deleted page or a timeout at each point of a conversion: an interposer library
+(LD_PRELOAD) makes it happen before each system call in turn.
 
-RGEN_VELLUM_INTERPOSER  that library, where it goes together with the build; interposer_posix.cpp says
-                        what it can do
+RGEN_VELLUM_INTERPOSER  that library (interposer_posix.cpp), if the build supports it
 
 SPDX-License-Identifier: MIT
 """
@@ -14,15 +13,15 @@ from pathlib import Path
 from vellum_case import OLD, PAGE, VellumCase
 
 INTERPOSER = os.environ.get("RGEN_VELLUM_INTERPOSER")
-# A conversion makes more calls than this.
+# A conversion makes more system calls than this.
 LEAST_CALLS = 25
 
 
-@unittest.skipIf(INTERPOSER is None, "the library is for Linux and does not go together with a sanitizer")
+@unittest.skipIf(INTERPOSER is None, "the library is for Linux and builds without sanitizers")
 class MomentCase(VellumCase):
 
     def run_with(self, does, at, does_engine="pdf", **settings):
-        """Runs a conversion; returns its result and the calls until then."""
+        """Runs a conversion; returns its result and the calls before the event."""
         self.write("report.pdf", OLD)
         log = self.base_folder / "calls"
         log.unlink(missing_ok=True)
@@ -35,8 +34,7 @@ class MomentCase(VellumCase):
         return result, calls
 
     def each_moment(self, does, expect):
-        """Lets it happen before each call until a run has fewer calls; `expect` states what holds
-        then."""
+        """Makes it happen before each call, until a run has fewer calls; `expect` checks each result."""
         at = 0
         while True:
             at += 1
@@ -64,7 +62,7 @@ class Killed(MomentCase):
 class KilledWithChildren(MomentCase):
 
     def test_no_process_is_left(self):
-        """The engine and its child live longer than the case waits for their end."""
+        """By themselves, the engine and its child would run longer than the case waits for their end."""
         for at in range(1, LEAST_CALLS):
             result, _ = self.run_with("kill", at, does_engine="child")
             self.assertEqual(-9, result.code)
@@ -75,7 +73,7 @@ class KilledWithChildren(MomentCase):
 class Cancelled(MomentCase):
 
     def expect_no_delivery(self, does, *codes):
-        """A cancel in the last moment comes too late; from then on there is nothing but the rename."""
+        """After the last check, a cancellation is too late: only the renaming follows."""
         def expect(result, calls, at):
             self.assertNotIn("delivered", calls)
             if result.code == 0:
@@ -100,7 +98,7 @@ class Cancelled(MomentCase):
 class Late(MomentCase):
 
     def test_before_the_engine(self):
-        """The time counts from the start of the program."""
+        """The time limit counts from the start of the program."""
         page = PAGE + "<!---->" * 50_000
         for at in range(2, 15):
             result, calls = self.run_with("late", at, page=page)

@@ -1,4 +1,4 @@
-"""What vellum puts in front of a page, taken apart.
+"""Parses what vellum inserts into a page.
 
 SPDX-License-Identifier: MIT
 """
@@ -10,7 +10,7 @@ POLICY = {"default-src": {"'none'"}, "style-src": {"'unsafe-inline'", "file:", "
 
 
 class Inserted(HTMLParser):
-    """The tags of an insertion in order, with their attributes and the text behind them."""
+    """The tags of an insertion in order, with their attributes and the text after them."""
 
     def __init__(self, text):
         super().__init__()
@@ -54,7 +54,7 @@ class Inserted(HTMLParser):
 
 
 class Tags(HTMLParser):
-    """The start tags of a page with their attributes, of which the first of a name counts."""
+    """The start tags of a page with their attributes; the first one of a name counts."""
 
     def __init__(self, text):
         super().__init__()
@@ -74,7 +74,7 @@ class Tags(HTMLParser):
 
 
 def insertion(original, staged, place):
-    """What was put into the page at that place; nothing else may differ."""
+    """What was inserted into the page at this offset; nothing else may differ."""
     length = len(staged) - len(original)
     if staged[:place] != original[:place] or staged[place + length:] != original[place:]:
         raise AssertionError(f"not at {place} alone: {staged!r}")
