@@ -5,8 +5,8 @@ SPDX-License-Identifier: MIT
 
 import urllib.parse
 
-from staged_page import Tags
 from program_case import ON_WINDOWS, linux_only, native, search_path, windows_only
+from staged_page import Tags
 from vellum_case import PAGE, VELLUM, VellumCase
 
 

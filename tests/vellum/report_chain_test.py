@@ -9,8 +9,8 @@ import unittest
 from pathlib import Path
 
 import cli_templates
-from staged_page import Tags
 from program_case import (ON_WINDOWS, PROGRAM, linux_only, native, search_path, windows_only)
+from staged_page import Tags
 from vellum_case import (ENGINE, FIRST_ENGINE, OLD, STAND_IN, VELLUM, VellumCase, path_here)
 
 APP_PATHS = "Software\\Microsoft\\Windows\\CurrentVersion\\App Paths"
