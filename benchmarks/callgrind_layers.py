@@ -25,7 +25,7 @@ from collections import Counter
 from pathlib import Path
 
 XML_FILES = re.compile(r"(^|/)third_party/lib(xml2|xslt)/")
-ALLOCATOR_FILES = re.compile(r"(^|/)src/(memory/|store/xml/memory)")
+ALLOCATOR_FILES = re.compile(r"(^|/)src/(memory/|store/xml/(memory|work))")
 SYSTEM_OBJECTS = re.compile(r"(^|/)(lib(c|m|pthread|dl|rt)[.-]|ld-linux|linux-vdso|\[vdso\])|^$")
 HARNESS_OBJECTS = re.compile(r"(^|/)benchmark_[a-z]+$")
 FILE_FUNCTIONS = re.compile(

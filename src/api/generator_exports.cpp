@@ -10,7 +10,7 @@
 
 #include "api/record_conversions.h"
 #include "generate/generation_driver.h"
-#include "platform/platform.h"
+#include "platform/child_process.h"
 #include "report_generator.h"
 #include "store/data_directory.h"
 #include "store/persistent_data.h"

@@ -6,7 +6,7 @@
 
 #include <cstdint>
 
-#include "platform/platform.h"
+#include "platform/child_process.h"
 
 namespace rgen {
 namespace {

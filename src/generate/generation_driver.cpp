@@ -14,7 +14,7 @@
 #include "store/base/file_system.h"
 #include "store/data_directory.h"
 #include "store/persistent_data.h"
-#include "store/xml/memory.h"
+#include "store/xml/work.h"
 #include "sync/cancellation_registry.h"
 #include "variant/hinted_convertors.h"
 
@@ -64,7 +64,7 @@ std::string templatePathOf(ReportGenerator& generator, const std::string& report
 /// the delivery, so that another generation can use it while a converter runs.
 Status makeReport(ReportGenerator& generator, InputParams& request,
                   const sync::CancellationToken& token, ByteVector& report) {
-    const XmlMemoryScope memory(generator.poolSlot);
+    const XmlWork work(generator.poolSlot);
     ReportTypeEntry entry;
     const Status loaded = loadReportType(generator, request.templateGuid, entry);
     if (failed(loaded)) return loaded;

@@ -14,9 +14,9 @@
 
 #include "generate/translation.h"
 #include "store/base/file_system.h"
-#include "store/xml/memory.h"
 #include "store/xml/parser_context.h"
 #include "store/xml/stack_guard.h"
+#include "store/xml/work.h"
 
 namespace rgen {
 namespace {
@@ -34,11 +34,10 @@ void setParserDefaults() {
 #pragma GCC diagnostic pop
 }
 
-XmlPtr<xmlDoc> applyStylesheet(xsltStylesheet* stylesheet, xmlDoc* data) {
+XmlPtr<xmlDoc> applyStylesheet(xsltStylesheet* stylesheet, xmlDoc* data, XmlWork& work) {
     const XmlPtr<xsltTransformContext> context(xsltNewTransformContext(stylesheet, data));
     if (!context) return nullptr;
-    TemplateBounds bounds;
-    guardStack(*context, bounds);
+    guardStack(*context, work);
     constexpr const char** noParameters = nullptr;
     return XmlPtr<xmlDoc>(xsltApplyStylesheetUser(stylesheet, data, noParameters,
                                                   /*output=*/nullptr, /*profile=*/nullptr,
@@ -67,14 +66,14 @@ Status transform(ReportGenerator& generator, const std::string& outputFormat,
     if (token.isCancellationRequested()) return RGEN_CANCELED;
     // Starts after the data document is built: that step may drop properties when memory is
     // exhausted and must not drain the reserve.
-    const XmlMemoryWatch memory;
+    XmlWork work(XmlWork::WithReserve{});
     const XmlPtr<xsltStylesheet> stylesheet = loadStylesheet(generator, templatePath);
-    if (!stylesheet || !memory.sufficed()) return RGEN_E_XSLT_PARSE;
+    if (!stylesheet || !work.memorySufficed()) return RGEN_E_XSLT_PARSE;
     if (token.isCancellationRequested()) return RGEN_CANCELED;
-    const XmlPtr<xmlDoc> output = applyStylesheet(stylesheet.get(), data.get());
-    if (!output || !memory.sufficed()) return RGEN_E_XSLT_APPLY;
+    const XmlPtr<xmlDoc> output = applyStylesheet(stylesheet.get(), data.get(), work);
+    if (!output || !work.memorySufficed()) return RGEN_E_XSLT_APPLY;
     const Status serialised = serialise(output.get(), stylesheet.get(), result);
-    return memory.sufficed() ? serialised : RGEN_E_XSLT_RESULT;
+    return work.memorySufficed() ? serialised : RGEN_E_XSLT_RESULT;
 }
 
 XmlPtr<xsltStylesheet> loadStylesheet(const ReportGenerator& generator,

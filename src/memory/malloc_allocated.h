@@ -1,4 +1,4 @@
-// Objects whose making fails without an exception.
+// Base class of objects whose allocation fails without an exception.
 //
 // SPDX-License-Identifier: MIT
 #pragma once
@@ -9,9 +9,9 @@
 
 namespace rgen::memory {
 
-/// `new (std::nothrow)` of a derived class is a call of malloc. The C++ library's own form throws
-/// and catches inside itself, and in a host in C that loads the library at run time, the first
-/// exception of a thread needs memory: without it, the process ends.
+/// `new (std::nothrow)` of a derived class calls malloc. The C++ library's own form throws and
+/// catches inside itself. In a C host that loads the library at run time, the first exception of a
+/// thread needs memory, and the process ends when there is none.
 struct MallocAllocated {
     static void* operator new(std::size_t size, const std::nothrow_t& /*tag*/) noexcept {
         return std::malloc(size);

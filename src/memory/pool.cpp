@@ -1,7 +1,7 @@
-// The pool. The eight bytes before every block are its header: the pool's address in the upper 48
-// bits and the size in units in the lower 16. It is zero for a block of the C heap, whose size is
-// stored before the header. A block that waits in a free list is marked in its header, so that a
-// second release of it is seen: the list would otherwise hand it out twice.
+// The arena. The eight bytes before a block are its header: the address of its pool in the upper 48
+// bits and the size in units in the lower 16. The header of a block of malloc is zero, and the size
+// is stored before it. A free block has a mark in its header, so that a second release is detected:
+// the free list would otherwise hand the block out twice.
 //
 // SPDX-License-Identifier: MIT
 #include "memory/pool.h"
@@ -18,17 +18,17 @@ constexpr std::size_t page = 4096;
 constexpr std::size_t smallestChunk = std::size_t{128} * 1024;
 constexpr std::size_t largestChunk = std::size_t{1024} * 1024;
 
-/// The head of a chunk of the C heap, whose blocks begin on a page of their own.
+/// The start of a chunk from malloc. Its blocks begin on the next page, so that whole pages can be
+/// offered to the system.
 struct Pool::Chunk {
     Chunk* next;
     std::size_t size;
 
-    /// A block follows its header, and is aligned like a block of `malloc`.
+    /// A block follows its header and is aligned like a block of malloc.
     std::byte* begin() { return firstPage() + unit - headerSize; }
     std::byte* end() { return reinterpret_cast<std::byte*>(this) + size; }
 
-    /// The pages stay, but the system may take what is in them.
-    void offer() {
+    void offerPages() {
         const auto bytes = static_cast<std::size_t>(end() - firstPage());
         platform::offerPages(firstPage(), bytes / page * page);
     }
@@ -44,8 +44,8 @@ namespace {
 
 static_assert(sizeof(void*) == sizeof(std::uint64_t), "The header has room for 48-bit addresses.");
 
-/// Room before a block of the C heap.
-struct HeapPrefix {
+/// Precedes a block of malloc.
+struct MallocPrefix {
     std::size_t size;
     std::uint64_t header;
 };
@@ -54,31 +54,31 @@ unsigned powerOfTwoBelow(std::size_t number) {
     return 63U - static_cast<unsigned>(__builtin_clzll(number));
 }
 
-HeapPrefix* prefixOf(void* block) {
-    return static_cast<HeapPrefix*>(block) - 1;
+MallocPrefix* prefixOf(void* block) {
+    return static_cast<MallocPrefix*>(block) - 1;
 }
 
 /// `prefix` is null for a new block.
-void* reallocateOnHeap(HeapPrefix* prefix, std::size_t size) {
-    if (size > std::numeric_limits<std::size_t>::max() - sizeof(HeapPrefix)) return nullptr;
-    auto* moved = static_cast<HeapPrefix*>(std::realloc(prefix, size + sizeof(HeapPrefix)));
+void* reallocWithPrefix(MallocPrefix* prefix, std::size_t size) {
+    if (size > std::numeric_limits<std::size_t>::max() - sizeof(MallocPrefix)) return nullptr;
+    auto* moved = static_cast<MallocPrefix*>(std::realloc(prefix, size + sizeof(MallocPrefix)));
     if (moved == nullptr) return nullptr;
     *moved = {size, 0};
     return moved + 1;
 }
 
-void* allocateOnHeap(std::size_t size) {
-    return reallocateOnHeap(nullptr, size);
+void* mallocWithPrefix(std::size_t size) {
+    return reallocWithPrefix(nullptr, size);
 }
 
 }  // namespace
 
 Pool::~Pool() {
     while (first_ != nullptr)
-        drop(first_);
+        freeChunk(first_);
 }
 
-std::size_t Pool::bytesKept() const {
+std::size_t Pool::chunkBytes() const {
     std::size_t bytes = 0;
     for (const Chunk* chunk = first_; chunk != nullptr; chunk = chunk->next)
         bytes += chunk->size;
@@ -87,37 +87,35 @@ std::size_t Pool::bytesKept() const {
 
 void Pool::rewind() noexcept {
     Chunk** link = &first_;
-    std::size_t kept = 0;
+    std::size_t retained = 0;
     bool wasUsed = current_ != nullptr;
     while (*link != nullptr) {
         Chunk* chunk = *link;
-        const std::size_t keptWithIt = kept + chunk->size;
-        const bool stays = wasUsed && keptWithIt <= mostKept;
+        const std::size_t retainedWithIt = retained + chunk->size;
+        const bool isRetained = wasUsed && retainedWithIt <= maxRetainedBytes;
         if (chunk == current_) wasUsed = false;
-        if (stays) {
-            if (keptWithIt > mostHeld) chunk->offer();
-            kept = keptWithIt;
+        if (isRetained) {
+            if (retainedWithIt > maxResidentBytes) chunk->offerPages();
+            retained = retainedWithIt;
             link = &chunk->next;
         } else {
-            drop(*link);
+            freeChunk(*link);
         }
     }
     current_ = nullptr;
     cursor_ = end_ = nullptr;
-    lowestStack_ = nullptr;
-    hasReserve_ = false;
     wrongReleases_ = 0;
     free_ = {};
 }
 
-/// Gives a chunk back; the one behind it takes its place.
-void Pool::drop(Chunk*& link) noexcept {
+/// Frees the chunk and unlinks it.
+void Pool::freeChunk(Chunk*& link) noexcept {
     Chunk* chunk = link;
     link = chunk->next;
     std::free(chunk);
 }
 
-/// The units of a block of its own size, for any size that the pool serves.
+/// The units of the size class that serves `size`.
 std::size_t Pool::roundedUnitsOf(std::size_t size) {
     const std::size_t units = unitsOf(size);
     if (units <= exactUnits) return units;
@@ -125,25 +123,25 @@ std::size_t Pool::roundedUnitsOf(std::size_t size) {
     return (units + step - 1) / step * step;
 }
 
-/// The list in which free blocks of these units wait.
-std::size_t Pool::listOf(std::size_t units) {
+/// The index of the size class that contains `units`.
+std::size_t Pool::classOf(std::size_t units) {
     if (units <= exactUnits) return units;
     const std::size_t power = powerOfTwoBelow(units - 1);
     const std::size_t quarter = ((units - 1) >> (power - 2)) & 3U;
     return exactUnits + 1 + 4 * (power - powerOfTwoBelow(exactUnits)) + quarter;
 }
 
-inline void Pool::give(void* block, std::size_t units) noexcept {
+inline void Pool::pushFree(void* block, std::size_t units) noexcept {
     headerOf(block) |= freeMark;
-    FreeBlock*& list = free_[listOf(units)];
+    FreeBlock*& list = free_[classOf(units)];
     auto* freed = static_cast<FreeBlock*>(block);
     freed->next = list;
     list = freed;
     --blocksInUse_;
 }
 
-/// Grows the block that was cut last, if there is room behind it.
-bool Pool::growLast(void* block, std::size_t units, std::size_t wantedUnits) noexcept {
+/// Succeeds for the block that was carved last, if the chunk has room after it.
+bool Pool::growInPlace(void* block, std::size_t units, std::size_t wantedUnits) noexcept {
     std::byte* start = static_cast<std::byte*>(block) - headerSize;
     if (start + units * unit != cursor_) return false;
     if (static_cast<std::size_t>(end_ - start) < wantedUnits * unit) return false;
@@ -154,14 +152,14 @@ bool Pool::growLast(void* block, std::size_t units, std::size_t wantedUnits) noe
 
 bool Pool::makeRoom(std::size_t units) noexcept {
     while (!hasRoom(units)) {
-        if (!nextChunk()) return false;
+        if (!advanceToNextChunk()) return false;
     }
     return true;
 }
 
-/// What is left of the present chunk, less than the block that did not fit, stays unused until the
-/// next rewind.
-bool Pool::nextChunk() noexcept {
+/// The rest of the current chunk stays unused until the next rewind; it is smaller than the block
+/// that did not fit.
+bool Pool::advanceToNextChunk() noexcept {
     Chunk*& next = current_ == nullptr ? first_ : current_->next;
     if (next == nullptr) {
         std::size_t size = current_ == nullptr ? smallestChunk : current_->size * 2;
@@ -177,31 +175,30 @@ bool Pool::nextChunk() noexcept {
     return true;
 }
 
-void* allocateOtherwise(Pool* pool, std::size_t size) noexcept {
-    if (pool == nullptr || size > Pool::largestBlock) return allocateOnHeap(size);
-    if (size <= Pool::largestExactBlock && pool->stackIsShort()) return nullptr;
+void* allocateSlow(Pool* pool, std::size_t size) noexcept {
+    if (pool == nullptr || size > Pool::largestBlock) return mallocWithPrefix(size);
     const std::size_t units = Pool::roundedUnitsOf(size);
-    Pool::FreeBlock*& list = pool->free_[Pool::listOf(units)];
-    if (list != nullptr) return pool->take(list);
-    return pool->makeRoom(units) ? pool->cut(units) : allocateOnHeap(size);
+    Pool::FreeBlock*& list = pool->free_[Pool::classOf(units)];
+    if (list != nullptr) return pool->popFree(list);
+    return pool->makeRoom(units) ? pool->carve(units) : mallocWithPrefix(size);
 }
 
 void* reallocate(Pool* pool, void* block, std::size_t size) noexcept {
     if (block == nullptr) return allocate(pool, size);
     const std::uint64_t header = Pool::headerOf(block);
     const std::size_t units = Pool::unitsIn(header);
-    const bool isOnHeap = units == 0;
-    if (units > Pool::mostUnits) {
+    const bool isFromMalloc = units == 0;
+    if (units > Pool::maxUnits) {
         ++Pool::owner(header).wrongReleases_;
         return nullptr;
     }
     const std::size_t room =
-        isOnHeap ? prefixOf(block)->size : units * Pool::unit - Pool::headerSize;
+        isFromMalloc ? prefixOf(block)->size : units * Pool::unit - Pool::headerSize;
     if (size <= room) return block;
-    if (isOnHeap) return reallocateOnHeap(prefixOf(block), size);
-    const bool grown = size <= Pool::largestBlock &&
-                       Pool::owner(header).growLast(block, units, Pool::roundedUnitsOf(size));
-    if (grown) return block;
+    if (isFromMalloc) return reallocWithPrefix(prefixOf(block), size);
+    const bool hasGrown = size <= Pool::largestBlock &&
+                          Pool::owner(header).growInPlace(block, units, Pool::roundedUnitsOf(size));
+    if (hasGrown) return block;
     void* moved = allocate(pool, size);
     if (moved == nullptr) return nullptr;
     std::memcpy(moved, block, room);
@@ -212,12 +209,12 @@ void* reallocate(Pool* pool, void* block, std::size_t size) noexcept {
 bool releaseToPool(void* block) noexcept {
     const std::uint64_t header = Pool::headerOf(block);
     const std::size_t units = Pool::unitsIn(header);
-    // One comparison for both: no units, and the mark of a free block.
-    if (units - 1 >= Pool::mostUnits) {
+    // One comparison for both cases: zero units, and the mark of a free block.
+    if (units - 1 >= Pool::maxUnits) {
         if (units != 0) ++Pool::owner(header).wrongReleases_;
         return units != 0;
     }
-    Pool::owner(header).give(block, units);
+    Pool::owner(header).pushFree(block, units);
     return true;
 }
 

@@ -1,6 +1,5 @@
-// Memory for the many small, short-lived blocks of one piece of work, such as one report. The
-// blocks of the C heap that lie between them are handled here, too: a block says itself whose it
-// is.
+// An arena for many small, short-lived blocks. Blocks that are too large for it come from malloc
+// and are freed by the same functions: the header of a block says where it belongs.
 //
 // SPDX-License-Identifier: MIT
 #pragma once
@@ -13,53 +12,41 @@
 
 namespace rgen::memory {
 
-/// Blocks of up to `largestBlock` bytes, cut from chunks of the C heap. A block that is released is
-/// the next one of its size, as the pool rounds it, to be handed out. Used by one thread at a time.
+/// Blocks of up to `largestBlock` bytes, carved from chunks. A released block is the next one of
+/// its size class to be allocated. Used by one thread at a time.
 class Pool : public MallocAllocated {
 public:
-    /// Larger blocks come from the C heap, which can grow them in place.
+    /// Larger blocks come from malloc, since realloc can grow them in place.
     static constexpr std::size_t largestBlock = std::size_t{64} * 1024 - 8;
-    /// rewind() frees chunks beyond `mostKept` bytes and offers pages beyond `mostHeld` bytes to
-    /// the system.
-    static constexpr std::size_t mostHeld = std::size_t{32} * 1024 * 1024;
-    static constexpr std::size_t mostKept = std::size_t{256} * 1024 * 1024;
+    /// rewind() frees chunks beyond `maxRetainedBytes` and offers pages beyond `maxResidentBytes`
+    /// to the system.
+    static constexpr std::size_t maxResidentBytes = std::size_t{32} * 1024 * 1024;
+    static constexpr std::size_t maxRetainedBytes = std::size_t{256} * 1024 * 1024;
 
     Pool() = default;
     ~Pool();
     Pool(const Pool&) = delete;
     Pool& operator=(const Pool&) = delete;
 
-    /// Blocks that are handed out and not yet released.
+    /// Fast path of allocate(): a small block from a free list or the current chunk, or null.
+    void* allocateFast(std::size_t size) noexcept;
+
+    /// Blocks that are allocated and not yet released.
     std::size_t blocksInUse() const { return blocksInUse_; }
 
-    /// How often a block was released or grown that had been released before. Such a call changes
-    /// nothing else: the block stays free and is counted once.
+    /// How often a block was released or reallocated that was free already. Such a call has no
+    /// other effect.
     std::size_t wrongReleases() const { return wrongReleases_; }
 
-    /// Bytes of all chunks.
-    std::size_t bytesKept() const;
+    /// The size of all chunks.
+    std::size_t chunkBytes() const;
 
-    /// From now on, until rewind(), the pool has nothing for a thread whose stack reaches below
-    /// `lowest`.
-    void needStackAbove(const char* lowest) { lowestStack_ = lowest; }
-    bool stackIsShort() const noexcept;
-
-    /// How often its user was told that memory is exhausted; whoever tells it counts it here.
-    std::size_t failures() const { return failures_; }
-    void noteFailure() { ++failures_; }
-
-    /// Whether a reserve stands in where this pool and the C heap have nothing; rewind() ends that.
-    bool hasReserve() const { return hasReserve_; }
-    void setReserve(bool hasReserve) { hasReserve_ = hasReserve; }
-
-    /// Starts anew; no block may be in use. The chunks that were used since the last time stay, up
-    /// to `mostKept` bytes, and beyond the first `mostHeld` bytes the system may take their pages
-    /// whenever it needs them. Everything else goes back at once.
+    /// Makes the whole memory available again; no block may be in use. Chunks that were used since
+    /// the last rewind are retained, within the limits above; all others are freed.
     void rewind() noexcept;
 
 private:
-    friend void* allocateAtHand(Pool& pool, std::size_t size) noexcept;
-    friend void* allocateOtherwise(Pool* pool, std::size_t size) noexcept;
+    friend void* allocateSlow(Pool* pool, std::size_t size) noexcept;
     friend void* reallocate(Pool* pool, void* block, std::size_t size) noexcept;
     friend bool releaseToPool(void* block) noexcept;
 
@@ -68,19 +55,19 @@ private:
         FreeBlock* next;
     };
 
-    // Sizes are counted in units, the block's header of half a unit included. Each size up to
-    // `exactUnits` has a free list; larger ones are rounded up to one of four sizes between two
-    // powers of two, which have a free list each.
+    // Sizes are counted in units, including the header of half a unit. Each size of up to
+    // `exactUnits` is a size class; larger sizes are rounded up to one of four classes between two
+    // powers of two. Each class has a free list.
     static constexpr std::size_t unit = 16;
     static constexpr std::size_t headerSize = 8;
     static constexpr unsigned sizeBits = 16;
-    // Set in the header of a block that waits in a free list. No block has so many units.
+    // Set in the header of a free block. No block has so many units.
     static constexpr std::uint64_t freeMark = 0x8000;
-    static constexpr std::size_t mostUnits = (largestBlock + headerSize) / unit;
-    static_assert(mostUnits < freeMark, "The sizes leave room for the mark.");
+    static constexpr std::size_t maxUnits = (largestBlock + headerSize) / unit;
+    static_assert(maxUnits < freeMark, "The sizes leave room for the mark.");
     static constexpr std::size_t exactUnits = 64;
     static constexpr std::size_t largestExactBlock = exactUnits * unit - headerSize;
-    static constexpr std::size_t listCount = exactUnits + 1 + std::size_t{4} * 6;
+    static constexpr std::size_t classCount = exactUnits + 1 + std::size_t{4} * 6;
 
     static constexpr std::size_t unitsOf(std::size_t size) {
         return (size + headerSize + unit - 1) / unit;
@@ -89,31 +76,28 @@ private:
     static Pool& owner(std::uint64_t header) noexcept;
     static std::size_t unitsIn(std::uint64_t header) noexcept;
     static std::size_t roundedUnitsOf(std::size_t size);
-    static std::size_t listOf(std::size_t units);
+    static std::size_t classOf(std::size_t units);
 
-    void* take(FreeBlock*& list) noexcept;
+    void* popFree(FreeBlock*& list) noexcept;
+    void pushFree(void* block, std::size_t units) noexcept;
     bool hasRoom(std::size_t units) const noexcept;
-    void* cut(std::size_t units) noexcept;
-    void give(void* block, std::size_t units) noexcept;
-    bool growLast(void* block, std::size_t units, std::size_t wantedUnits) noexcept;
+    void* carve(std::size_t units) noexcept;
+    bool growInPlace(void* block, std::size_t units, std::size_t wantedUnits) noexcept;
     bool makeRoom(std::size_t units) noexcept;
-    bool nextChunk() noexcept;
-    static void drop(Chunk*& link) noexcept;
+    bool advanceToNextChunk() noexcept;
+    static void freeChunk(Chunk*& link) noexcept;
     std::uint64_t header(std::size_t units) const noexcept;
 
     std::size_t blocksInUse_ = 0;
-    std::size_t failures_ = 0;
     std::size_t wrongReleases_ = 0;
     std::byte* cursor_ = nullptr;
     std::byte* end_ = nullptr;
-    const char* lowestStack_ = nullptr;
-    bool hasReserve_ = false;
     Chunk* first_ = nullptr;
     Chunk* current_ = nullptr;
-    std::array<FreeBlock*, listCount> free_ = {};
+    std::array<FreeBlock*, classCount> free_ = {};
 };
 
-inline void* Pool::take(FreeBlock*& list) noexcept {
+inline void* Pool::popFree(FreeBlock*& list) noexcept {
     void* block = list;
     list = list->next;
     headerOf(block) ^= freeMark;
@@ -123,10 +107,6 @@ inline void* Pool::take(FreeBlock*& list) noexcept {
 
 inline bool Pool::hasRoom(std::size_t units) const noexcept {
     return static_cast<std::size_t>(end_ - cursor_) >= units * unit;
-}
-
-inline bool Pool::stackIsShort() const noexcept {
-    return static_cast<const char*>(__builtin_frame_address(0)) < lowestStack_;
 }
 
 inline std::uint64_t& Pool::headerOf(void* block) noexcept {
@@ -145,7 +125,8 @@ inline std::uint64_t Pool::header(std::size_t units) const noexcept {
     return (reinterpret_cast<std::uint64_t>(this) << sizeBits) | units;
 }
 
-inline void* Pool::cut(std::size_t units) noexcept {
+/// A new block from the rest of the current chunk, which has room for it.
+inline void* Pool::carve(std::size_t units) noexcept {
     auto* start = reinterpret_cast<std::uint64_t*>(cursor_);
     *start = header(units);
     cursor_ += units * unit;
@@ -153,35 +134,33 @@ inline void* Pool::cut(std::size_t units) noexcept {
     return start + 1;
 }
 
-/// A small block that `pool` has at hand; null when there is none, or the stack is short.
-inline void* allocateAtHand(Pool& pool, std::size_t size) noexcept {
-    if (size > Pool::largestExactBlock || pool.stackIsShort()) return nullptr;
-    const std::size_t units = Pool::unitsOf(size);
-    Pool::FreeBlock*& list = pool.free_[units];
-    if (list != nullptr) return pool.take(list);
-    return pool.hasRoom(units) ? pool.cut(units) : nullptr;
+inline void* Pool::allocateFast(std::size_t size) noexcept {
+    if (size > largestExactBlock) return nullptr;
+    const std::size_t units = unitsOf(size);
+    FreeBlock*& list = free_[units];
+    if (list != nullptr) return popFree(list);
+    return hasRoom(units) ? carve(units) : nullptr;
 }
 
-/// The rest of allocate(), for when nothing is at hand.
-void* allocateOtherwise(Pool* pool, std::size_t size) noexcept;
+/// Slow path of allocate(), after allocateFast() has returned null.
+void* allocateSlow(Pool* pool, std::size_t size) noexcept;
 
-/// As `malloc`, from `pool` where the size allows; from the C heap when `pool` is null or cannot
-/// grow. Null when memory is exhausted, or the stack that `pool` asks for. Goes back through
-/// release() only.
+/// Like malloc. The block comes from `pool` if the size allows, from malloc if `pool` is null or
+/// cannot grow. Null when memory is exhausted. Free it with release() only.
 inline void* allocate(Pool* pool, std::size_t size) noexcept {
-    void* block = pool != nullptr ? allocateAtHand(*pool, size) : nullptr;
-    return block != nullptr ? block : allocateOtherwise(pool, size);
+    void* block = pool != nullptr ? pool->allocateFast(size) : nullptr;
+    return block != nullptr ? block : allocateSlow(pool, size);
 }
 
-/// As `realloc`, for a block of this file. A block of a pool that has to move goes to `pool`; one
-/// of the C heap stays there. Null also for a block that is free already, which its pool notes.
+/// Like realloc, for a block of these functions. A pool's block that has to move is allocated again
+/// in `pool`; a block of malloc stays one. Null also for a free block, which its pool counts.
 void* reallocate(Pool* pool, void* block, std::size_t size) noexcept;
 
-/// Gives a block back to its pool, whichever pool is in use; one that is free already is only noted
-/// there. False when no pool owns it: the eight bytes before it end in two zero bytes.
+/// Returns a block to the pool that owns it; a free block is only counted there. False when no pool
+/// owns it: its header ends in two zero bytes.
 bool releaseToPool(void* block) noexcept;
 
-/// As `free`. A block of a pool goes back to that pool, whichever pool is in use.
+/// Like free, whichever pool owns the block.
 void release(void* block) noexcept;
 
 }  // namespace rgen::memory

@@ -1,18 +1,31 @@
-// Where a pool waits between two pieces of work.
+// Holds a pool between two pieces of work.
 //
 // SPDX-License-Identifier: MIT
 #pragma once
 
 #include <atomic>
+#include <cstddef>
 #include <memory>
-#include <new>
 
 #include "memory/pool.h"
 
 namespace rgen::memory {
 
-/// Holds at most one idle pool. Safe from several threads at once: whoever takes the pool has it
-/// alone, and whoever comes meanwhile gets a new one.
+/// False in builds with the address sanitizer, which can only check blocks of malloc.
+extern const bool poolsAreUsed;
+
+/// How many pools of this process came back to their slots in a bad state. Both are zero unless
+/// this library or the XML libraries misuse memory; the tests check it.
+struct PoolFaults {
+    /// Pools with a block that was still in use.
+    std::size_t poolsLeft;
+    /// Releases of blocks that were free already.
+    std::size_t wrongReleases;
+};
+PoolFaults poolFaults();
+
+/// Holds at most one idle pool. May be used by several threads at once: each acquire() returns a
+/// different pool.
 class PoolSlot {
 public:
     PoolSlot() = default;
@@ -20,14 +33,13 @@ public:
     PoolSlot(const PoolSlot&) = delete;
     PoolSlot& operator=(const PoolSlot&) = delete;
 
-    /// The idle pool or a new one; null when memory is exhausted.
-    std::unique_ptr<Pool> take() {
-        Pool* pool = idle_.exchange(nullptr);
-        return std::unique_ptr<Pool>(pool != nullptr ? pool : new (std::nothrow) Pool);
-    }
+    /// The idle pool, or a new one if there is none. Null when memory is exhausted.
+    std::unique_ptr<Pool> acquire() noexcept;
 
-    /// Keeps this pool; one that waits already goes.
-    void giveBack(std::unique_ptr<Pool> pool) { delete idle_.exchange(pool.release()); }
+    /// Rewinds `pool` and stores it; a pool that was stored meanwhile is freed. A pool in a bad
+    /// state is counted and never used again: with a block in use it is leaked, so that the block
+    /// stays valid; after a wrong release it is freed.
+    void release(std::unique_ptr<Pool> pool) noexcept;
 
 private:
     std::atomic<Pool*> idle_ = nullptr;

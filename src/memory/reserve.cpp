@@ -1,5 +1,4 @@
-// The reserve. It is too small for anything but the way to the next check, so it does without lists
-// of free blocks.
+// The reserve. It serves only until the next check for failed allocations, so it has no free lists.
 //
 // SPDX-License-Identifier: MIT
 #include "memory/reserve.h"
@@ -10,19 +9,19 @@
 
 namespace rgen::memory {
 
-void* Reserve::take(std::size_t blockSize) noexcept {
-    if (blockSize > size) return nullptr;
+void* Reserve::allocate(std::size_t size) noexcept {
+    if (size > capacity) return nullptr;
     constexpr std::size_t unit = sizeof(Header);
-    const std::size_t needed = unit + (blockSize + unit - 1) / unit * unit;
+    const std::size_t needed = unit + (size + unit - 1) / unit * unit;
     const sync::SpinLock lock(isBusy_);
-    if (needed > size - used_) return nullptr;
-    auto* header = ::new (bytes_.data() + used_) Header{blockSize, 0};
+    if (needed > capacity - used_) return nullptr;
+    auto* header = ::new (bytes_.data() + used_) Header{size, 0};
     used_ += needed;
     ++blocksInUse_;
     return header + 1;
 }
 
-void Reserve::give(void* /*block*/) noexcept {
+void Reserve::release(void* /*block*/) noexcept {
     const sync::SpinLock lock(isBusy_);
     if (--blocksInUse_ == 0) used_ = 0;
 }

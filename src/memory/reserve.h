@@ -1,4 +1,4 @@
-// A little memory for the moment in which the C heap has none left.
+// A little memory for when malloc has none left.
 //
 // SPDX-License-Identifier: MIT
 #pragma once
@@ -10,21 +10,21 @@
 
 namespace rgen::memory {
 
-/// Hands out blocks one after the other and starts anew when all are back. Safe from several
-/// threads.
+/// Allocates blocks one after the other and starts again when all of them are released. May be used
+/// by several threads at once.
 class Reserve {
 public:
-    static constexpr std::size_t size = std::size_t{256} * 1024;
+    static constexpr std::size_t capacity = std::size_t{256} * 1024;
 
-    /// Aligned as a block of `malloc`; null when too little is left. No pool owns it: the eight
-    /// bytes before it are zero, as pool.h reads them.
-    void* take(std::size_t blockSize) noexcept;
-    void give(void* block) noexcept;
+    /// Aligned like a block of malloc; null when too little is left. The header of the block says
+    /// that no pool owns it, as in pool.h.
+    void* allocate(std::size_t size) noexcept;
+    void release(void* block) noexcept;
     bool owns(const void* block) const noexcept {
         const auto* byte = static_cast<const std::byte*>(block);
-        return byte >= bytes_.data() && byte < bytes_.data() + size;
+        return byte >= bytes_.data() && byte < bytes_.data() + capacity;
     }
-    /// The size that a block of the reserve was asked with.
+    /// The size with which a block of the reserve was allocated.
     static std::size_t sizeOf(const void* block) noexcept;
 
 private:
@@ -33,7 +33,7 @@ private:
         std::uint64_t owner;
     };
 
-    alignas(std::max_align_t) std::array<std::byte, size> bytes_ = {};
+    alignas(std::max_align_t) std::array<std::byte, capacity> bytes_ = {};
     std::atomic_flag isBusy_ = ATOMIC_FLAG_INIT;
     std::size_t used_ = 0;
     std::size_t blocksInUse_ = 0;

@@ -1,6 +1,6 @@
-// Entry point of the Windows DLL. libxml2 releases what it keeps for each thread from here; it is
-// linked statically and has no entry point of its own. Its clean-up at the end it leaves to those
-// who give it memory functions.
+// Entry point of the Windows DLL. libxml2 is linked statically and has no entry point of its own:
+// this one lets it free its data of each thread. The final clean-up is also called here, since
+// libxml2 leaves it to programs that replace its memory functions.
 //
 // SPDX-License-Identifier: MIT
 #include <libxml/parser.h>

@@ -1,5 +1,5 @@
-// The end of the shared library. libxml2 leaves its clean-up at the unloading to those who give it
-// memory functions; without it, a thread that ends later would run code that is gone.
+// Clean-up of libxml2 when the shared library is unloaded. libxml2 leaves this to programs that
+// replace its memory functions; without it, a thread that ends later would run unloaded code.
 //
 // SPDX-License-Identifier: MIT
 #include <libxml/parser.h>

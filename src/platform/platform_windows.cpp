@@ -1,5 +1,5 @@
-// The Windows half of platform.h. Paths go to the file system as UTF-16; only the delete-on-close
-// file passes its path on as it is, in the ANSI code page.
+// platform.h on Windows. Paths are passed to the file system as UTF-16; only the path of the
+// delete-on-close file is passed unchanged, in the ANSI code page.
 //
 // SPDX-License-Identifier: MIT
 #include <windows.h>
@@ -17,10 +17,8 @@ namespace {
 
 constexpr std::int64_t lastAcceptedSecond = 32535215999;
 
-constexpr std::size_t kibibyte = 1024;
-
-/// Thread-local variables of this compiler take a lock on Windows; the system's slots do not. No
-/// slot yet, or none to be had: the pointer reads as null.
+/// This compiler's thread-local variables take a lock on Windows; the system's TLS slots do not.
+/// Before the slot is allocated, or if none was free, the pointer reads as null.
 DWORD threadSlot = TLS_OUT_OF_INDEXES;
 
 class ThreadSlotOwner {
@@ -33,20 +31,9 @@ public:
 
 const ThreadSlotOwner threadSlotOwner;
 
-HANDLE asHandle(std::intptr_t handle) {
-    return reinterpret_cast<HANDLE>(handle);
-}
-
 }  // namespace
 
 const char pathSeparator = '\\';
-
-const StackRule smallStackRule = {256 * kibibyte, 0};
-
-const StackRule unknownStackRule = {256 * kibibyte, 0};
-
-// Of the 512 KiB that every call may count on, the host and the way to the template take up to 32.
-const std::size_t assumedStack = 480 * kibibyte;
 
 NativePathText toWidePath(const std::string& utf8Text) {
     requireUtf8(utf8Text);
@@ -75,7 +62,7 @@ bool appendByHostFacet(std::string& /*text*/, const std::tm& /*brokenDown*/,
 }
 
 bool createDeleteOnCloseFile(const std::string& path, FileHandle& file) {
-    // On purpose: the ANSI call, the only one that takes a path as the bytes it is.
+    // On purpose: the ANSI call, the only one that takes the bytes of a path unchanged.
     constexpr DWORD notShared = 0;
     file = CreateFileA(path.c_str(), GENERIC_WRITE, notShared, nullptr, CREATE_ALWAYS,
                        FILE_ATTRIBUTE_NORMAL | FILE_FLAG_DELETE_ON_CLOSE, nullptr);
@@ -83,7 +70,8 @@ bool createDeleteOnCloseFile(const std::string& path, FileHandle& file) {
 }
 
 bool writeToFile(FileHandle file, const void* bytes, std::size_t size, std::size_t& written) {
-    // On purpose: the length is cut to 32 bits. The caller sees a larger size as a short count.
+    // On purpose: the length is truncated to 32 bits. For a larger size the caller sees a short
+    // count.
     const auto length = static_cast<DWORD>(size & std::numeric_limits<DWORD>::max());
     DWORD count = 0;
     const bool succeeded = WriteFile(file, bytes, length, &count, nullptr) != FALSE;
@@ -94,44 +82,6 @@ bool writeToFile(FileHandle file, const void* bytes, std::size_t size, std::size
 void closeFile(FileHandle file) {
     CloseHandle(file);
 }
-
-ChildProcess::ChildProcess(const std::string& commandLine) : process_(0), waitHandle_(0) {
-    std::wstring wideCommandLine = toWidePath(commandLine);
-    STARTUPINFOW startup = {};
-    startup.cb = sizeof startup;
-    startup.dwFlags = STARTF_USESHOWWINDOW;
-    startup.wShowWindow = SW_HIDE;
-    PROCESS_INFORMATION process = {};
-    constexpr BOOL noInheritedHandles = FALSE;
-    if (CreateProcessW(nullptr, wideCommandLine.data(), nullptr, nullptr, noInheritedHandles,
-                       CREATE_NEW_CONSOLE, nullptr, nullptr, &startup, &process) == FALSE) {
-        return;
-    }
-    CloseHandle(process.hThread);
-    process_ = reinterpret_cast<std::intptr_t>(process.hProcess);
-    waitHandle_ = process_;
-}
-
-ChildProcess::~ChildProcess() {
-    if (started()) CloseHandle(asHandle(process_));
-}
-
-bool ChildProcess::started() const {
-    return process_ != 0;
-}
-
-bool ChildProcess::waitTimedOut(std::uint32_t milliseconds) {
-    return WaitForSingleObject(asHandle(waitHandle_), milliseconds) == WAIT_TIMEOUT;
-}
-
-bool ChildProcess::queryExitCode(std::uint32_t& exitCode) {
-    DWORD code = 0;
-    const bool known = GetExitCodeProcess(asHandle(process_), &code) != FALSE;
-    exitCode = code;
-    return known;
-}
-
-void reapAbandonedProcesses() {}
 
 void offerPages(void* pages, std::size_t size) {
     VirtualAlloc(pages, size, MEM_RESET, PAGE_READWRITE);

@@ -1,7 +1,6 @@
-// What the C++ runtime would keep of the DLL when a host unloads it. It is linked statically and
-// made for programs, which end as a whole: with each unloading its thread library leaves a slot for
-// thread-local pointers behind, of which a process has 1,088, and two handles of the thread that
-// unloads; its exception support leaves 70 KiB of reserve.
+// Frees what the C++ runtime would leak when a host unloads the DLL. The runtime is linked
+// statically and made for programs, which never unload it: each FreeLibrary would leak a TLS slot
+// of the process's 1,088, two handles of the unloading thread, and 70 KiB of exception reserve.
 //
 // SPDX-License-Identifier: MIT
 #include "platform/runtime_end_windows.h"
@@ -13,14 +12,14 @@
 #include <cstdlib>
 
 extern "C" {
-/// The directory of this DLL's callbacks for the ends of threads.
+/// This DLL's TLS directory, which lists its callbacks for ending threads.
 extern const IMAGE_TLS_DIRECTORY _tls_used;
-/// The thread library's record of a thread, whose address stands in its slot.
+/// The thread library's record of a thread; its TLS slot holds the record's address.
 void* __pth_gpointer_locked(pthread_t thread);
 }
 
 namespace __gnu_cxx {
-/// Frees the memory that is set aside for exceptions.
+/// Frees the exception reserve.
 void __freeres();
 }  // namespace __gnu_cxx
 
@@ -38,7 +37,7 @@ DWORD slotOf(const void* record) {
     return TLS_OUT_OF_INDEXES;
 }
 
-/// Tells the runtime what the system tells it when a thread ends, or when the DLL goes.
+/// Calls the runtime's TLS callbacks as the system does when a thread ends or the DLL is unloaded.
 void callBack(DWORD reason) {
     auto* callback = reinterpret_cast<const PIMAGE_TLS_CALLBACK*>(
         static_cast<std::uintptr_t>(_tls_used.AddressOfCallBacks));
@@ -46,8 +45,8 @@ void callBack(DWORD reason) {
         (*callback)(nullptr, reason, nullptr);
 }
 
-/// Runs after all destructors. At the end of the process there is nothing to save, and a thread
-/// that is no more may hold a lock of the runtime.
+/// Runs after all destructors. Does nothing at process exit, when a terminated thread may still
+/// hold a lock of the runtime.
 void releaseRuntime() {
     if (!isUnloaded) return;
     __gnu_cxx::__freeres();
@@ -57,7 +56,7 @@ void releaseRuntime() {
     if (slot != TLS_OUT_OF_INDEXES) TlsFree(slot);
 }
 
-/// Functions that are registered first run last.
+/// Registered first, so that it runs last.
 [[gnu::constructor(101)]] void registerRelease() {
     static_cast<void>(std::atexit(releaseRuntime));
 }

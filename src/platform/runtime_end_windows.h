@@ -1,4 +1,4 @@
-// The end of the C++ runtime inside the Windows DLL.
+// Clean-up of the C++ runtime inside the Windows DLL.
 //
 // SPDX-License-Identifier: MIT
 #pragma once

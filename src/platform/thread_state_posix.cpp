@@ -1,7 +1,7 @@
-// What each thread has for itself on Linux. The library has no thread-local variables: the system
-// makes those of a library that is loaded at run time with the first use on each thread, and ends
-// the process where memory is exhausted; in the room that it sets aside for all libraries together
-// (static thread storage) they could keep the library, or others, from being loaded.
+// State of each thread on Linux, stored under pthread keys. The library has no thread-local
+// variables: in a library that is loaded at run time the system allocates them on first use in each
+// thread and ends the process when memory is exhausted. Static TLS, the alternative, is a small
+// area that all libraries share: using it could keep this library, or others, from being loaded.
 //
 // SPDX-License-Identifier: MIT
 #include <pthread.h>
@@ -18,8 +18,8 @@
 namespace rgen::platform {
 namespace {
 
-/// A pointer of each thread. The C library has room for the first 32 such slots of a process in
-/// each thread's own record; for others a thread needs memory with its first pointer.
+/// One pointer for each thread. The C library stores the first 32 keys of a process in the thread's
+/// own record; for later keys a thread needs memory when it first sets one.
 class ThreadSlot {
 public:
     void open() {
@@ -28,7 +28,8 @@ public:
     void close() {
         if (key_ != none) pthread_key_delete(std::exchange(key_, none));
     }
-    /// The C library gives null for a key that it cannot have; this is asked for each allocation.
+    /// Called for each allocation, so without a check: the C library returns null for an invalid
+    /// key.
     void* get() const { return pthread_getspecific(key_); }
     bool set(const void* pointer) const {
         return key_ != none && pthread_setspecific(key_, pointer) == 0;
@@ -76,8 +77,8 @@ StackBounds readStackBounds() {
     return bounds;
 }
 
-/// Read once for each thread, if there is memory to keep them: for the main thread the system has
-/// to read its list of memory regions.
+/// Read once for each thread, if there is memory to store them: for the main thread the C library
+/// has to read the list of memory mappings.
 StackBounds stackBounds() {
     StackBounds bounds = {static_cast<const char*>(lowestStackSlot.get()),
                           static_cast<const char*>(highestStackSlot.get())};

@@ -1,5 +1,5 @@
-// Strict UTF-8 check. The standard library's converters let some malformed texts pass (a sequence
-// cut off at the end, surrogates), which would make another path of the one that a host names.
+// Strict UTF-8 check. The standard library's converters accept some malformed texts (a truncated
+// last sequence, surrogates), so the library would open a different file than the host named.
 //
 // SPDX-License-Identifier: MIT
 #include "platform/utf8.h"
@@ -44,7 +44,7 @@ bool follows(const SequenceRule& rule, std::string_view rest) {
                        isContinuation);
 }
 
-/// Most paths are ASCII as a whole; eight bytes at a time are looked at.
+/// Most paths are pure ASCII: checks eight bytes at a time.
 std::string_view withoutAsciiStart(std::string_view text) {
     constexpr std::uint64_t highBits = 0x8080808080808080;
     std::uint64_t word = 0;

@@ -1,4 +1,4 @@
-// The UTF-8 check before every use of a path.
+// UTF-8 check, done before every use of a path.
 //
 // SPDX-License-Identifier: MIT
 #pragma once

@@ -1,4 +1,4 @@
-// A reference to the context of the XML libraries, for those who only hold it.
+// A reference to the context of the XML libraries, without the headers of these libraries.
 //
 // SPDX-License-Identifier: MIT
 #pragma once
@@ -13,8 +13,8 @@ struct XmlParserContextRelease {
     void operator()(XmlParserContext* context) const noexcept;
 };
 
-/// Keeps the XML libraries initialised while it lives. Making and ending one needs no memory of its
-/// own, unlike a shared pointer.
+/// Keeps the XML libraries initialised while it lives. Unlike a shared pointer, it needs no memory
+/// of its own.
 using XmlParserContextReference = std::unique_ptr<XmlParserContext, XmlParserContextRelease>;
 
 }  // namespace rgen

@@ -1,7 +1,6 @@
-// XML files. libxml2 reads some file names in ways of its own ("-" is a standard stream, "file:" a
-// scheme, "%20" a blank when it saves), so reading gets a spelling that it takes literally, and
-// saving goes through a stream of ours into xmlSaveFormatFileTo, which writes the same bytes as
-// xmlSaveFormatFileEnc.
+// XML files. libxml2 interprets some file names ("-" is a standard stream, "file:" a scheme, "%20"
+// a blank when it saves). So files are read by a spelling that it takes literally, and saved
+// through a C++ stream by xmlSaveFormatFileTo, which writes the same bytes as xmlSaveFormatFileEnc.
 //
 // SPDX-License-Identifier: MIT
 #include "store/xml/file.h"
@@ -20,7 +19,7 @@ namespace {
 
 constexpr const char* encoding = "UTF-8";
 
-/// A path that is neither absolute nor has a drive is written with "./" in front.
+/// Prepends "./" to a path that is neither absolute nor has a drive.
 std::string literalSpelling(const std::string& path) {
     return toNativePath(path).has_root_path() ? path : "./" + path;
 }
@@ -41,7 +40,7 @@ bool saveToStream(std::ofstream& file, xmlDoc* document) {
         xmlOutputBufferCreateIO(writeToStream, closeStream, &file, /*encoder=*/nullptr);
     if (buffer == nullptr) return false;
     constexpr int indented = 1;
-    // Closes the buffer in every case. Every negative result is a failure: a full disk is not -1.
+    // Always closes the buffer. Any negative result is a failure: for a full disk it is not -1.
     return xmlSaveFormatFileTo(buffer, document, encoding, indented) >= 0;
 }
 
@@ -54,7 +53,7 @@ XmlPtr<xmlDoc> readXmlFile(const std::string& path) {
 
 bool saveXmlFile(const std::string& path, xmlDoc* document) {
     if (document == nullptr) return false;
-    // Declared first, so that it acts when the stream is closed.
+    // Declared first, so that it removes the file after the stream is closed.
     FileRemover halfFile(path);
     std::ofstream file;
     const bool isOpen = openForWriting(halfFile, [&file](const auto* nativePath) {

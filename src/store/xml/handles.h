@@ -1,4 +1,5 @@
-// Owners for every libxml2 and libxslt pointer: it lives in an XmlPtr from the line that makes it.
+// Owning pointers for libxml2 and libxslt: each pointer is in an XmlPtr from the line that creates
+// it.
 //
 // SPDX-License-Identifier: MIT
 #pragma once
@@ -25,7 +26,7 @@ struct XmlDeleter {
 template <typename T>
 using XmlPtr = std::unique_ptr<T, XmlDeleter>;
 
-/// Literal text as libxml2 takes it.
+/// Text as the character type of libxml2.
 inline const xmlChar* xmlText(const char* text) {
     return reinterpret_cast<const xmlChar*>(text);
 }

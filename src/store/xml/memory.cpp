@@ -1,58 +1,47 @@
-// The memory hooks of libxml2, which libxslt uses, too. libxslt does not examine all of its
-// allocations: without memory it may write through a null pointer, or leave parts of a template
-// out. So when the C heap has none left, its blocks come from a reserve until the transformation
-// looks and ends.
+// The memory functions that libxml2 and libxslt call: pool first, then malloc, then the reserve.
+// The reserve bridges the time until the transformation checks for failed allocations and stops.
 //
 // SPDX-License-Identifier: MIT
 #include "store/xml/memory.h"
 
 #include <libxml/threads.h>
-#include <libxml/xmlerror.h>
 #include <libxml/xmlmemory.h>
 
-#include <atomic>
 #include <cstdlib>
 #include <cstring>
 #include <new>
 
 #include "memory/pool.h"
 #include "memory/reserve.h"
+#include "store/xml/work.h"
 
 namespace rgen {
 namespace {
 
 memory::Reserve reserve;
-/// Those of threads without a pool.
-std::atomic<std::size_t> failedAllocations = 0;
 
-void noteFailure() {
-    if (memory::Pool* pool = memory::poolInUse()) {
-        pool->noteFailure();
-    } else {
-        ++failedAllocations;
-    }
+bool refuses(const XmlWork* work) {
+    return work != nullptr && work->stackIsShort();
 }
 
-/// Last resort after pool and malloc. Never serves requests refused for lack of stack: that refusal
-/// ends runaway recursion.
-void* takeFromReserve(std::size_t size) {
-    noteFailure();
-    const memory::Pool* pool = memory::poolInUse();
-    const bool isOpen = pool == nullptr || (pool->hasReserve() && !pool->stackIsShort());
-    return isOpen ? reserve.take(size) : nullptr;
+void* allocateWithoutReserve(const XmlWork* work, std::size_t size) {
+    if (refuses(work)) return nullptr;
+    if (!memory::poolsAreUsed) return std::malloc(size);
+    return memory::allocateSlow(work != nullptr ? work->pool() : nullptr, size);
 }
 
 /// Slow path, out of line so that the fast path inlines.
-[[gnu::cold, gnu::noinline]] void* allocateForXmlOtherwise(std::size_t size) {
-    void* block = memory::poolsAreUsed ? memory::allocateOtherwise(memory::poolInUse(), size)
-                                       : std::malloc(size);
-    return block != nullptr ? block : takeFromReserve(size);
+[[gnu::cold, gnu::noinline]] void* allocateForXmlSlow(const XmlWork* work, std::size_t size) {
+    void* block = allocateWithoutReserve(work, size);
+    if (block != nullptr) return block;
+    XmlWork::noteFailure();
+    return XmlWork::mayUseReserve() ? reserve.allocate(size) : nullptr;
 }
 
 void* allocateForXml(std::size_t size) {
-    memory::Pool* pool = memory::poolInUse();
-    void* block = pool != nullptr ? memory::allocateAtHand(*pool, size) : nullptr;
-    return block != nullptr ? block : allocateForXmlOtherwise(size);
+    XmlWork* work = XmlWork::current();
+    void* block = work != nullptr ? work->allocateFast(size) : nullptr;
+    return block != nullptr ? block : allocateForXmlSlow(work, size);
 }
 
 void* moveFromReserve(void* block, std::size_t size) {
@@ -61,23 +50,29 @@ void* moveFromReserve(void* block, std::size_t size) {
     void* moved = allocateForXml(size);
     if (moved == nullptr) return nullptr;
     std::memcpy(moved, block, oldSize);
-    reserve.give(block);
+    reserve.release(block);
     return moved;
 }
 
-/// The reserve does not serve here: whoever grows a block examines the outcome.
+void* reallocateWithoutReserve(void* block, std::size_t size) {
+    const XmlWork* work = XmlWork::current();
+    if (refuses(work)) return nullptr;
+    if (!memory::poolsAreUsed) return std::realloc(block, size);
+    return memory::reallocate(work != nullptr ? work->pool() : nullptr, block, size);
+}
+
+/// Does not use the reserve: the XML libraries check the result of every reallocation.
 void* reallocateForXml(void* block, std::size_t size) {
     if (block == nullptr) return allocateForXml(size);
     if (reserve.owns(block)) return moveFromReserve(block, size);
-    void* moved = memory::poolsAreUsed ? memory::reallocate(memory::poolInUse(), block, size)
-                                       : std::realloc(block, size);
-    if (moved == nullptr) noteFailure();
+    void* moved = reallocateWithoutReserve(block, size);
+    if (moved == nullptr) XmlWork::noteFailure();
     return moved;
 }
 
-[[gnu::cold, gnu::noinline]] void releaseForXmlOtherwise(void* block) {
+[[gnu::cold, gnu::noinline]] void releaseForXmlSlow(void* block) {
     if (reserve.owns(block)) {
-        reserve.give(block);
+        reserve.release(block);
     } else if (memory::poolsAreUsed) {
         memory::release(block);
     } else {
@@ -88,7 +83,7 @@ void* reallocateForXml(void* block, std::size_t size) {
 void releaseForXml(void* block) {
     const bool isReleased =
         memory::poolsAreUsed && block != nullptr && memory::releaseToPool(block);
-    if (!isReleased) releaseForXmlOtherwise(block);
+    if (!isReleased) releaseForXmlSlow(block);
 }
 
 char* copyForXml(const char* text) {
@@ -104,31 +99,13 @@ void installXmlMemory() {
 }
 
 bool hasXmlThreadState() noexcept {
-    // On purpose: twice. libxml2 does not look whether the system had the memory to keep what it
-    // has made for the thread; if not, it makes it again, where it can.
+    // On purpose: called twice. libxml2 does not check whether the system had the memory to store
+    // the new data for the thread. If not, the second call tries again or reports the failure.
     return xmlCheckThreadLocalStorage() == 0 && xmlCheckThreadLocalStorage() == 0;
 }
 
 void requireXmlThreadState() {
     if (!hasXmlThreadState()) throw std::bad_alloc();
-}
-
-XmlMemoryWatch::XmlMemoryWatch() : failedBefore_(failedXmlAllocations()) {
-    if (memory::Pool* pool = memory::poolInUse()) pool->setReserve(true);
-}
-
-XmlMemoryWatch::~XmlMemoryWatch() {
-    if (memory::Pool* pool = memory::poolInUse()) pool->setReserve(false);
-}
-
-std::size_t failedXmlAllocations() {
-    const memory::Pool* pool = memory::poolInUse();
-    return pool != nullptr ? pool->failures() : failedAllocations.load();
-}
-
-XmlMemoryScope::~XmlMemoryScope() {
-    // The thread's last error is the one thing of libxml2 that would outlive the scope.
-    xmlResetLastError();
 }
 
 }  // namespace rgen

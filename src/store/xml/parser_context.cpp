@@ -1,7 +1,7 @@
-// XmlParserContext and XmlSilence. References are counted by hand: a host may make a generator in
-// an exit function, when static objects are gone already. libxml2's handlers belong to a thread and
-// are swapped in and out; libxslt's handler belongs to the process and is set once, since setting
-// it later would be a race.
+// XmlParserContext and XmlSilence. References are counted by hand: a host may create a generator in
+// an exit function, after static objects were destroyed. libxml2's error handlers belong to a
+// thread and are replaced and restored; libxslt's handler belongs to the process and is set only
+// once, since setting it later would be a data race.
 //
 // SPDX-License-Identifier: MIT
 #include "store/xml/parser_context.h"
@@ -18,6 +18,7 @@
 #include "store/xml/handles.h"
 #include "store/xml/memory.h"
 #include "store/xml/stack_guard.h"
+#include "store/xml/work.h"
 
 namespace rgen {
 namespace {
@@ -30,30 +31,31 @@ void ignoreMessage(void*, const char*, ...) {}
 
 void ignoreError(void*, const xmlError*) {}
 
-/// On Windows libxslt makes a list of the system's locales for the first sorting by language and
-/// keeps it. It is made here, outside of all pools; libxslt does not look whether memory is left.
-void makeLocaleList() {
+/// On Windows libxslt creates a list of the system's locales when it first sorts by language, and
+/// keeps it. Creates it here, outside of all pools, and only if there is certainly enough memory,
+/// since libxslt does not check.
+void createLocaleList() {
     constexpr std::size_t moreThanItTakes = std::size_t{256} * 1024;
     if (!XmlPtr<xmlChar>(static_cast<xmlChar*>(xmlMalloc(moreThanItTakes)))) return;
     constexpr int upperCaseFirst = 0;
     xsltFreeLocale(xsltNewLocale(xmlText(""), upperCaseFirst));
 }
 
-/// False when memory is exhausted; everything is then as before.
+/// False, without any effect, when memory is exhausted.
 bool startXmlLibraries() noexcept {
     installXmlMemory();
-    const std::size_t failedBefore = failedXmlAllocations();
+    const XmlWork work(XmlWork::WithReserve{});
     xmlInitParser();
     if (!hasXmlThreadState()) return false;
     xmlCheckVersion(builtForXmlVersion);
     xsltInit();
-    // The lock of the extensions, which the first compilations would make, each on its thread.
+    // Creates the lock of the extensions; otherwise the first compilations would, in a data race.
     xsltInitGlobals();
     xsltSetGenericErrorFunc(nullptr, ignoreMessage);
-    makeLocaleList();
+    createLocaleList();
     installStackGuard();
-    if (failedXmlAllocations() == failedBefore) return true;
-    // libxslt would lack what it could not register; and the reserve gets its blocks back.
+    if (work.memorySufficed()) return true;
+    // Frees the reserve's blocks, too. libxslt would lack the parts that it could not register.
     xsltCleanupGlobals();
     xmlCleanupParser();
     return false;
@@ -61,7 +63,7 @@ bool startXmlLibraries() noexcept {
 
 XmlParserContext processContext;
 
-/// The reference of the process itself. Nobody reads it, only its end counts.
+/// The reference of the process itself, held until its static objects are destroyed.
 struct ProcessReference {
     ProcessReference() { static_cast<void>(processContext.acquire().release()); }
     ~ProcessReference() { processContext.releaseAtEnd(); }
@@ -93,7 +95,7 @@ void XmlParserContext::releaseAtEnd() noexcept {
     isBusy_.clear(std::memory_order_release);
 }
 
-/// False, and nothing is changed, where there is none yet.
+/// False, without any effect, when there is no reference yet.
 bool XmlParserContext::addFurtherReference() noexcept {
     std::size_t count = references_;
     while (count > 0 && !references_.compare_exchange_weak(count, count + 1)) {
@@ -101,7 +103,7 @@ bool XmlParserContext::addFurtherReference() noexcept {
     return count > 0;
 }
 
-/// False, and nothing is changed, where only one is left, or none.
+/// False, without any effect, when there is at most one reference.
 bool XmlParserContext::dropFurtherReference() noexcept {
     std::size_t count = references_;
     while (count > 1 && !references_.compare_exchange_weak(count, count - 1)) {

@@ -1,4 +1,4 @@
-// Once-per-process initialisation of the XML libraries, and their silence.
+// Initialisation of the XML libraries, once in the process, and suppression of their messages.
 //
 // SPDX-License-Identifier: MIT
 #pragma once
@@ -12,21 +12,21 @@
 
 namespace rgen {
 
-/// Keeps libxml2 and libxslt initialised while there are references to it; with the last one,
-/// libxslt's globals are released. The libxml2 parser is not cleaned up, since a host may come
-/// back. The object is constant data with nothing to destroy, so references may be made and ended
-/// at any time of the process, in its exit functions, too.
+/// Keeps libxml2 and libxslt initialised while there are references to it; the last one frees the
+/// globals of libxslt. The libxml2 parser is not cleaned up, since a host may use the library
+/// again. The object is constant-initialised and has no destructor, so references may be acquired
+/// and released at any time, including exit functions.
 class XmlParserContext {
 public:
     constexpr XmlParserContext() = default;
     XmlParserContext(const XmlParserContext&) = delete;
     XmlParserContext& operator=(const XmlParserContext&) = delete;
 
-    /// A new reference. Empty when memory is exhausted; no exception passes even inside.
+    /// A new reference. Empty when memory is exhausted. Throws no exception, not even internally.
     XmlParserContextReference acquire() noexcept;
     void release() noexcept;
-    /// As release() at the end of the process, when a thread that is no more may hold the lock:
-    /// does not wait for it.
+    /// Like release(), for the end of the process: does not wait for the lock, which a terminated
+    /// thread may hold.
     void releaseAtEnd() noexcept;
 
     std::size_t references() const noexcept { return references_; }
@@ -36,19 +36,20 @@ private:
     bool dropFurtherReference() noexcept;
     void dropReference() noexcept;
 
-    /// Held for the first reference and the last one only: a process that has a reference for good
-    /// may fork at any time, since its child then finds nothing locked.
+    /// Held for the first and the last reference only. So a process that keeps a reference may fork
+    /// at any time: the child never finds it locked.
     std::atomic_flag isBusy_ = ATOMIC_FLAG_INIT;
     std::atomic<std::size_t> references_ = 0;
 };
 
-/// A reference to the one context of the process, which keeps a reference itself from the first
-/// call until it ends. Safe from several threads at once. Empty when memory is exhausted.
+/// A reference to the context of the process. The process keeps a reference of its own from the
+/// first call until its end. May be called by several threads at once. Empty when memory is
+/// exhausted.
 XmlParserContextReference sharedXmlParserContext() noexcept;
 
-/// While it lives, libxml2 prints nothing on the calling thread. The previous handlers come back
-/// afterwards. Throws std::bad_alloc on a thread for which libxml2 gets no memory. Everything that
-/// uses XML keeps one on its stack.
+/// While it lives, libxml2 prints no messages on the calling thread; then the previous handlers are
+/// restored. Throws std::bad_alloc when libxml2 has no memory for the thread. Every function that
+/// uses XML has one on its stack.
 class XmlSilence {
 public:
     XmlSilence();

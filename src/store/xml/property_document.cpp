@@ -1,5 +1,5 @@
-// The property document. Door: buildPropertyDocument. Texts are handed over as XML content, so that
-// a reference in one is read as a reference; names are plain text.
+// The property document. Entry point: buildPropertyDocument. Texts are passed as XML content, so
+// that references in them are parsed; names are plain text.
 //
 // SPDX-License-Identifier: MIT
 #include "store/xml/property_document.h"
@@ -7,9 +7,9 @@
 namespace rgen {
 namespace {
 
-/// libxml2 takes whatever stands between "&" and ";" for the name of a reference, which a report
-/// shows as nothing, and writes the name to a file as it stands. On purpose: a reference with
-/// markup in its name goes, since in a file the markup would become elements.
+/// libxml2 takes any text between "&" and ";" for the name of a reference. A report shows nothing
+/// for it, but a saved file would contain the name. On purpose: a reference with markup in its name
+/// is removed, since in the file the markup would become elements.
 void dropReferencesWithMarkup(xmlNode* property) {
     xmlNode* next = nullptr;
     for (xmlNode* child = property->children; child != nullptr; child = next) {
@@ -29,9 +29,9 @@ XmlPtr<xmlDoc> buildPropertyDocument(const PropertyMap& properties) {
     xmlDocSetRootElement(document.get(), root.get());
     xmlNode* list = xmlNewChild(root.release(), nullptr, xmlText("properties"), nullptr);
     for (const auto& [name, text] : properties) {
-        // On purpose: the text is not escaped, "&" starts a reference in it.
+        // On purpose: the text is not escaped; "&" starts a reference.
         xmlNode* property = xmlNewChild(list, nullptr, xmlText("property"), xmlText(text.c_str()));
-        // On purpose: a property for which memory is exhausted is left out without a failure.
+        // On purpose: a property for which there is no memory is left out without a failure.
         if (property == nullptr) continue;
         dropReferencesWithMarkup(property);
         xmlNewProp(property, xmlText("name"), xmlText(name.c_str()));

@@ -9,19 +9,19 @@
 #include <unordered_map>
 #include <utility>
 
-#include "memory/pool_allocator.h"
 #include "store/xml/handles.h"
+#include "store/xml/work_allocator.h"
 
 namespace rgen {
 
-/// Texts by property name. The traversal order is the container's own; nothing may depend on it.
+/// Texts by property name. The order of iteration is unspecified; nothing may depend on it.
 using PropertyMap =
     std::unordered_map<std::string, std::string, std::hash<std::string>, std::equal_to<>,
-                       memory::PoolAllocator<std::pair<const std::string, std::string>>>;
+                       WorkAllocator<std::pair<const std::string, std::string>>>;
 
 /// Builds data/properties/property[@name] with one property for each entry, in map order. Texts are
-/// read as XML content ("&amp;" is a reference), names are plain. Null, or a document with parts
-/// missing, when memory is exhausted.
+/// parsed as XML content ("&amp;" is a reference), names are plain text. Null, or a document with
+/// parts missing, when memory is exhausted.
 XmlPtr<xmlDoc> buildPropertyDocument(const PropertyMap& properties);
 
 }  // namespace rgen

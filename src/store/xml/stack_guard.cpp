@@ -1,30 +1,47 @@
-// The stack guard. libxslt stops a recursion by its depth alone (3,000 levels), for which a thread
-// with 1 MiB of stack has no room. Its debugger hook runs before each instruction of a template,
-// which is the place to look at the stack that is left. Where it copies a tree level by level
-// inside one instruction, the pool ends the recursion: it has no memory for the next level.
+// The stack guard. libxslt limits recursion by depth alone (3,000 levels), for which 1 MiB of stack
+// is too small. Its debugger hook runs before each instruction of a template and checks the stack
+// that is left. Where libxslt copies a tree recursively inside one instruction, the work refuses
+// the memory for the next level.
 //
 // SPDX-License-Identifier: MIT
 #include "store/xml/stack_guard.h"
 
 #include <libxslt/xsltutils.h>
 
+#include <algorithm>
 #include <cstddef>
 
-#include "memory/pool_scope.h"
 #include "platform/platform.h"
-#include "store/xml/memory.h"
 
 namespace rgen {
 namespace {
 
-/// The context's private field points to the bounds.
+constexpr std::size_t kibibyte = 1024;
+
+/// Every thread that calls the library has at least this much stack (see rgen.h).
+constexpr std::size_t smallestStack = RGEN_SMALLEST_STACK_KIB * kibibyte;
+
+/// Stack that sanitizer instrumentation needs in addition.
+constexpr std::size_t instrumentation = RGEN_SANITIZER_STACK_KIB * kibibyte;
+
+/// Of the smallest stack, what the host and the calls up to the template use at most.
+constexpr std::size_t usedByCallers = 32 * kibibyte;
+
+/// libxml2's own limit of XPath nesting.
+constexpr int xpathLevels = RGEN_LIBXML2_XPATH_LEVELS;
+
+constexpr StackRule ruleWith(std::size_t reserve, int allowedXPathLevels) {
+    return {std::max(reserve, smallestStack / 2) + instrumentation,
+            std::max(xpathLevels - allowedXPathLevels, 0)};
+}
+
+/// The transformation's private field points to its work.
 void stopBeforeStackEnds(xmlNode*, xmlNode*, xsltTemplate*, xsltTransformContext* context) {
-    const auto& bounds = *static_cast<const TemplateBounds*>(context->_private);
+    const auto& work = *static_cast<const XmlWork*>(context->_private);
     const auto* frame = static_cast<const char*>(__builtin_frame_address(0));
-    const bool hasMemory = failedXmlAllocations() == bounds.failedAllocations;
-    if (frame >= bounds.lowestAllowed && hasMemory) return;
+    if (frame >= work.lowestForTemplates() && work.memorySufficed()) return;
     context->state = XSLT_STATE_STOPPED;
-    // Variables refer to each other through XPath, which does not look at the state: end that, too.
+    // Variables refer to each other through XPath, which does not check the state: stop that, too.
     context->xpathCtxt->opLimit = 1;
     context->xpathCtxt->opCount = 1;
 }
@@ -35,13 +52,12 @@ struct StackRoom {
     int withheldXPathLevels;
 };
 
-/// The stack that is left to whoever has that frame, known or assumed.
+/// The stack below `frame`, known or assumed.
 StackRoom roomBelow(const char* frame) {
     const char* limit = platform::stackLimit();
     const bool isKnown = limit != nullptr;
-    const platform::StackRule& rule =
-        isKnown ? platform::smallStackRule : platform::unknownStackRule;
-    if (!isKnown) limit = frame - platform::assumedStack;
+    const StackRule& rule = isKnown ? smallStackRule : unknownStackRule;
+    if (!isKnown) limit = frame - assumedStack;
     constexpr std::ptrdiff_t roomyStack = std::ptrdiff_t{4} * 1024 * 1024;
     return {limit, rule.reserve, frame - limit < roomyStack ? rule.withheldXPathLevels : 0};
 }
@@ -55,6 +71,13 @@ struct DebuggerCallbacks {
 
 }  // namespace
 
+const StackRule smallStackRule = ruleWith(200 * kibibyte, 2000);
+
+// Fewer levels for expressions, so that more of the stack is left for templates.
+const StackRule unknownStackRule = ruleWith(0, 1000);
+
+const std::size_t assumedStack = smallestStack - usedByCallers + instrumentation;
+
 void installStackGuard() {
     constexpr int callbackCount = 3;
     DebuggerCallbacks callbacks = {stopBeforeStackEnds, nullptr, nullptr};
@@ -66,16 +89,13 @@ void guardCompilation(xsltStylesheet& stylesheet) {
     stylesheet.xpathCtxt->depth = roomBelow(frame).withheldXPathLevels;
 }
 
-void guardStack(xsltTransformContext& context, TemplateBounds& bounds) {
-    bounds.failedAllocations = failedXmlAllocations();
-    context._private = &bounds;
+void guardStack(xsltTransformContext& context, XmlWork& work) {
+    context._private = &work;
     context.debugStatus = XSLT_DEBUG_RUN;
     const StackRoom room = roomBelow(static_cast<const char*>(__builtin_frame_address(0)));
-    bounds.lowestAllowed = room.limit + room.reserve;
-    memory::Pool* pool = memory::poolInUse();
-    // Expressions may use most of the reserve; the last quarter is for what handles the failure.
-    if (pool != nullptr) pool->needStackAbove(room.limit + room.reserve / 4);
-    // The hook does not run inside an expression, which may nest deeper than the reserve allows.
+    // Expressions may use most of the reserve; the last quarter is for handling the failure.
+    work.limitStack(room.limit + room.reserve, room.limit + room.reserve / 4);
+    // The hook does not run inside an expression, which could nest deeper than the reserve allows.
     context.xpathCtxt->depth = room.withheldXPathLevels;
 }
 

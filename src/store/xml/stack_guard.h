@@ -1,5 +1,4 @@
-// Keeps a template that recurses without end from running the calling thread out of stack, and one
-// from going on without memory.
+// Stops a template before the calling thread runs out of stack, and when it has run out of memory.
 //
 // SPDX-License-Identifier: MIT
 #pragma once
@@ -8,27 +7,37 @@
 
 #include <cstddef>
 
+#include "store/xml/work.h"
+
 namespace rgen {
 
-/// Hooks the guard into libxslt. Called once in the process, before the first transformation.
-void installStackGuard();
-
-/// Where a template has to stop.
-struct TemplateBounds {
-    /// The lowest stack address that it may reach.
-    const char* lowestAllowed = nullptr;
-    /// What failedXmlAllocations() gave at its start.
-    std::size_t failedAllocations = 0;
+/// What a template may use of a small stack.
+struct StackRule {
+    /// Bytes that a template leaves to the code that it calls: XPath, serialisation, the failure.
+    std::size_t reserve;
+    /// Levels of XPath nesting by which libxml2's own limit is reduced, so that an expression fits
+    /// into `reserve`.
+    int withheldXPathLevels;
 };
 
-/// Expressions that `stylesheet` compiles from now on nest only as deep as the stack has room for:
-/// libxml2 descends into them. Its XPath context exists.
+/// For a stack of less than 4 MiB whose limit is known.
+extern const StackRule smallStackRule;
+
+/// For a stack whose limit the system does not know, such as that of a fiber on Linux. A template
+/// then assumes that `assumedStack` bytes are left.
+extern const StackRule unknownStackRule;
+extern const std::size_t assumedStack;
+
+/// Hooks the guard into libxslt. Call it once in the process, before the first transformation.
+void installStackGuard();
+
+/// From now on expressions that `stylesheet` compiles may nest only as deep as the stack allows:
+/// libxml2 recurses into them. The XPath context of `stylesheet` must exist.
 void guardCompilation(xsltStylesheet& stylesheet);
 
-/// From now on the transformation of `context` stops as a failed one before less than the reserve
-/// of its platform::StackRule is left of the stack, or when memory is exhausted. Where the system
-/// does not tell the stack's limit, the stack is taken for one of the smallest size.
-/// `bounds` is filled, and outlives the transformation.
-void guardStack(xsltTransformContext& context, TemplateBounds& bounds);
+/// From now on the transformation of `context` fails before the stack that is left becomes less
+/// than the reserve of its StackRule, and after a failed allocation of `work`, which must outlive
+/// it.
+void guardStack(xsltTransformContext& context, XmlWork& work);
 
 }  // namespace rgen

@@ -1,5 +1,5 @@
-// Texts from XML nodes. Trimming knows the six ASCII white-space characters only: a host's locale
-// must not cut the last byte off a UTF-8 text.
+// Texts from XML nodes. Trims the six ASCII white-space characters only: under a host's locale, the
+// last byte of a UTF-8 text could count as white space.
 //
 // SPDX-License-Identifier: MIT
 #include "store/xml/text.h"

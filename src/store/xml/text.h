@@ -1,4 +1,4 @@
-// Texts from XML nodes: always trimmed, and freed at once on the library's side of libxml2.
+// Trimmed texts from XML nodes, as strings that are not in libxml2's memory.
 //
 // SPDX-License-Identifier: MIT
 #pragma once
@@ -12,16 +12,16 @@
 
 namespace rgen {
 
-/// `text` without white space at its edges; empty for null. The caller still frees `text`.
+/// `text` without white space at its start and end; empty for null. Does not free `text`.
 std::string trimmedXmlText(const xmlChar* text);
 
-/// The same as a part of `text`.
+/// The same, as a view into `text`.
 std::string_view trimmedView(const xmlChar* text);
 
-/// The text with A to Z in lower case, in every locale.
+/// The text with A to Z in lower case, independent of the locale.
 std::string toLowerCopy(std::string text);
 
-/// The trimmed value of an attribute; empty when the node is no element or has no such attribute.
+/// The trimmed value of an attribute; empty when `node` is not an element or has no such attribute.
 std::string attributeText(xmlNode* node, const char* attributeName);
 
 /// The text of the element's children with entities substituted; null when there is none.

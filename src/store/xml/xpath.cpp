@@ -1,4 +1,4 @@
-// XPathQuery. The type of the result is not examined: only a node set has nodes.
+// XPathQuery. The type of the result need not be checked: only a node set has nodes.
 //
 // SPDX-License-Identifier: MIT
 #include "store/xml/xpath.h"

@@ -1,4 +1,4 @@
-// The one XPath pattern of the library: make a context, evaluate, require a node set with nodes.
+// Selects nodes with XPath.
 //
 // SPDX-License-Identifier: MIT
 #pragma once
@@ -8,15 +8,14 @@
 
 namespace rgen {
 
-/// The elements that an expression selects, in document order. The object keeps what libxml2 needs
-/// for them; the document must outlive it.
+/// The nodes that an expression selects, in document order. The document must outlive the object.
 class XPathQuery {
 public:
-    /// `expression` selects in `document`. Failures: RGEN_E_XPATH_CONTEXT, RGEN_E_XPATH_SEARCH, and
-    /// `noNodesStatus` when nothing is selected. Called once on each object.
+    /// Evaluates `expression` in `document`; call it once. Failures: RGEN_E_XPATH_CONTEXT,
+    /// RGEN_E_XPATH_SEARCH, and `noNodesStatus` when no node is selected.
     Status select(xmlDoc* document, const char* expression, Status noNodesStatus);
 
-    /// Calls `visit`(xmlNode*) for every selected element. Other nodes are passed over.
+    /// Calls `visit`(xmlNode*) for every selected element and skips other nodes.
     template <typename Visitor>
     void forEachElement(Visitor visit) const {
         const xmlNodeSet& nodes = *result_->nodesetval;

@@ -5,7 +5,7 @@
 
 #include <string>
 
-#include "memory/pool_scope.h"
+#include "memory/pool_slot.h"
 #include "robustness/faults/allocation_sweep.h"
 #include "robustness/faults/sweep_report.h"
 #include "support/test_platform.h"

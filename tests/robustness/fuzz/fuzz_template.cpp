@@ -5,7 +5,7 @@
 // SPDX-License-Identifier: MIT
 #include "fuzz_support.h"
 #include "fuzz_targets.h"
-#include "memory/pool_scope.h"
+#include "memory/pool_slot.h"
 #include "support/sized_thread.h"
 #include "xslt_limits.h"
 
@@ -70,7 +70,7 @@ void fuzzTemplate(const std::string& input) {
     });
     requireOneOf(status, {RGEN_OK, RGEN_E_XSLT_PARSE, RGEN_E_XSLT_APPLY, RGEN_E_XSLT_RESULT},
                  "rgen_generateReport");
-    const rgen::memory::ScopeFaults faults = rgen::memory::scopeFaults();
+    const rgen::memory::PoolFaults faults = rgen::memory::poolFaults();
     require(faults.poolsLeft == 0, "a block was left in a pool");
     require(faults.wrongReleases == 0, "a block was released twice");
 }

@@ -7,7 +7,7 @@
 #include <stdexcept>
 
 #include "generate/translation.h"
-#include "platform/platform.h"
+#include "platform/child_process.h"
 #include "platform/utf8.h"
 #include "robustness/scaling/scaling_case.h"
 #include "store/base/guid.h"

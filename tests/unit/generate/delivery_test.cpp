@@ -7,6 +7,7 @@
 #include <mutex>
 #include <string>
 
+#include "platform/child_process.h"
 #include "platform/platform.h"
 #include "support/converter_control.h"
 #include "support/fault_injection.h"

@@ -7,7 +7,7 @@
 #include <stdexcept>
 #include <string>
 
-#include "platform/platform.h"
+#include "platform/child_process.h"
 #include "support/converter_control.h"
 #include "support/fault_injection.h"
 #include "unit/unit_fixture.h"

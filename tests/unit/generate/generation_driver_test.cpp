@@ -10,7 +10,7 @@
 #include <stdexcept>
 #include <string>
 
-#include "memory/pool_scope.h"
+#include "memory/pool_slot.h"
 #include "store/persistent_data.h"
 #include "support/fault_injection.h"
 #include "sync/cancellation.h"
@@ -59,9 +59,9 @@ TEST_F(GenerateTest, PoolComesBackAfterEveryEnd) {
     if (!rgen::memory::poolsAreUsed)
         GTEST_SKIP() << "the build for the address sanitizer has no pools";
     putConfig();
-    auto pool = generator.poolSlot.take();
+    auto pool = generator.poolSlot.acquire();
     rgen::memory::Pool* const expected = pool.get();
-    generator.poolSlot.giveBack(std::move(pool));
+    generator.poolSlot.release(std::move(pool));
     generator.translateFunction = [](const char*, void*) -> const char* {
         throw std::runtime_error("no translation");
     };
@@ -78,9 +78,9 @@ TEST_F(GenerateTest, PoolComesBackAfterEveryEnd) {
         } catch (const std::runtime_error&) {
             EXPECT_TRUE(isUnlocked(generator)) << body;
         }
-        pool = generator.poolSlot.take();
+        pool = generator.poolSlot.acquire();
         EXPECT_EQ(expected, pool.get()) << body;
-        generator.poolSlot.giveBack(std::move(pool));
+        generator.poolSlot.release(std::move(pool));
     }
 }
 

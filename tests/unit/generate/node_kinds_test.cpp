@@ -1,5 +1,5 @@
 // Every element of XSLT with every kind of node inside, alone and beside another one: no block is
-// released twice, none is left (scope_fault_check.h looks after each case).
+// released twice, none is left (pool_fault_check.h looks after each case).
 //
 // SPDX-License-Identifier: MIT
 #include "support/node_kinds.h"
@@ -7,8 +7,8 @@
 #include <string>
 
 #include "generate/transformation.h"
-#include "store/xml/memory.h"
-#include "support/scope_fault_check.h"
+#include "store/xml/work.h"
+#include "support/pool_fault_check.h"
 #include "unit/unit_fixture.h"
 
 namespace rgen_test {
@@ -20,14 +20,14 @@ class NodeKindsInPools : public UnitTest {
 protected:
     void transform(const std::string& sheet) {
         putTemplate(sheet);
-        const rgen::XmlMemoryScope memory(slot_);
+        const rgen::XmlWork work(slot_);
         rgen::ByteVector result;
         static_cast<void>(rgen::transform(generator, "html", {{"a", "1"}, {"b", "2"}}, path_,
                                           *source_.getToken(), result));
     }
     void expectOrder(const std::string& sheet) {
         transform(sheet);
-        const auto faults = acknowledgeScopeFaults();
+        const auto faults = acknowledgePoolFaults();
         EXPECT_EQ(0U, faults.poolsLeft);
         EXPECT_EQ(0U, faults.wrongReleases);
     }

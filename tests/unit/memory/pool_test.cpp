@@ -1,4 +1,4 @@
-// The pool: blocks, their alignment and reuse, growth, exhausted memory, what it keeps.
+// The pool: alignment and reuse of blocks, growth, exhausted memory, retained chunks.
 //
 // SPDX-License-Identifier: MIT
 #include "memory/pool.h"
@@ -86,7 +86,7 @@ TEST_P(PoolTest, ContentMovesWithABlockThatGrowsOrShrinks) {
     for (const std::size_t from : interestingSizes()) {
         for (const std::size_t to : {std::size_t{0}, from / 2, from + 1, from + 40, 3 * from}) {
             FilledBlock block = filledBlock(pool(), from, 0x5A);
-            // What lies behind the block must not be taken for its own.
+            // The memory after the block belongs to another one.
             FilledBlock neighbour = filledBlock(pool(), 24, 0xA5);
             block.bytes = static_cast<unsigned char*>(reallocate(pool(), block.bytes, to));
             ASSERT_TRUE(isAligned(block.bytes)) << from << " to " << to;
@@ -119,7 +119,7 @@ TEST_P(PoolTest, SizesThatNobodyHasAreRefused) {
     release(block);
 }
 
-// The same random calls as a program that keeps its own account.
+// Random calls, checked against the contents that the test expects.
 TEST_P(PoolTest, RandomCallsKeepEveryBlockWhole) {
     std::mt19937 random(1);
     std::vector<FilledBlock> blocks;
@@ -165,7 +165,7 @@ TEST(Pool, CountsItsBlocks) {
     EXPECT_EQ(0U, pool.blocksInUse());
 }
 
-// A free list would otherwise hold the block twice and hand it out to two owners.
+// Otherwise the free list would contain the block twice and return it to two owners.
 TEST(Pool, SecondReleaseIsNotedAndChangesNothing) {
     for (const std::size_t size : {1U, 8U, 100U, 1016U, 1017U, 40000U, 65528U}) {
         SCOPED_TRACE(size);
@@ -206,7 +206,7 @@ TEST(Pool, SizesAreRoundedUpByLessThanAQuarter) {
         Pool pool;
         void* block = allocate(&pool, size);
         release(block);
-        // Only a block with more room than that would serve this size, too.
+        // Served by the released block only if that was rounded up by more than a quarter.
         void* larger = allocate(&pool, size + size / 4 + 16);
         EXPECT_NE(block, larger) << size;
         release(larger);
@@ -221,7 +221,7 @@ TEST(Pool, ReleasedBlockServesTheSizesThatAreRoundedAlike) {
     release(block);
 }
 
-// However sizes alternate, released blocks are found again.
+// Released blocks are reused even when sizes alternate.
 TEST(Pool, MixedSizesDoNotMakeItGrow) {
     using Sizes = std::pair<std::size_t, std::size_t>;
     for (const Sizes& sizes : {Sizes(2000, 1100), Sizes(60000, 33000), Sizes(1017, 1016)}) {
@@ -232,9 +232,9 @@ TEST(Pool, MixedSizesDoNotMakeItGrow) {
             void* second = allocate(&pool, sizes.second);
             release(first);
             release(second);
-            if (round == 0) bytesAtFirst = pool.bytesKept();
+            if (round == 0) bytesAtFirst = pool.chunkBytes();
         }
-        EXPECT_EQ(bytesAtFirst, pool.bytesKept()) << sizes.first;
+        EXPECT_EQ(bytesAtFirst, pool.chunkBytes()) << sizes.first;
     }
 }
 
@@ -263,10 +263,10 @@ TEST(Pool, BlockGoesBackToItsOwnPool) {
 }
 
 TEST(Pool, NothingIsTakenBeforeTheFirstBlock) {
-    EXPECT_EQ(0U, Pool().bytesKept());
+    EXPECT_EQ(0U, Pool().chunkBytes());
 }
 
-// Uses a pool up to about that many bytes, in blocks of a kilobyte.
+// Allocates and releases about that many bytes in blocks of 1,000.
 void use(Pool& pool, std::size_t bytes) {
     std::vector<void*> blocks;
     for (std::size_t used = 0; used < bytes; used += 1000)
@@ -278,12 +278,12 @@ void use(Pool& pool, std::size_t bytes) {
 TEST(Pool, RewindKeepsWhatWasUsed) {
     Pool pool;
     use(pool, 4 * mebibyte);
-    const std::size_t bytes = pool.bytesKept();
+    const std::size_t bytes = pool.chunkBytes();
     EXPECT_GE(bytes, 4 * mebibyte);
     pool.rewind();
-    EXPECT_EQ(bytes, pool.bytesKept());
+    EXPECT_EQ(bytes, pool.chunkBytes());
     use(pool, 4 * mebibyte);
-    EXPECT_EQ(bytes, pool.bytesKept());
+    EXPECT_EQ(bytes, pool.chunkBytes());
 }
 
 TEST(Pool, RewindGivesBackWhatWasNotUsedAnyMore) {
@@ -292,27 +292,27 @@ TEST(Pool, RewindGivesBackWhatWasNotUsedAnyMore) {
     pool.rewind();
     use(pool, mebibyte);
     pool.rewind();
-    EXPECT_LE(pool.bytesKept(), 3 * mebibyte);
-    EXPECT_GE(pool.bytesKept(), mebibyte);
+    EXPECT_LE(pool.chunkBytes(), 3 * mebibyte);
+    EXPECT_GE(pool.chunkBytes(), mebibyte);
     pool.rewind();
-    EXPECT_EQ(0U, pool.bytesKept());
+    EXPECT_EQ(0U, pool.chunkBytes());
 }
 
 TEST(Pool, RewindKeepsNoMoreThanItsLimit) {
     Pool pool;
-    use(pool, Pool::mostKept + 8 * mebibyte);
-    EXPECT_GT(pool.bytesKept(), Pool::mostKept);
+    use(pool, Pool::maxRetainedBytes + 8 * mebibyte);
+    EXPECT_GT(pool.chunkBytes(), Pool::maxRetainedBytes);
     pool.rewind();
-    EXPECT_LE(pool.bytesKept(), Pool::mostKept);
-    EXPECT_GE(pool.bytesKept(), Pool::mostKept - 2 * mebibyte);
+    EXPECT_LE(pool.chunkBytes(), Pool::maxRetainedBytes);
+    EXPECT_GE(pool.chunkBytes(), Pool::maxRetainedBytes - 2 * mebibyte);
 }
 
 TEST(Pool, BlocksOfPagesThatTheSystemMayTakeAreGoodAgainAfterwards) {
     Pool pool;
-    use(pool, Pool::mostHeld + 8 * mebibyte);
+    use(pool, Pool::maxResidentBytes + 8 * mebibyte);
     pool.rewind();
     std::vector<FilledBlock> blocks;
-    for (std::size_t used = 0; used < Pool::mostHeld + 8 * mebibyte; used += 1000)
+    for (std::size_t used = 0; used < Pool::maxResidentBytes + 8 * mebibyte; used += 1000)
         blocks.push_back(filledBlock(&pool, 1000, static_cast<unsigned char>(used / 1000)));
     EXPECT_TRUE(std::all_of(blocks.begin(), blocks.end(),
                             [](const FilledBlock& block) { return block.isWhole(); }));
@@ -330,22 +330,6 @@ TEST(Pool, RewoundPoolHandsOutItsFirstBlockAgain) {
     release(first);
 }
 
-TEST(Pool, HasNothingForAThreadWithTooLittleStackUntilItStartsAnew) {
-    Pool pool;
-    const auto* here = static_cast<const char*>(__builtin_frame_address(0));
-    pool.needStackAbove(here + mebibyte);
-    EXPECT_EQ(nullptr, allocate(&pool, 24));
-    pool.needStackAbove(here - mebibyte);
-    void* block = allocate(&pool, 24);
-    EXPECT_NE(nullptr, block);
-    release(block);
-    pool.needStackAbove(here + mebibyte);
-    pool.rewind();
-    block = allocate(&pool, 24);
-    EXPECT_NE(nullptr, block);
-    release(block);
-}
-
 TEST(Pool, BlockOfTheCHeapServesWhileThePoolCannotGrow) {
     Pool pool;
     const FailingCall chunk(Call::Malloc);
@@ -353,7 +337,7 @@ TEST(Pool, BlockOfTheCHeapServesWhileThePoolCannotGrow) {
     EXPECT_TRUE(chunk.reached());
     EXPECT_TRUE(isAligned(block));
     EXPECT_EQ(0U, pool.blocksInUse());
-    EXPECT_EQ(0U, pool.bytesKept());
+    EXPECT_EQ(0U, pool.chunkBytes());
     release(block);
     block = allocate(&pool, 100);
     EXPECT_EQ(1U, pool.blocksInUse());

@@ -1,4 +1,4 @@
-// The memory for the moment without memory.
+// The reserve: its blocks, its limits, its restart.
 //
 // SPDX-License-Identifier: MIT
 #include "memory/reserve.h"
@@ -24,7 +24,7 @@ protected:
 TEST_F(ReserveTest, BlocksAreAlignedApartAndKnowTheirSizes) {
     std::vector<void*> blocks;
     for (const std::size_t size : {0U, 1U, 16U, 17U, 1000U}) {
-        void* block = reserve->take(size);
+        void* block = reserve->allocate(size);
         ASSERT_NE(nullptr, block) << size;
         EXPECT_EQ(0U, reinterpret_cast<std::uintptr_t>(block) % alignof(std::max_align_t));
         EXPECT_EQ(size, Reserve::sizeOf(block));
@@ -36,7 +36,7 @@ TEST_F(ReserveTest, BlocksAreAlignedApartAndKnowTheirSizes) {
 }
 
 TEST_F(ReserveTest, KnowsItsOwnBlocksOnly) {
-    const void* block = reserve->take(8);
+    const void* block = reserve->allocate(8);
     int other = 0;
     EXPECT_TRUE(reserve->owns(block));
     EXPECT_FALSE(reserve->owns(&other));
@@ -45,20 +45,20 @@ TEST_F(ReserveTest, KnowsItsOwnBlocksOnly) {
 }
 
 TEST_F(ReserveTest, GivesNullWhenTooLittleIsLeft) {
-    EXPECT_EQ(nullptr, reserve->take(Reserve::size));
-    EXPECT_EQ(nullptr, reserve->take(static_cast<std::size_t>(-1)));
-    EXPECT_NE(nullptr, reserve->take(Reserve::size / 2));
-    EXPECT_EQ(nullptr, reserve->take(Reserve::size / 2));
-    EXPECT_NE(nullptr, reserve->take(Reserve::size / 4));
+    EXPECT_EQ(nullptr, reserve->allocate(Reserve::capacity));
+    EXPECT_EQ(nullptr, reserve->allocate(static_cast<std::size_t>(-1)));
+    EXPECT_NE(nullptr, reserve->allocate(Reserve::capacity / 2));
+    EXPECT_EQ(nullptr, reserve->allocate(Reserve::capacity / 2));
+    EXPECT_NE(nullptr, reserve->allocate(Reserve::capacity / 4));
 }
 
 TEST_F(ReserveTest, StartsAnewWhenAllBlocksAreBack) {
-    void* first = reserve->take(Reserve::size / 2);
-    void* second = reserve->take(Reserve::size / 4);
-    reserve->give(first);
-    EXPECT_EQ(nullptr, reserve->take(Reserve::size / 2));
-    reserve->give(second);
-    EXPECT_EQ(first, reserve->take(Reserve::size / 2));
+    void* first = reserve->allocate(Reserve::capacity / 2);
+    void* second = reserve->allocate(Reserve::capacity / 4);
+    reserve->release(first);
+    EXPECT_EQ(nullptr, reserve->allocate(Reserve::capacity / 2));
+    reserve->release(second);
+    EXPECT_EQ(first, reserve->allocate(Reserve::capacity / 2));
 }
 
 }  // namespace

@@ -1,4 +1,4 @@
-// What a child process and its surroundings do when the system refuses something on the way.
+// Child processes on Linux when a call of the system fails.
 //
 // SPDX-License-Identifier: MIT
 #include <gtest/gtest.h>
@@ -10,7 +10,7 @@
 #include <memory>
 #include <new>
 
-#include "platform/platform.h"
+#include "platform/child_process.h"
 #include "support/converter_control.h"
 #include "support/fault_injection.h"
 #include "support/temp_folder.h"
@@ -26,7 +26,7 @@ std::ptrdiff_t openDescriptors() {
     return std::distance(std::filesystem::directory_iterator("/proc/self/fd"), {});
 }
 
-// Waits until this process has no children any more; those that nobody collects are collected.
+// Waits for all children of this process and reaps them.
 void collectEveryChild() {
     siginfo_t info = {};
     while (waitid(P_ALL, 0, &info, WEXITED) == 0)
@@ -44,7 +44,7 @@ protected:
 
 TEST_F(ChildProcessFailures, SurroundingsThatCannotBePreparedStartNothing) {
     const std::ptrdiff_t before = openDescriptors();
-    // Actions, attributes, three streams, the descriptors behind them.
+    // Actions, attributes, three standard streams, all further descriptors.
     constexpr int calls = 6;
     for (int number = 1; number <= calls; ++number) {
         const FailingCall failure(Call::PrepareSpawn, number);
@@ -91,7 +91,7 @@ TEST_F(ChildProcessFailures, RefusedWaitIsNotRepeated) {
 TEST_F(ChildProcessFailures, RunningProgramThatCannotBeRememberedLeavesNoDescriptor) {
     control.obey({{"await", folder.file("go")}});
     const std::ptrdiff_t before = openDescriptors();
-    // Without a failure a program is remembered with its descriptor.
+    // Without a failure the abandoned program is stored with its descriptor.
     for (const bool isRemembered : {true, false}) {
         auto process = std::make_unique<platform::ChildProcess>("vellum");
         ASSERT_TRUE(process->waitTimedOut(1));

@@ -1,4 +1,4 @@
-// Times as Linux alone has them: a zone that the host changes, a time facet of the host.
+// Local time on Linux: a time zone that the host changes, a time facet of the host.
 //
 // SPDX-License-Identifier: MIT
 #include <gtest/gtest.h>

@@ -1,4 +1,4 @@
-// What both systems have to give: path texts, local time, delete-on-close files, the stack.
+// platform.h on both systems: path texts, local time, delete-on-close files, stack limits.
 //
 // SPDX-License-Identifier: MIT
 #include "platform/platform.h"
@@ -122,7 +122,7 @@ TEST(WriteToFile, ShortWriteTellsHowMuchArrived) {
     ASSERT_TRUE(platform::createDeleteOnCloseFile(folder.file("out"), file));
     std::size_t written = 99;
     {
-        // Linux tries again with the rest, which has to fail.
+        // On Linux the rest is written by a second call, which has to fail.
         const FailingCall secondHalf(Call::WriteFile, nativePath("/") == "/" ? 1 : 2);
         const FailingCall firstHalf(Call::WriteFileShort);
         EXPECT_TRUE(platform::writeToFile(file, "abcd", 4, written));
@@ -150,12 +150,6 @@ TEST(StackLimit, BelongsToTheThread) {
     runOnStack(mebibyte, [&other] { other = platform::stackLimit(); });
     EXPECT_NE(main, other);
     EXPECT_EQ(main, platform::stackLimit());
-}
-
-TEST(StackReserve, LeavesRoomOnTheSmallestStack) {
-    EXPECT_LT(platform::smallStackRule.reserve, smallestStack + instrumentationStack);
-    EXPECT_LT(platform::unknownStackRule.reserve, platform::assumedStack);
-    EXPECT_LT(platform::assumedStack, smallestStack + instrumentationStack);
 }
 
 TEST(NamesSpecialFile, FilesFoldersAndMissingNamesAreNone) {

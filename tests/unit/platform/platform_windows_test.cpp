@@ -1,16 +1,13 @@
-// The Windows half of the platform: UTF-16 paths, handles that nobody shares, programs.
+// platform.h on Windows: UTF-16 paths, handles that are not shared.
 //
 // SPDX-License-Identifier: MIT
 #include <gtest/gtest.h>
 #include <windows.h>
 
-#include <cstdint>
 #include <filesystem>
 #include <string>
-#include <vector>
 
 #include "platform/platform.h"
-#include "support/converter_control.h"
 #include "support/global_locale.h"
 #include "support/temp_folder.h"
 
@@ -18,10 +15,6 @@ namespace rgen_test {
 namespace {
 
 namespace platform = rgen::platform;
-
-using Texts = std::vector<std::string>;
-
-constexpr std::uint32_t longWait = 60000;
 
 HANDLE openForReading(const std::string& path, DWORD share) {
     return CreateFileW(std::filesystem::u8path(path).c_str(), GENERIC_READ, share, nullptr,
@@ -72,45 +65,11 @@ TEST(WriteToFile, InvalidHandleFails) {
     EXPECT_EQ(0U, written);
 }
 
-TEST(ChildProcess, GetsTheCommandLineUnchanged) {
-    const TempFolder folder;
-    const ConverterControl control(folder);
-    control.obey({{"log", folder.file("log")}, {"exit", "7"}});
-    const std::string commandLine =
-        "vellum  -i \"a  b\"\" -b \"\\\" \xD0\xBE\xF0\x9F\x98\x80 %X% *";
-    platform::ChildProcess process(commandLine);
-    ASSERT_TRUE(process.started());
-    EXPECT_FALSE(process.waitTimedOut(longWait));
-    std::uint32_t exitCode = 0;
-    EXPECT_TRUE(process.queryExitCode(exitCode));
-    EXPECT_EQ(7U, exitCode);
-    EXPECT_EQ(Texts{commandLine}, loggedFacts(folder.file("log"), "command-line"));
-    EXPECT_EQ(Texts{"0"}, loggedFacts(folder.file("log"), "show-window"));
-}
-
 TEST(AppendByHostFacet, NoFacetIsAsked) {
     const GlobalLocale patterns(new PatternTimeFacet);
     std::string text = "text";
     EXPECT_FALSE(platform::appendByHostFacet(text, std::tm{}, "%H"));
     EXPECT_EQ("text", text);
-}
-
-TEST(ChildProcess, RunningProgramTimesOut) {
-    const TempFolder folder;
-    const ConverterControl control(folder);
-    control.obey({{"await", folder.file("go")}, {"mark", folder.file("ended")}});
-    {
-        platform::ChildProcess process("vellum");
-        EXPECT_TRUE(process.waitTimedOut(1));
-    }
-    platform::reapAbandonedProcesses();
-    writeFile(folder.file("go"), "");
-    EXPECT_TRUE(waitForFile(folder.file("ended")));
-}
-
-TEST(ChildProcess, MissingProgramIsNotStarted) {
-    const platform::ChildProcess process("no-such-program-here a b");
-    EXPECT_FALSE(process.started());
 }
 
 }  // namespace

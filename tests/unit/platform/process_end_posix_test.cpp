@@ -1,4 +1,4 @@
-// The end of a process that has left a program running. Each case ends a child of this process.
+// Process exit while an abandoned program runs. Each case ends a child of this process.
 //
 // SPDX-License-Identifier: MIT
 #include <gtest/gtest.h>
@@ -12,7 +12,7 @@
 #include <string_view>
 #include <thread>
 
-#include "platform/platform.h"
+#include "platform/child_process.h"
 #include "support/converter_control.h"
 #include "support/fault_injection.h"
 #include "support/temp_folder.h"
@@ -34,12 +34,12 @@ int openProcessDescriptors() {
 
 bool isEndWatched = false;
 
-// Comes after the library's own functions of this kind, which have no number.
+// Runs after the library's own destructor functions, which have no priority.
 [[gnu::destructor(101)]] void tellOpenDescriptors() {
     if (isEndWatched) _exit(openProcessDescriptors());
 }
 
-// A thread that looks at the programs left running, and never comes to the end of that.
+// Starts a thread that blocks for ever while it reaps the abandoned programs.
 void startToCollect() {
     std::atomic<bool> isInside{false};
     std::thread([&isInside] {
@@ -54,7 +54,7 @@ void startToCollect() {
         std::this_thread::yield();
 }
 
-// How many process descriptors are open after the library's end.
+// The number of process descriptors that are open after the library's clean-up.
 int openAfterTheEnd(bool isBeingCollected) {
     const TempFolder folder;
     const ConverterControl control{folder};

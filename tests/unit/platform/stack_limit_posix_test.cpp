@@ -1,21 +1,16 @@
-// The limit of the calling thread's stack on Linux, and what follows where it is not known.
+// The limit of the calling thread's stack on Linux, and the thread's pointer.
 //
 // SPDX-License-Identifier: MIT
 #include <gtest/gtest.h>
-#include <libxslt/transform.h>
-#include <libxslt/xsltInternals.h>
-#include <libxslt/xsltutils.h>
 #include <pthread.h>
 
 #include <csignal>
 #include <cstddef>
+#include <new>
 #include <thread>
 #include <vector>
 
-#include "memory/pool_scope.h"
 #include "platform/platform.h"
-#include "store/xml/handles.h"
-#include "store/xml/stack_guard.h"
 #include "support/fault_injection.h"
 #include "support/sized_thread.h"
 
@@ -46,7 +41,7 @@ TEST(StackLimit, IsUnknownOnAStackThatIsNotTheThreads) {
 }
 
 TEST(StackLimit, IsUnknownOnAStackAboveTheThreads) {
-    // The main thread's stack lies above those of all others.
+    // The main thread's stack has higher addresses than those of all others.
     char memory[64 * 1024];
     static const char* limit;
     std::thread([&memory] {
@@ -90,8 +85,7 @@ TEST(StackLimit, IsAskedForAgainAfterMemoryWasShort) {
     }).join();
 }
 
-// The C library has room for the pointers of a thread in its record; where it has none left, memory
-// may be short.
+// Setting a thread's pointer may fail: it needs memory when the thread's own record has no room.
 TEST(StackLimit, IsReadAgainWhereItCannotBeKept) {
     std::thread([] {
         const char* first = nullptr;
@@ -121,38 +115,6 @@ TEST(ThreadPointer, SaysThatItCannotBeSet) {
         EXPECT_EQ(nullptr, platform::threadPointer());
         EXPECT_TRUE(platform::setThreadPointer(&target));
         EXPECT_EQ(&target, platform::threadPointer());
-    }).join();
-}
-
-TEST(PoolScope, WorksOnWithoutAPoolWhereThePointerCannotBeSet) {
-    if (!rgen::memory::poolsAreUsed)
-        GTEST_SKIP() << "the build for the address sanitizer has no pools";
-    rgen::memory::PoolSlot slot;
-    std::thread([&slot] {
-        const FailingCall failure(Call::SetThreadPointer);
-        const rgen::memory::PoolScope scope(slot);
-        EXPECT_TRUE(failure.reached());
-        EXPECT_EQ(nullptr, rgen::memory::poolInUse());
-    }).join();
-}
-
-TEST(GuardStack, CountsOnTheSmallestStackWhereTheLimitIsUnknown) {
-    std::thread([] {
-        const rgen::XmlPtr<xmlDoc> data(xmlNewDoc(rgen::xmlText("1.0")));
-        const rgen::XmlPtr<xsltStylesheet> stylesheet(xsltNewStylesheet());
-        const rgen::XmlPtr<xsltTransformContext> context(
-            xsltNewTransformContext(stylesheet.get(), data.get()));
-        const FailingCall failure(Call::ReadThreadStack);
-        rgen::TemplateBounds bounds;
-        rgen::guardStack(*context, bounds);
-        EXPECT_TRUE(failure.reached());
-        const std::ptrdiff_t room =
-            static_cast<const char*>(__builtin_frame_address(0)) - bounds.lowestAllowed;
-        const std::size_t expected = platform::assumedStack - platform::unknownStackRule.reserve;
-        EXPECT_LE(96 * kibibyte, expected);
-        EXPECT_NEAR(static_cast<double>(expected), static_cast<double>(room), 1024.0);
-        EXPECT_EQ(platform::unknownStackRule.withheldXPathLevels, context->xpathCtxt->depth);
-        EXPECT_EQ(XSLT_DEBUG_RUN, context->debugStatus);
     }).join();
 }
 

@@ -11,7 +11,7 @@
 #include <thread>
 
 #include "generate/generation_driver.h"
-#include "platform/platform.h"
+#include "platform/child_process.h"
 #include "store/data_directory.h"
 #include "strata_repgenlib/rgen.h"
 #include "support/converter_control.h"

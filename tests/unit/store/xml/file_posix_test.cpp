@@ -1,4 +1,4 @@
-// XML files on Linux: names with a scheme in front, and a disk that takes no more.
+// XML files on Linux: names that start with a scheme, and a full disk.
 //
 // SPDX-License-Identifier: MIT
 #include <gtest/gtest.h>
@@ -16,7 +16,7 @@
 namespace rgen_test {
 namespace {
 
-// No file of this process grows beyond a size while it lives; writing more fails.
+// While it lives, no file of this process can grow beyond a size: further writes fail.
 class FileSizeLimit {
 public:
     explicit FileSizeLimit(rlim_t size) : previousHandler_(std::signal(SIGXFSZ, SIG_IGN)) {

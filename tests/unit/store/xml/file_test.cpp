@@ -1,4 +1,4 @@
-// XML files at exactly the path that is named, and saves that fail.
+// XML files at exactly the given path, and saves that fail.
 //
 // SPDX-License-Identifier: MIT
 #include "store/xml/file.h"

@@ -1,4 +1,4 @@
-// The shared context of the XML libraries, and their silence.
+// The shared context of the XML libraries, and the suppression of their messages.
 //
 // SPDX-License-Identifier: MIT
 #include "store/xml/parser_context.h"
@@ -41,8 +41,7 @@ TEST(SharedXmlParserContext, IsOneForTheProcess) {
         EXPECT_EQ(rgen::sharedXmlParserContext(), context);
 }
 
-// References of a context of its own: the process keeps one of the other, so that its libraries
-// never end here.
+// Uses a context of its own: the process keeps a reference to the shared one.
 TEST(XmlParserContext, LastReferenceEndsTheLibraryAndTheNextStartsItAgain) {
     rgen::XmlParserContext context;
     for (int round = 0; round < 3; ++round) {
@@ -56,7 +55,7 @@ TEST(XmlParserContext, LastReferenceEndsTheLibraryAndTheNextStartsItAgain) {
                   xsltExtModuleFunctionLookup(rgen::xmlText("node-set"), XSLT_LIBXSLT_NAMESPACE));
     }
     EXPECT_EQ(0U, context.references());
-    // It was the library's end for everybody.
+    // The last reference has ended the XML libraries for the whole process: starts them again.
     static rgen::XmlParserContext again;
     static_cast<void>(again.acquire().release());
 }

@@ -1,4 +1,4 @@
-// The property document: its shape, how texts and names are read, and exhausted memory.
+// The property document: its structure, the parsing of texts and names, exhausted memory.
 //
 // SPDX-License-Identifier: MIT
 #include "store/xml/property_document.h"
@@ -18,7 +18,7 @@ using rgen::buildPropertyDocument;
 using rgen::PropertyMap;
 using rgen::XmlPtr;
 
-// The document without its declaration and line ends.
+// The document without its XML declaration.
 std::string serialised(const XmlPtr<xmlDoc>& document) {
     xmlChar* bytes = nullptr;
     int size = 0;

@@ -1,4 +1,4 @@
-// The stack guard on a transformation context of its own.
+// The stack guard, on a transformation that the test runs itself.
 //
 // SPDX-License-Identifier: MIT
 #include "store/xml/stack_guard.h"
@@ -19,12 +19,13 @@ namespace rgen_test {
 namespace {
 
 using rgen::XmlPtr;
+using rgen::XmlWork;
 
 XmlPtr<xmlDoc> parse(const std::string& text) {
     return XmlPtr<xmlDoc>(xmlReadDoc(rgen::xmlText(text.c_str()), nullptr, "UTF-8", 0));
 }
 
-// A template that calls itself that many levels deep and gives the letter "x".
+// A template that calls itself that many levels deep and outputs the letter "x".
 std::string recursion(int levels) {
     std::string text =
         textTemplate("<xsl:call-template name=\"r\"><xsl:with-param name=\"n\" select=\"" +
@@ -37,7 +38,7 @@ std::string recursion(int levels) {
     return text;
 }
 
-// Whether a guarded transformation gives a document.
+// Whether a guarded transformation returns a document.
 bool succeeds(const std::string& stylesheetText) {
     const auto context = rgen::sharedXmlParserContext();
     const rgen::XmlSilence silence;
@@ -48,8 +49,8 @@ bool succeeds(const std::string& stylesheetText) {
     const XmlPtr<xmlDoc> data = parse("<data/>");
     const XmlPtr<xsltTransformContext> transformation(
         xsltNewTransformContext(stylesheet.get(), data.get()));
-    rgen::TemplateBounds bounds;
-    rgen::guardStack(*transformation, bounds);
+    XmlWork work(XmlWork::WithReserve{});
+    rgen::guardStack(*transformation, work);
     const XmlPtr<xmlDoc> result(xsltApplyStylesheetUser(stylesheet.get(), data.get(), nullptr,
                                                         nullptr, nullptr, transformation.get()));
     return result != nullptr;
@@ -79,13 +80,19 @@ TEST(GuardStack, MarksTheLowestAddressThatATemplateMayReach) {
     const XmlPtr<xsltStylesheet> stylesheet(xsltNewStylesheet());
     const XmlPtr<xsltTransformContext> context(
         xsltNewTransformContext(stylesheet.get(), data.get()));
-    rgen::TemplateBounds bounds;
-    rgen::guardStack(*context, bounds);
+    XmlWork work(XmlWork::WithReserve{});
+    rgen::guardStack(*context, work);
     const char* limit = rgen::platform::stackLimit();
     ASSERT_NE(nullptr, limit);
-    EXPECT_EQ(limit + rgen::platform::smallStackRule.reserve, bounds.lowestAllowed);
-    EXPECT_EQ(&bounds, context->_private);
+    EXPECT_EQ(limit + rgen::smallStackRule.reserve, work.lowestForTemplates());
+    EXPECT_EQ(&work, context->_private);
     EXPECT_EQ(XSLT_DEBUG_RUN, context->debugStatus);
+}
+
+TEST(StackReserve, LeavesRoomOnTheSmallestStack) {
+    EXPECT_LT(rgen::smallStackRule.reserve, smallestStack + instrumentationStack);
+    EXPECT_LT(rgen::unknownStackRule.reserve, rgen::assumedStack);
+    EXPECT_LT(rgen::assumedStack, smallestStack + instrumentationStack);
 }
 
 }  // namespace

@@ -1,4 +1,4 @@
-// The XPath pattern and its statuses.
+// XPath queries and their statuses.
 //
 // SPDX-License-Identifier: MIT
 #include "store/xml/xpath.h"
