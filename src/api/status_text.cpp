@@ -20,7 +20,7 @@ struct DescribedStatus {
     const char* text;
 };
 
-// On purpose: misspelt texts are not corrected, since hosts compare them.
+// On purpose: misspelt texts stay as they are, hosts compare them.
 constexpr DescribedStatus describedStatuses[] = {
     {RGEN_OK, "Operation completed successfully"},
     {RGEN_E_BAD_PARAMETER, "Bad function parameter passed"},
@@ -75,7 +75,7 @@ const char* statusText(Status status) noexcept {
 }
 
 const char* unknownCodeText(Status status) noexcept {
-    // On purpose: statusText passes no negative number, so no host ever sees the first text.
+    // On purpose: no negative number comes this far, so no host ever sees the first text.
     return failed(status) ? "Unknown message code" : "Unknown code.";
 }
 
