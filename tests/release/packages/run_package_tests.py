@@ -15,7 +15,7 @@ from pathlib import Path
 
 FOLDER = Path(__file__).resolve().parent
 sys.path.insert(0, str(FOLDER.parents[1] / "support"))
-sys.path.insert(0, str(FOLDER.parent.parent / "packaging"))
+sys.path.insert(0, str(FOLDER.parents[2] / "packaging"))
 
 import suite_runner  # In tests/support.
 
