@@ -5,7 +5,7 @@ The target comes from the environment: besides the variables that program_case.p
 
 RGEN_PACKAGE_BUILD         the build folder
 RGEN_PACKAGE_CONFIGURATION the configuration of the build, "RelWithDebInfo"
-RGEN_PACKAGE_LIBDIR        the folder of the libraries below the prefix
+RGEN_PACKAGE_LIBDIR        the folder of the libraries in the prefix
 RGEN_PACKAGE_VERSION       the version of the library
 RGEN_PACKAGE_THIRD_PARTY   the folder of the third-party libraries
 RGEN_PACKAGE_C_COMPILER, RGEN_PACKAGE_CXX_COMPILER   the compilers of the target

@@ -1,5 +1,5 @@
 """The Debian package: its control fields, its files where Debian wants them, and an installation
-that leaves nothing behind when it is purged.
+that leaves no files when it is purged.
 
 SPDX-License-Identifier: MIT
 """

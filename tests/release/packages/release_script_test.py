@@ -1,4 +1,4 @@
-"""scripts/release in a small clone whose builds are stand-ins: which folders it replaces, in which
+"""scripts/release in a small clone with stand-ins for the builds: which folders it replaces, in which
 order it works, what it writes and what it says when it fails. And how a release is compared, and
 how the check of the Debian package judges rgen doctor.
 
