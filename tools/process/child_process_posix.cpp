@@ -1,23 +1,20 @@
 // Child processes on Linux.
 //
-// The death signal (PR_SET_PDEATHSIG) reaches the program only. An engine may be a script that
-// starts the real program, so a second process, the group guardian, kills the whole group when this
-// process is gone: it waits at the read end of a pipe, the lifeline, whose write end this process
-// keeps.
+// The death signal (PR_SET_PDEATHSIG) reaches the program only, which may be a script that starts
+// the real program. So another process, the group killer, kills the whole group when this process
+// is gone: it reads a pipe, the lifeline, whose write end this process keeps.
 //
 // SPDX-License-Identifier: MIT
 #include <fcntl.h>
 #include <poll.h>
 #include <signal.h>
 #include <sys/prctl.h>
-#include <sys/stat.h>
 #include <sys/syscall.h>
 #include <sys/wait.h>
 #include <unistd.h>
 
 #include <algorithm>
 #include <cerrno>
-#include <cstdlib>
 #include <fstream>
 #include <sstream>
 #include <system_error>
@@ -30,17 +27,17 @@ struct ChildProcess::State {
     pid_t process = -1;
     /// Becomes readable when the process ends; -1 if the kernel has no such descriptors.
     int endDescriptor = -1;
-    pid_t guardian = -1;
+    pid_t groupKiller = -1;
     int lifeline = -1;
     std::optional<int> exitCode;
     bool isReaped = false;
 
-    void endGuardian() const {
+    void endGroupKiller() const {
         if (lifeline >= 0) {
             static_cast<void>(!write(lifeline, "x", 1));
             close(lifeline);
         }
-        if (guardian > 0) waitpid(guardian, nullptr, 0);
+        if (groupKiller > 0) waitpid(groupKiller, nullptr, 0);
     }
 };
 
@@ -85,8 +82,8 @@ struct ChildDescriptors {
     int lifeline;
 };
 
-/// Runs in the child: only calls that are allowed between fork and exec. Tells the guardian the
-/// group before the program starts.
+/// Runs in the child: only calls that are allowed between fork and exec. Tells the group killer
+/// the number of the group before the program starts.
 [[noreturn]] void becomeProgram(const ProgramImage& image, const ChildDescriptors& ends,
                                 pid_t parent) {
     setpgid(0, 0);
@@ -115,9 +112,9 @@ bool readWhole(int descriptor, void* bytes, std::size_t size) {
     return got == static_cast<ssize_t>(size);
 }
 
-/// Runs in the guardian: reads the group's number, then waits for one more byte (nothing to do) or
-/// the end of the pipe (this process is gone).
-[[noreturn]] void guard(int lifeline) {
+/// Runs in the group killer: reads the group's number, then waits for one more byte (nothing to do)
+/// or the end of the pipe (this process is gone).
+[[noreturn]] void runGroupKiller(int lifeline) {
     setsid();
     pid_t group = 0;
     char byte = 0;
@@ -126,15 +123,15 @@ bool readWhole(int descriptor, void* bytes, std::size_t size) {
     _exit(0);
 }
 
-/// Sets the number of the guardian and the write end of its pipe. Without a guardian the child
-/// still runs.
-void startGuardian(pid_t& guardian, int& lifeline) {
+/// Sets the process number of the group killer and the write end of its pipe. If it cannot be
+/// started, the child runs without it.
+void startGroupKiller(pid_t& groupKiller, int& lifeline) {
     int ends[2] = {-1, -1};
     if (pipe2(ends, O_CLOEXEC) != 0) return;
-    guardian = fork();
-    if (guardian == 0) {
+    groupKiller = fork();
+    if (groupKiller == 0) {
         close(ends[1]);
-        guard(ends[0]);
+        runGroupKiller(ends[0]);
     }
     close(ends[0]);
     lifeline = ends[1];
@@ -181,15 +178,15 @@ std::uint64_t ownMemory(const std::filesystem::path& folder) {
 
 ChildProcess::ChildProcess(const ProcessRequest& request) : state_(std::make_unique<State>()) {
     const ProgramImage image(request);
-    // Before the other descriptors are opened, so that the guardian inherits none of them.
-    startGuardian(state_->guardian, state_->lifeline);
+    // Before the other descriptors are opened, so that the group killer inherits none of them.
+    startGroupKiller(state_->groupKiller, state_->lifeline);
     const int output =
         open(request.outputFile.c_str(), O_WRONLY | O_CREAT | O_TRUNC | O_CLOEXEC, 0600);
     int failure[2] = {-1, -1};
     if (output < 0 || pipe2(failure, O_CLOEXEC) != 0) {
         const int reason = errno;
         close(output);
-        state_->endGuardian();
+        state_->endGroupKiller();
         errno = reason;
         fail("cannot prepare a process");
     }
@@ -203,7 +200,7 @@ ChildProcess::ChildProcess(const ProcessRequest& request) : state_(std::make_uni
     if (state_->process > 0) reason = refusal;
     if (reason != 0 && state_->process > 0) waitpid(state_->process, nullptr, 0);
     if (state_->process < 0 || reason != 0) {
-        state_->endGuardian();
+        state_->endGroupKiller();
         throw std::system_error(reason, std::generic_category(),
                                 "cannot start " + request.program.string());
     }
@@ -213,7 +210,7 @@ ChildProcess::ChildProcess(const ProcessRequest& request) : state_(std::make_uni
 ChildProcess::~ChildProcess() {
     kill();
     if (state_->endDescriptor >= 0) close(state_->endDescriptor);
-    state_->endGuardian();
+    state_->endGroupKiller();
 }
 
 /// Does not reap the process: until that happens, the number of its group is not used again.

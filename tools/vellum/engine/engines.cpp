@@ -5,10 +5,10 @@
 
 #include <algorithm>
 
+#include "base/ascii.h"
 #include "base/failure.h"
 #include "base/message.h"
 #include "page/file_url.h"
-#include "page/html_tags.h"
 #include "process/this_process.h"
 
 namespace vellum {

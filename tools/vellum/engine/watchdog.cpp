@@ -10,8 +10,8 @@
 #include <fstream>
 #include <system_error>
 
+#include "base/ascii.h"
 #include "base/failure.h"
-#include "page/html_tags.h"
 #include "process/this_process.h"
 #include "text/utf8.h"
 

@@ -6,6 +6,7 @@
 #include <algorithm>
 #include <string_view>
 
+#include "base/ascii.h"
 #include "process/this_process.h"
 
 namespace vellum {
@@ -14,14 +15,6 @@ namespace {
 namespace fs = std::filesystem;
 
 constexpr std::string_view filePrefix = "file://";
-
-bool isLetter(char letter) {
-    return (letter >= 'a' && letter <= 'z') || (letter >= 'A' && letter <= 'Z');
-}
-
-bool isDigit(char letter) {
-    return letter >= '0' && letter <= '9';
-}
 
 std::string percentEncoded(const std::string& text) {
     constexpr std::string_view plain = "-._~/:!$'()*+,;=@";

@@ -6,23 +6,15 @@
 #include <algorithm>
 #include <cstdlib>
 
+#include "base/ascii.h"
+
 namespace vellum {
 namespace {
-
-constexpr std::string_view blanks = " \t\n\r\f";
-
-bool isLetter(char letter) {
-    return (letter >= 'a' && letter <= 'z') || (letter >= 'A' && letter <= 'Z');
-}
-
-char lower(char letter) {
-    return letter >= 'A' && letter <= 'Z' ? static_cast<char>(letter - 'A' + 'a') : letter;
-}
 
 /// The offset of `wanted` (in lower case), searched from `at` ignoring letter case; the size of the
 /// page when it is not found.
 std::size_t findWord(const std::string& page, std::string_view wanted, std::size_t at) {
-    const auto same = [](char one, char other) { return lower(one) == other; };
+    const auto same = [](char one, char other) { return lowerCase(one) == other; };
     const auto found = std::search(page.begin() + static_cast<std::ptrdiff_t>(at), page.end(),
                                    wanted.begin(), wanted.end(), same);
     return static_cast<std::size_t>(found - page.begin());
@@ -154,10 +146,10 @@ AttributePosition attributeAt(const std::string& page, std::size_t at) {
     place.name = at;
     // A "=" at its start belongs to the name.
     place.nameEnd = firstOf(page, " \t\n\r\f/>=", at + 1);
-    const std::size_t sign = firstOther(page, blanks, place.nameEnd);
+    const std::size_t sign = firstOther(page, whiteSpace, place.nameEnd);
     place.value = place.valueEnd = place.end = place.nameEnd;
     if (sign == page.size() || page[sign] != '=') return place;
-    place.value = firstOther(page, blanks, sign + 1);
+    place.value = firstOther(page, whiteSpace, sign + 1);
     const char quote = place.value < page.size() ? page[place.value] : '\0';
     if (quote == '"' || quote == '\'') {
         place.valueEnd = std::min(page.find(quote, ++place.value), page.size());
@@ -189,7 +181,7 @@ std::string decodeReferences(std::string_view text) {
 
 std::size_t endOfDocumentType(const std::string& page) {
     for (std::size_t at = 0;;) {
-        at = firstOther(page, blanks, at);
+        at = firstOther(page, whiteSpace, at);
         if (page.compare(at, 4, "<!--") == 0) {
             at = endOfComment(page, at);
         } else if (page.compare(at, 2, "<?") == 0) {
@@ -200,18 +192,6 @@ std::size_t endOfDocumentType(const std::string& page) {
             return 0;
         }
     }
-}
-
-std::string lowerCase(std::string_view text) {
-    std::string result(text);
-    std::transform(result.begin(), result.end(), result.begin(), lower);
-    return result;
-}
-
-std::string trimmed(const std::string& text) {
-    const std::size_t first = text.find_first_not_of(blanks);
-    if (first == std::string::npos) return {};
-    return text.substr(first, text.find_last_not_of(blanks) - first + 1);
 }
 
 }  // namespace vellum

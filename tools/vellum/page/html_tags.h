@@ -70,9 +70,4 @@ std::string decodeReferences(std::string_view text);
 /// declaration; 0 without a document type.
 std::size_t endOfDocumentType(const std::string& page);
 
-std::string lowerCase(std::string_view text);
-
-/// The text without white space at its start and end.
-std::string trimmed(const std::string& text);
-
 }  // namespace vellum

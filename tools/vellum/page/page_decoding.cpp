@@ -7,6 +7,7 @@
 
 #include <algorithm>
 
+#include "base/ascii.h"
 #include "base/failure.h"
 #include "page/encodings.h"
 #include "page/html_tags.h"
@@ -21,11 +22,10 @@ bool startsWith(const std::string& page, std::string_view start) {
 
 /// The encoding label in a "content" attribute.
 std::string labelInContent(const std::string& written) {
-    constexpr std::string_view blanks = " \t\r\n\f";
     const std::string content = lowerCase(written);
     std::size_t at = content.find("charset");
     if (at == std::string::npos) return {};
-    at = content.find_first_not_of(blanks, at + 7);
+    at = content.find_first_not_of(whiteSpace, at + 7);
     if (at == std::string::npos || content[at] != '=') return {};
     at = std::min(content.find_first_not_of(" \t\r\n\f\"'", at + 1), content.size());
     return content.substr(at, content.find_first_of("; \t\r\n\f\"'", at) - at);

@@ -15,6 +15,7 @@
 #include <unordered_map>
 #include <vector>
 
+#include "base/ascii.h"
 #include "page/html_tags.h"
 
 namespace vellum {
@@ -67,6 +68,7 @@ public:
             // A tag inside the name of the previous one has the same attributes.
             if (isTagStart(page_, at) && at >= nameEnd_) examineTag(at);
         }
+        // "http-equiv" becomes "data-equiv", which has no meaning.
         for (const std::size_t place : equivalents_)
             page_.replace(place, 4, "data");
         for (const Range& range : attachments_)
@@ -87,6 +89,7 @@ private:
         if (rest.hasAttachment) attachments_.push_back({nameEnd_, rest.end});
     }
 
+    /// Reads the attributes of a tag from `at` to its end, or to one that was read before.
     TagRest restFrom(std::size_t at) {
         struct Step {
             std::size_t place;
@@ -122,11 +125,8 @@ private:
 
     void overwrite(const Range& range) {
         for (std::size_t at = std::max(range.start, overwrittenTo_); at < range.end; ++at) {
-            const char letter = page_[at];
-            const bool isLetter =
-                (letter >= 'a' && letter <= 'z') || (letter >= 'A' && letter <= 'Z');
-            if (isLetter) page_[at] = 'x';
-            if (letter >= '0' && letter <= '9') page_[at] = '0';
+            if (isLetter(page_[at])) page_[at] = 'x';
+            if (isDigit(page_[at])) page_[at] = '0';
         }
         overwrittenTo_ = std::max(overwrittenTo_, range.end);
         checkpoint_.processed(1);

@@ -7,6 +7,7 @@
 
 #include <unordered_set>
 
+#include "base/ascii.h"
 #include "page/file_url.h"
 #include "page/html_tags.h"
 #include "page/page_decoding.h"
