@@ -1,5 +1,6 @@
 // The C++ wrapper in a source that has the macros of a system's header: windows.h defines both,
-// unless it is told not to. The standard headers are included first, since they undefine the macros.
+// unless it is told not to. The standard headers are included first, since they undefine the
+// macros.
 //
 // SPDX-License-Identifier: MIT
 #include <algorithm>

@@ -132,7 +132,8 @@ TEST_F(ConverterFault, BeingStoppedIsNoEnd) {
     EXPECT_EQ("converted", readFile(output));
 }
 
-// The descendant has only the null device open, whatever the host has open, and no process waits for it.
+// The descendant has only the null device open, whatever the host has open, and no process waits
+// for it.
 TEST_F(ConverterFault, ADescendantThatLivesOnHoldsNothingOfTheHost) {
     const std::string child = converter.writeCommands(
         "child.control", {{"await", folder.file("released")}, {"log", folder.file("log")}});

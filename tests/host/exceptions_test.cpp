@@ -102,8 +102,8 @@ TEST_F(Exceptions, AConverterArgumentThatIsNotUtf8IsNotLookedAtWithoutConversion
     EXPECT_EQ(statusHex(RGEN_OK), statusHex(generateInto("pdf", output)));
 }
 
-// A library with a C++ runtime of its own lowers the host's count with each catch without having increased
-// it with the throw.
+// A library with a C++ runtime of its own lowers the host's count with each catch without having
+// increased it with the throw.
 TEST_F(Exceptions, ACaughtOneLeavesTheCountOfUncaughtOnesToASharedRuntime) {
     for (int round = 0; round < 3; ++round) {
         const int before = std::uncaught_exceptions();

@@ -1,5 +1,5 @@
-// Files and folders of the data directory that another program replaces or removes while reports are
-// made. A report sees the old state, the new one, or a part that its status explains.
+// Files and folders of the data directory that another program replaces or removes while reports
+// are made. A report sees the old state, the new one, or a part that its status explains.
 //
 // SPDX-License-Identifier: MIT
 #include <gtest/gtest.h>

@@ -31,7 +31,7 @@ TEST(ForkedHost, MakesAGeneratorWhateverAThreadThatMakesThemWasDoing) {
             rgen_freeReportGenerator(rgen_newReportGenerator());
     });
     int failed = 0;
-    for (int number = 0; number < loopCount(1000) && failed == 0; ++number) {
+    for (int number = 0; number < loopCount(500) && failed == 0; ++number) {
         const pid_t child = fork();
         if (child == 0) makeGeneratorAndEnd();
         int status = 0;

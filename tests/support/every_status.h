@@ -1,6 +1,6 @@
 /*
- * All statuses with the number and the text that each has forever, in the order of rgen_status.h. For
- * C and C++.
+ * All statuses with the number and the text that each has forever, in the order of rgen_status.h.
+ * For C and C++.
  *
  * SPDX-License-Identifier: MIT
  */

@@ -1,4 +1,5 @@
-// The regular expressions with which the hand-written matchers are compared. The expressions recurse for each character: short texts only.
+// The regular expressions with which the hand-written matchers are compared. The expressions
+// recurse for each character: short texts only.
 //
 // SPDX-License-Identifier: MIT
 #ifndef RGEN_TESTS_SUPPORT_EXPRESSION_ORACLES_H

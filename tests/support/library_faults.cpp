@@ -1,5 +1,5 @@
-// Replacements of calls of the XML libraries and of Boost. Each one has the name by which the linker
-// looks for it.
+// Replacements of calls of the XML libraries and of Boost. Each one has the name by which the
+// linker looks for it.
 //
 // SPDX-License-Identifier: MIT
 #include <libxml/parser.h>

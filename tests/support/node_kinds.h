@@ -1,5 +1,5 @@
-// Templates made of two tables: the places, which are the elements of XSLT, and the kinds of nodes that
-// such an element can contain.
+// Templates made of two tables: the places, which are the elements of XSLT, and the kinds of nodes
+// that such an element can contain.
 //
 // SPDX-License-Identifier: MIT
 #ifndef RGEN_TESTS_SUPPORT_NODE_KINDS_H
@@ -12,7 +12,8 @@
 
 namespace rgen_test {
 
-// An XML text with a name for messages. That of a place contains one "@", which the content replaces.
+// An XML text with a name for messages. That of a place contains one "@", which the content
+// replaces.
 struct NodeText {
     std::string label;
     std::string xml;
@@ -39,8 +40,8 @@ constexpr std::size_t longLength = 70000;
 std::string letters(std::size_t length);
 std::string cdata(const std::string& text);
 
-// The stylesheet with that content in that place, for an output method. It also uses everything that
-// the place defines.
+// The stylesheet with that content in that place, for an output method. It also uses everything
+// that the place defines.
 std::string sheetWithBody(const NodeText& place, const std::string& content,
                           const std::string& method);
 std::string sheetWithTopLevel(const NodeText& place, const std::string& content,

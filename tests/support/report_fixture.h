@@ -76,7 +76,8 @@ protected:
     Generator generator;
 };
 
-// Mode 1 generations: templates for all formats with the text of the value "v", and an input with that value.
+// Mode 1 generations: templates for all formats with the text of the value "v", and an input with
+// that value.
 class DeleteOnCloseTest : public ReportTest {
 protected:
     DeleteOnCloseTest();

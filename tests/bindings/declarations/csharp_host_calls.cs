@@ -251,7 +251,7 @@ internal static partial class CSharpHost
         }
     }
 
-    /// <summary>Texts of which the library would keep only a part, or because of which it would lose others.</summary>
+    /// <summary>Texts that the library would cut, or that would make it lose others.</summary>
     private static void CheckPersistentLimits()
     {
         const int Longest = 10000000;

@@ -213,7 +213,7 @@ fn stored_text(generator: &Generator, name: &str) -> String {
     stored.remove(name).expect("a text")
 }
 
-/// Texts of which the library would keep only a part, or because of which it would lose others.
+/// Texts that the library would cut, or that would make it lose others.
 pub fn check_persistent_limits() {
     const LONGEST: usize = 10_000_000;
     let generator = open();

@@ -62,8 +62,8 @@ public:
     }
 
 private:
-    // The reserve of the C++ runtime for exceptions has a lock, which on Windows is created when it is
-    // first used, and that needs memory.
+    // The reserve of the C++ runtime for exceptions has a lock, which on Windows is created when it
+    // is first used, and that needs memory.
     static void throwWithoutMemory() {
         try {
             const FailingAllocation first(1);

@@ -30,7 +30,8 @@ const char* const configuration =
     "<persistDataFile>persist_data.xml</persistDataFile>"
     "<reportTypeFile>test_stylesheet.xsl</reportTypeFile></type></reportTypes></config>";
 
-// The threads wait for each other in the callback, which runs right before the template is compiled.
+// The threads wait for each other in the callback, which runs right before the template is
+// compiled.
 const char* RGEN_CALL meet(const char* text, void* context) {
     auto& arrived = *static_cast<std::atomic<int>*>(context);
     ++arrived;
@@ -60,8 +61,8 @@ bool twoReportsAreRight(const TempFolder& folder) {
     return isOneRight && isOtherRight;
 }
 
-// What the XML libraries initialise on first use is initialised before the threads use it. The thread
-// sanitizer ends a child in which it is not.
+// What the XML libraries initialise on first use is initialised before the threads use it. The
+// thread sanitizer ends a child in which it is not.
 TEST(FirstReports, OfTwoThreadsMayBeMadeAtOnce) {
     const TempFolder folder;
     writeFile(folder.dataFile("templates/html/test_stylesheet.xsl"), stylesheetText);

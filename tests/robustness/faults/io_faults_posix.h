@@ -33,8 +33,8 @@ struct IoFault {
     FailureForm form = FailureForm::One;
 };
 
-// While it lives, calls for what is inside `folder` are counted and one of them fails. One object at
-// a time.
+// While it lives, calls for what is inside `folder` are counted and one of them fails. One object
+// at a time.
 class FailingIo : public FailingCall {
 public:
     FailingIo(const std::string& folder, const IoFault& fault);

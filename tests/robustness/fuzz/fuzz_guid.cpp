@@ -1,5 +1,5 @@
-// The GUID matcher compared with a regular expression of the same grammar, and the writer against the
-// matcher.
+// The GUID matcher compared with a regular expression of the same grammar, and the writer against
+// the matcher.
 //
 // SPDX-License-Identifier: MIT
 #include <cstddef>

@@ -1,5 +1,5 @@
-// The translation pass compared with a regular expression of the same grammar. The expression recurses
-// for each character, so it is asked about short texts only.
+// The translation pass compared with a regular expression of the same grammar. The expression
+// recurses for each character, so it is asked about short texts only.
 //
 // SPDX-License-Identifier: MIT
 #include <cstddef>

@@ -1,4 +1,5 @@
-// The files of a host that is killed while it writes, and that the next host can continue with them.
+// The files of a host that is killed while it writes, and that the next host can continue with
+// them.
 //
 // SPDX-License-Identifier: MIT
 #include <gtest/gtest.h>

@@ -1,5 +1,5 @@
-// Delivery when calls of the system fail, and what it does with token and lock. The three output modes
-// are tested through the library (host/delivery_test.cpp, host/external_converter_test.cpp).
+// Delivery when calls of the system fail, and what it does with token and lock. The three output
+// modes are tested through the library (host/delivery_test.cpp, host/external_converter_test.cpp).
 //
 // SPDX-License-Identifier: MIT
 #include "generate/delivery.h"

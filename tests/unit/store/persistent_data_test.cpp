@@ -1,5 +1,5 @@
-// The persistent data store: its maps, failing library calls, its lock. What hosts see of it is tested
-// in host/persistent_data_test.cpp.
+// The persistent data store: its maps, failing library calls, its lock. What hosts see of it is
+// tested in host/persistent_data_test.cpp.
 //
 // SPDX-License-Identifier: MIT
 #include "store/persistent_data.h"

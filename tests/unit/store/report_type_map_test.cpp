@@ -1,5 +1,5 @@
-// Cases of the report-type lookup that hosts hardly meet, and failing library calls. The table of what
-// counts is in host/report_type_lookup_test.cpp.
+// Cases of the report-type lookup that hosts hardly meet, and failing library calls. The table of
+// what counts is in host/report_type_lookup_test.cpp.
 //
 // SPDX-License-Identifier: MIT
 #include "store/report_type_map.h"

@@ -1,5 +1,5 @@
-// Texts of the raw input dump, and saving it when library calls fail. What hosts see of it is tested in
-// host/dump_input_test.cpp.
+// Texts of the raw input dump, and saving it when library calls fail. What hosts see of it is
+// tested in host/dump_input_test.cpp.
 //
 // SPDX-License-Identifier: MIT
 #include "variant/raw_dump.h"

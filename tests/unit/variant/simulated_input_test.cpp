@@ -1,5 +1,5 @@
-// Simulated input: values with their hints, and the statuses of whole files. Which properties count is
-// tested through the library (host/simulated_input_test.cpp).
+// Simulated input: values with their hints, and the statuses of whole files. Which properties count
+// is tested through the library (host/simulated_input_test.cpp).
 //
 // SPDX-License-Identifier: MIT
 #include "variant/simulated_input.h"
