@@ -1,4 +1,4 @@
-"""The files of a batch: what its lines read and write, whatever the names and links.
+"""The files of a batch: inputs and outputs of its lines, under any name or link.
 
 SPDX-License-Identifier: MIT
 """
@@ -62,7 +62,7 @@ class MembersOfDataFiles(BatchCase):
                 reading = {"output": "o2.txt", "data": data}
                 self.expect_refusal(self.other(output), reading, line=1, output=output)
                 self.expect_refusal(reading, self.other(output), line=2, output=output)
-        # The member counts from the folder of the name that the line gives.
+        # "@FILE" is resolved against the folder of the path in the line, not of the link's target.
         self.write("sector.bin", "other")
         self.expect_refusal(self.other("sector.bin"), {"output": "o", "data": "data link.json"},
                             line=1, output="sector.bin")
@@ -84,7 +84,7 @@ class MembersOfDataFiles(BatchCase):
 
 @linux_only
 class Pipes(BatchCase):
-    """A pipe can be read once, so nobody looks into it before its line is made."""
+    """A pipe can be read only once, so it is not opened before its line is run."""
 
     def feed(self, content):
         os.mkfifo(self.folder / "pipe")

@@ -1,4 +1,4 @@
-"""Many reports by one run.
+"""Batches: many reports by one run.
 
 SPDX-License-Identifier: MIT
 """
@@ -9,7 +9,7 @@ import pty
 import re
 import threading
 
-from cli_case import IS_A_FOLDER, NO_SUCH_FILE, CliCase, linux_only
+from cli_case import IS_A_FOLDER, NO_SUCH_FILE, CliCase, linux_only, read_terminal
 from cli_templates import GUID, LISTING, OTHER_GUID, catalogue, marked
 
 EMPTY = ("Resulting intput dataset is empty (0xC0000007 RGEN_E_EMPTY_INPUT); give values with "
@@ -73,7 +73,7 @@ class ManyReports(BatchCase):
         self.assertEqual("RGEN_E_EMPTY_INPUT", reports[16]["error"]["statusName"])
 
     def shown_on_terminal(self, *args, **changes):
-        """What a terminal in the place of standard error shows."""
+        """What is shown when standard error is a terminal."""
         terminal, side = pty.openpty()
         shown = []
         reader = threading.Thread(target=read_terminal, args=(terminal, shown))
@@ -109,15 +109,6 @@ class ManyReports(BatchCase):
         result = self.batch()
         self.assertEqual(4, len(result.err.splitlines()), result)
         self.assertNotIn("\r", result.err)
-
-
-def read_terminal(terminal, shown):
-    """Collects what is written until the last program has closed its side."""
-    try:
-        while chunk := os.read(terminal, 65536):
-            shown.append(chunk)
-    except OSError:
-        return
 
 
 class Lines(BatchCase):
@@ -196,7 +187,7 @@ class Lines(BatchCase):
 class FailingLines(BatchCase):
 
     def expect_one_failure(self, line, pattern):
-        """The pattern is what follows the line's place and, if it is there, its output."""
+        """The pattern matches the message after the line's position and its output, if there is one."""
         self.write_batch({"output": "a.txt", "set": {"A": "1"}}, line,
                          {"output": "c.txt", "set": {"A": "1"}})
         result = self.batch()
@@ -276,7 +267,7 @@ class FailingLines(BatchCase):
                           "each line")
 
     def test_names_that_end_early(self):
-        """What follows the zero is not cut off: no file of another name appears."""
+        """The name is not cut at the zero: no file of another name appears."""
         for member in ("output", "data", "lang", "type", "base"):
             with self.subTest(member=member):
                 self.write_json("q", {"A": "1"})
@@ -293,7 +284,7 @@ class FailingLines(BatchCase):
 
 
 class OutputsThatAreInputs(BatchCase):
-    """Nothing is written then, whichever line reads the file and by whichever name."""
+    """Nothing is written then, whichever line reads the file and under any name."""
 
     def expect_refusal(self, *lines, line=1, output="item.json", args=()):
         self.write_batch(*lines)

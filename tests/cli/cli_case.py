@@ -1,4 +1,4 @@
-"""What the suites share: a folder for each case, a started rgen and what it left behind.
+"""What the suites share: a folder for each case, a started rgen and its results.
 
 The target comes from the environment: besides the variables that program_case.py lists,
 
@@ -42,7 +42,7 @@ class CliResult(Result):
 
 
 class CliCase(ProgramCase):
-    """A case whose folder holds the data directory "case", unless has_data_dir says otherwise."""
+    """A case whose folder holds the data directory "case", unless has_data_dir is false."""
 
     has_data_dir = True
     result_type = CliResult
@@ -92,7 +92,7 @@ class CliCase(ProgramCase):
     def put_template(self, text, format_name="txt"):
         self.write(f"case/.rgen/templates/{format_name}/acquisition.xsl", text)
 
-    # ---- Statements about a run -----------------------------------------------------------------
+    # ---- Expectations ---------------------------------------------------------------------------
 
     def expect_done(self, result):
         self.assertEqual(0, result.code, result)
@@ -114,6 +114,21 @@ class CliCase(ProgramCase):
         self.assertEqual(list(notes), result.notes)
 
 
+class PersistCase(CliCase):
+    """A case about persistent data."""
+
+    def persist(self, command, *args, **settings):
+        return self.rgen("persist", command, "-d", "case", *args, **settings)
+
+    def store(self, *values):
+        self.expect_done(self.persist("replace", *values))
+
+    def stored(self):
+        result = self.persist("get", "--json")
+        self.assertEqual(0, result.code, result)
+        return result.document["values"]
+
+
 def copy_program(folder):
     """Copies rgen with its library into a folder; returns the program's path."""
     folder.mkdir(parents=True)
@@ -121,6 +136,15 @@ def copy_program(folder):
         if path.is_file() and (path == PROGRAM or "strata_repgenlib" in path.name):
             shutil.copy(path, folder / path.name)
     return folder / PROGRAM.name
+
+
+def read_terminal(terminal, shown):
+    """Collects what is written until the last program has closed the other end."""
+    try:
+        while chunk := os.read(terminal, 65536):
+            shown.append(chunk)
+    except OSError:
+        return
 
 
 def converter_name():

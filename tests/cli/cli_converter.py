@@ -1,4 +1,4 @@
-"""Pdf reports with the stand-in converter: it waits until the case has put a file in its place.
+"""Pdf reports with the stand-in converter, which waits until the case creates a file.
 
 SPDX-License-Identifier: MIT
 """
@@ -24,7 +24,7 @@ class Conversion:
 
     @staticmethod
     def _arguments(log):
-        """The arguments behind the program's name."""
+        """The arguments after the program name."""
         if not ON_WINDOWS:
             return re.findall(r"^argument\t(.*)$", log, re.M)[1:]
         line = re.search(r"^command-line\t(.*)$", log.replace("\r", ""), re.M).group(1)
@@ -44,12 +44,12 @@ class Conversion:
         return from_native(self.option("-o"), self.case.folder)
 
     def release(self):
-        """Lets the converter go on, and waits for its last step."""
+        """Lets the converter continue, and waits for its last step."""
         (self.case.folder / f"go {self.number}").touch()
         wait_for(self.case.folder / f"end {self.number}")
 
     def finish(self, content=None, error=None):
-        """Writes what the converter leaves and lets everything come to its end."""
+        """Writes the output of the converter and lets all programs end."""
         if content is not None:
             self.output.write_bytes(content)
         if error is not None:
@@ -72,7 +72,7 @@ class ConversionCase(CliCase):
         return {**search_path(CONVERTER_FOLDER), "STAND_IN_CONTROL": "converter.control"}
 
     def waiting_converter(self, number):
-        """The converter says how it was started, waits, and marks its end."""
+        """The converter records how it was started, waits, and marks its end."""
         return self.converter_environment(
             ("log", f"started {number}.log"), ("await", f"go {number}"), ("mark", f"end {number}"))
 

@@ -37,7 +37,7 @@ class Table:
         return option["names"][-1], option["details"]
 
     def is_common(self, option):
-        """Every command takes it, or it stands without a command."""
+        """Every command takes it, or it is an option of rgen without a command."""
         return self.key(option) not in self.users or \
             len(self.users[self.key(option)]) == len(self.runnable)
 
@@ -74,7 +74,7 @@ def operand_text(operand):
 
 
 def usages(command):
-    """One for each way to give what is required."""
+    """Name and arguments of the command, once for each alternative of required options."""
     ways = [[]]
     for option in filter(lambda each: each["required"], command["options"]):
         ways = [[option]]
@@ -223,7 +223,7 @@ def part(writer, name):
 
 
 def page_with_parts(text, writer):
-    """The page with its generated parts anew; the rest stays."""
+    """The page with its generated parts replaced."""
     before, after = writer.begin.split("{}")
     pattern = (re.escape(before) + r"([^\n]*)" + re.escape(after) + r"(?:[^\n]*\n)*?"
                + re.escape(writer.end))

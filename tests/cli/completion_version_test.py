@@ -13,7 +13,7 @@ from cli_case import ON_WINDOWS, PROGRAM, CliCase, copy_program, from_native
 COMMANDS = {"init", "report", "persist", "dump", "simulate", "explain", "types", "doctor",
             "completion"}
 
-# Sources a script, asks what it completes and calls that function as the shell does.
+# Sources a script, finds the completion function that it registers and calls it as the shell does.
 DRIVER = """
 source "$1"
 shift
@@ -39,7 +39,7 @@ class Completion(CliCase):
         return self.write(f"completion.{shell}", result.text)
 
     def completions(self, *words):
-        """What bash offers behind these words; the last one is being written."""
+        """What bash offers after these words; the last one is being typed."""
         outcome = subprocess.run(
             ["bash", "--norc", "-c", DRIVER, "driver", self.script("bash"), "rgen", *words],
             cwd=self.folder, capture_output=True, text=True, env=self.environment(

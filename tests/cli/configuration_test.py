@@ -1,4 +1,4 @@
-"""Mistakes in config.xml: which line, what is wrong, what to write.
+"""Mistakes in config.xml: line, message, correction.
 
 SPDX-License-Identifier: MIT
 """
@@ -14,7 +14,7 @@ WHOLE = ('<?xml version="1.0" encoding="UTF-8"?>\n<config>\n  <reportTypes>\n' +
 FORM = "write it as xxxxxxxx-xxxx-xxxx-xxxx-xxxxxxxxxxxx with the digits 0-9 and a-f"
 SHOWN = "write one as docs/file-formats.md shows it"
 SHORTENED = GUID[:-1]
-# What is replaced by what, the line of the mistake, what is wrong, what to write.
+# Original text, its replacement, the line of the mistake, the message, the correction.
 MISTAKES = [
     (GUID, "{" + GUID + "}", 4, f'the guid "{{{GUID}}}" has braces', f'write guid="{GUID}"'),
     (GUID, "{" + GUID, 4, f'the guid "{{{GUID}" has braces', FORM),
@@ -72,7 +72,7 @@ class Mistakes(ConfigurationCase):
                 self.write(CONFIG, WHOLE.replace(old, new))
                 place = f"{CONFIG}:{line}: "
                 if wrong is None:
-                    # The end of an element that has another name is no XML either.
+                    # With only the start tag renamed the file would not be XML.
                     self.assertIn(f"FAIL  configuration: {CONFIG}:", self.doctor().text)
                     continue
                 message = f"{place}{wrong}; {advice}"
@@ -117,7 +117,7 @@ class Mistakes(ConfigurationCase):
         self.assertIn("case/.rgen/b.xml", self.names())
 
     def test_of_a_guid_that_is_there_twice_each_name_counts_on_its_own(self):
-        """As the library sees it, so that persistent data goes where it looks for them."""
+        """As the library reads it, so that persistent data is written to the file that it reads."""
         half = TYPE.replace("a.xml", "b.xml").replace("acquisition.xsl", " ")
         self.write(CONFIG, WHOLE.replace(TYPE, TYPE + half))
         self.expect_done(self.rgen("persist", "set", "-d", "case", "A=1"))

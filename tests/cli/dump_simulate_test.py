@@ -32,7 +32,7 @@ class FileCase(CliCase):
         return self.rgen(self.command, "-o", output, *args, **settings)
 
     def expect_pipe_stays(self):
-        """A pipe is written to or refused, but no file takes its place."""
+        """A pipe is written to or refused, but never replaced by a file."""
         pipe = self.folder / "pipe.xml"
         os.mkfifo(pipe)
         reader = os.open(pipe, os.O_RDONLY | os.O_NONBLOCK)
@@ -113,8 +113,8 @@ class Dump(FileCase):
 
 
 class WindowsTemporaryFiles:
-    """The files of all rgens in Wine's folders for temporary files; none on Linux, where each case
-    has such a folder of its own."""
+    """The temporary files of all rgen processes under Wine; none on Linux, where each case has its
+    own temporary folder."""
 
     def __init__(self):
         self.before = self._files()
@@ -128,7 +128,7 @@ class WindowsTemporaryFiles:
                 for path in users.glob(f"*/{folder}/*") if "rgen" in path.name}
 
     def expect_no_new_one(self):
-        """New files may belong to other cases that run meanwhile; those go by themselves."""
+        """New files may belong to other cases that run at the same time; those disappear later."""
         for path in self._files() - self.before:
             wait_for(path, is_gone=True)
 

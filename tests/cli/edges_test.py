@@ -1,4 +1,4 @@
-"""What goes wrong rarely: words that look like others, closed outputs, limits of size and time.
+"""Rare conditions: ambiguous arguments, closed outputs, limits of size and time.
 
 SPDX-License-Identifier: MIT
 """
@@ -67,7 +67,7 @@ class Languages(CliCase):
 class Outputs(CliCase):
 
     def test_nobody_reads(self):
-        """The end is as quiet as that of other tools, for every command that prints."""
+        """Every command that prints ends without a message, as other tools do."""
         given = ["-d", "case", "--set", "A=1"]
         for arguments in (["explain"], ["explain", "--json"], ["--help"], ["report", "--help"],
                           ["--version"], ["types", "-d", "case"], ["doctor", "-d", "case"],
@@ -98,7 +98,7 @@ class Outputs(CliCase):
 
     @linux_only
     def test_streams_that_are_closed(self):
-        """No file takes their place: what is printed must not get into a report."""
+        """No opened file may get their descriptor: output must not be written into a report."""
         closed = ["/bin/sh", "-c", 'exec "$0" "$@" <&- >&- 2>&-']
         self.assertEqual(0, self.report("--set", "A=1", prefix=closed).code)
         self.assertEqual(b"[A=1]\n", self.read("report.txt"))

@@ -1,4 +1,4 @@
-"""What rgen says about statuses.
+"""rgen explain.
 
 SPDX-License-Identifier: MIT
 """

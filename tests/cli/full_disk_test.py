@@ -1,4 +1,4 @@
-"""Disks and files without room: nothing is said to be done that is not, and an older report stays.
+"""Full disks and file size limits: a failure is reported, and an existing report stays unchanged.
 
 A nearly full ext4 takes the first blocks of a report, a nearly full tmpfs as well; a limit of size
 cuts at its own place. The converter must not get half a page.
@@ -28,7 +28,7 @@ class WithoutRoom(ConversionCase):
         self.write_json("large.json", {"A": LARGE})
 
     def expect_no_report(self, place, *args, prefix=()):
-        """Every format and way of delivery fails and leaves the older file."""
+        """Every format and delivery mode fails and leaves the existing file unchanged."""
         for name, *mode in (("o.txt",), ("o.html",), ("o.pdf",), ("o.txt", "--mode", "bytes"),
                             ("o.txt", "--mode", "delete-on-close"), ("o.pdf", "--no-convert")):
             with self.subTest(name=name, mode=mode):
@@ -56,7 +56,7 @@ class WithoutRoom(ConversionCase):
                 self.assertEqual(before, self.contents())
 
     def expect_no_data(self, place, prefix=()):
-        """Persistent data stays as it was."""
+        """Persistent data stays unchanged."""
         before = self.contents()
         for command in ("set", "replace"):
             with self.subTest(command=command):
@@ -87,7 +87,7 @@ class WithoutRoom(ConversionCase):
         self.assertNotIn("converter ran", self.names())
 
     def expect_cut_output_is_noticed(self, place, prefix=()):
-        """Standard output that is a file there."""
+        """Standard output is redirected to a file there."""
         for name in ("txt", "html"):
             with self.subTest(name=name):
                 path = self.folder / place / "standard output"
@@ -107,7 +107,7 @@ class WithoutRoom(ConversionCase):
 class FullDisks(WithoutRoom):
 
     def mounted(self, kind, free=ROOM):
-        """A folder on a nearly full file system of its own."""
+        """A folder on its own nearly full file system."""
         self.addCleanup(small_disks.mount(kind, self.folder / "disk", 2 * 1024 * 1024))
         for name in ("o.txt", "o.html", "o.pdf", "o.xml", "small.txt", "a.txt", "b.txt", "c.html",
                      "d.pdf"):
@@ -159,7 +159,7 @@ class LimitedFiles(WithoutRoom):
 
     @linux_only
     def test_persistent_data_and_a_limit_at_every_place(self):
-        """Whatever fails leaves nothing that is in the way of the next one."""
+        """No failure leaves anything that disturbs the next run."""
         before = self.contents()
         for limit in (0, 1, 100, 150, 200, 400, 1000, 5000):
             with self.subTest(limit=limit):
@@ -172,14 +172,14 @@ class LimitedFiles(WithoutRoom):
     def test_a_data_directory_without_room(self):
         before = self.contents()
         result = self.rgen("init", "new", prefix=with_small_files(100))
-        # Wine reports the limit as a general failure, which says nothing of room.
+        # Wine reports the limit as a general failure.
         code = 5 if ON_WINDOWS else 4
         self.assertEqual((code, b""), (result.code, result.out), result)
         self.assertEqual(before, {name: content for name, content in self.contents().items()
                                   if content is not None or name in before})
 
     def test_a_limit_at_every_place_of_the_report(self):
-        """Also one that cuts nothing but the last byte, and none."""
+        """Including a limit that cuts only the last byte, and one that cuts nothing."""
         self.write_json("large.json", {"A": "x" * 5000})
         whole = len("[A=" + "x" * 5000 + "]\n")
         for limit in (1, 4096, whole - 1):

@@ -1,4 +1,4 @@
-"""Ctrl-C: during a conversion and in a batch.
+"""Ctrl-C during a conversion and in a batch.
 
 The stand-in converter says that it runs, then the case interrupts rgen; under Wine the signal
 becomes a Ctrl-C of the console.
@@ -14,7 +14,7 @@ from cli_converter import WHOLE_PDF, ConversionCase
 from cli_templates import stylesheet
 
 
-# Marks a file, then counts for longer than anybody waits.
+# Creates a marker file, then counts for longer than any test waits.
 ENDLESS = stylesheet(
     '<xsl:document href="running" method="text">x</xsl:document>'
     + '<xsl:for-each select="//property">' * 6 + '<xsl:if test="position() = 0">x</xsl:if>'
@@ -24,7 +24,7 @@ ENDLESS = stylesheet(
 class Interruption(ConversionCase):
 
     def interrupt(self, conversion):
-        """Interrupts; the page that goes tells the converter to end, and rgen waits for it."""
+        """Interrupts; the removed page tells the converter to end, and rgen waits for it."""
         page = conversion.page
         self.assertTrue(page.exists())
         conversion.running.interrupt()
@@ -115,7 +115,7 @@ class PipesThatNobodyEmpties(ConversionCase):
         self.write_json("large.json", {"A": "x" * 1_000_000})
 
     def expect_end(self, running, reader):
-        """The run has begun to write and cannot come to its end."""
+        """The run has begun to write and cannot finish."""
         self.assertEqual(b"[", os.read(reader, 1))
         running.interrupt()
         result = running.finish()

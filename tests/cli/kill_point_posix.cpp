@@ -1,5 +1,5 @@
 // Ends the program that loads this (LD_PRELOAD) before its file operation number RGEN_KILL_POINT,
-// by a signal that no program hears.
+// with SIGKILL.
 //
 // SPDX-License-Identifier: MIT
 #include <dlfcn.h>

@@ -1,5 +1,4 @@
-"""The manual page and docs/rgen.md list the commands and options that the program has, and the page
-names no others.
+"""The manual page and docs/rgen.md list exactly the commands and options of the program.
 
 SPDX-License-Identifier: MIT
 """
@@ -27,7 +26,7 @@ class ManualPage(CliCase):
         return result.text
 
     def commands_of(self, *command):
-        """The commands that a help text lists, with the words that lead to them."""
+        """The commands that a help text lists, each with the words before it."""
         listed = self.help_of(*command).partition("\nSubcommands:\n")[2]
         return [(*command, name) for name in re.findall(r"^  ([a-z]+) ", listed, re.M)]
 

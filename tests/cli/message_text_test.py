@@ -1,4 +1,4 @@
-"""Texts from outside in messages: none steers the terminal, forges a line or turns the direction.
+"""Texts from outside in messages cannot control the terminal, forge a line or change the direction.
 
 SPDX-License-Identifier: MIT
 """
@@ -9,21 +9,21 @@ import pty
 import re
 import threading
 
-from cli_case import linux_only
+from cli_case import linux_only, read_terminal
 from cli_converter import ConversionCase
 from cli_templates import GUID, configuration, marked, simulated_input
 
 FORGED = "rgen: note: forged"
 EVIL = f"x\n{FORGED}\r\x1b[2J\x07\u009b31m\u0085\u2028\u202ey\u2066\x7f"
 STEERING = re.compile("[\x00-\x09\x0b-\x1f\x7f-\x9f\u061c\u200e\u200f\u2028-\u202e\u2066-\u2069]")
-# XML holds no other control characters.
+# XML allows no other control characters.
 EVIL_XML = f"x&#10;{FORGED}&#13;&#x85;&#x9b;31m&#x2028;&#x202e;y"
 
 
 class Messages(ConversionCase):
 
     def expect_harmless(self, result, says_something=True):
-        """Every line is one of rgen's own, and nothing in it steers."""
+        """Every line comes from rgen and contains no control character."""
         self.assertIsNone(STEERING.search(result.err), repr(result.err))
         for line in result.err.splitlines():
             self.assertRegex(line, "^rgen[ :]")
@@ -57,7 +57,7 @@ class Messages(ConversionCase):
 
     @linux_only
     def test_names_of_reports_that_are_made(self):
-        """A name may hold all of this on Linux."""
+        """On Linux a file name may contain all of this."""
         result = self.report("--set", "A=1", "-f", "txt", output=EVIL)
         self.assertEqual(0, result.code, result)
         self.expect_harmless(result)
@@ -161,7 +161,7 @@ class Messages(ConversionCase):
         self.assertTrue(self.report("--data", "data.json", "--json").document["ok"])
 
     def test_the_result_reads_well(self):
-        """Letters of every script stay, what is replaced can be recognised."""
+        """Letters of every script stay; escapes can be recognised."""
         self.write_json("data.json", {"A:Größe ж 漢 🙂\t\x1b\u009b\u202e": 1})
         self.expect_error_like(self.report("--data", "data.json"), 2,
                                r"Größe ж 漢 🙂\\t\\x1b\\u009b\\u202e")
@@ -179,12 +179,3 @@ class Messages(ConversionCase):
         reader.join()
         os.close(terminal)
         self.assertEqual("A=x\\u009b31m\\u202e\r\n", b"".join(shown).decode("utf-8"))
-
-
-def read_terminal(terminal, shown):
-    """Collects what is written until the last program has closed its side."""
-    try:
-        while chunk := os.read(terminal, 65536):
-            shown.append(chunk)
-    except OSError:
-        return

@@ -1,4 +1,4 @@
-// Loaded into rgen: a file system without locks.
+// Loaded into rgen, simulates a file system without locks.
 //
 // SPDX-License-Identifier: MIT
 #include <dlfcn.h>

@@ -1,5 +1,5 @@
-"""The folder that unfinished files are in: nobody plants links in it, killed runs leave it to the
-next one, and runs beside one another leave each other alone.
+"""The folder of unfinished files: links cannot be planted in it, the next run removes that of a
+killed run, and concurrent runs do not disturb each other.
 
 SPDX-License-Identifier: MIT
 """
@@ -19,7 +19,7 @@ NO_LOCKS = os.environ.get("RGEN_CLI_NO_LOCKS")
 
 
 def machine():
-    """What the lock file of a run on this machine holds."""
+    """The content of the lock file of a run on this machine."""
     if ON_WINDOWS:
         return os.uname().nodename
     return Path("/proc/sys/kernel/random/boot_id").read_text(encoding="ascii").strip()
@@ -29,7 +29,7 @@ class PlantedFiles(ConversionCase):
 
     @linux_only
     def test_names_with_the_number_of_the_process(self):
-        """A link that waits for the run under a name that can be guessed is not followed."""
+        """A link planted under a predictable name is not followed."""
         self.write("victim", "kept")
         shell = 'echo $$; read go; exec "$0" "$@"'
         for arguments, names in ((("-o", "o.txt"), ("o.part-{}.txt",)),
@@ -97,7 +97,7 @@ class KilledRuns(ConversionCase):
         conversion.case.remove_traces(conversion.number)
 
     def expect_removed_by(self, *args):
-        """On Windows a converter that is about to end may hold a file: then a later run does it."""
+        """On Windows an ending converter may keep a file open: then a later run removes it."""
         for _ in range(20 if ON_WINDOWS else 1):
             self.expect_done(self.rgen(*args))
             if not self.leftovers():
@@ -146,7 +146,7 @@ class KilledRuns(ConversionCase):
             (self.folder / name).parent.rmdir()
 
     def test_what_another_machine_may_use_stays(self):
-        """Its locks are not seen from here on some file systems of a network."""
+        """On some network file systems its locks are not visible here."""
         for owner in ("", "0" * 8, machine()[:-1], machine() + "0"):
             with self.subTest(owner=owner):
                 self.write("rgen.part-aaaaaaaaaa/lock", owner)
@@ -173,7 +173,7 @@ class KilledRuns(ConversionCase):
 
 @linux_only
 class Masks(ConversionCase):
-    """A umask may take rights from the owner: they are missing from the report, not on the way."""
+    """A umask that restricts the owner applies to the finished report, not to temporary files."""
 
     masks = (0o000, 0o077, 0o177, 0o277, 0o577, 0o777)
 
@@ -237,7 +237,7 @@ class Masks(ConversionCase):
 class ManyWriters(CliCase):
 
     def test_runs_beside_one_another(self):
-        """Each finishes its own report; nothing of any is left."""
+        """Each finishes its own report; no temporary file is left."""
         for round_number in range(3):
             runs = [self.start("report", "-d", "case", "--set", f"A={number}", "-o",
                                f"report-{number}.txt") for number in range(8)]
@@ -247,7 +247,7 @@ class ManyWriters(CliCase):
 
     @linux_only
     def test_runs_that_write_one_file(self):
-        """The file is always that of one of them. Windows may refuse one of two renames."""
+        """The file is always complete, from one of them. Windows may refuse one of two renames."""
         text = "x" * 50_000
         for _ in range(5):
             runs = [self.start("report", "-d", "case", "--set", f"A={number}{text}", "-o",

@@ -10,8 +10,8 @@ PLACE = "Fälle für Größe/дела и случаи"
 
 
 class Paths(CliCase):
-    """The data directory, the data, the catalogue and the reports are in folders with blanks,
-    umlauts and Cyrillic letters; the case's own folder is one as well."""
+    """Data directory, data, catalogue and reports are in folders with blanks, umlauts and Cyrillic
+    letters, inside the case's own folder, which has such a name as well."""
 
     has_data_dir = False
 

@@ -1,4 +1,4 @@
-"""Pdf reports: the converter's arguments, what becomes of its file, how it is found.
+"""Pdf reports: the converter's arguments, checks of its output, where it is found.
 
 SPDX-License-Identifier: MIT
 """
@@ -16,7 +16,7 @@ ASKS_DOCTOR = 'run "rgen doctor"'
 class Verification(ConversionCase):
 
     def expect_failure(self, reason, advice, content=None, error=None):
-        """The message; nothing but an older report is left."""
+        """Returns the message; only an existing report is left."""
         self.write("report.pdf", "older")
         before = self.contents()
         result = self.convert(*SET).finish(content, error)
@@ -108,7 +108,7 @@ class Arguments(ConversionCase):
 
 
 class WithoutConverter(CliCase):
-    """A copy of rgen in a folder of its own, so that nothing beside the program is found."""
+    """A copy of rgen in its own folder, so that no other program is next to it."""
 
     def setUp(self):
         super().setUp()
@@ -129,7 +129,7 @@ class WithoutConverter(CliCase):
         self.assertEqual([], [name for name in self.names() if name.endswith(".html")])
 
     def test_a_converter_that_cannot_be_started(self):
-        """The message names the program and says why."""
+        """The message contains the program and the reason."""
         broken = self.program.parent / converter_name()
         broken.write_bytes(b"this is no program")
         broken.chmod(0o755)

@@ -1,4 +1,4 @@
-"""What has the name of a lock file, what a lock leaves, and persistent data under every umask.
+"""Files with the name of the lock, left-over locks, and persistent data under every umask.
 
 SPDX-License-Identifier: MIT
 """
@@ -65,7 +65,7 @@ class WhatHasTheNameOfTheLock(SharingCase):
 
     @windows_only
     def test_a_link_to_a_file_with_something_in_it(self):
-        """Wine shows a link as what it leads to, so that one to an empty file looks like a lock."""
+        """Wine resolves links, so that a link to an empty file looks like a lock."""
         other = self.write("other.txt", "kept")
         try:
             (self.folder / LOCK).symlink_to(other)
@@ -97,7 +97,7 @@ class LocksOfOtherUsers(SharingCase):
             f'^rgen: cannot lock "{LOCK}": Permission denied; remove it when no rgen runs$')
 
     def test_everybody_may_use_the_lock(self):
-        """It is seen while a second run waits for it, whatever the umask of the first one."""
+        """A second run waits for it, whatever the umask of the first one."""
         import fcntl
         path = self.write(LOCK, "")
         path.chmod(0o600)

@@ -1,4 +1,4 @@
-"""The rights of persistent data: what a replaced file keeps of its own, and places without rights.
+"""Rights of persistent data: those that a replaced file keeps, and folders without access.
 
 SPDX-License-Identifier: MIT
 """

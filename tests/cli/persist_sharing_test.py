@@ -1,4 +1,4 @@
-"""Persistent data that several processes use: at once, with locks, killed at every step.
+"""Persistent data of several processes: concurrent writers, locks, kills at every step.
 
 SPDX-License-Identifier: MIT
 """
@@ -10,11 +10,11 @@ import threading
 import unittest
 from pathlib import Path
 
-from cli_case import (NO_ACCESS, ON_WINDOWS, CliCase, linux_only, unprivileged, wait_for)
+from cli_case import (NO_ACCESS, ON_WINDOWS, PersistCase, linux_only, unprivileged, wait_for)
 from cli_templates import GUID, LISTING, OTHER_GUID
 
 STORE = "case/.rgen/acquisition_data.xml"
-# Loaded into rgen, ends it at a chosen file operation; there is none in instrumented builds.
+# A library that ends rgen at a chosen file operation; not in instrumented builds.
 KILL_POINT = os.environ.get("RGEN_CLI_KILL_POINT")
 PART = "rgen.part-"
 PUT_BACK = "an earlier run was ended while it wrote; its old data was put back"
@@ -23,15 +23,7 @@ OLD = '<data><properties><property name="A">old</property></properties></data>'
 LARGE = 9_000_000
 
 
-class SharingCase(CliCase):
-
-    def persist(self, command, *args, **settings):
-        return self.rgen("persist", command, "-d", "case", *args, **settings)
-
-    def stored(self):
-        result = self.persist("get", "--json")
-        self.assertEqual(0, result.code, result)
-        return result.document["values"]
+class SharingCase(PersistCase):
 
     def expect_nothing_beside(self):
         beside = [name for name in self.names() if name != STORE and
@@ -39,7 +31,7 @@ class SharingCase(CliCase):
         self.assertEqual([], beside)
 
     def at_once(self, *tasks):
-        """Calls the tasks on threads of their own; what fails in one fails the case."""
+        """Calls each task on its own thread; a failure in one fails the case."""
         failures = []
 
         def call(task):
@@ -129,7 +121,7 @@ class Locks(SharingCase):
 
     @linux_only
     def test_who_waits_says_for_what_and_goes_on(self):
-        """A writer is stopped while it holds the lock. Wine's server answers nobody meanwhile."""
+        """A writer is stopped while it holds the lock. Not under Wine, whose server would block."""
         self.write_json("data.json", {"Large": "x" * LARGE})
         folder = (self.folder / STORE).parent
 
@@ -160,7 +152,7 @@ class Locks(SharingCase):
 
     @staticmethod
     def halt(running):
-        """Stops a program and waits until it stands."""
+        """Stops a program and waits until it has stopped."""
         running.process.send_signal(signal.SIGSTOP)
         state = Path(f"/proc/{running.process.pid}/stat")
         while state.read_text(encoding="utf-8").rpartition(") ")[2][0] not in "TZ":
@@ -222,7 +214,7 @@ class Locks(SharingCase):
 class Kills(SharingCase):
 
     def expect_old_or_new(self, old, new):
-        """A reader sees one of the two, and so does the next writer, who leaves nothing else."""
+        """A reader sees one of the two, and so does the next writer, which removes everything else."""
         values = self.values("--set", "Z=1")
         del values["Z"]
         self.assertIn(values, (old, new))
@@ -233,8 +225,7 @@ class Kills(SharingCase):
         return values
 
     def remove_folders_without_owner(self):
-        """What a run has made that was killed before it could write into the lock of its folder whose
-        it is: such a folder has nothing in it and disturbs nobody."""
+        """The folder of a run that was killed before it wrote its lock file: it is empty and harmless."""
         for folder in (self.folder / STORE).parent.glob(PART + "*"):
             if all(path.name == "lock" and path.stat().st_size == 0 for path in folder.iterdir()):
                 shutil.rmtree(folder)
@@ -245,13 +236,13 @@ class Kills(SharingCase):
         self.write_json("data.json", new)
         for old in ({}, {"A": "1", "B": "1"}):
             outcomes = self.kill_everywhere(old, {**old, **new})
-            # The first operations change nothing, the last ones nothing any more.
+            # A kill at the first operations leaves the old data, one at the last the new data.
             self.assertEqual([old, {**old, **new}], [outcomes[0], outcomes[-1]])
             self.assertGreater(len(outcomes), 10)
 
     def kill_everywhere(self, old, new):
-        """What was stored after a kill at the first operation, at the second and so on, until the
-        program comes to its end."""
+        """The stored data after a kill at the first operation, at the second and so on, until the
+        program ends by itself."""
         self.write_json("old.json", old)
         self.expect_done(self.persist("replace", "--data", "old.json"))
         before = self.read(STORE)
@@ -270,7 +261,7 @@ class Kills(SharingCase):
         return outcomes
 
     def test_while_it_can_be_seen_to_write(self):
-        """Kills at whatever moment the lock or the folder appears, or a while after."""
+        """Kills when the lock or the folder appears, or shortly after."""
         self.write_json("data.json", {"A": "2", "Large": "x" * LARGE})
         for mark in (STORE.rpartition("/")[2] + ".lock", PART + "*", PART + "*/.rgen/data.xml"):
             self.expect_done(self.persist("replace", "A=1"))
@@ -284,7 +275,7 @@ class Kills(SharingCase):
 
 
 class DataKeptAside(SharingCase):
-    """An earlier rgen wrote in place and kept the old file beside it."""
+    """An earlier version of rgen wrote in place and kept the old file next to it."""
 
     def put_aside(self, rest):
         self.write(STORE + ".kept", OLD)
@@ -329,7 +320,7 @@ class DataKeptAside(SharingCase):
 
     @linux_only
     def test_it_cannot_be_put_back(self):
-        """Who only reads notes it and reads what there is."""
+        """A command that only reads notes it and reads the existing data."""
         reason = f'cannot lock "{STORE}.lock": {NO_ACCESS}'
         for rest in (None, "<data><prop"):
             for name, arguments in self.readers().items():
@@ -344,6 +335,6 @@ class DataKeptAside(SharingCase):
                         continue
                     self.assertIn(f'note: {"batch.ndjson:1: " if name == "batch" else ""}the old data in '
                                   f'"{STORE}.kept" was not put back: {reason}', result.err)
-                    # Where there are no other values the report has none now.
+                    # Without other values the report is now empty.
                     code = {"get": 0 if rest is None else 1, "report": 0}.get(name, 1)
                     self.assertEqual(code, result.code, result)

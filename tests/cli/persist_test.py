@@ -1,28 +1,14 @@
-"""Persistent data: get, set, unset, replace, what the library does not keep, failures.
+"""Persistent data: get, set, unset, replace, what the library drops, failures.
 
 SPDX-License-Identifier: MIT
 """
 
 import json
 
-from cli_case import NO_ACCESS, CliCase, linux_only, unprivileged, with_small_files
+from cli_case import NO_ACCESS, PersistCase, linux_only, unprivileged, with_small_files
 from cli_templates import GUID, LISTING, OTHER_GUID
 
 STORE = "case/.rgen/acquisition_data.xml"
-
-
-class PersistCase(CliCase):
-
-    def persist(self, command, *args, **settings):
-        return self.rgen("persist", command, "-d", "case", *args, **settings)
-
-    def store(self, *values):
-        self.expect_done(self.persist("replace", *values))
-
-    def stored(self):
-        result = self.persist("get", "--json")
-        self.assertEqual(0, result.code, result)
-        return result.document["values"]
 
 
 class Reading(PersistCase):
@@ -176,7 +162,7 @@ class WhatTheLibraryDoesNotKeep(PersistCase):
         self.assertEqual({"Name": "x", "Other": "1"}, self.stored())
 
     def test_set_takes_no_empty_text(self):
-        """It would remove the value that is there, which is what unset says that it does."""
+        """It would remove the existing value; unset is the command for that."""
         self.store("Empty=old", "Full=1")
         self.write("nothing", "")
         before = self.contents()

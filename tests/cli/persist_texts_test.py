@@ -7,12 +7,12 @@ SPDX-License-Identifier: MIT
 import random
 import xml.etree.ElementTree as ElementTree
 
-from cli_case import CliCase, linux_only
+from cli_case import PersistCase, linux_only
 
 STORE = "case/.rgen/acquisition_data.xml"
 OTHERS = {"a": "x < y &amp; z > w", "b": "AT&T", "c": "]]> <b>&lt;</b>", "d": "&#8364;", "Ж": "Größe"}
 BLANKS = " \t\n\v\f\r"
-# What texts by chance are made of: all that XML, the library or a shell reads in a way of its own.
+# The parts of random texts: everything that XML, the library or a shell treats specially.
 PIECES = ["&", ";", "#", "x", "D800", "8364", "0", "1", "foo", "f oo", "&foo;", "&#xD800;", "&#0;",
           "&f oo;", "&amp;", "&amp;amp;", "&lt;", "&#38;", "&#x26;", "&#1;", "&#xFFFE;", "<", ">",
           "<b>", "</property>", "]]>", "<![CDATA[", "<!--", "-->", "<?x", "'", '"', "=", "%20", "@",
@@ -22,31 +22,23 @@ PIECES = ["&", ";", "#", "x", "D800", "8364", "0", "1", "foo", "f oo", "&foo;", 
 
 
 def is_fit(letter):
-    """Whether XML can hold the character."""
+    """Whether XML allows the character."""
     return ord(letter) not in (0xFFFE, 0xFFFF) and (letter in "\t\n\r" or letter >= " ")
 
 
 def kept(text):
-    """What is stored for a text or a name."""
+    """The stored form of a text or a name."""
     return "".join(letter if is_fit(letter) else "\ufffd" for letter in text.strip(BLANKS))
 
 
-class TextCase(CliCase):
-
-    def persist(self, command, *args, **settings):
-        return self.rgen("persist", command, "-d", "case", *args, **settings)
-
-    def stored(self):
-        result = self.persist("get", "--json")
-        self.assertEqual(0, result.code, result)
-        return result.document["values"]
+class TextCase(PersistCase):
 
     def set_values(self, values, *args):
         self.write_json("data.json", {f"{name}:text": text for name, text in values.items()})
         return self.persist("set", "--data", "data.json", *args)
 
     def expect_whole(self, values):
-        """The file is XML, and both of its readers see the values."""
+        """The file is XML, and library and rgen read the same values."""
         ElementTree.parse(self.folder / STORE)
         self.assertEqual(values, self.stored())
         report = self.values("--set", "Z=1")
@@ -202,7 +194,7 @@ class OneBadText(TextCase):
         self.expect_whole({"a": "x < y", "bad": " ".join(f"{n:02X}" for n in range(256))})
 
     def test_simulated_input(self):
-        """What the library reads of it is XML content of one level already."""
+        """What the library reads from it is XML content that is escaped once."""
         self.expect_notes(self.set_values(OTHERS))
         self.write("sim.xml", '<data><properties><property name="bad" type="string" '
                               'hint="Generic">&amp;foo;x</property></properties></data>')

@@ -1,4 +1,4 @@
-"""One report: data directory, formats, delivery, the library's refusals, what stays on a failure.
+"""One report: data directory, formats, delivery, statuses of the library, files after a failure.
 
 SPDX-License-Identifier: MIT
 """
@@ -127,7 +127,7 @@ class Refusals(CliCase):
     given = ("--set", "A=1")
 
     def expect_refusal(self, message, *args, output="report.txt", code=1):
-        """The message; an older report and everything else stay as they were."""
+        """Returns the message; an existing report and all other files stay unchanged."""
         if output == "report.txt":
             self.write(output, "older")
         before = self.contents()

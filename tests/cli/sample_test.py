@@ -12,7 +12,7 @@ LANGUAGES = ("en", "de", "ru")
 
 
 class Sample(CliCase):
-    # The C host takes its arguments in the code page of Windows.
+    # The C host reads its arguments in the code page of Windows.
     folder_name = "rgen sample "
     has_data_dir = False
 

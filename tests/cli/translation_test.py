@@ -1,4 +1,4 @@
-"""Translated reports: which catalogue is taken, what is read of it, what it may hold.
+"""Translated reports: choice of the catalogue, its parts that are read, allowed content.
 
 SPDX-License-Identifier: MIT
 """
@@ -189,7 +189,7 @@ class MarkupInTranslations(TranslationCase):
 
 
 class TranslationsLeaveTheTemplateWhole(TranslationCase):
-    """Whatever a translation holds: it is shown as it is, and what follows it in the template too."""
+    """Any translation is shown unchanged, and so is the rest of the template after it."""
 
     rest = "|&lt;&amp;&gt;"
     places = {"content": stylesheet("%s" + rest),
@@ -263,7 +263,7 @@ class TranslationsLeaveTheTemplateWhole(TranslationCase):
 
 
 class MarkupThatIsNotWellFormed(TranslationCase):
-    """It would cost the template its references, which the library does not say."""
+    """The library would drop references of the template without a message."""
 
     broken = ["<b>5 < 6</b> ok", "<b>a", "a</b>", "</r><r>", "<b a=1/>", "<![CDATA[x", "<!-- a -- -->",
               "<?xml version='1.0'?>", "<!DOCTYPE r><b/>", "<a:b:></a>"]

@@ -1,4 +1,4 @@
-"""The commands that make and look at a data directory: init, types, doctor.
+"""The commands that create and check a data directory: init, types, doctor.
 
 SPDX-License-Identifier: MIT
 """

@@ -10,7 +10,7 @@ COMMANDS = [["init"], ["report"], ["persist"], ["persist", "get"], ["persist", "
             ["persist", "unset"], ["persist", "replace"], ["dump"], ["simulate"], ["explain"],
             ["types"], ["doctor"], ["completion"]]
 
-# What --help of a command must name.
+# The options in the help of each command.
 OPTIONS = {
     "init": ["--sample"],
     "report": ["--data-dir", "--type", "--set", "--pair", "--data", "--raw", "--output",
@@ -38,7 +38,7 @@ class Help(CliCase):
             with self.subTest(command=name):
                 result = self.rgen(*command, "--help")
                 self.assertEqual((0, ""), (result.code, result.err))
-                # "persist" alone is no command, it has four.
+                # "persist" alone is not a command, it has four of them.
                 common = [] if name == "persist" else ["--json", "--quiet"]
                 for option in ["--help", *common, *OPTIONS.get(name, [])]:
                     self.assertIn(option, result.text)
@@ -55,6 +55,19 @@ class Help(CliCase):
         for command in COMMANDS:
             self.assertIn(command[0], result.text)
         self.assertEqual(result.text, self.rgen("-h").text)
+
+    def test_the_help_as_a_document(self):
+        document = self.rgen("--help", "--json").document
+        self.assertTrue(document["ok"])
+        listed = {command["name"]: command for command in document["commands"]}
+        self.assertEqual({"", *(" ".join(command) for command in COMMANDS)}, set(listed))
+        for name, options in OPTIONS.items():
+            self.assertLessEqual({"--help", *options},
+                                 {option["names"][-1] for option in listed[name]["options"]})
+        self.assertEqual(["persist", "persist get", "persist set", "persist unset",
+                          "persist replace"],
+                         [command["name"] for command in
+                          self.rgen("persist", "--json", "-h").document["commands"]])
 
     def test_no_arguments_give_the_help_as_an_error(self):
         result = self.rgen()

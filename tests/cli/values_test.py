@@ -1,11 +1,11 @@
-"""Values from the command line: hints, pairs, what wins, "&", the table of all values.
+"""Values from the command line: hints, pairs, precedence, "&", the table of all values.
 
 SPDX-License-Identifier: MIT
 """
 
 from cli_case import ON_WINDOWS, CliCase
 
-# Longest argument that is tried; Windows takes 32 k characters for the whole command line.
+# The longest tested argument; the command line of Windows has at most 32 k characters.
 LONG_ARGUMENT = 20_000 if ON_WINDOWS else 100_000
 
 
@@ -17,7 +17,7 @@ def settings(*values):
 class Hints(CliCase):
 
     def expect_texts(self, rows):
-        """Rows of name, what is behind it and the text in the report; one report shows all."""
+        """Rows of name, rest of the argument and text in the report; one report shows all."""
         given = settings(*(name + value for name, value, _ in rows))
         self.assertEqual({name: text for name, _, text in rows}, self.values(*given))
 
@@ -59,7 +59,7 @@ class Hints(CliCase):
         ])
 
     def test_times(self):
-        # EST5EDT: five hours behind UTC, four in summer, which begins on 8 March 2026.
+        # EST5EDT is UTC-5, in summer UTC-4; summer time begins on 8 March 2026.
         self.expect_texts([
             ("Time", ":time=2026-03-09T08:14:07Z", "04:14:07"),
             ("Date", ":date=2026-03-09T08:14:07Z", " 9.03.2026"),

@@ -1,4 +1,4 @@
-// The command line after it was understood. command_line.cpp fills it, the commands read it.
+// The parsed command line: front/command_line.cpp fills it, the commands read it.
 //
 // SPDX-License-Identifier: MIT
 #pragma once
@@ -12,7 +12,7 @@ namespace cli {
 /// The formats of the library, separated by "|".
 inline constexpr const char* outputFormatChoices = "html|pdf|txt";
 
-/// Where values come from.
+/// The sources of the values.
 struct ValueArguments {
     /// "NAME[:HINT]=VALUE", as given.
     std::vector<std::string> set;
@@ -22,7 +22,6 @@ struct ValueArguments {
     bool raw = false;
 };
 
-/// One report.
 struct ReportArguments {
     std::string output;
     std::string format;
@@ -33,7 +32,7 @@ struct ReportArguments {
 };
 
 struct Arguments {
-    /// The words of the command: "report", "persist get".
+    /// "report", "persist get"; empty for rgen itself.
     std::string command;
     bool help = false;
     bool version = false;
@@ -47,7 +46,7 @@ struct Arguments {
     bool timing = false;
     std::string batch;
     std::string sample = "acquisition";
-    /// Everything that stands without an option.
+    /// The arguments that belong to no option.
     std::vector<std::string> operands;
 };
 

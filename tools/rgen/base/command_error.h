@@ -12,7 +12,7 @@
 
 namespace cli {
 
-/// The documented exit codes. 3 is kept for the checks of templates.
+/// The documented exit codes. 3 is reserved for checks of templates.
 enum class ExitCode {
     Done = 0,
     Refused = 1,
@@ -20,11 +20,11 @@ enum class ExitCode {
     Unverified = 4,
     Environment = 5,
     Interrupted = 130,
-    /// As a shell counts a program that ended by writing into a pipe without a reader.
+    /// What a shell reports for a program that SIGPIPE ended.
     ClosedPipe = 141
 };
 
-/// The end of a command. what() says what, where and why; the hint says what to do.
+/// The failure of a command. what() says what, where and why; the hint says what to do.
 class CommandError : public std::runtime_error {
 public:
     CommandError(ExitCode code, const std::string& message, std::string advice = {})
@@ -33,7 +33,7 @@ public:
     ExitCode exitCode;
     /// May be empty.
     std::string hint;
-    /// The words of the command whose arguments are wrong; may be empty.
+    /// The command whose arguments are wrong, "persist get"; may be empty.
     std::string command;
     /// Set when the library reported the failure.
     std::optional<RgenStatus> status;

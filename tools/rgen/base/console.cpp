@@ -16,7 +16,7 @@
 namespace cli {
 namespace {
 
-/// What rgen itself puts into texts of several lines; texts from outside have lost theirs before.
+/// Only rgen itself puts line ends into a text; those of texts from outside are already escaped.
 constexpr const char* ownLayout = "\n\t";
 
 bool isSet(const char* variable) {

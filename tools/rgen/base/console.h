@@ -1,5 +1,5 @@
-// What rgen says: data on standard output; errors, notes and progress on standard error. Whatever
-// goes to standard error is made printable here, wherever its words come from.
+// Output of rgen: data to standard output; errors, notes and progress to standard error. Everything
+// that is written to standard error is made printable here.
 //
 // SPDX-License-Identifier: MIT
 #pragma once
@@ -14,21 +14,21 @@ class CommandError;
 
 class Console {
 public:
-    /// `quiet` leaves out everything but errors.
+    /// With `quiet` only errors are printed.
     explicit Console(bool quiet = false);
 
-    /// A fact that the user should know: "rgen: note: ..."; kept for the JSON document, too.
+    /// Prints "rgen: note: ..." and stores the text for the JSON document.
     void note(const std::string& text);
     const std::vector<std::string>& notes() const { return notes_; }
-    /// Forgets the notes; later ones begin with `place`.
+    /// Deletes the stored notes; the text of later ones begins with `place`.
     void beginNotes(const std::string& place);
 
-    /// What was done: "rgen: ...".
+    /// Prints what was done: "rgen: ...".
     void say(const std::string& text);
     void error(const CommandError& error);
-    /// An error line on its own: "rgen: TEXT", or "rgen COMMAND: TEXT".
+    /// Prints "rgen: TEXT", or "rgen COMMAND: TEXT".
     void errorLine(const std::string& text, const std::string& command = {});
-    /// Lines without "rgen: " on standard error.
+    /// Prints lines to standard error without "rgen: ".
     void plain(const std::string& text);
 
     /// Replaces the progress line; shown on a terminal only. The empty text removes it.
@@ -45,20 +45,20 @@ private:
     std::vector<std::string> notes_;
 };
 
-/// Writes bytes to standard output. Throws a CommandError when they cannot be written, that of a
-/// closed pipe when their reader has gone.
+/// Writes bytes to standard output. Throws a CommandError when they cannot be written, with
+/// ExitCode::ClosedPipe when the reader has closed the pipe.
 void printData(std::string_view bytes);
 
-/// Writes lines for people or for a program: as they are, or printable when a terminal shows them.
+/// Writes lines to standard output: unchanged, or made printable when it is a terminal.
 void printLines(const std::string& lines);
 
-/// One line of an error: the message and the hint behind a semicolon.
+/// An error in one line: the message, a semicolon and the hint.
 std::string errorText(const CommandError& error);
 
 /// `text` in one printable line: line ends and other control characters as "\n", "\t", "\x01".
 std::string inOneLine(const std::string& text);
 
-/// inOneLine, cut at `longest` characters with "..." in their place.
+/// inOneLine, cut after `longest` characters and "..." added.
 std::string shortened(const std::string& text, std::size_t longest = 40);
 
 }  // namespace cli

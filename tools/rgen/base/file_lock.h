@@ -1,5 +1,5 @@
-// Files that several processes change: a lock between them, and a new file in place of an old one.
-// file_lock_posix.cpp and file_lock_windows.cpp implement it.
+// For files that several processes change: a lock, and replacing a file in one step. Implemented in
+// file_lock_posix.cpp and file_lock_windows.cpp.
 //
 // SPDX-License-Identifier: MIT
 #pragma once
@@ -10,14 +10,14 @@
 
 namespace cli {
 
-/// Something else than a lock file has the name of one. It is left alone: it may be anybody's data.
+/// Thrown when the file with the name of the lock is not one. It is not touched: it may be data.
 class NotALockFile : public std::runtime_error {
 public:
     NotALockFile() : std::runtime_error("it is no empty file") {}
 };
 
-/// A lock that the system takes back when the process ends, in whatever way. Its file is empty and
-/// goes with the lock; one that a killed process left locks nobody out.
+/// A lock that the system releases when the process ends for whatever reason. Its file is empty and
+/// is removed with the lock; a file that a killed process left does not block others.
 class FileLock {
 public:
     explicit FileLock(std::filesystem::path lockFile) : path_(std::move(lockFile)) {}
@@ -25,8 +25,8 @@ public:
     FileLock(const FileLock&) = delete;
     FileLock& operator=(const FileLock&) = delete;
 
-    /// False while another process holds the lock. Throws std::system_error when the file system
-    /// or its rights allow no lock, and NotALockFile.
+    /// Returns false while another process holds the lock. Throws std::system_error when the file
+    /// system or missing rights do not allow a lock, and NotALockFile.
     bool tryLock();
 
     const std::filesystem::path& path() const { return path_; }
@@ -38,10 +38,10 @@ private:
     int refusals_ = 0;
 };
 
-/// Brings the file `from` to the disk and gives it the name `to`, in one step and with the rights
-/// and, where the system lets it, the owner of the file that had the name. A group that it cannot
-/// have gets no rights through it that everybody else lacks. Both are on one file system. Throws
-/// std::system_error, and the file that had the name is unchanged then.
+/// Flushes the file `from` to the disk and renames it to `to` in one step. It gets the rights and,
+/// if the system allows it, owner and group of the file that it replaces; if the group cannot be
+/// set, the group gets no more rights than everybody else. Both paths are on one file system.
+/// Throws std::system_error; the old file is unchanged then.
 void replaceFile(const std::filesystem::path& from, const std::filesystem::path& to);
 
 }  // namespace cli

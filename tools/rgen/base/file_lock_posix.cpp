@@ -20,7 +20,6 @@ namespace fs = std::filesystem;
     throw std::system_error(reason, std::generic_category());
 }
 
-/// A descriptor with an owner.
 class Descriptor {
 public:
     explicit Descriptor(int number) : number_(number) {}
@@ -43,8 +42,8 @@ private:
 
 constexpr mode_t everybody = 0666;
 
-/// A link or a pipe in the place of the lock file is neither followed nor waited for. Whoever may
-/// not write a file that another user left can lock it all the same.
+/// Does not follow a link and does not block on a pipe. A file that another user left can be locked
+/// without write access.
 int openLockFile(const fs::path& path) {
     constexpr int flags = O_NOFOLLOW | O_NONBLOCK | O_NOCTTY | O_CLOEXEC;
     const int descriptor = open(path.c_str(), O_RDWR | O_CREAT | flags, everybody);
@@ -60,16 +59,16 @@ bool isLockFile(const struct stat& facts) {
     return S_ISREG(facts.st_mode) && facts.st_size == 0 && facts.st_nlink <= 1;
 }
 
-/// Whoever may change the data can lock it, also after this process was killed and whatever its
-/// mask takes away.
+/// Everybody who may change the data must be able to lock the file, also after this process was
+/// killed, and whatever its umask.
 void openToEverybody(int descriptor, const struct stat& facts) {
     if ((facts.st_mode & everybody) == everybody || facts.st_uid != geteuid()) return;
     if (fchmod(descriptor, everybody) != 0) {
-        // The lock holds without it.
+        // The lock works without it.
     }
 }
 
-/// False when the process that had the lock before has removed the file that was opened.
+/// Returns false when the previous owner of the lock has removed the opened file.
 bool hasName(int descriptor, const fs::path& path) {
     struct stat opened = {};
     struct stat named = {};
@@ -77,7 +76,7 @@ bool hasName(int descriptor, const fs::path& path) {
            opened.st_dev == named.st_dev && opened.st_ino == named.st_ino;
 }
 
-/// Not every file system can bring a single file or folder to its disk.
+/// Not every file system can flush a single file or folder.
 bool flush(int descriptor) {
     while (fsync(descriptor) != 0) {
         if (errno == EINVAL || errno == ENOTSUP || errno == ENOSYS) return true;
@@ -86,16 +85,15 @@ bool flush(int descriptor) {
     return true;
 }
 
-/// A new name in a folder is on the disk when the folder is. The name counts already, so that a
-/// failure here is none of the whole.
+/// Flushes the new name. The rename itself has succeeded, so a failure here is ignored.
 void flushFolderOf(const fs::path& path) {
     const fs::path folder = path.has_parent_path() ? path.parent_path() : fs::path(".");
     const Descriptor descriptor(open(folder.c_str(), O_RDONLY | O_DIRECTORY | O_CLOEXEC));
     if (descriptor.get() >= 0) flush(descriptor.get());
 }
 
-/// The owner comes first: changing it may take bits of the mode away. The bits that give a program
-/// the rights of its owner do not go over.
+/// The owner is set first, because that may clear bits of the mode. The set-user-ID and
+/// set-group-ID bits are not copied.
 void copyRights(int descriptor, const fs::path& from) {
     struct stat old = {};
     struct stat own = {};
@@ -118,7 +116,7 @@ FileLock::~FileLock() {
     const int descriptor = static_cast<int>(file_);
     struct stat facts = {};
     const bool isStillOurs = fstat(descriptor, &facts) == 0 && isLockFile(facts);
-    // The name goes first, while the lock still keeps others from taking it.
+    // The file is removed before it is unlocked, so that no other process locks it in between.
     if (isStillOurs && hasName(descriptor, path_)) unlink(path_.c_str());
     close(descriptor);
 }

@@ -13,7 +13,7 @@ namespace {
 
 namespace fs = std::filesystem;
 
-/// Access is also refused while a file is being removed, or is looked at by a virus scanner.
+/// Access is also refused while a file is being removed or scanned for viruses.
 constexpr int mostRefusals = 200;
 constexpr DWORD pause = 20;
 
@@ -36,8 +36,8 @@ void flush(const fs::path& path) {
     if (!isFlushed) fail(reason);
 }
 
-/// The list of who may do what. A file system without such lists, and a user who may not change
-/// it, leave the new file with the rights of the folder.
+/// Copies the access control list. If the file system has none or the user may not change it, the
+/// new file has the rights of the folder.
 void copyRights(const fs::path& from, const fs::path& to) {
     DWORD size = 0;
     GetFileSecurityW(from.c_str(), DACL_SECURITY_INFORMATION, nullptr, 0, &size);
@@ -70,8 +70,7 @@ FileLock::~FileLock() {
     CloseHandle(file);
 }
 
-/// The file is removed by its owner, not by the way it is opened: what turns out to be no lock file
-/// stays.
+/// Opened without delete-on-close, so that a file that turns out not to be a lock file stays.
 bool FileLock::tryLock() {
     HANDLE file =
         CreateFileW(path_.c_str(), GENERIC_READ | GENERIC_WRITE | DELETE, /*share=*/0, nullptr,
@@ -90,7 +89,7 @@ bool FileLock::tryLock() {
     fail(reason);
 }
 
-/// A program that is just reading the old file keeps it from being replaced for that moment.
+/// The replacement fails while another program reads the old file, so it is tried again.
 void replaceFile(const fs::path& from, const fs::path& to) {
     flush(from);
     copyRights(to, from);

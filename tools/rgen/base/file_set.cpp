@@ -1,4 +1,4 @@
-// A file is known by its place, and by its identity when it exists.
+// A file is stored by its canonical path and, if it exists, by its identity.
 //
 // SPDX-License-Identifier: MIT
 #include "base/file_set.h"
@@ -6,7 +6,7 @@
 #include <filesystem>
 #include <system_error>
 
-#include "base/input_file.h"
+#include "base/paths.h"
 #include "base/safe_files.h"
 
 namespace cli {
@@ -14,7 +14,7 @@ namespace {
 
 namespace fs = std::filesystem;
 
-/// A link is read where it leads.
+/// Links are resolved, because reading follows them.
 std::string placeRead(const std::string& path) {
     std::error_code failure;
     const fs::path place = fs::weakly_canonical(fs::absolute(fs::u8path(path)), failure);
@@ -23,13 +23,13 @@ std::string placeRead(const std::string& path) {
 
 }  // namespace
 
-void InputFiles::add(const std::string& path) {
+void FileSet::add(const std::string& path) {
     names_.emplace(placeRead(path), path);
     const auto identity = fileIdentity(path);
     if (identity) names_.emplace("identity " + *identity, path);
 }
 
-std::optional<std::string> InputFiles::find(const std::string& path) const {
+std::optional<std::string> FileSet::find(const std::string& path) const {
     if (path == "-" || isSpecialFile(path)) return std::nullopt;
     auto found = names_.find(placeRead(path));
     const auto identity = fileIdentity(path);
@@ -48,8 +48,8 @@ std::string placeWritten(const std::string& path) {
     return place + "/" + comparableName(whole.filename().u8string());
 }
 
-InputFiles& filesRead() {
-    static InputFiles files;
+FileSet& filesRead() {
+    static FileSet files;
     return files;
 }
 

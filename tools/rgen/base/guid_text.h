@@ -9,10 +9,10 @@
 
 namespace cli {
 
-/// "5A0C6F1E-3B74-..." with or without braces in lower case without them; empty when it is no GUID.
+/// A GUID text in lower case without braces; empty when the text is not a GUID.
 std::string guidTextOf(std::string text);
 
-/// The GUID that a text of guidTextOf stands for.
+/// Converts a text that guidTextOf returned.
 RgenGuid guidOf(const std::string& text);
 
 }  // namespace cli

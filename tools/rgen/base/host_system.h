@@ -1,5 +1,5 @@
-// All that rgen asks of the operating system. host_system_posix.cpp and host_system_windows.cpp are
-// the two sources behind it; CMake compiles exactly one.
+// The calls of rgen to the operating system, implemented in host_system_posix.cpp and
+// host_system_windows.cpp; CMake compiles one of them.
 //
 // SPDX-License-Identifier: MIT
 #pragma once
@@ -9,8 +9,8 @@
 
 namespace cli {
 
-/// Makes standard output and error binary and UTF-8. A stream that was closed stays unusable, and
-/// no file that is opened later takes its place.
+/// Makes standard output and error binary and UTF-8. A stream that was closed at the start stays
+/// unusable, and no file that is opened later gets its descriptor.
 void prepareStreams();
 
 bool standardErrorIsTerminal();
@@ -19,17 +19,16 @@ bool standardOutputIsTerminal();
 /// Tells whether standard error is a terminal that takes colour sequences.
 bool standardErrorHasColour();
 
-/// Tells, directly after a write to standard output failed for `reason`, whether it is a pipe whose
-/// reader has gone.
+/// To be called directly after a failed write to standard output, with its errno: tells whether it
+/// is a pipe whose reader has closed it.
 bool isWithoutReader(int reason);
 
-/// Calls `handler` on a thread of its own, once for each Ctrl-C or request to end; with true when
-/// the process is about to be ended anyway. Requests that the process was started to ignore stay
-/// ignored. Writing into a closed pipe, or beyond the size that files may have, becomes an ordinary
-/// failure.
+/// Calls `handler` on its own thread for each Ctrl-C or request to end; with true when the system
+/// is about to end the process anyway. Signals that the parent process ignored stay ignored.
+/// Writing to a closed pipe or beyond the file size limit becomes an ordinary error.
 void watchInterrupts(void (*handler)(bool mustEnd));
 
-/// While it lives, what the process prints to standard output goes to standard error.
+/// While it exists, standard output of the process is redirected to standard error.
 class StdoutToStderr {
 public:
     StdoutToStderr();
@@ -54,8 +53,7 @@ struct LoadedLibrary {
 /// The report library that this process has loaded.
 LoadedLibrary loadedLibrary();
 
-/// Lets the system find programs in rgen's own folder, after those on PATH. Windows looks there
-/// anyway.
-void searchOwnFolder();
+/// Adds the folder of rgen to the end of PATH. Windows searches it without that.
+void addProgramFolderToPath();
 
 }  // namespace cli

@@ -37,7 +37,7 @@ std::string versionInFileName(const std::filesystem::path& path) {
 }  // namespace
 
 void prepareStreams() {
-    // Opened for the wrong direction, so that using it fails as it would without.
+    // Opened in the wrong direction, so that using it fails as it would on a closed stream.
     for (int stream = STDIN_FILENO; stream <= STDERR_FILENO; ++stream) {
         if (fcntl(stream, F_GETFD) >= 0 || errno != EBADF) continue;
         const int direction = stream == STDIN_FILENO ? O_WRONLY : O_RDONLY;
@@ -69,7 +69,7 @@ void watchInterrupts(void (*handler)(bool)) {
     for (const int signalNumber : {SIGINT, SIGTERM, SIGHUP}) {
         if (!isIgnored(signalNumber)) sigaddset(&watched, signalNumber);
     }
-    // Blocked here, before any other thread exists, so that only the watching thread sees them.
+    // Blocked before any other thread exists, so that only the watching thread receives them.
     pthread_sigmask(SIG_BLOCK, &watched, nullptr);
     std::thread([watched, handler] {
         int signalNumber = 0;
@@ -109,7 +109,7 @@ LoadedLibrary loadedLibrary() {
     return {path.string(), versionInFileName(path)};
 }
 
-void searchOwnFolder() {
+void addProgramFolderToPath() {
     const std::filesystem::path folder = tools::ownFolder();
     if (folder.empty()) return;
     const char* const searchPath = std::getenv("PATH");

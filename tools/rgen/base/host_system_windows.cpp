@@ -94,7 +94,7 @@ bool standardErrorHasColour() {
            SetConsoleMode(console, mode | processSequences) != 0;
 }
 
-/// The C runtime does not have a word for each of the system's reasons.
+/// The C runtime does not have an errno for each error of the system.
 bool isWithoutReader(int reason) {
     const auto systemReason = static_cast<DWORD>(_doserrno);
     return reason == EPIPE || systemReason == ERROR_BROKEN_PIPE || systemReason == ERROR_NO_DATA ||
@@ -133,6 +133,6 @@ LoadedLibrary loadedLibrary() {
     return {std::filesystem::path(fileName).u8string(), versionOfFile(fileName)};
 }
 
-void searchOwnFolder() {}
+void addProgramFolderToPath() {}
 
 }  // namespace cli

@@ -1,5 +1,3 @@
-// Reading files as a whole and finding places in them.
-//
 // SPDX-License-Identifier: MIT
 #include "base/input_file.h"
 
@@ -39,7 +37,7 @@ std::string wholeStream(std::istream& stream) {
 
 std::string readInputFile(const std::string& path, const std::string& hint) {
     if (path == "-") return wholeStream(std::cin);
-    // The system would end the name there and open another file.
+    // The system would cut the name there and open a different file.
     if (path.find('\0') != std::string::npos) throw unreadable(path, EINVAL, hint);
     const std::filesystem::path file = std::filesystem::u8path(path);
     std::error_code ignored;
@@ -83,52 +81,6 @@ bool isPlainUtf8(const std::string& text) {
         i += length;
     }
     return true;
-}
-
-bool exists(const std::string& path) {
-    std::error_code ignored;
-    return std::filesystem::exists(std::filesystem::u8path(path), ignored);
-}
-
-bool isSpecialFile(const std::string& path) {
-    if (path == "-") return false;
-    std::error_code ignored;
-    const std::filesystem::file_status status =
-        std::filesystem::status(std::filesystem::u8path(path), ignored);
-    return std::filesystem::exists(status) && !std::filesystem::is_regular_file(status);
-}
-
-void requireAccess(const std::string& path) {
-    std::error_code failure;
-    const std::filesystem::file_status status =
-        std::filesystem::status(std::filesystem::u8path(path), failure);
-    if (!failure || status.type() == std::filesystem::file_type::not_found) return;
-    throw CommandError(ExitCode::Environment,
-                       "cannot look at \"" + path + "\": " + failure.message(),
-                       "check the rights of it and of the folders that it is in");
-}
-
-void requireReadable(const std::string& path) {
-    std::error_code ignored;
-    if (!std::filesystem::is_regular_file(std::filesystem::u8path(path), ignored)) return;
-    try {
-        readInputFile(path, "check its rights");
-    } catch (const CommandError& error) {
-        throw CommandError(ExitCode::Environment, error.what(), error.hint);
-    }
-}
-
-std::string joinedPath(const std::string& folder, const std::string& name) {
-    if (folder.empty() || folder == ".") return name;
-    const char last = folder.back();
-    const bool hasDrives = std::filesystem::path::preferred_separator == '\\';
-    const bool hasSeparator = last == '/' || (hasDrives && (last == '\\' || last == ':'));
-    return folder + (hasSeparator ? "" : "/") + name;
-}
-
-std::string folderOf(const std::string& path) {
-    const std::string folder = std::filesystem::u8path(path).parent_path().u8string();
-    return folder.empty() ? "." : folder;
 }
 
 }  // namespace cli

@@ -1,5 +1,5 @@
-// The listener runs on a thread of the system layer. It never calls the library itself: rgen_cancel
-// waits for a template that runs, and the next Ctrl-C must be heard meanwhile.
+// The listener runs on a thread of host_system. It never calls the library itself: rgen_cancel
+// waits for a running template, and the listener must react to the next Ctrl-C during that time.
 //
 // SPDX-License-Identifier: MIT
 #include "base/interruption.h"
@@ -14,20 +14,20 @@
 
 #include "base/command_error.h"
 #include "base/host_system.h"
-#include "base/input_file.h"
+#include "base/paths.h"
 #include "base/safe_files.h"
 
 namespace cli {
 namespace {
 
-// What the listener shares with the commands. Never destroyed: the listener outlives main.
+// Shared by the listener and the commands. Never destroyed, because the listener outlives main.
 struct State {
     std::mutex mutex;
     std::condition_variable changed;
     bool interrupted = false;
     int guards = 0;
     std::set<std::string> temporaryFiles;
-    std::set<OwnFolder*> temporaryFolders;
+    std::set<PartFolder*> temporaryFolders;
 };
 
 State& state() {
@@ -40,7 +40,7 @@ void removeQuietly(const std::string& path) {
     std::filesystem::remove(std::filesystem::u8path(path), ignored);
 }
 
-/// The folder that the TemporaryFolder without a target is made in.
+/// The parent of a TemporaryFolder without a target.
 std::string systemFolder() {
     return std::filesystem::temp_directory_path().u8string();
 }
@@ -62,7 +62,7 @@ void handleInterrupt(bool mustEnd) {
     if (mayEndInOrder) return;
     for (const std::string& path : shared.temporaryFiles)
         removeQuietly(path);
-    for (OwnFolder* const folder : shared.temporaryFolders)
+    for (PartFolder* const folder : shared.temporaryFolders)
         folder->remove();
     std::fputs("rgen: interrupted\n", stderr);
     std::_Exit(static_cast<int>(ExitCode::Interrupted));
@@ -101,19 +101,19 @@ InterruptGuard::~InterruptGuard() {
     if (canceller_.joinable()) canceller_.join();
 }
 
-EndAtOnce::EndAtOnce() : guards_(0) {
+ImmediateInterrupt::ImmediateInterrupt() : guards_(0) {
     const std::lock_guard lock(state().mutex);
     if (state().interrupted) throw CommandError(ExitCode::Interrupted, "interrupted");
     std::swap(guards_, state().guards);
 }
 
-EndAtOnce::~EndAtOnce() {
+ImmediateInterrupt::~ImmediateInterrupt() {
     const std::lock_guard lock(state().mutex);
     state().guards += guards_;
 }
 
-/// The request is repeated: a generation that has not registered yet would not see the first one.
-/// Waiting without a limit would need a newer C++ library than the oldest that the program runs on.
+/// The cancellation is repeated, because a generation that has not registered yet misses the first
+/// one. A wait without time limit would need a newer C++ library than the oldest supported one.
 void InterruptGuard::cancelWhenInterrupted() {
     constexpr auto longPause = std::chrono::hours(1);
     constexpr auto pause = std::chrono::milliseconds(50);
@@ -177,7 +177,7 @@ void TemporaryFolder::deliver(const std::string& file, const std::string& target
         } else {
             applyMask(file);
         }
-        // Under the lock: an interruption comes before, or when the file is in its place.
+        // Under the lock, so that an interruption comes either before or after the rename.
         const std::lock_guard lock(state().mutex);
         if (state().interrupted) throw CommandError(ExitCode::Interrupted, "interrupted");
         fs::rename(fs::u8path(file), place);

@@ -1,6 +1,6 @@
-// Ctrl-C. While an InterruptGuard lives, the first one asks the library to cancel and lets the
-// command end in order; otherwise, and at the second one, the program removes its temporary files
-// and ends at once.
+// Ctrl-C. While an InterruptGuard exists, the first Ctrl-C cancels generations and the command ends
+// in the normal way. Without a guard, and at the second Ctrl-C, the program removes its temporary
+// files and ends at once.
 //
 // SPDX-License-Identifier: MIT
 #pragma once
@@ -15,14 +15,14 @@
 
 namespace cli {
 
-/// Starts to listen; to be called once, before any thread is started.
+/// Starts to listen for Ctrl-C; to be called once, before any thread is started.
 void listenForInterrupts();
 
 /// Throws the CommandError of an interruption when there was one.
 void throwIfInterrupted();
 bool isInterrupted();
 
-/// Marks a stretch that ends in order. With a generator, its generations are cancelled on Ctrl-C.
+/// Marks code that ends in the normal way on Ctrl-C. Generations of the generator are cancelled.
 class InterruptGuard {
 public:
     explicit InterruptGuard(RgenReportGenerator* generator = nullptr);
@@ -38,21 +38,20 @@ private:
     std::thread canceller_;
 };
 
-/// A stretch in which the program may wait for somebody else, such as the reader of a pipe: every
-/// Ctrl-C ends it at once, whatever guards there are. Throws the CommandError of an interruption
-/// that came before.
-class EndAtOnce {
+/// Marks code that may block, such as reading a pipe: any Ctrl-C ends the program at once, even
+/// with an InterruptGuard. The constructor throws the CommandError of an earlier interruption.
+class ImmediateInterrupt {
 public:
-    EndAtOnce();
-    ~EndAtOnce();
-    EndAtOnce(const EndAtOnce&) = delete;
-    EndAtOnce& operator=(const EndAtOnce&) = delete;
+    ImmediateInterrupt();
+    ~ImmediateInterrupt();
+    ImmediateInterrupt(const ImmediateInterrupt&) = delete;
+    ImmediateInterrupt& operator=(const ImmediateInterrupt&) = delete;
 
 private:
     int guards_;
 };
 
-/// A file that is removed when this goes, and when the program is interrupted, unless it is kept.
+/// A file that the destructor, or an interruption, removes unless keep() was called.
 class TemporaryFile {
 public:
     /// `path` is UTF-8; the file need not exist yet.
@@ -63,21 +62,20 @@ public:
 
     const std::string& path() const { return path_; }
 
-    /// Lets the file stay.
     void keep();
 
 private:
     std::string path_;
 };
 
-/// A new folder for files that are not finished, which goes with everything in it in the same way,
-/// or with a later run when the program is killed.
+/// A new folder for unfinished files. The destructor or an interruption removes it with its
+/// content; if the program is killed, a later run does.
 class TemporaryFolder {
 public:
-    /// In the system's folder for temporary files. Throws a CommandError.
+    /// Creates it in the system's folder for temporary files. Throws a CommandError.
     TemporaryFolder();
-    /// Beside `target`, so that a file in it can take that name in one step. Throws
-    /// std::system_error.
+    /// Creates it next to `target`, so that a file in it can be renamed to `target` in one step.
+    /// Throws std::system_error.
     explicit TemporaryFolder(const std::string& target);
     ~TemporaryFolder();
     TemporaryFolder(const TemporaryFolder&) = delete;
@@ -86,12 +84,12 @@ public:
     /// The UTF-8 path of a file in it.
     std::string file(const std::string& name) const { return folder_.file(name); }
 
-    /// Gives a file of this folder its final name, in place of a file or link that is there; the
-    /// rights of an older file stay. Throws a CommandError.
+    /// Renames a file of this folder to its final name and replaces a file or link of that name;
+    /// the rights of a replaced file are kept. Throws a CommandError.
     void deliver(const std::string& file, const std::string& target) const;
 
 private:
-    OwnFolder folder_;
+    PartFolder folder_;
 };
 
 }  // namespace cli

@@ -1,4 +1,4 @@
-// nlohmann-json behind a narrow door, so that few sources have to compile it.
+// Hides nlohmann-json, which takes long to compile.
 //
 // SPDX-License-Identifier: MIT
 #include "base/json_document.h"
@@ -53,8 +53,8 @@ void JsonDocument::set(const std::string& name, const std::vector<JsonDocument>&
 
 namespace {
 
-/// The same document without a character that steers a terminal or reorders what is seen; they are
-/// in texts only, where "\u009b" means the same.
+/// Escapes characters that control a terminal or change the writing direction. They occur in
+/// strings only, where "\u009b" means the same.
 std::string withoutSteering(const std::string& json) {
     std::string result;
     for (std::size_t i = 0; i < json.size();) {

@@ -1,4 +1,4 @@
-// The documents that --json prints: objects that keep the order of their members.
+// The documents that --json prints: objects whose members stay in the order of set().
 //
 // SPDX-License-Identifier: MIT
 #pragma once

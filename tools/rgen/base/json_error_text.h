@@ -1,4 +1,4 @@
-// What the JSON parser says about a mistake.
+// Error messages of the JSON parser.
 //
 // SPDX-License-Identifier: MIT
 #pragma once
@@ -7,8 +7,8 @@
 
 namespace cli {
 
-/// The parser's own words without its prefix, its place and the text that it read last, which need
-/// not be UTF-8: "syntax error while parsing value - unexpected end of input".
-std::string parserWords(const std::string& text);
+/// The message without its prefix, its position and the text that was read last, which may not be
+/// UTF-8: "syntax error while parsing value - unexpected end of input".
+std::string jsonErrorText(const std::string& text);
 
 }  // namespace cli

@@ -1,5 +1,5 @@
-// The lock file is the first thing in a folder and the last to go. An empty folder is either new,
-// and its owner then notices that it is gone, or what is left of an old one.
+// The lock file is created first in a folder and removed last. So an empty folder is either new,
+// and its owner notices when another run removes it, or the rest of an old one.
 //
 // SPDX-License-Identifier: MIT
 #include "base/part_folder.h"
@@ -11,7 +11,7 @@
 #include <system_error>
 #include <vector>
 
-#include "base/input_file.h"
+#include "base/paths.h"
 #include "base/safe_files.h"
 
 namespace cli {
@@ -44,7 +44,7 @@ bool isNameOfOurs(const fs::path& path) {
            name.find_first_not_of(letters, start.size()) == std::string::npos;
 }
 
-/// Everything in a folder but the lock.
+/// Removes everything in a folder but the lock file.
 std::vector<fs::path> contentsOf(const fs::path& folder) {
     std::vector<fs::path> entries;
     std::error_code failure;
@@ -55,14 +55,15 @@ std::vector<fs::path> contentsOf(const fs::path& folder) {
     return entries;
 }
 
-/// The lock stays when something else does: by it a later run sees that the folder is abandoned.
+/// The lock file stays if anything else does: it shows a later run that the folder is abandoned.
 void removeLocked(const std::string& folder, std::unique_ptr<FolderLock> lock) {
     std::error_code ignored;
     const fs::path path = fs::u8path(folder);
     for (const fs::path& entry : contentsOf(path))
         fs::remove_all(entry, ignored);
     if (!contentsOf(path).empty()) return;
-    // Before it is released where the system allows it, so that nobody takes it over meanwhile.
+    // Removed before it is released, where the system allows it, so that no other run takes it
+    // over.
     fs::remove(path / lockFileName, ignored);
     lock.reset();
     fs::remove(path / lockFileName, ignored);
@@ -71,7 +72,7 @@ void removeLocked(const std::string& folder, std::unique_ptr<FolderLock> lock) {
 
 void removeAbandoned(const fs::path& path) {
     const std::string folder = path.u8string();
-    if (!isOwnFolder(folder)) return;
+    if (!isPrivateFolder(folder)) return;
     std::unique_ptr<FolderLock> lock = FolderLock::takeOver(folder);
     std::error_code ignored;
     if (lock) {
@@ -81,7 +82,7 @@ void removeAbandoned(const fs::path& path) {
     }
 }
 
-/// Once for each place is enough for a run of many reports.
+/// Each folder is cleaned once only, also by a run that makes many reports.
 void removeLeftoversIn(const std::string& parent) {
     static std::set<std::string> places;
     if (!places.insert(parent).second) return;
@@ -96,12 +97,12 @@ void removeLeftoversIn(const std::string& parent) {
 
 }  // namespace
 
-OwnFolder::OwnFolder(const std::string& parent) {
+PartFolder::PartFolder(const std::string& parent) {
     removeLeftoversIn(parent);
     constexpr int mostAttempts = 100;
     for (int attempt = 0; attempt < mostAttempts; ++attempt) {
         const std::string path = joinedPath(parent, newName());
-        if (!makeOwnFolder(path)) continue;
+        if (!makePrivateFolder(path)) continue;
         try {
             lock_ = FolderLock::make(path);
         } catch (const std::system_error&) {
@@ -119,15 +120,15 @@ OwnFolder::OwnFolder(const std::string& parent) {
     throw std::system_error(std::make_error_code(std::errc::file_exists), parent);
 }
 
-OwnFolder::~OwnFolder() {
+PartFolder::~PartFolder() {
     remove();
 }
 
-std::string OwnFolder::file(const std::string& name) const {
+std::string PartFolder::file(const std::string& name) const {
     return joinedPath(path_, name);
 }
 
-void OwnFolder::remove() {
+void PartFolder::remove() {
     if (lock_) removeLocked(path_, std::move(lock_));
 }
 

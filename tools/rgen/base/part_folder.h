@@ -1,4 +1,4 @@
-// A folder for files that are not finished, beside the place where they will be.
+// A folder for unfinished files, next to the place where the finished ones will be.
 //
 // SPDX-License-Identifier: MIT
 #pragma once
@@ -10,16 +10,16 @@ namespace cli {
 
 class FolderLock;
 
-/// A new folder "rgen.part-..." that nobody else may enter, so that no one can plant links in it.
-/// It is locked while its owner lives: what killed runs left in the same place is removed first,
-/// what belongs to a living one stays.
-class OwnFolder {
+/// A new folder "rgen.part-..." that no other user may enter, so that nobody can plant links in it.
+/// It is locked while the object exists. The constructor first removes folders that killed runs
+/// left in the same place; those of running processes stay.
+class PartFolder {
 public:
     /// Makes the folder in `parent`. Throws std::system_error.
-    explicit OwnFolder(const std::string& parent);
-    ~OwnFolder();
-    OwnFolder(const OwnFolder&) = delete;
-    OwnFolder& operator=(const OwnFolder&) = delete;
+    explicit PartFolder(const std::string& parent);
+    ~PartFolder();
+    PartFolder(const PartFolder&) = delete;
+    PartFolder& operator=(const PartFolder&) = delete;
 
     /// The UTF-8 path of a file in it.
     std::string file(const std::string& name) const;

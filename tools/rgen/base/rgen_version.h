@@ -1,4 +1,4 @@
-// The version of rgen.
+// The version that rgen was built as.
 //
 // SPDX-License-Identifier: MIT
 #pragma once
@@ -8,6 +8,6 @@
 namespace cli {
 
 /// "1.2.3".
-std::string ownVersion();
+std::string rgenVersion();
 
 }  // namespace cli

@@ -34,7 +34,7 @@ std::string lockPath(const std::string& folder) {
     return folder + "/" + lockFileName;
 }
 
-/// A descriptor that is closed, and whose closing may fail like a write.
+/// Owns a descriptor. close() can fail like a write, so it is checked.
 class File {
 public:
     File(const std::string& path, int flags, mode_t mode = 0)
@@ -52,7 +52,7 @@ public:
         return fstat(descriptor_, &facts) == 0 && S_ISREG(facts.st_mode);
     }
 
-    /// Gives the owner what the umask has taken, and leaves the rights of others.
+    /// Restores the owner's rights that the umask removed; those of others stay.
     void openToOwner() const {
         constexpr mode_t needed = S_IRUSR | S_IWUSR;
         constexpr mode_t rights = 0777;
@@ -94,8 +94,8 @@ private:
     int descriptor_;
 };
 
-/// Locks without waiting. 0, or the reason why not. The lock belongs to this process alone: one of
-/// the other kind would live on in a child that is about to start a program.
+/// Locks without waiting; returns 0 or an errno. A POSIX lock, because a flock() lock would stay
+/// alive in a forked child until it starts its program.
 int lockNow(int file) {
     struct flock whole = {};
     whole.l_type = F_WRLCK;
@@ -106,8 +106,8 @@ int lockNow(int file) {
     return 0;
 }
 
-/// The identities of the folders that this process has locked. A lock does not keep the process
-/// itself out, and opening and closing the file once more would release it.
+/// The identities of the folders that this process has locked. POSIX locks do not exclude the
+/// process itself, and opening and closing the file again would release the lock.
 struct OwnFolders {
     std::mutex mutex;
     std::set<std::string> identities;
@@ -133,7 +133,7 @@ std::string markLocked(const std::string& folder) {
 
 constexpr std::size_t longestMachineName = 64;
 
-/// What no other running system has; empty when it cannot be told.
+/// Identifies the running system since its last start; empty when unknown.
 std::string machineName() {
     std::ifstream file("/proc/sys/kernel/random/boot_id");
     std::string name;
@@ -141,7 +141,7 @@ std::string machineName() {
     return name.substr(0, longestMachineName);
 }
 
-/// Without it the folder is never taken for abandoned, which does no harm.
+/// Errors are ignored: without the text the folder is never taken for abandoned.
 void writeMachineName(int file) {
     const std::string name = machineName();
     if (pwrite(file, name.data(), name.size(), 0) < 0) return;
@@ -167,12 +167,12 @@ bool hasName(int file) {
 
 }  // namespace
 
-bool makeOwnFolder(const std::string& path) {
+bool makePrivateFolder(const std::string& path) {
     if (mkdir(path.c_str(), S_IRWXU) != 0) {
         if (errno == EEXIST) return false;
         fail(path, errno);
     }
-    // Nobody else knows the name yet.
+    // No other process knows the name yet.
     const bool isCut = (currentMask() & S_IRWXU) != 0;
     if (!isCut || chmod(path.c_str(), S_IRWXU) == 0) return true;
     const int reason = errno;
@@ -180,7 +180,7 @@ bool makeOwnFolder(const std::string& path) {
     fail(path, reason);
 }
 
-bool isOwnFolder(const std::string& path) {
+bool isPrivateFolder(const std::string& path) {
     struct stat facts = {};
     return lstat(path.c_str(), &facts) == 0 && S_ISDIR(facts.st_mode) && facts.st_uid == geteuid();
 }
@@ -223,7 +223,7 @@ void flushFile(const std::string& path) {
 
 void writeIntoSpecialFile(const std::string& path, std::string_view bytes) {
     File file(path, O_WRONLY);
-    // An ordinary file that has come in its place would be cut by a failure.
+    // A regular file that has replaced it would be truncated by a failed write.
     if (file.isOrdinary()) fail(path, EEXIST);
     file.write(bytes);
     file.finish();
@@ -261,14 +261,14 @@ std::unique_ptr<FolderLock> FolderLock::make(const std::string& folder) {
     state->file = open(path.c_str(), O_RDWR | O_CREAT | O_EXCL | O_NOFOLLOW | O_CLOEXEC, forOwner);
     if (state->file < 0 && errno == ENOENT) return nullptr;
     if (state->file < 0) fail(path, errno);
-    static_cast<void>(fchmod(state->file, forOwner));  // What cannot be opened is not taken over.
+    static_cast<void>(fchmod(state->file, forOwner));  // A file that cannot be opened is kept.
     const int reason = lockNow(state->file);
     const bool isTaken = reason == EAGAIN || (reason == 0 && !hasName(state->file));
     if (isTaken) {
         unlink(path.c_str());
         return nullptr;
     }
-    // The file stays where it cannot be locked: an empty folder counts as abandoned.
+    // The file stays even if it cannot be locked: an empty folder is taken for abandoned.
     if (reason == 0) writeMachineName(state->file);
     state->ownFolder = markLocked(folder);
     return std::unique_ptr<FolderLock>(new FolderLock(std::move(state)));

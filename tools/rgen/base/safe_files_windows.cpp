@@ -31,7 +31,7 @@ fs::path lockPath(const std::string& folder) {
     return fs::u8path(folder) / lockFileName;
 }
 
-/// A handle that is closed, and whose closing may fail like a write.
+/// Owns a handle. Closing can fail like a write, so it is checked.
 class File {
 public:
     File(const std::string& path, DWORD access, DWORD sharing, DWORD creation)
@@ -76,13 +76,13 @@ private:
     HANDLE handle_;
 };
 
-/// Nobody else may open the file while the handle is there.
+/// No other process can open the file while the handle is open.
 HANDLE openAlone(const fs::path& path, DWORD creation) {
     return CreateFileW(path.c_str(), GENERIC_READ | GENERIC_WRITE, 0, nullptr, creation,
                        FILE_ATTRIBUTE_NORMAL | FILE_FLAG_OPEN_REPARSE_POINT, nullptr);
 }
 
-/// Empty when it cannot be told.
+/// Empty when unknown.
 std::string machineName() {
     DWORD size = 0;
     GetComputerNameExW(ComputerNamePhysicalDnsHostname, nullptr, &size);
@@ -94,7 +94,7 @@ std::string machineName() {
     return fs::path(name).u8string();
 }
 
-/// Without it the folder is never taken for abandoned, which does no harm.
+/// Errors are ignored: without the text the folder is never taken for abandoned.
 void writeMachineName(HANDLE file) {
     const std::string name = machineName();
     DWORD size = 0;
@@ -111,14 +111,14 @@ bool isOfThisMachine(HANDLE file) {
 
 }  // namespace
 
-/// A folder takes the rights of the one that holds it.
-bool makeOwnFolder(const std::string& path) {
+/// A new folder inherits the rights of its parent folder.
+bool makePrivateFolder(const std::string& path) {
     if (CreateDirectoryW(fs::u8path(path).c_str(), nullptr) != 0) return true;
     if (GetLastError() == ERROR_ALREADY_EXISTS) return false;
     fail(path, GetLastError());
 }
 
-bool isOwnFolder(const std::string& path) {
+bool isPrivateFolder(const std::string& path) {
     const DWORD facts = GetFileAttributesW(fs::u8path(path).c_str());
     return facts != INVALID_FILE_ATTRIBUTES && (facts & FILE_ATTRIBUTE_DIRECTORY) != 0 &&
            (facts & FILE_ATTRIBUTE_REPARSE_POINT) == 0;
@@ -145,14 +145,14 @@ void flushFile(const std::string& path) {
 
 void writeIntoSpecialFile(const std::string& path, std::string_view bytes) {
     File file(path, GENERIC_WRITE, FILE_SHARE_READ | FILE_SHARE_WRITE, OPEN_EXISTING);
-    // An ordinary file that has come in its place would be cut by a failure.
+    // A regular file that has replaced it would be truncated by a failed write.
     if (file.isOrdinary()) fail(path, ERROR_FILE_EXISTS);
     file.write(bytes);
     file.finish();
 }
 
 bool isFullDisk(const std::error_code& failure) {
-    // The C++ library's own functions report by its numbers, the others by those of Windows.
+    // Functions of the C++ library report errno values, all others Windows error codes.
     if (failure.category() != std::system_category())
         return failure == std::errc::no_space_on_device;
     const int reason = failure.value();
@@ -173,7 +173,7 @@ std::optional<std::string> fileIdentity(const std::string& path) {
            ":" + std::to_string(facts.nFileIndexLow);
 }
 
-/// Letter case does not count, nor do points and blanks at the end.
+/// Windows ignores letter case, and dots and blanks at the end.
 std::string comparableName(const std::string& name) {
     std::wstring letters = fs::u8path(name).wstring();
     letters.erase(letters.find_last_not_of(L". ") + 1);

@@ -1,4 +1,4 @@
-// Optimal string alignment distance over the words that a message could mean.
+// Uses the optimal string alignment distance.
 //
 // SPDX-License-Identifier: MIT
 #include "base/suggestion.h"
@@ -12,7 +12,7 @@ char lower(char letter) {
     return letter >= 'A' && letter <= 'Z' ? static_cast<char>(letter - 'A' + 'a') : letter;
 }
 
-/// One third of a word may be wrong, one letter always.
+/// One third of the letters may be wrong, and at least one letter.
 std::size_t largestDistance(std::string_view word) {
     return std::max<std::size_t>(1, word.size() / 3);
 }

@@ -9,14 +9,14 @@
 
 namespace cli {
 
-/// Number of letters to insert, remove, replace or swap with their neighbour to get from one word
-/// to the other; letter case does not count.
+/// Number of letters to insert, remove, replace or swap with their neighbour to turn one word into
+/// the other; letter case is ignored.
 std::size_t editDistance(std::string_view one, std::string_view other);
 
-/// The nearest of the known words, or the empty text when none is near enough to be meant.
+/// The nearest of the known words, or the empty text when none is near enough.
 std::string nearestWord(std::string_view word, const std::vector<std::string>& known);
 
-/// `did you mean "..."?` for the nearest known word, otherwise `fallback`.
+/// Returns `did you mean "..."?` with the nearest known word, or `fallback` when there is none.
 std::string didYouMean(std::string_view word, const std::vector<std::string>& known,
                        const std::string& fallback);
 

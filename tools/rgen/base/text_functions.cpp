@@ -1,5 +1,3 @@
-// Small things about words.
-//
 // SPDX-License-Identifier: MIT
 #include "base/text_functions.h"
 
@@ -29,6 +27,10 @@ std::string lowerCase(std::string text) {
         if (letter >= 'A' && letter <= 'Z') letter = static_cast<char>(letter - 'A' + 'a');
     }
     return text;
+}
+
+std::string countText(std::uint64_t count, const std::string& word) {
+    return std::to_string(count) + " " + word + (count == 1 ? "" : "s");
 }
 
 }  // namespace cli

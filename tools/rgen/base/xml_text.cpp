@@ -1,4 +1,4 @@
-// References in XML content: the named ones, and numbers in decimal and hexadecimal.
+// References in XML content: named, decimal and hexadecimal ones.
 //
 // SPDX-License-Identifier: MIT
 #include "base/xml_text.h"
@@ -8,7 +8,6 @@
 #include <cstdio>
 #include <string_view>
 
-#include "base/input_file.h"
 #include "text/utf8.h"
 
 namespace cli {
@@ -35,13 +34,13 @@ bool isXmlCharacter(std::uint32_t character) {
     return !isSurrogate && character <= 0x10FFFF && character != 0xFFFE && character != 0xFFFF;
 }
 
-/// The number of bytes at the start of `text` that are one character of XML, 0 when there is none.
+/// The length of the valid XML character at the start of `text`, 0 when there is none.
 std::size_t fitLength(std::string_view text) {
     const std::size_t length = tools::sequenceLength(text);
     return length != 0 && isXmlCharacter(tools::codePoint(text.substr(0, length))) ? length : 0;
 }
 
-/// The character of "#65" or "#x41"; one that XML cannot hold is none.
+/// The character of "#65" or "#x41"; nothing for one that XML does not allow.
 std::optional<std::string> numericReference(std::string_view name) {
     const bool isHex = name.size() > 1 && name[1] == 'x';
     std::string digits(name.substr(isHex ? 2 : 1));
@@ -66,7 +65,7 @@ std::optional<std::string> referencedText(std::string_view name) {
     return std::nullopt;
 }
 
-/// The name between "&" at `ampersand` and the next ";", empty when that is no reference.
+/// The name between "&" at `ampersand` and the next ";", empty when it is not a reference.
 std::string_view referenceName(std::string_view content, std::size_t ampersand) {
     const std::size_t end = content.find_first_of("; \t\r\n&<", ampersand + 1);
     if (end == std::string_view::npos || content[end] != ';') return {};
@@ -98,7 +97,7 @@ std::string escapedPlainAmpersands(const std::string& text) {
     return content;
 }
 
-std::string withoutReferences(const std::string& content) {
+std::string unescaped(const std::string& content) {
     std::string text;
     for (std::size_t i = 0; i < content.size();) {
         const std::string_view name =
@@ -117,7 +116,7 @@ bool hasPlainAmpersand(const std::string& content) {
     return false;
 }
 
-std::optional<UnfitCharacter> findUnfitCharacter(const std::string& text) {
+std::optional<InvalidCharacter> findInvalidCharacter(const std::string& text) {
     const std::string_view whole = text;
     for (std::size_t i = 0; i < text.size();) {
         const std::size_t length = fitLength(whole.substr(i));
@@ -131,14 +130,14 @@ std::optional<UnfitCharacter> findUnfitCharacter(const std::string& text) {
                 std::snprintf(name, sizeof name, "U+%04X",
                               static_cast<unsigned>(tools::codePoint(whole.substr(i, bytes))));
             }
-            return UnfitCharacter{i, name};
+            return InvalidCharacter{i, name};
         }
         i += length;
     }
     return std::nullopt;
 }
 
-std::string withoutUnfitCharacters(const std::string& text) {
+std::string withInvalidCharactersReplaced(const std::string& text) {
     constexpr const char* replacement = "\xEF\xBF\xBD";
     const std::string_view whole = text;
     std::string fit;
@@ -152,8 +151,7 @@ std::string withoutUnfitCharacters(const std::string& text) {
     return fit;
 }
 
-/// Whatever stands before the next ";", blanks and further "&" included, is what libxml2 takes for
-/// the name.
+/// libxml2 takes everything before the next ";" as the name, including blanks and further "&".
 std::optional<std::string> findUnknownReference(const std::string& content) {
     for (std::size_t i = content.find('&'); i != std::string::npos; i = content.find('&', i + 1)) {
         const std::size_t end = content.find(';', i + 1);

@@ -8,6 +8,8 @@
 
 #include "base/input_file.h"
 #include "base/interruption.h"
+#include "base/paths.h"
+#include "base/text_functions.h"
 #include "commands/commands.h"
 #include "data/batch_file.h"
 #include "data/data_file.h"
@@ -19,16 +21,16 @@
 namespace cli {
 namespace {
 
-/// The whole run: what all lines share, and what has become of them.
+/// The whole run: what all lines share, and the results so far.
 class Batch {
 public:
     Batch(const Arguments& arguments, Console& console)
         : arguments_(arguments),
           console_(console),
-          surroundings_{generator_, openDataDirectory(arguments.dataDir), console,
-                        arguments.values.raw} {
-        addDataDirectoryFiles(surroundings_.directory, surroundings_.inputs);
-        generator_.setDataDir(surroundings_.directory.folder);
+          context_{generator_, openDataDirectory(arguments.dataDir), console,
+                   arguments.values.raw} {
+        addDataDirectoryFiles(context_.directory, context_.inputs);
+        generator_.setDataDir(context_.directory.folder);
     }
 
     void run();
@@ -49,10 +51,10 @@ private:
     const Arguments& arguments_;
     Console& console_;
     Generator generator_;
-    ReportSurroundings surroundings_;
-    /// The data files whose "@FILE" are known.
+    ReportContext context_;
+    /// The data files whose "@FILE" paths have been added to the inputs.
     std::set<std::string> dataFiles_;
-    /// The lines whose output is that of an earlier one.
+    /// The lines with the same output as an earlier line.
     std::set<std::size_t> repeatedOutputs_;
     std::vector<JsonDocument> reports_;
     /// "batch.ndjson:17: item-17.html: ..."
@@ -72,22 +74,22 @@ void Batch::makeOne(const BatchLine& line, std::size_t number, JsonDocument& rep
         throw usageError(line.report.output + ": an earlier line writes the same file",
                          "name another output");
     }
-    ReportOrder order;
-    order.type = findReportType(surroundings_.directory, line.type);
-    recoverForReading(surroundings_.directory, order.type, console_);
-    order.arguments = line.report;
+    ReportRequest request;
+    request.type = findReportType(context_.directory, line.type);
+    recoverForReading(context_.directory, request.type, console_);
+    request.arguments = line.report;
     {
-        const EndAtOnce whilePipesWait;
-        order.input = collectInput(line.values, generator_, console_);
+        const ImmediateInterrupt whileWaitingForPipes;
+        request.input = collectInput(line.values, generator_, console_);
     }
     for (const Value& value : line.set)
-        order.input.values.add(value);
+        request.input.values.add(value);
     for (const Value& pair : line.pairs)
-        order.input.pairs.add(pair);
-    noteLosses(order.input, arguments_.values.raw, console_);
-    const ReportOutcome outcome = makeReport(surroundings_, order);
+        request.input.pairs.add(pair);
+    noteLosses(request.input, arguments_.values.raw, console_);
+    const ReportResult result = makeReport(context_, request);
     report.set("ok", true);
-    describeReport(order, outcome, console_, report);
+    describeReport(request, result, console_, report);
 }
 
 void Batch::fail(std::size_t line, const std::string& output, const CommandError& error,
@@ -100,7 +102,7 @@ void Batch::fail(std::size_t line, const std::string& output, const CommandError
 }
 
 BatchLine Batch::readWholeLine(const std::string& text, std::size_t line) const {
-    const EndAtOnce whilePipesWait;
+    const ImmediateInterrupt whileWaitingForPipes;
     return readBatchLine(text, line, arguments_);
 }
 
@@ -111,10 +113,10 @@ void Batch::runLine(const std::string& text, std::size_t line, std::size_t numbe
     std::string output;
     console_.beginNotes(placeOf(line) + " ");
     try {
-        const BatchLine order = readWholeLine(text, line);
-        output = order.report.output;
+        const BatchLine batchLine = readWholeLine(text, line);
+        output = batchLine.report.output;
         console_.progress(std::to_string(number) + "/" + std::to_string(all) + " " + output);
-        makeOne(order, line, report);
+        makeOne(batchLine, line, report);
     } catch (const CommandError& error) {
         if (error.exitCode == ExitCode::Interrupted) throw;
         fail(line, output, error, report);
@@ -131,34 +133,34 @@ void Batch::runLine(const std::string& text, std::size_t line, std::size_t numbe
 
 void Batch::addInputs(const BatchLine& line, const std::vector<std::string>& filesNamed) {
     for (const std::string& file : filesNamed)
-        surroundings_.inputs.add(file);
+        context_.inputs.add(file);
     for (const std::string& file : line.values.data) {
-        surroundings_.inputs.add(file);
+        context_.inputs.add(file);
         if (!dataFiles_.insert(file).second) continue;
         for (const std::string& named : filesNamedIn(file))
-            surroundings_.inputs.add(named);
+            context_.inputs.add(named);
     }
-    if (namesCatalogueFile(line.report.lang)) surroundings_.inputs.add(line.report.lang);
+    if (namesCatalogueFile(line.report.lang)) context_.inputs.add(line.report.lang);
 }
 
 void Batch::addInputsOfOptions() {
-    if (arguments_.batch != "-") surroundings_.inputs.add(arguments_.batch);
+    if (arguments_.batch != "-") context_.inputs.add(arguments_.batch);
     std::vector<std::string> files;
-    ValueReading reading;
+    ValueReadOptions reading;
     reading.filesNamed = &files;
     try {
         for (const std::string& assignment : arguments_.values.set)
             readAssignment(assignment, "--set", reading);
     } catch (const CommandError&) {
-        // Every line fails in its turn.
+        // Each line reports it when it is run.
     }
     for (const std::string& file : files)
-        surroundings_.inputs.add(file);
+        context_.inputs.add(file);
 }
 
-/// Before anything is written: no report may take the place of what this or another line reads, or
-/// of a file whose name is the beginning of its own. What "@FILE" names is not opened: a pipe can
-/// be read once. Where reports end up is found out here, too: each changes what links lead to.
+/// Runs before anything is written: no report may replace a file that any line reads. Files named
+/// by "@FILE" are not opened, because a pipe can be read only once. Outputs are resolved here as
+/// well, because each written report can change where links point.
 void Batch::requireOtherFiles(const std::vector<std::pair<std::size_t, std::string>>& lines) {
     std::vector<std::pair<std::string, std::string>> outputs;
     std::set<std::string> places;
@@ -173,7 +175,7 @@ void Batch::requireOtherFiles(const std::vector<std::pair<std::size_t, std::stri
             const bool isNew = isSpecialFile(output) || places.insert(placeWritten(output)).second;
             if (!isNew) repeatedOutputs_.insert(number);
         } catch (const CommandError&) {
-            // The line fails in its turn.
+            // The line reports it when it is run.
         }
     }
     for (const auto& [place, output] : outputs) {
@@ -181,7 +183,7 @@ void Batch::requireOtherFiles(const std::vector<std::pair<std::size_t, std::stri
             throw usageError(place + " \"output\" has a zero character", "take out \\u0000");
         }
         try {
-            requireOtherFile(surroundings_.inputs, output);
+            requireOtherFile(context_.inputs, output);
         } catch (const CommandError& error) {
             throw CommandError(error.exitCode, place + " " + error.what(), error.hint);
         }

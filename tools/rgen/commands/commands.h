@@ -1,5 +1,5 @@
-// The commands. Each does its work and fills the document that --json prints; it raises a
-// CommandError when it cannot.
+// The functions of the commands. Each fills the document that --json prints and throws a
+// CommandError when it fails. front/command_table.cpp names them.
 //
 // SPDX-License-Identifier: MIT
 #pragma once

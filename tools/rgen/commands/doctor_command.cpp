@@ -1,4 +1,4 @@
-// rgen doctor: looks at everything that a report needs and says what to do about what is missing.
+// rgen doctor: checks everything that a report needs and advises on what is missing.
 //
 // SPDX-License-Identifier: MIT
 #include <algorithm>
@@ -9,8 +9,9 @@
 #include <system_error>
 
 #include "base/host_system.h"
-#include "base/input_file.h"
+#include "base/paths.h"
 #include "base/rgen_version.h"
+#include "base/text_functions.h"
 #include "base/xml_text.h"
 #include "commands/commands.h"
 #include "data/config_check.h"
@@ -78,11 +79,11 @@ void writeFile(const std::string& path, const std::string& content) {
 void checkLibrary(Checks& checks) {
     const LoadedLibrary library = loadedLibrary();
     const std::string text = library.version + " (" + library.path + ")";
-    if (library.version == ownVersion()) {
+    if (library.version == rgenVersion()) {
         checks.add("library", Result::Fine, text);
     } else {
         checks.add("library", Result::Note,
-                   text + "; rgen is " + ownVersion() + ", install both of one version");
+                   text + "; rgen is " + rgenVersion() + ", install both of one version");
     }
 }
 
@@ -105,7 +106,7 @@ bool makesReport(std::string& found) {
     Value value;
     value.name = "Check";
     value.content = "fine";
-    Request request;
+    LibraryRequest request;
     request.setValues({value});
     request.record.templateGuid = findReportType({folder}, guid).guid;
     ReportOutput output({folder + "/check.txt", Delivery::File, false, ""});
@@ -185,7 +186,7 @@ void checkType(const DataDirectory& directory, const ReportType& type, Checks& c
     checkPersistentData(directory, type, checks);
 }
 
-/// Returns whether there is a data directory that can be looked at.
+/// Returns whether there is a data directory to check.
 bool openDirectory(const Arguments& arguments, Checks& checks, DataDirectory& directory) {
     directory = namedDataDirectory(arguments.dataDir);
     requireAccess(directory.configPath());
@@ -220,7 +221,7 @@ void checkDirectory(const Arguments& arguments, Checks& checks) {
     }
 }
 
-/// What a program prints, and its exit code; -1 when it cannot be started or does not end.
+/// Output and exit code of a program; -1 when it cannot be started or does not end.
 int outputOf(const fs::path& program, const std::string& argument, std::string& output) {
     constexpr std::chrono::milliseconds slice{100};
     constexpr int slices = 900;
@@ -230,7 +231,7 @@ int outputOf(const fs::path& program, const std::string& argument, std::string& 
     request.program = program;
     request.arguments = {argument};
     request.outputFile = fs::u8path(folder.file("output.txt"));
-    // What an interrupted converter leaves goes with this folder.
+    // Removed with everything that an interrupted converter leaves in it.
     for (const char* variable : {"TMPDIR", "TMP", "TEMP"})
         request.environment[variable] = request.outputFile.parent_path().u8string();
     int code = -1;
@@ -254,7 +255,7 @@ int outputOf(const fs::path& program, const std::string& argument, std::string& 
     return code;
 }
 
-/// The converter says itself with which engine it converts a test page.
+/// The output of the converter names the engine that converted its test page.
 void checkConverter(Checks& checks) {
     const std::optional<fs::path> converter = tools::findProgram("vellum");
     if (!converter) {

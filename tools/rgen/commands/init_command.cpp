@@ -1,4 +1,4 @@
-// rgen init: a data directory that works, out of the files that rgen carries along.
+// rgen init: writes a working data directory from files that are embedded in the program.
 //
 // SPDX-License-Identifier: MIT
 #include <algorithm>
@@ -7,8 +7,8 @@
 #include <memory>
 #include <system_error>
 
-#include "base/input_file.h"
 #include "base/interruption.h"
+#include "base/paths.h"
 #include "base/safe_files.h"
 #include "commands/commands.h"
 #include "commands/embedded_files.h"
@@ -64,7 +64,7 @@ private:
     std::vector<std::unique_ptr<TemporaryFile>> files_;
 };
 
-/// A path as a word of a command line.
+/// A path quoted for a command line.
 std::string argument(const std::string& path) {
     const bool isPlain = std::all_of(path.begin(), path.end(), [](char letter) {
         constexpr std::string_view plain = "_./\\:-+@%";

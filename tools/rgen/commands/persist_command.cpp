@@ -1,5 +1,5 @@
-// rgen persist: the library replaces the whole set, so "set" and "unset" read, merge and write
-// back, under a lock. What was stored is read again, so that nothing gets lost unsaid.
+// rgen persist: the library replaces the whole set, so "set" and "unset" read, merge and write back
+// under a lock. The stored values are read again, so that every lost text is reported.
 //
 // SPDX-License-Identifier: MIT
 #include <algorithm>
@@ -7,9 +7,10 @@
 #include <map>
 #include <optional>
 
-#include "base/input_file.h"
 #include "base/interruption.h"
+#include "base/paths.h"
 #include "base/suggestion.h"
+#include "base/text_functions.h"
 #include "base/xml_text.h"
 #include "commands/commands.h"
 #include "data/persistent_store.h"
@@ -32,14 +33,14 @@ public:
         type_ = findReportType(directory_, arguments.type);
     }
 
-    /// To be called before data is only read.
+    /// To be called before reading without a lock.
     void recover() { recoverForReading(directory_, type_, console_); }
 
-    /// To be called before data is read that is to be changed: nobody else changes it from here on.
+    /// To be called before reading data that will be changed: no other run changes it from here on.
     void lock() {
         requireStore();
         lock_.emplace(path(), console_);
-        putKeptDataBack(path(), console_);
+        restoreKeptData(path(), console_);
     }
 
     Generator& generator() { return generator_; }
@@ -58,9 +59,9 @@ public:
         fail(status);
     }
 
-    /// Stores exactly these values, after the library has written and read them beside the file;
-    /// whatever goes wrong, the old file stays. Says what of `wanted` the library did not keep as
-    /// it was; returns the number of stored values.
+    /// Stores exactly these values. The library first writes and reads them next to the file; after
+    /// any failure the old file is unchanged. Notes which values of `wanted` the library changed;
+    /// returns the number of stored values.
     std::size_t write(const ValueSet& values, const ValueSet& wanted) {
         const InterruptGuard guard;
         const StagedStore stage(path(), type_.guid, type_.guidText);
@@ -94,7 +95,7 @@ private:
         return exists(path());
     }
 
-    /// The configuration names a file for the report type, and what has its name can be replaced.
+    /// Requires that the configuration names a file and that this is a regular file or missing.
     void requireStore() const {
         if (type_.persistDataFile.empty()) {
             RgenStatus status = RGEN_OK;
@@ -108,7 +109,7 @@ private:
             "move it away, or name another file in \"" + directory_.configPath() + "\"");
     }
 
-    /// The texts of what the library wrote, as a report would read them.
+    /// The texts that the library wrote, as a report would read them.
     std::map<std::string, std::string> checked(const StagedStore& stage) const {
         const std::string damage = stage.damage();
         if (!damage.empty()) {
@@ -124,7 +125,7 @@ private:
         return stored;
     }
 
-    /// The library reads what it can of a damaged file; writing that back would lose the rest.
+    /// The library reads only a part of a damaged file; writing that back would lose the rest.
     void requireUndamaged() const {
         requireReadable(path());
         const std::string damage = damageOf(path());
@@ -143,7 +144,8 @@ private:
         throw generator_.failure(isUnknown ? directory_.configPath() : path(), status, advice);
     }
 
-    /// The library does not say why it cannot create a file; the folder of the stage is writable.
+    /// The library does not report why it cannot create a file. The folder is writable, so the disk
+    /// is full.
     [[noreturn]] void failToStage(RgenStatus status) const {
         if (status != RGEN_E_CREATE_PERSIST) fail(status);
         CommandError error = generator_.failure(
@@ -156,10 +158,10 @@ private:
         const std::string name = "\"" + shortened(wanted.name) + "\": the library stor";
         const auto found = stored.find(wanted.name);
         if (found != stored.end()) {
-            const std::string text = withoutReferences(wanted.content);
+            const std::string text = unescaped(wanted.content);
             if (wanted.type != RGEN_TYPE_STRING || found->second == text) return;
-            console_.note(name + "ed \"" + shortened(withoutReferences(found->second)) +
-                          "\" instead of \"" + shortened(withoutReferences(text)) + "\"");
+            console_.note(name + "ed \"" + shortened(unescaped(found->second)) +
+                          "\" instead of \"" + shortened(unescaped(text)) + "\"");
         } else if (trimmed(wanted.name).empty()) {
             console_.note(name + "es no value without a name");
         } else {
@@ -174,7 +176,7 @@ private:
     std::optional<StoreLock> lock_;
 };
 
-/// Values as they came from the library, ready to be stored again as they are.
+/// Escapes values that the library returned, so that storing them again does not change them.
 ValueSet storedAgain(std::vector<Value> values) {
     ValueSet set;
     for (Value& value : values) {
@@ -184,8 +186,8 @@ ValueSet storedAgain(std::vector<Value> values) {
     return set;
 }
 
-/// What the library would store and read only a part of is refused. A name stands in an attribute,
-/// where a character takes up to six bytes of what is read.
+/// Refuses values that the library would store but read only in part. A name is stored in an
+/// attribute, where a character can take six bytes.
 void requireStorable(const Value& value) {
     constexpr std::size_t longestText = 10000000;
     constexpr std::size_t longestName = 1000000;
@@ -196,38 +198,36 @@ void requireStorable(const Value& value) {
     }
     // Bytes are stored as a hex dump, which has three characters for each.
     const bool isText = value.type == RGEN_TYPE_STRING;
-    const std::size_t size =
-        isText ? withoutReferences(value.content).size() : 3 * value.bytes.size();
+    const std::size_t size = isText ? unescaped(value.content).size() : 3 * value.bytes.size();
     if (size <= longestText) return;
     throw usageError(name + "persistent texts hold at most 10,000,000 bytes" +
                          (isText ? ", \"&\" counted as \"&amp;\"" : ", each byte counted as three"),
                      "shorten it");
 }
 
-/// An unknown reference makes the file no XML, and of such a file no other value is read whole. One
-/// that appears when the file is read does the same to a report. Only raw texts have them.
+/// An unknown reference makes the file invalid XML and damages all other values. One that appears
+/// only after reading does the same to a report. Only raw texts can contain them.
 void requireKnownReferences(const Value& value, bool raw) {
     std::optional<std::string> unknown = findUnknownReference(value.content);
-    if (!unknown && raw) unknown = findUnknownReference(withoutReferences(value.content));
+    if (!unknown && raw) unknown = findUnknownReference(unescaped(value.content));
     if (!unknown) return;
     throw usageError("\"" + shortened(value.name) + "\": persistent data cannot hold \"" +
                          shortened(*unknown) + "\"",
                      "write \"&amp;amp;\" for a plain \"&\", or leave out --raw");
 }
 
-/// `text` as XML can hold it, with a note when that is not all of it. Of the blanks at its edges,
-/// which the library cuts when it reads, XML cannot hold all either.
+/// Replaces characters that XML does not allow, with a note. White space at the edges, which the
+/// library removes anyway, can contain such characters too.
 std::string storable(const std::string& text, const std::string& subject, Console& console) {
-    if (!findUnfitCharacter(text)) return text;
+    if (!findInvalidCharacter(text)) return text;
     const std::string inner = trimmed(text);
-    const std::optional<UnfitCharacter> unfit = findUnfitCharacter(inner);
+    const std::optional<InvalidCharacter> unfit = findInvalidCharacter(inner);
     console.note(subject + (unfit ? ": characters that XML cannot hold, such as " + unfit->name +
                                         ", are stored as U+FFFD"
                                   : ": blanks at its edges are cut"));
-    return withoutUnfitCharacters(inner);
+    return withInvalidCharactersReplaced(inner);
 }
 
-/// What stands in the file for the text is XML that any reader takes.
 void makeStorable(Value& value, bool raw, Console& console) {
     value.content = storable(value.content, "\"" + shortened(value.name) + "\"", console);
     requireKnownReferences(value, raw);
@@ -236,14 +236,14 @@ void makeStorable(Value& value, bool raw, Console& console) {
 
 /// The name as the library stores it.
 void makeNameStorable(Value& value, Console& console) {
-    const std::string name = withoutUnfitCharacters(trimmed(value.name));
+    const std::string name = withInvalidCharactersReplaced(trimmed(value.name));
     if (name == value.name || name.empty()) return;
     console.note("\"" + shortened(value.name) + "\": the library stored it as \"" +
                  shortened(name) + "\"");
     value.name = name;
 }
 
-/// The new values of the arguments. Texts are escaped a second time, since they are read twice.
+/// The new values from the arguments. Texts are escaped a second time, because they are read twice.
 ValueSet newValues(const Arguments& arguments, PersistentData& data, Console& console) {
     ReportInput input = collectInput(arguments.values, data.generator(), console);
     addAssignments(arguments.operands, "value", arguments.values.raw, input.values);
@@ -259,12 +259,12 @@ ValueSet newValues(const Arguments& arguments, PersistentData& data, Console& co
     return set;
 }
 
-/// The library reads no value without a text, so that setting one would remove what is there.
+/// The library ignores values without a text, so setting one would remove the existing value.
 void requireTexts(const ValueSet& values) {
     for (const auto& [name, value] : values.values()) {
         const bool isText = value.type == RGEN_TYPE_STRING;
         const bool isBytes = value.type == RGEN_TYPE_BYTE_ARRAY;
-        if ((!isText || !trimmed(withoutReferences(value.content)).empty()) &&
+        if ((!isText || !trimmed(unescaped(value.content)).empty()) &&
             (!isBytes || !value.bytes.empty())) {
             continue;
         }
@@ -316,7 +316,7 @@ ExitCode runPersistGet(const Arguments& arguments, Console& console, JsonDocumen
     std::map<std::string, std::string> texts;
     for (const std::string& name : names) {
         const std::string& content = findValue(values, name).content;
-        texts[name] = arguments.values.raw ? content : withoutReferences(content);
+        texts[name] = arguments.values.raw ? content : unescaped(content);
     }
     data.describeType(document);
     JsonDocument object;

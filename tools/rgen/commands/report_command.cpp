@@ -3,6 +3,7 @@
 // SPDX-License-Identifier: MIT
 #include <chrono>
 
+#include "base/text_functions.h"
 #include "commands/commands.h"
 #include "data/persistent_store.h"
 #include "report/report_generation.h"
@@ -25,11 +26,11 @@ void checkTogether(const Arguments& arguments) {
     }
 }
 
-void showData(const Arguments& arguments, const Generator& generator, const ReportOrder& order,
+void showData(const Arguments& arguments, const Generator& generator, const ReportRequest& request,
               Console& console, JsonDocument& document) {
-    const std::vector<ShownValue> values = shownValues(generator, order.type, order.input);
+    const std::vector<ValueRow> values = valueRows(generator, request.type, request.input);
     if (!arguments.json) {
-        const std::string table = shownTable(values);
+        const std::string table = valueTable(values);
         if (arguments.report.output == "-") {
             console.plain(table.substr(0, table.size() - 1));
         } else {
@@ -38,30 +39,30 @@ void showData(const Arguments& arguments, const Generator& generator, const Repo
         return;
     }
     std::vector<JsonDocument> rows;
-    for (const ShownValue& shown : values) {
+    for (const ValueRow& shown : values) {
         JsonDocument row;
         row.set("name", shown.value.name);
         row.set("source", shown.value.source);
-        row.set("hint", hintWord(shown.value));
+        row.set("hint", hintName(shown.value));
         row.set("text", shown.text);
         rows.push_back(std::move(row));
     }
     document.set("data", rows);
 }
 
-void showTiming(double input, double total, const ReportOutcome& outcome, bool json,
-                Console& console, JsonDocument& document) {
+void showTiming(double input, double total, const ReportResult& result, bool json, Console& console,
+                JsonDocument& document) {
     if (!json) {
         console.plain("rgen: timing: input " + millisecondsText(input) + ", generate " +
-                      millisecondsText(outcome.generateMilliseconds) + ", verify " +
-                      millisecondsText(outcome.deliverMilliseconds) + ", total " +
+                      millisecondsText(result.generateMilliseconds) + ", verify " +
+                      millisecondsText(result.deliverMilliseconds) + ", total " +
                       millisecondsText(total));
         return;
     }
     JsonDocument timing;
     timing.set("input", input);
-    timing.set("generate", outcome.generateMilliseconds);
-    timing.set("verify", outcome.deliverMilliseconds);
+    timing.set("generate", result.generateMilliseconds);
+    timing.set("verify", result.deliverMilliseconds);
     timing.set("total", total);
     document.set("timing", timing);
 }
@@ -76,23 +77,23 @@ ExitCode runReport(const Arguments& arguments, Console& console, JsonDocument& d
         return std::chrono::duration<double, std::milli>(Clock::now() - start).count();
     };
     Generator generator;
-    ReportSurroundings surroundings{generator, openDataDirectory(arguments.dataDir), console,
-                                    arguments.values.raw};
-    addDataDirectoryFiles(surroundings.directory, surroundings.inputs);
-    generator.setDataDir(surroundings.directory.folder);
-    const ReportType type = findReportType(surroundings.directory, arguments.type);
-    recoverForReading(surroundings.directory, type, console);
-    const ReportOrder order{type, arguments.report,
-                            collectInput(arguments.values, generator, console)};
-    noteLosses(order.input, arguments.values.raw, console);
+    ReportContext context{generator, openDataDirectory(arguments.dataDir), console,
+                          arguments.values.raw};
+    addDataDirectoryFiles(context.directory, context.inputs);
+    generator.setDataDir(context.directory.folder);
+    const ReportType type = findReportType(context.directory, arguments.type);
+    recoverForReading(context.directory, type, console);
+    const ReportRequest request{type, arguments.report,
+                                collectInput(arguments.values, generator, console)};
+    noteLosses(request.input, arguments.values.raw, console);
     const double input = passed();
-    if (arguments.showData) showData(arguments, generator, order, console, document);
-    const ReportOutcome outcome = makeReport(surroundings, order);
-    describeReport(order, outcome, console, document);
+    if (arguments.showData) showData(arguments, generator, request, console, document);
+    const ReportResult result = makeReport(context, request);
+    describeReport(request, result, console, document);
     if (arguments.timing) {
-        showTiming(input, passed(), outcome, arguments.json, console, document);
+        showTiming(input, passed(), result, arguments.json, console, document);
     }
-    console.say(outputName(order.arguments.output) + ": " + countText(outcome.bytes, "byte"));
+    console.say(outputName(request.arguments.output) + ": " + countText(result.bytes, "byte"));
     return ExitCode::Done;
 }
 

@@ -1,4 +1,4 @@
-// rgen types: what a data directory offers.
+// rgen types: lists the report types of a data directory.
 //
 // SPDX-License-Identifier: MIT
 #include <filesystem>

@@ -1,4 +1,4 @@
-// rgen --version: the version that rgen was built as, and what the loaded library says of itself.
+// rgen --version: the versions of rgen and of the loaded library.
 //
 // SPDX-License-Identifier: MIT
 #include "base/host_system.h"
@@ -7,18 +7,13 @@
 
 namespace cli {
 
-std::string ownVersion() {
-    return std::to_string(RGEN_VERSION_MAJOR) + "." + std::to_string(RGEN_VERSION_MINOR) + "." +
-           std::to_string(RGEN_VERSION_PATCH);
-}
-
 ExitCode runVersion(const Arguments& arguments, JsonDocument& document) {
     const LoadedLibrary library = loadedLibrary();
-    document.set("rgen", ownVersion());
+    document.set("rgen", rgenVersion());
     document.set("library", library.version);
     document.set("path", library.path);
     if (arguments.json) return ExitCode::Done;
-    printLines("rgen " + ownVersion() + "\nstrata_repgenlib " + library.version + " (" +
+    printLines("rgen " + rgenVersion() + "\nstrata_repgenlib " + library.version + " (" +
                library.path + ")\n");
     return ExitCode::Done;
 }

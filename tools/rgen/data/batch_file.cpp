@@ -1,4 +1,4 @@
-// A line is a JSON object; its members take the place of options.
+// A line is a JSON object whose members replace options of the command line.
 //
 // SPDX-License-Identifier: MIT
 #include "data/batch_file.h"
@@ -17,14 +17,14 @@
 namespace cli {
 namespace {
 
-/// Members keep their order: of two values of one name the later counts.
+/// Members keep their order: if a name occurs twice, the last value is used.
 using Json = nlohmann::ordered_json;
 
 const std::vector<std::string> members = {"output", "format", "type", "data", "set",
                                           "pair",   "lang",   "mode", "base"};
 
-/// Builds the object of a line. The parser's own way would forget members that are given twice, and
-/// the digits of a number that does not fit.
+/// Builds the object of a line. The parser's own handler would lose repeated members and the digits
+/// of a number that does not fit.
 class LineEvents : public nlohmann::json_sax<Json> {
 public:
     bool null() override { return add(nullptr); }
@@ -49,12 +49,12 @@ public:
     bool parse_error(std::size_t place, const std::string&,
                      const nlohmann::detail::exception& error) override {
         offset = place == 0 ? 0 : place - 1;
-        failure = parserWords(error.what());
+        failure = jsonErrorText(error.what());
         return false;
     }
 
     Json object;
-    /// Members that are given more than once, each after the member that it is in.
+    /// Repeated members, each as a pair of the enclosing member and its name.
     std::set<std::pair<std::string, std::string>> repeated;
     /// What is wrong with the text, and where.
     std::string failure;
@@ -122,7 +122,7 @@ private:
         throw usageError(place_ + " " + message, hint);
     }
 
-    /// Of a text or a file that is named twice nobody can tell which is meant.
+    /// A member of the line itself must not be given twice.
     void requireOnce() const {
         for (const auto& [parent, name] : repeated_) {
             if (parent.empty())
@@ -140,7 +140,7 @@ private:
     std::string textOf(const std::string& name, const Json& value) const {
         if (!value.is_string()) fail("\"" + name + "\" must be a text", "put it in quotes");
         std::string text = value.get<std::string>();
-        // The system would end a name there. An output like that ends the whole run.
+        // The system would cut the name there. For an output this ends the whole run, elsewhere.
         if (name != "output" && text.find('\0') != std::string::npos) {
             fail("\"" + name + "\" has a zero character", "take out \\u0000");
         }
@@ -190,7 +190,7 @@ private:
              "put it in quotes");
     }
 
-    /// The digits of a number that is no 64-bit integer.
+    /// The digits of a number that is not a 64-bit integer.
     std::string digitsOf(const std::string& member, const std::string& name,
                          const Json& value) const {
         const std::string digits(value.get_binary().begin(), value.get_binary().end());
@@ -202,7 +202,7 @@ private:
     void takeValues(const std::string& member, const Json& object, std::vector<Value>& target) {
         if (!object.is_object())
             fail("\"" + member + "\" must be an object", "write { \"NAME\": ... }");
-        ValueReading reading;
+        ValueReadOptions reading;
         reading.raw = raw_;
         reading.source = member == "set" ? "\"set\"" : "\"pair\"";
         reading.filesNamed = filesNamed_;
@@ -218,7 +218,7 @@ private:
             const std::string written = member == "set" ? name : name + ":text";
             try {
                 target.push_back(readValue(written, text, isNumber ? "int" : "text", reading));
-                // Values that are added twice are noted, as those of a data file.
+                // Adding the value twice makes ValueSet note the repeated name.
                 if (repeated_.count({member, name}) > 0) target.push_back(target.back());
             } catch (const CommandError& error) {
                 throw CommandError(error.exitCode, place_ + " \"" + name + "\": " + error.what(),

@@ -12,7 +12,7 @@
 
 namespace cli {
 
-/// One line with what the command line adds to it.
+/// One line, completed with the options of the command line.
 struct BatchLine {
     std::optional<std::string> type;
     ReportArguments report;
@@ -22,7 +22,7 @@ struct BatchLine {
 };
 
 /// Reads one line. Throws a CommandError that begins with the file and the line. With `filesNamed`
-/// the files of "@FILE" are put there instead of being opened.
+/// the paths of "@FILE" are added there and the files are not opened.
 BatchLine readBatchLine(const std::string& text, std::size_t line, const Arguments& arguments,
                         std::vector<std::string>* filesNamed = nullptr);
 

@@ -1,5 +1,5 @@
-// The elements of a configuration in the order in which the library looks for them: config,
-// reportTypes, type, two file names.
+// Checks the elements in the order in which the library reads them: config, reportTypes, type, two
+// file names.
 //
 // SPDX-License-Identifier: MIT
 #include "data/config_check.h"
@@ -33,7 +33,7 @@ bool isElement(const xmlNode* node) {
     return node->type == XML_ELEMENT_NODE;
 }
 
-/// What is wrong with the text of a GUID, which is not that of a good one.
+/// Says why the text is not a valid GUID.
 std::string guidMistake(const std::string& guid) {
     const std::string subject = "the guid " + quoted(guid) + " ";
     const std::size_t bad = guid.find_first_not_of("0123456789abcdefABCDEF-");
@@ -55,7 +55,7 @@ public:
 
     void run() {
         checkForm();
-        const Owned<xmlDoc> document = readDocument(path_);
+        const XmlPtr<xmlDoc> document = readDocument(path_);
         xmlNode* const root = document ? xmlDocGetRootElement(document.get()) : nullptr;
         if (root != nullptr) checkRoot(root);
         std::stable_sort(
@@ -81,7 +81,7 @@ private:
         add(xmlGetLineNo(node), text, advice, isError);
     }
 
-    /// The library takes what it can read of a file that is no XML.
+    /// The library reads a file that is not well-formed as far as possible.
     void checkForm() {
         const std::string damage = damageOf(path_);
         if (damage.empty()) return;
@@ -94,7 +94,7 @@ private:
             "correct it; until then the library takes what it can read");
     }
 
-    /// False for an element that has another name than the library looks for.
+    /// False for an element whose name the library does not know.
     bool hasName(const xmlNode* node, const std::string& wanted) {
         const std::string name = nameOf(node->name);
         if (name != wanted) return false;
@@ -103,8 +103,8 @@ private:
         return false;
     }
 
-    /// The children of this name. The others are mistakes when they are meant to be it, or when
-    /// there is none of it.
+    /// The children with this name. Others are mistakes if they look like a misspelt one or if
+    /// there is no child of this name.
     std::vector<xmlNode*> children(xmlNode* parent, const std::string& wanted) {
         std::vector<xmlNode*> found;
         std::vector<xmlNode*> others;
@@ -175,7 +175,7 @@ private:
             /*isError=*/false);
     }
 
-    /// The library takes these two in any letter case.
+    /// The library accepts these two in any letter case.
     void checkFileName(xmlNode* type, const char* wanted) {
         xmlNode* found = nullptr;
         xmlNode* meant = nullptr;
@@ -199,7 +199,7 @@ private:
 
     const std::string& path_;
     std::vector<std::pair<long, ConfigMistake>> mistakes_;
-    /// Where each GUID was first.
+    /// The line where each GUID occurred first.
     std::map<std::string, long> lines_;
 };
 

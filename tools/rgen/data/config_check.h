@@ -1,5 +1,4 @@
-// What an author has got wrong in a configuration. The library passes over such entries without a
-// word.
+// Finds mistakes in a configuration file. The library ignores such entries without a message.
 //
 // SPDX-License-Identifier: MIT
 #pragma once
@@ -12,9 +11,9 @@ namespace cli {
 struct ConfigMistake {
     /// "case/.rgen/config.xml:4: the guid ... has braces".
     std::string text;
-    /// What to write.
+    /// The correction.
     std::string advice;
-    /// An entry that is not used, or not as it is written; otherwise only doubtful.
+    /// The library ignores the entry or reads it differently; false for a doubtful entry.
     bool isError = true;
 };
 
@@ -22,7 +21,7 @@ struct ConfigMistake {
 /// file cannot be read.
 std::vector<ConfigMistake> configurationMistakes(const std::string& path);
 
-/// The first mistake that is an error and what to do about it, in one line; empty without one.
+/// The first mistake that is an error, with its correction, in one line; empty when there is none.
 std::string firstMistake(const std::string& path);
 
 }  // namespace cli

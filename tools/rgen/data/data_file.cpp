@@ -1,5 +1,5 @@
-// JSON data files are read as a stream of events, since only the stream still knows the line, the
-// column and every digit of a number. Doors: readDataFile, readJsonValues.
+// JSON data files are read as a stream of parser events, because only the stream has line, column
+// and all digits of a number. Entry points: readDataFile, readJsonValues.
 //
 // SPDX-License-Identifier: MIT
 #include "data/data_file.h"
@@ -14,6 +14,7 @@
 #include "base/console.h"
 #include "base/input_file.h"
 #include "base/json_error_text.h"
+#include "base/paths.h"
 #include "base/xml_text.h"
 #include "data/xml_documents.h"
 #include "library/generator.h"
@@ -23,7 +24,7 @@ namespace {
 
 using nlohmann::json;
 
-/// Reads the text and keeps its place where the events see it.
+/// An iterator over the text that makes its position visible to the event handler.
 class CountingIterator {
 public:
     // NOLINTBEGIN(readability-identifier-naming): names that the standard library looks for.
@@ -57,7 +58,7 @@ private:
 
 class ValueEvents : public nlohmann::json_sax<json> {
 public:
-    ValueEvents(const std::string& text, const std::string& place, const ValueReading& reading)
+    ValueEvents(const std::string& text, const std::string& place, const ValueReadOptions& reading)
         : furthest(text.data()), text_(text), place_(place), reading_(reading) {}
 
     bool null() override { return noValue("null is"); }
@@ -93,12 +94,12 @@ public:
     bool parse_error(std::size_t offset, const std::string&,
                      const nlohmann::detail::exception& error) override {
         throw usageError(
-            at(offset == 0 ? 0 : offset - 1) + "not JSON: " + parserWords(error.what()),
+            at(offset == 0 ? 0 : offset - 1) + "not JSON: " + jsonErrorText(error.what()),
             "correct the file");
     }
 
     std::vector<Value> values;
-    /// Behind the last character that the parser has read.
+    /// After the last character that the parser has read.
     const char* furthest;
 
 private:
@@ -110,8 +111,8 @@ private:
         return std::min(static_cast<std::size_t>(furthest - text_.data()), text_.size());
     }
 
-    /// The start of the token that was just read: a text up to its opening quote, another token
-    /// over its characters.
+    /// The start of the token that was just read: the opening quote of a text, the first character
+    /// of any other token.
     std::size_t start(char quote) const {
         std::size_t end = offsetOfFurthest();
         if (quote == '"') {
@@ -181,7 +182,7 @@ private:
 
     const std::string& text_;
     const std::string& place_;
-    const ValueReading& reading_;
+    const ValueReadOptions& reading_;
     bool isOpen_ = false;
     std::string name_;
     std::size_t nameStart_ = 0;
@@ -192,7 +193,7 @@ bool looksLikeXml(const std::string& content) {
     return first != std::string::npos && content[first] == '<';
 }
 
-/// Names the properties of a file that are not among the values that the library took from it.
+/// Notes the properties of a file that the library skipped.
 void noteSkipped(const std::string& path, const std::set<std::string>& taken, Console& console) {
     std::string skipped;
     std::size_t count = 0;
@@ -230,7 +231,7 @@ std::vector<Value> readSimulatedInput(const std::string& path, Generator& genera
 }  // namespace
 
 std::vector<Value> readJsonValues(const std::string& text, const std::string& place,
-                                  const ValueReading& reading) {
+                                  const ValueReadOptions& reading) {
     ValueEvents events(text, place, reading);
     const char* const start = text.data();
     const CountingIterator first(start, &events.furthest);
@@ -248,12 +249,12 @@ std::vector<std::string> filesNamedIn(const std::string& path) {
     try {
         const std::string content = readInputFile(path, {});
         if (looksLikeXml(content)) return files;
-        ValueReading reading;
+        ValueReadOptions reading;
         reading.folder = folderOf(path);
         reading.filesNamed = &files;
         readJsonValues(content, path, reading);
     } catch (const CommandError&) {
-        // Whoever reads the values says what is wrong.
+        // The error is reported when the values are read.
     }
     return files;
 }
@@ -262,7 +263,7 @@ std::vector<Value> readDataFile(const std::string& path, bool raw, Generator& ge
                                 Console& console) {
     const std::string content = readInputFile(path, "check the path given to --data");
     if (path != "-" && looksLikeXml(content)) return readSimulatedInput(path, generator, console);
-    ValueReading reading;
+    ValueReadOptions reading;
     reading.raw = raw;
     reading.source = path == "-" ? "standard input" : path;
     reading.folder = path == "-" ? "." : folderOf(path);

@@ -24,6 +24,6 @@ std::vector<std::string> filesNamedIn(const std::string& path);
 
 /// The values of a JSON text; `place` names it in messages.
 std::vector<Value> readJsonValues(const std::string& text, const std::string& place,
-                                  const ValueReading& reading);
+                                  const ValueReadOptions& reading);
 
 }  // namespace cli

@@ -1,4 +1,4 @@
-// New persistent data: locked, staged by the library, checked, renamed.
+// The steps of a change: lock, let the library write, check, rename.
 //
 // SPDX-License-Identifier: MIT
 #include "data/persistent_store.h"
@@ -13,8 +13,8 @@
 
 #include "base/command_error.h"
 #include "base/console.h"
-#include "base/input_file.h"
 #include "base/interruption.h"
+#include "base/paths.h"
 #include "base/safe_files.h"
 #include "data/xml_documents.h"
 
@@ -25,8 +25,8 @@ namespace fs = std::filesystem;
 
 constexpr const char* keptEnding = ".kept";
 
-/// The file itself where the configured name is a link to it, whether the file exists or not: the
-/// link stays, and all who use the file share one lock.
+/// Resolves links, also to a file that does not exist yet: the link stays, and all users of the
+/// file share one lock.
 fs::path placeOf(const std::string& path) {
     constexpr int mostLinks = 40;
     fs::path place = fs::u8path(path);
@@ -41,14 +41,14 @@ fs::path placeOf(const std::string& path) {
     return place;
 }
 
-/// The first bytes of a text, without a part of a character.
+/// The first bytes of a text, cut at a character boundary.
 std::string startOf(const std::string& text, std::size_t size) {
     while (size > 0 && (static_cast<unsigned char>(text[size]) & 0xC0U) == 0x80U)
         --size;
     return text.substr(0, size);
 }
 
-/// The same for every build, since they share the lock.
+/// A fixed hash function: different builds of rgen share the lock.
 std::string hashOf(std::string_view text) {
     constexpr std::uint64_t prime = 0x100000001B3U;
     std::uint64_t hash = 0xCBF29CE484222325U;
@@ -59,7 +59,7 @@ std::string hashOf(std::string_view text) {
     return digits;
 }
 
-/// File systems take names of 255 bytes; a longer one than fits with the ending is cut.
+/// File names have at most 255 bytes, so the name of the lock is shortened if necessary.
 fs::path lockFileOf(const std::string& path) {
     constexpr std::size_t longest = 200;
     const fs::path place = placeOf(path);
@@ -72,9 +72,9 @@ std::string folderAdvice(const std::string& path) {
     return "check the rights of the folder \"" + folderOf(path) + "\" and the room on the disk";
 }
 
-/// The data directory that the library writes in.
+/// The temporary data directory that the library writes to.
 void makeStage(const std::string& folder, const std::string& guidText) {
-    makeOwnFolder(folder);
+    makePrivateFolder(folder);
     writeNewFile(joinedPath(folder, "config.xml"),
                  "<config><reportTypes><type guid=\"" + guidText +
                      "\"><persistDataFile>data.xml</persistDataFile>"
@@ -88,8 +88,7 @@ CommandError failure(const std::string& message, const std::system_error& error,
             message + ": " + error.code().message(), advice};
 }
 
-/// What is left where a lock file should be keeps others out when it is a link or a folder, or a
-/// file without rights for them.
+/// A link, a folder or a file without access rights in place of the lock file blocks every run.
 CommandError withoutLock(const fs::path& lockFile, const std::system_error& error) {
     const std::string path = lockFile.u8string();
     const std::error_code& code = error.code();
@@ -102,7 +101,7 @@ CommandError withoutLock(const fs::path& lockFile, const std::system_error& erro
                    isInTheWay ? "remove it when no rgen runs" : folderAdvice(path));
 }
 
-/// Something that is there can be read and is XML.
+/// Tells whether the file exists, can be read and is XML.
 bool isWhole(const std::string& path) {
     if (!exists(path)) return false;
     requireReadable(path);
@@ -148,7 +147,7 @@ std::string StagedStore::inside(const std::string& name) const {
     return stage_.file(".rgen/" + name);
 }
 
-/// Its owner can read the file and change it, whatever the mask takes away: it is read at once.
+/// The owner can read and change the file, whatever the umask, because rgen reads it right after.
 RgenStatus StagedStore::write(const std::vector<Value>& values) const {
     const RgenStatus status = generator_.setPersistentData(guid_, values);
     std::error_code ignored;
@@ -174,7 +173,7 @@ void StagedStore::deliver() const {
     }
 }
 
-void putKeptDataBack(const std::string& path, Console& console) {
+void restoreKeptData(const std::string& path, Console& console) {
     const std::string kept = path + keptEnding;
     if (!exists(kept)) return;
     std::error_code failure;
@@ -195,10 +194,10 @@ void recoverPersistentData(const DataDirectory& directory, const ReportType& typ
                            Console& console) {
     const std::string path = directory.path(type.persistDataFile);
     if (type.persistDataFile.empty() || !exists(path + keptEnding)) return;
-    // What is left of a run that ended after its last step disturbs nobody who reads.
+    // Left by a run that ended after its last step; it does not affect readers.
     if (isWhole(path)) return;
     const StoreLock lock(path, console);
-    putKeptDataBack(path, console);
+    restoreKeptData(path, console);
 }
 
 void recoverForReading(const DataDirectory& directory, const ReportType& type, Console& console) {

@@ -1,10 +1,10 @@
-// The persistent data file of a report type, as processes that run at once and processes that are
-// killed leave it: whole, with the old values or with the new ones.
+// The persistent data file of a report type. Concurrent and killed processes leave it complete,
+// with the old values or with the new ones.
 //
-// The library removes the file and writes it anew under its configured name. So rgen lets it write
-// in a data directory of its own, in a folder "rgen.part-...", reads what came of it, and gives it
-// the file's name in one step. Readers need no lock for that; who reads, merges and writes holds
-// the lock "<file>.lock".
+// The library deletes the file and writes a new one under its configured name. So rgen lets it
+// write in a temporary data directory inside a folder "rgen.part-...", reads the result, and
+// renames it in one step. Readers need no lock; a run that reads, merges and writes holds the lock
+// "<file>.lock".
 //
 // SPDX-License-Identifier: MIT
 #pragma once
@@ -21,31 +21,30 @@ namespace cli {
 
 class Console;
 
-/// Keeps other processes from changing the persistent data file.
+/// Prevents other rgen processes from changing the persistent data file.
 class StoreLock {
 public:
-    /// Waits until the lock is free; a note says so after a second. Throws a CommandError when
-    /// there can be no lock, and when the waiting is interrupted.
+    /// Waits until the lock is free and notes that after a second. Throws a CommandError when
+    /// locking is not possible or the wait is interrupted.
     StoreLock(const std::string& path, Console& console);
 
 private:
     FileLock lock_;
 };
 
-/// What the library makes of values, in a folder beside the file that they are meant for. The
-/// folder goes with it.
+/// New persistent data in a temporary folder next to its file. The destructor removes the folder.
 class StagedStore {
 public:
-    /// Throws a CommandError when there can be no folder.
+    /// Throws a CommandError when the folder cannot be created.
     StagedStore(const std::string& path, const RgenGuid& guid, const std::string& guidText);
 
     RgenStatus write(const std::vector<Value>& values) const;
     std::vector<Value> read(RgenStatus& status) const;
 
-    /// What is wrong with the file; empty when it is whole.
+    /// What is wrong with the file; empty when it is well-formed.
     std::string damage() const;
 
-    /// Replaces the persistent data file. Throws a CommandError, and the old file stays then.
+    /// Replaces the persistent data file. Throws a CommandError; the old file is unchanged then.
     void deliver() const;
 
 private:
@@ -57,16 +56,16 @@ private:
     Generator generator_;
 };
 
-/// An earlier rgen kept the old data aside ("<file>.kept") while the library wrote. Of a run of it
-/// that was killed the data comes back, with a note, unless the file is whole. The caller holds the
-/// lock. Throws a CommandError when the data cannot come back.
-void putKeptDataBack(const std::string& path, Console& console);
+/// An earlier version of rgen renamed the old data to "<file>.kept" while the library wrote. If
+/// such a run was killed, restores that file, with a note, unless the current file is well-formed.
+/// The caller holds the lock. Throws a CommandError when the data cannot be restored.
+void restoreKeptData(const std::string& path, Console& console);
 
-/// The same without a lock, which is taken when there is something to put back.
+/// The same for a caller without the lock; takes it if there is something to restore.
 void recoverPersistentData(const DataDirectory& directory, const ReportType& type,
                            Console& console);
 
-/// The same for those who only read: data that cannot come back is noted.
+/// The same for commands that only read: data that cannot be restored is only noted.
 void recoverForReading(const DataDirectory& directory, const ReportType& type, Console& console);
 
 }  // namespace cli

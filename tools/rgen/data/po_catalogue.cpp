@@ -1,5 +1,5 @@
-// A reader of PO files: entries of keywords and quoted texts, one below the other. Comments,
-// contexts and flags are skipped; of plural forms the first counts.
+// Reads PO files: entries of keywords and quoted texts. Comments, contexts and flags are skipped;
+// of plural forms the first is used.
 //
 // SPDX-License-Identifier: MIT
 #include "data/po_catalogue.h"
@@ -23,7 +23,7 @@ public:
         if (text_.compare(0, 3, "\xEF\xBB\xBF") == 0) at_ = 3;
     }
 
-    /// Reads on to the next keyword; false at the end.
+    /// Reads up to the next keyword; returns false at the end.
     bool next() {
         for (;;) {
             skipBlanks();
@@ -115,8 +115,8 @@ std::string replaceAll(const std::string& text, char letter, const char* replace
     return result;
 }
 
-/// "]]>" ends a section that was never begun, also when the template has the first of the three.
-/// Sections that the text begins and ends stay.
+/// Escapes a "]]>" that does not end a CDATA section of the text itself, also if the template
+/// contributes its first characters.
 std::string withoutSectionEnds(const std::string& text) {
     constexpr std::string_view start = "<![CDATA[";
     constexpr std::string_view end = "]]>";
@@ -137,9 +137,9 @@ std::string withoutSectionEnds(const std::string& text) {
     return result;
 }
 
-/// A translation becomes a part of the template. What looks like markup is meant as markup only if
-/// the original text has markup, too. What would leave the template no XML is escaped in any case:
-/// the library takes what it can of such a template, without the references further down.
+/// A translation is inserted into the template. Markup in it is treated as markup only if the
+/// original contains markup as well. Characters that would make the template invalid XML are always
+/// escaped: the library would read such a template without the references after them.
 std::string asMarkup(const std::string& original, const std::string& translation) {
     const auto isInOriginal = [&original](const std::string& markup) {
         return original.find(markup) != std::string::npos;
@@ -149,13 +149,13 @@ std::string asMarkup(const std::string& original, const std::string& translation
     if (!isInOriginal("<")) markup = replaceAll(markup, '<', "&lt;");
     if (!isInOriginal("<") && !isInOriginal(">")) markup = replaceAll(markup, '>', "&gt;");
     markup = withoutSectionEnds(markup);
-    // A marker in an attribute stands between single quotes, and has no "<".
+    // A marker in an attribute is between single quotes and contains no "<".
     if (!isInOriginal("'") && !isInOriginal("<")) markup = replaceAll(markup, '\'', "&#39;");
     return markup;
 }
 
-/// Where the original has no markup, nothing of the translation is left that could be a mistake. An
-/// original with half of an element is not well-formed itself, nor is what stands for it.
+/// Without markup in the original everything in the translation is escaped. If the original is not
+/// well-formed itself (half of an element), the translation need not be either.
 std::string wellFormedMarkup(const std::string& original, const std::string& translation,
                              const PoReader& reader) {
     std::string markup = asMarkup(original, translation);
@@ -167,7 +167,7 @@ std::string wellFormedMarkup(const std::string& original, const std::string& tra
     return markup;
 }
 
-/// The header is the translation of the empty text; a catalogue in another encoding is refused.
+/// The header is the translation of the empty text. Encodings other than UTF-8 are refused.
 void checkHeader(const std::string& header, const PoReader& reader) {
     constexpr std::string_view mark = "charset=";
     const std::size_t at = header.find(mark);
@@ -181,24 +181,23 @@ void checkHeader(const std::string& header, const PoReader& reader) {
     reader.failAtKeyword("the catalogue is in " + charset + " instead of UTF-8");
 }
 
-/// A template with such a character is no XML, and its author is the one who can tell what was
-/// meant.
+/// Such a character would make the template invalid XML, and only the author knows what was meant.
 void requireFitCharacters(const std::string& translation, const PoReader& reader) {
-    const std::optional<UnfitCharacter> unfit = findUnfitCharacter(translation);
+    const std::optional<InvalidCharacter> unfit = findInvalidCharacter(translation);
     if (unfit) reader.failAtKeyword("the translation holds " + unfit->name + ", which XML cannot");
 }
 
 }  // namespace
 
-void Catalogue::addRaw(const std::string& original, const std::string& translation,
-                       const std::string& place) {
+void PoCatalogue::addRaw(const std::string& original, const std::string& translation,
+                         const std::string& place) {
     texts_[original] = translation;
     const std::string mistake = mistakeInContent(translation);
     if (mistake.empty()) return;
     if (mistakes_++ == 0) firstMistake_ = place + ": " + mistake;
 }
 
-void Catalogue::noteMistakes(Console& console) const {
+void PoCatalogue::noteMistakes(Console& console) const {
     if (mistakes_ == 0) return;
     const char* const are = mistakes_ == 1 ? " translation is" : " translations are";
     console.note(
@@ -206,7 +205,7 @@ void Catalogue::noteMistakes(Console& console) const {
         " not well-formed, and with --raw a part of the template may be lost: " + firstMistake_);
 }
 
-Catalogue::Catalogue(const std::string& path, bool raw, Console& console) : path_(path) {
+PoCatalogue::PoCatalogue(const std::string& path, bool raw, Console& console) : path_(path) {
     const std::string content = readInputFile(path, pathHint);
     if (!isPlainUtf8(content)) {
         throw usageError(path + ": the catalogue is not valid UTF-8", "convert it with msgconv");
@@ -237,7 +236,7 @@ Catalogue::Catalogue(const std::string& path, bool raw, Console& console) : path
     noteMistakes(console);
 }
 
-const std::string* Catalogue::find(const std::string& text) const {
+const std::string* PoCatalogue::find(const std::string& text) const {
     const auto found = texts_.find(text);
     return found == texts_.end() ? nullptr : &found->second;
 }

@@ -14,14 +14,14 @@ namespace cli {
 
 class Console;
 
-class Catalogue {
+class PoCatalogue {
 public:
     /// Reads a PO file. Throws a CommandError with line and column, also for a translation with
-    /// characters that XML cannot hold. Unless `raw` is set, "&", "<", ">" and "'" in a translation
-    /// are escaped, each unless the original has it, too; "]]>" and an "&" that starts no reference
-    /// are escaped even then. Throws one, too, for a translation with markup that is not
-    /// well-formed: the library would take what it can of the template. With `raw` it is noted.
-    Catalogue(const std::string& path, bool raw, Console& console);
+    /// characters that XML does not allow. Unless `raw` is set, "&", "<", ">" and "'" in a
+    /// translation are escaped if the original does not contain them; "]]>" and an "&" that does
+    /// not begin a reference are always escaped. A translation with markup that is not well-formed
+    /// is an error, because the library would drop parts of the template; with `raw` it is noted.
+    PoCatalogue(const std::string& path, bool raw, Console& console);
 
     const std::string& path() const { return path_; }
 
@@ -39,18 +39,18 @@ private:
     std::unordered_map<std::string, std::string> texts_;
 };
 
-/// What the library calls for each marked text; also notes which had no translation.
+/// The translate callback of the library; records the texts without a translation.
 class Translator {
 public:
-    explicit Translator(const Catalogue& catalogue) : catalogue_(catalogue) {}
+    explicit Translator(const PoCatalogue& catalogue) : catalogue_(catalogue) {}
 
-    /// The callback; its context is a Translator.
+    /// `context` is a Translator.
     static const char* RGEN_CALL translate(const char* text, void* context);
 
     const std::vector<std::string>& untranslated() const { return untranslated_; }
 
 private:
-    const Catalogue& catalogue_;
+    const PoCatalogue& catalogue_;
     std::vector<std::string> untranslated_;
     std::set<std::string> seen_;
 };

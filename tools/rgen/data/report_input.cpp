@@ -1,5 +1,3 @@
-// Data files first, options after them.
-//
 // SPDX-License-Identifier: MIT
 #include "data/report_input.h"
 
@@ -14,8 +12,8 @@
 namespace cli {
 namespace {
 
-ValueReading readingFor(const std::string& source, bool raw) {
-    ValueReading reading;
+ValueReadOptions readingFor(const std::string& source, bool raw) {
+    ValueReadOptions reading;
     reading.raw = raw;
     reading.source = source;
     return reading;
@@ -23,7 +21,7 @@ ValueReading readingFor(const std::string& source, bool raw) {
 
 bool losesAmpersand(const std::string& content, Readings readings) {
     return hasPlainAmpersand(content) ||
-           (readings == Readings::Twice && hasPlainAmpersand(withoutReferences(content)));
+           (readings == Readings::Twice && hasPlainAmpersand(unescaped(content)));
 }
 
 void notePlainAmpersands(const ValueSet& values, Readings readings, Console& console) {

@@ -1,4 +1,4 @@
-// All values of a request, from every place that the arguments name.
+// Collects the values of a request from all sources that the arguments name.
 //
 // SPDX-License-Identifier: MIT
 #pragma once
@@ -17,11 +17,11 @@ struct ReportInput {
     ValueSet pairs;
 };
 
-/// Reads the data files, then the options, so that options win.
+/// Reads the data files first, then the options, so that options take precedence.
 ReportInput collectInput(const ValueArguments& arguments, Generator& generator, Console& console);
 
-/// Notes names that were given more than once and, with `raw`, texts in which a plain "&" is lost.
-/// Those of persistent data are read twice before a report shows them.
+/// Notes names that were given more than once and, with `raw`, texts that lose a plain "&".
+/// Persistent data is read twice before a report shows it.
 enum class Readings { Once, Twice };
 void noteLosses(const ReportInput& input, bool raw, Console& console,
                 Readings readings = Readings::Once);

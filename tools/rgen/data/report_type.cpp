@@ -1,5 +1,4 @@
-// What rgen knows of a data directory is what its files say; the library reads them anew for each
-// report.
+// rgen reads the files of a data directory itself; the library reads them again for each report.
 //
 // SPDX-License-Identifier: MIT
 #include "data/report_type.h"
@@ -12,7 +11,7 @@
 #include "base/command_error.h"
 #include "base/file_set.h"
 #include "base/guid_text.h"
-#include "base/input_file.h"
+#include "base/paths.h"
 #include "base/suggestion.h"
 #include "base/text_functions.h"
 #include "data/config_check.h"
@@ -46,7 +45,7 @@ std::vector<std::string> namesOf(const std::vector<ReportType>& types) {
     return names;
 }
 
-/// "de", "pt-BR", "zh_Hant": two or three letters, and more behind a mark.
+/// "de", "pt-BR", "zh_Hant": two or three letters, and more after a separator.
 bool looksLikeLanguage(const std::string& text) {
     const std::size_t end = std::min(text.find_first_of("-_@"), text.size());
     const auto isLetter = [](char letter) { return letter >= 'a' && letter <= 'z'; };
@@ -60,7 +59,7 @@ ReportType typeWithGuid(const DataDirectory& directory, const std::string& guidT
             if (type.guidText == guidText) return type;
         }
     } catch (const CommandError&) {
-        // The library says what is wrong with the configuration.
+        // The library reports what is wrong with the configuration.
     }
     ReportType unknown;
     unknown.guidText = guidText;
@@ -196,7 +195,7 @@ std::vector<std::string> catalogueLanguages(const DataDirectory& directory,
     return {languages.begin(), languages.end()};
 }
 
-void addDataDirectoryFiles(const DataDirectory& directory, InputFiles& files) {
+void addDataDirectoryFiles(const DataDirectory& directory, FileSet& files) {
     files.add(directory.configPath());
     for (const char* const folder : {"templates", "translations"}) {
         std::error_code failure;
@@ -211,7 +210,7 @@ void addDataDirectoryFiles(const DataDirectory& directory, InputFiles& files) {
         for (const ReportType& type : reportTypes(directory))
             files.add(directory.path(type.persistDataFile));
     } catch (const CommandError&) {
-        // The command itself says what is wrong with the configuration.
+        // The command itself reports what is wrong with the configuration.
     }
 }
 

@@ -11,13 +11,13 @@
 
 namespace cli {
 
-class InputFiles;
+class FileSet;
 
 /// The folder that holds ".rgen".
 struct DataDirectory {
     std::string folder;
 
-    /// The path of something inside ".rgen".
+    /// The path of a file or folder inside ".rgen".
     std::string path(const std::string& inside) const;
     std::string configPath() const { return path("config.xml"); }
 };
@@ -31,18 +31,18 @@ struct ReportType {
     std::string persistDataFile;
 };
 
-/// The folder that `given` names, the current one without it; a path that ends in ".rgen" means the
-/// folder around it. Nothing is checked.
+/// The folder that `given` names, the current one by default; a path that ends in ".rgen" means its
+/// parent folder. Nothing is checked.
 DataDirectory namedDataDirectory(const std::optional<std::string>& given);
 
-/// The same; raises a CommandError when there is no data directory in the folder.
+/// The same; throws a CommandError when the folder contains no data directory.
 DataDirectory openDataDirectory(const std::optional<std::string>& given);
 
 /// All usable report types, sorted by name.
 std::vector<ReportType> reportTypes(const DataDirectory& directory);
 
-/// The report type with this GUID or name; without one the only one there is. Raises a
-/// CommandError. A GUID that the configuration lacks is left to the library.
+/// The report type with this GUID or name, by default the only one. Throws a CommandError, but not
+/// for a GUID that is not in the configuration: the library reports that.
 ReportType findReportType(const DataDirectory& directory, const std::optional<std::string>& wanted);
 
 /// The path of the template of a report type.
@@ -61,6 +61,6 @@ std::string cataloguePath(const DataDirectory& directory, const ReportType& type
 std::vector<std::string> catalogueLanguages(const DataDirectory& directory, const ReportType& type);
 
 /// Adds the files of a data directory: configuration, templates, translations and persistent data.
-void addDataDirectoryFiles(const DataDirectory& directory, InputFiles& files);
+void addDataDirectoryFiles(const DataDirectory& directory, FileSet& files);
 
 }  // namespace cli

@@ -1,4 +1,4 @@
-// The elements that the library looks for, and no others.
+// Reads only the elements that the library reads.
 //
 // SPDX-License-Identifier: MIT
 #include "data/xml_documents.h"
@@ -43,8 +43,8 @@ std::vector<xmlNode*> entries(xmlDoc* document, const char* root, const char* li
     return all;
 }
 
-/// The trimmed text of the last child with this name in whatever letter case; nothing when there is
-/// none, or when it has nothing inside.
+/// The trimmed text of the last child with this name in any letter case; nothing when there is none
+/// or it is empty.
 std::optional<std::string> childText(xmlNode* parent, const char* name) {
     xmlNode* last = nullptr;
     for (xmlNode* child = parent->children; child != nullptr; child = child->next) {
@@ -76,7 +76,7 @@ void addProperty(xmlNode* list, const Value& value) {
     const std::string text = isText     ? value.content
                              : isNumber ? std::to_string(value.number)
                                         : byteList(value.bytes);
-    // The text itself is XML content; as the text of a property it is escaped once more.
+    // The text is XML content already; as text of a property it is escaped again.
     xmlNode* property = xmlNewTextChild(list, nullptr, xmlText("property"), xmlText(text.c_str()));
     if (property == nullptr) throw std::bad_alloc();
     const char* const type = isText ? "string" : isNumber ? "int64" : "byte_array";
@@ -88,19 +88,19 @@ void addProperty(xmlNode* list, const Value& value) {
 }  // namespace
 
 std::vector<ConfiguredType> readConfiguration(const std::string& path) {
-    const Owned<xmlDoc> document = readDocument(path);
+    const XmlPtr<xmlDoc> document = readDocument(path);
     if (!document) {
         throw CommandError(ExitCode::Environment, "\"" + path + "\" cannot be read as XML",
                            "correct it, or make another data directory with rgen init");
     }
-    // Of several entries for one GUID the last usable name wins, each of the two on its own.
+    // If a GUID occurs twice, the last usable value is used, separately for each of the two names.
     std::map<std::string, ConfiguredType> types;
     for (xmlNode* element : entries(document.get(), "config", "reportTypes", "type")) {
         const std::string written = attribute(element, "guid");
         const std::string guid = guidTextOf(written);
         const std::optional<std::string> persistDataFile = childText(element, "persistDataFile");
         const std::optional<std::string> reportTypeFile = childText(element, "reportTypeFile");
-        // The library takes no braces.
+        // The library does not accept braces.
         const bool isGuid = !guid.empty() && guid.size() == written.size();
         if (!isGuid || !persistDataFile || !reportTypeFile) continue;
         ConfiguredType& type = types[guid];
@@ -117,7 +117,7 @@ std::vector<ConfiguredType> readConfiguration(const std::string& path) {
 }
 
 std::vector<std::string> propertyNames(const std::string& path) {
-    const Owned<xmlDoc> document = readDocument(path);
+    const XmlPtr<xmlDoc> document = readDocument(path);
     std::vector<std::string> names;
     for (xmlNode* element : entries(document.get(), "data", "properties", "property"))
         names.push_back(attribute(element, "name"));
@@ -133,12 +133,12 @@ std::string mistakeInContent(const std::string& content) {
     const std::unique_ptr<xmlParserCtxt, void (*)(xmlParserCtxt*)> context(xmlNewParserCtxt(),
                                                                            xmlFreeParserCtxt);
     if (!context) throw std::bad_alloc();
-    // A prefix without a declaration is no mistake of this kind: the document is there.
+    // An undeclared prefix is not such a mistake: libxml2 still returns a document.
     constexpr int options =
         XML_PARSE_NOERROR | XML_PARSE_NOWARNING | XML_PARSE_NONET | XML_PARSE_HUGE;
-    const Owned<xmlDoc> read(xmlCtxtReadMemory(context.get(), document.data(),
-                                               static_cast<int>(document.size()), nullptr, "UTF-8",
-                                               options));
+    const XmlPtr<xmlDoc> read(xmlCtxtReadMemory(context.get(), document.data(),
+                                                static_cast<int>(document.size()), nullptr, "UTF-8",
+                                                options));
     if (read) return {};
     const xmlError* const error = xmlCtxtGetLastError(context.get());
     const bool isKnown = error != nullptr && error->message != nullptr;
@@ -146,12 +146,12 @@ std::string mistakeInContent(const std::string& content) {
 }
 
 std::string damageOf(const std::string& path) {
-    // Without XML_PARSE_HUGE, as the library reads: what is too large for it counts as damage.
+    // Without XML_PARSE_HUGE, like the library: a file that is too large for it counts as damaged.
     const std::string content = readXml(path);
     const std::unique_ptr<xmlParserCtxt, void (*)(xmlParserCtxt*)> context(xmlNewParserCtxt(),
                                                                            xmlFreeParserCtxt);
     if (!context) throw std::bad_alloc();
-    const Owned<xmlDoc> document(
+    const XmlPtr<xmlDoc> document(
         xmlCtxtReadMemory(context.get(), content.data(), static_cast<int>(content.size()), nullptr,
                           "UTF-8", XML_PARSE_NOERROR | XML_PARSE_NOWARNING));
     if (document) return {};
@@ -161,18 +161,18 @@ std::string damageOf(const std::string& path) {
 }
 
 std::map<std::string, std::string> readDump(const std::string& path) {
-    const Owned<xmlDoc> document = readDocument(path);
+    const XmlPtr<xmlDoc> document = readDocument(path);
     std::map<std::string, std::string> texts;
     for (xmlNode* element : entries(document.get(), "data", "properties", "property")) {
-        // Names are taken as they are: rgen wrote them.
-        const Owned<xmlChar> name(xmlGetProp(element, xmlText("name")));
+        // Names are not trimmed: rgen wrote them.
+        const XmlPtr<xmlChar> name(xmlGetProp(element, xmlText("name")));
         texts[plainText(name)] = textInside(element);
     }
     return texts;
 }
 
 std::string simulatedInputDocument(const std::map<std::string, Value>& values) {
-    const Owned<xmlDoc> document(xmlNewDoc(xmlText("1.0")));
+    const XmlPtr<xmlDoc> document(xmlNewDoc(xmlText("1.0")));
     if (!document) throw std::bad_alloc();
     xmlNode* root = xmlNewDocNode(document.get(), nullptr, xmlText("data"), nullptr);
     xmlDocSetRootElement(document.get(), root);
@@ -182,7 +182,7 @@ std::string simulatedInputDocument(const std::map<std::string, Value>& values) {
     xmlChar* bytes = nullptr;
     int size = 0;
     xmlDocDumpFormatMemoryEnc(document.get(), &bytes, &size, "UTF-8", 1);
-    const Owned<xmlChar> owner(bytes);
+    const XmlPtr<xmlChar> owner(bytes);
     if (!owner) throw std::bad_alloc();
     return {reinterpret_cast<const char*>(bytes), static_cast<std::size_t>(size)};
 }

@@ -1,5 +1,5 @@
-// The XML files around the library: report types in a configuration, properties in dumps and in
-// simulated input. Read and written with rgen's own libxml2.
+// The XML files that the library reads and writes: configuration, dumps, simulated input. rgen
+// reads and writes them with its own copy of libxml2.
 //
 // SPDX-License-Identifier: MIT
 #pragma once
@@ -12,15 +12,15 @@
 
 namespace cli {
 
-/// What a configuration says of one report type.
+/// The entry of one report type in a configuration.
 struct ConfiguredType {
     std::string guid;
     std::string persistDataFile;
     std::string reportTypeFile;
 };
 
-/// The usable report types of a configuration file, of several entries for one GUID the last, as
-/// the library sees them. Raises a CommandError when the file cannot be read as XML.
+/// The usable report types of a configuration file as the library sees them: of several entries for
+/// one GUID the last. Throws a CommandError when the file cannot be read as XML.
 std::vector<ConfiguredType> readConfiguration(const std::string& path);
 
 /// The names of all properties of a data document, in their order.
@@ -29,8 +29,8 @@ std::vector<std::string> propertyNames(const std::string& path);
 /// What is wrong with an XML file, with its line; empty when it is well-formed.
 std::string damageOf(const std::string& path);
 
-/// What is wrong with a text that is to be the content of an element; empty when it is well-formed.
-/// Prefixes need not be declared.
+/// What is wrong with a text as content of an element; empty when it is well-formed. Namespace
+/// prefixes need not be declared.
 std::string mistakeInContent(const std::string& content);
 
 /// Names and texts of a dump that the library wrote.

@@ -1,4 +1,4 @@
-// libxml2 reads with recovery, like the library, so that both see the same of a damaged file.
+// Reads in recovery mode like the library, so that both get the same from a damaged file.
 //
 // SPDX-License-Identifier: MIT
 #include "data/xml_nodes.h"
@@ -15,7 +15,7 @@ const xmlChar* xmlText(const char* text) {
     return reinterpret_cast<const xmlChar*>(text);
 }
 
-std::string plainText(const Owned<xmlChar>& text) {
+std::string plainText(const XmlPtr<xmlChar>& text) {
     return text ? reinterpret_cast<const char*>(text.get()) : "";
 }
 
@@ -24,11 +24,11 @@ std::string nameOf(const xmlChar* name) {
 }
 
 std::string attribute(xmlNode* element, const char* name) {
-    return trimmed(plainText(Owned<xmlChar>(xmlGetNoNsProp(element, xmlText(name)))));
+    return trimmed(plainText(XmlPtr<xmlChar>(xmlGetNoNsProp(element, xmlText(name)))));
 }
 
 std::string textInside(xmlNode* element) {
-    return plainText(Owned<xmlChar>(xmlNodeListGetString(element->doc, element->children, 1)));
+    return plainText(XmlPtr<xmlChar>(xmlNodeListGetString(element->doc, element->children, 1)));
 }
 
 std::string readXml(const std::string& path) {
@@ -37,10 +37,10 @@ std::string readXml(const std::string& path) {
     throw usageError("\"" + path + "\" is too large", "XML files hold at most 2 GiB");
 }
 
-Owned<xmlDoc> readDocument(const std::string& path) {
-    // What libxml2 has to say goes nowhere: its result is looked at.
+XmlPtr<xmlDoc> readDocument(const std::string& path) {
+    // Messages of libxml2 are discarded: its result is checked instead.
     const std::string content = readXml(path);
-    return Owned<xmlDoc>(xmlReadMemory(
+    return XmlPtr<xmlDoc>(xmlReadMemory(
         content.data(), static_cast<int>(content.size()), nullptr, "UTF-8",
         XML_PARSE_RECOVER | XML_PARSE_NOERROR | XML_PARSE_NOWARNING | XML_PARSE_HUGE));
 }

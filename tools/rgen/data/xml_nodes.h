@@ -1,4 +1,4 @@
-// What reading an XML file with libxml2 takes: owners, texts, documents as the library reads them.
+// Basics of reading XML files with libxml2: smart pointers, texts, documents.
 //
 // SPDX-License-Identifier: MIT
 #pragma once
@@ -17,10 +17,10 @@ struct XmlFree {
     void operator()(xmlBuffer* buffer) const { xmlBufferFree(buffer); }
 };
 template <typename T>
-using Owned = std::unique_ptr<T, XmlFree>;
+using XmlPtr = std::unique_ptr<T, XmlFree>;
 
 const xmlChar* xmlText(const char* text);
-std::string plainText(const Owned<xmlChar>& text);
+std::string plainText(const XmlPtr<xmlChar>& text);
 
 /// The name of an element or attribute.
 std::string nameOf(const xmlChar* name);
@@ -34,6 +34,6 @@ std::string textInside(xmlNode* element);
 std::string readXml(const std::string& path);
 
 /// A file read with recovery; null when nothing of it can be read.
-Owned<xmlDoc> readDocument(const std::string& path);
+XmlPtr<xmlDoc> readDocument(const std::string& path);
 
 }  // namespace cli

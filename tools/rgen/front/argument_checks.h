@@ -14,10 +14,10 @@ namespace cli {
 /// the choices.
 void checkArguments(const Command& command, const Arguments& arguments);
 
-/// Throws the CommandError about an argument that the command does not know, with what may be meant.
+/// Throws the CommandError about an unknown argument, with a suggestion.
 [[noreturn]] void failAtUnknown(const Command& command, const std::string& argument);
 
-/// Throws the CommandError about an operand too many.
+/// Throws the CommandError about a surplus operand.
 [[noreturn]] void failAtSurplus(const Command& command, const std::string& operand);
 
 /// `"rgen persist get --help"` for "persist get", in quotes.

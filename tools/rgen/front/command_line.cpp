@@ -1,5 +1,5 @@
-// Sets CLI11 up from the table of commands. CLI11 parses; the messages about mistakes are made here,
-// so unknown arguments are collected first and then examined.
+// Sets CLI11 up from the table of commands. CLI11 parses; the messages about mistakes are those of
+// rgen, so CLI11 collects unknown arguments and checkUnknown examines them.
 //
 // SPDX-License-Identifier: MIT
 #include "front/command_line.h"

@@ -23,7 +23,7 @@ Examples:
   rgen report -d case --data case/acquisition.json -o bericht.html --lang de
 
 Exit codes: 0 done, 1 the library refused, 2 usage, 4 output not verified,
-5 surroundings (no data directory, no converter), 130 interrupted, 141 nobody reads
+5 environment (no data directory, no converter), 130 interrupted, 141 nobody reads
 
 )";
 

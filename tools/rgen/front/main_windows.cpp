@@ -1,4 +1,4 @@
-// The entry point on Windows. It takes the arguments as UTF-16, so that no code page touches them.
+// The entry point on Windows. The arguments are UTF-16, so that no code page changes them.
 //
 // SPDX-License-Identifier: MIT
 #include <cstdio>

@@ -1,4 +1,4 @@
-// From the command line to the exit code: the one place where failures become messages.
+// Runs a command line and turns every failure into a message and an exit code.
 //
 // SPDX-License-Identifier: MIT
 #include "front/program.h"
@@ -17,8 +17,8 @@
 namespace cli {
 namespace {
 
-/// Says what went wrong; what the document holds already stays in it. Nothing is said when the
-/// reader of standard output has gone: it has seen enough.
+/// Prints the error; with --json the document so far and the error. Prints nothing when the reader
+/// of standard output has closed it.
 ExitCode fail(const CommandError& error, bool json, Console& console, JsonDocument& document) {
     if (error.exitCode == ExitCode::ClosedPipe) return error.exitCode;
     console.error(error);
@@ -27,7 +27,7 @@ ExitCode fail(const CommandError& error, bool json, Console& console, JsonDocume
     try {
         printData(document.text());
     } catch (const CommandError&) {
-        // Nobody reads it; the first error counts.
+        // Standard output does not work; the first error is reported.
     }
     return error.exitCode;
 }
@@ -46,7 +46,7 @@ ExitCode runCommandLine(const CommandLine& commandLine, Console& console, JsonDo
     return code;
 }
 
-/// Failures of the library that have no status come as exceptions.
+/// For failures of the library that have no status.
 CommandError libraryException(const std::exception& exception) {
     return {ExitCode::Environment, exception.what(), "check paths and access rights"};
 }
@@ -55,7 +55,7 @@ CommandError libraryException(const std::exception& exception) {
 
 int runProgram(const std::vector<std::string>& arguments) {
     prepareStreams();
-    searchOwnFolder();
+    addProgramFolderToPath();
     listenForInterrupts();
     bool json = std::find(arguments.begin(), arguments.end(), "--json") != arguments.end();
     Console console;

@@ -1,4 +1,4 @@
-// rgen without its entry point.
+// The program without its entry point.
 //
 // SPDX-License-Identifier: MIT
 #pragma once
@@ -8,7 +8,7 @@
 
 namespace cli {
 
-/// Runs rgen with the arguments behind the program's name, in UTF-8; returns the exit code.
+/// Runs rgen with the arguments after the program name, in UTF-8; returns the exit code.
 int runProgram(const std::vector<std::string>& arguments);
 
 }  // namespace cli

@@ -1,5 +1,3 @@
-// Message, hint and exit code of a failure, and the library's status.
-//
 // SPDX-License-Identifier: MIT
 #include "library/error_json.h"
 

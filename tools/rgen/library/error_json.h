@@ -1,4 +1,4 @@
-// What --json tells of a failure.
+// A failure in the document that --json prints.
 //
 // SPDX-License-Identifier: MIT
 #pragma once

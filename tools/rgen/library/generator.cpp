@@ -1,4 +1,4 @@
-// Records go in and out through the library's own functions; nothing of it is touched otherwise.
+// Records are created and freed only with the functions of the library.
 //
 // SPDX-License-Identifier: MIT
 #include "library/generator.h"
@@ -28,7 +28,7 @@ void createRecord(const Value& value, RgenCVariant& record) {
     } else if (value.type == RGEN_TYPE_INT64) {
         require(rgen_createRgenCVariantInt64(name, value.number, value.hint, &record));
     } else {
-        // The library wants an address even for no bytes.
+        // The library requires a non-null address even for no bytes.
         static const std::uint8_t nothing = 0;
         const std::uint8_t* const bytes = value.bytes.empty() ? &nothing : value.bytes.data();
         require(
@@ -77,11 +77,11 @@ RgenCVariantSet ValueRecords::release() {
     return released;
 }
 
-void Request::setValues(const std::vector<Value>& values) {
+void LibraryRequest::setValues(const std::vector<Value>& values) {
     record.variants = ValueRecords(values).release();
 }
 
-void Request::setPairs(const std::vector<Value>& pairs) {
+void LibraryRequest::setPairs(const std::vector<Value>& pairs) {
     if (pairs.empty()) return;
     require(rgen_createRgenCAnsiStringpairSet(&record.pairs, pairs.size()));
     for (std::size_t i = 0; i < pairs.size(); ++i) {
@@ -90,8 +90,8 @@ void Request::setPairs(const std::vector<Value>& pairs) {
     }
 }
 
-void Request::setTexts(const std::string& format, const std::string& outputPath,
-                       const std::string& converterBase) {
+void LibraryRequest::setTexts(const std::string& format, const std::string& outputPath,
+                              const std::string& converterBase) {
     require(rgen_createRgenAnsiString(format.c_str(), &record.outputFormat));
     require(rgen_createRgenAnsiString(outputPath.c_str(), &record.outputPath));
     require(rgen_createRgenAnsiString(converterBase.c_str(), &record.converterBaseArg));
@@ -131,7 +131,7 @@ RgenStatus Generator::setPersistentData(const RgenGuid& guid,
 }
 
 RgenStatus Generator::dump(const std::vector<Value>& values, const std::string& path) const {
-    Request request;
+    LibraryRequest request;
     request.setValues(values);
     return rgen_dumpRawInputDataToFile(handle_, &request.record, path.c_str());
 }
@@ -139,7 +139,7 @@ RgenStatus Generator::dump(const std::vector<Value>& values, const std::string& 
 std::vector<Value> Generator::simulatedInput(const std::string& path) const {
     RgenCVariantSet set = {};
     {
-        // The library's remark about a byte dump is no data of ours.
+        // The library prints a remark about byte dumps to standard output.
         const StdoutToStderr redirected;
         rgen_getSimulatedRawDataFromFile(handle_, path.c_str(), &set);
     }

@@ -1,4 +1,4 @@
-// The report library as rgen uses it: handles and records with owners, statuses as CommandErrors.
+// C++ wrappers for the report library: RAII for handles and records, statuses as CommandErrors.
 //
 // SPDX-License-Identifier: MIT
 #pragma once
@@ -11,7 +11,7 @@
 
 namespace cli {
 
-/// An array of values for the library.
+/// Owns an array of values for the library.
 class ValueRecords {
 public:
     explicit ValueRecords(const std::vector<Value>& values);
@@ -21,20 +21,20 @@ public:
 
     const RgenCVariantSet& set() const { return set_; }
 
-    /// Gives the array away; the caller frees it.
+    /// Releases ownership; the caller frees the array.
     RgenCVariantSet release();
 
 private:
     RgenCVariantSet set_ = {};
 };
 
-/// One request for a report.
-class Request {
+/// Owns the input parameters of one report.
+class LibraryRequest {
 public:
-    Request() = default;
-    ~Request() { rgen_freeRgenCInputParams(&record); }
-    Request(const Request&) = delete;
-    Request& operator=(const Request&) = delete;
+    LibraryRequest() = default;
+    ~LibraryRequest() { rgen_freeRgenCInputParams(&record); }
+    LibraryRequest(const LibraryRequest&) = delete;
+    LibraryRequest& operator=(const LibraryRequest&) = delete;
 
     void setValues(const std::vector<Value>& values);
     void setPairs(const std::vector<Value>& pairs);
@@ -53,10 +53,10 @@ public:
 
     RgenReportGenerator* handle() const { return handle_; }
 
-    /// Raises a CommandError when the folder does not exist.
+    /// Throws a CommandError when the folder does not exist.
     void setDataDir(const std::string& folder);
 
-    /// The persistent data as the library gives it: texts are XML content. `status` tells why there
+    /// The persistent data that the library returns: texts are XML content. `status` says why there
     /// is none.
     std::vector<Value> persistentData(const RgenGuid& guid, RgenStatus& status) const;
 

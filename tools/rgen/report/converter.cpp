@@ -1,5 +1,3 @@
-// Starts and watches the converter.
-//
 // SPDX-License-Identifier: MIT
 #include "report/converter.h"
 
@@ -17,7 +15,7 @@ namespace cli {
 namespace {
 
 constexpr std::chrono::milliseconds pause{50};
-/// So long a cancelled converter has to end its engine and to remove its files.
+/// Time for a cancelled converter to end its engine and remove its files.
 constexpr std::chrono::seconds longestFarewell{10};
 
 constexpr const char* notFound =

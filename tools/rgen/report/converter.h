@@ -1,4 +1,4 @@
-// The pdf converter "vellum", started as the library starts it, on a page that rgen has written.
+// Runs the pdf converter "vellum", as the library would, on a page that rgen has written.
 //
 // SPDX-License-Identifier: MIT
 #pragma once
@@ -12,14 +12,13 @@ struct Conversion {
     /// The base of relative links.
     std::string base;
     std::string output;
-    /// Receives what the converter says.
+    /// Receives the output of the converter.
     std::string said;
 };
 
-/// Runs the converter to its end. Its exit code does not count, the file that it made does. Returns
-/// nothing, or what is wrong when it is not there or cannot be started. Ctrl-C takes the page away,
-/// by which vellum knows that it is cancelled; a converter that goes on all the same is ended.
-/// Throws a CommandError then.
+/// Runs the converter to its end. The caller checks the output file; the exit code is ignored.
+/// Returns an empty text, or why the converter could not be started. Ctrl-C removes the page, which
+/// tells vellum to cancel; a converter that does not end is killed. Throws a CommandError then.
 std::string runConverter(const Conversion& conversion);
 
 }  // namespace cli

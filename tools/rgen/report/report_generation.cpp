@@ -1,4 +1,4 @@
-// The road of one report: format, catalogue, request, library, delivery.
+// The steps of one report: format, catalogue, request, library call, delivery.
 //
 // SPDX-License-Identifier: MIT
 #include "report/report_generation.h"
@@ -10,8 +10,8 @@
 #include <memory>
 
 #include "base/console.h"
-#include "base/input_file.h"
 #include "base/json_document.h"
+#include "base/paths.h"
 #include "base/text_functions.h"
 #include "data/po_catalogue.h"
 #include "data/xml_documents.h"
@@ -31,14 +31,14 @@ const char* RGEN_CALL sameText(const char* text, void*) {
     return text;
 }
 
-/// The translate callback of one report; afterwards the generator has none again.
+/// Sets the translate callback for one report; the destructor replaces it by one without effect.
 class TranslationScope {
 public:
     TranslationScope(const Generator& generator, const std::string& cataloguePath, bool raw,
                      Console& console)
         : generator_(generator) {
         if (cataloguePath.empty()) return;
-        catalogue_ = std::make_unique<Catalogue>(cataloguePath, raw, console);
+        catalogue_ = std::make_unique<PoCatalogue>(cataloguePath, raw, console);
         translator_ = std::make_unique<Translator>(*catalogue_);
         rgen_setTranslateFunction(generator_.handle(), Translator::translate, translator_.get());
     }
@@ -54,7 +54,7 @@ public:
 
 private:
     const Generator& generator_;
-    std::unique_ptr<Catalogue> catalogue_;
+    std::unique_ptr<PoCatalogue> catalogue_;
     std::unique_ptr<Translator> translator_;
 };
 
@@ -89,15 +89,15 @@ OutputPlan planOf(const ReportArguments& arguments, const std::string& format) {
     return plan;
 }
 
-/// The catalogue that --lang names; empty without it.
-std::string chosenCatalogue(const ReportSurroundings& surroundings, const ReportOrder& order) {
-    const std::string& lang = order.arguments.lang;
+/// The path of the catalogue for --lang; empty without the option.
+std::string chosenCatalogue(const ReportContext& context, const ReportRequest& request) {
+    const std::string& lang = request.arguments.lang;
     if (lang.empty() || namesCatalogueFile(lang)) return lang;
-    std::string path = cataloguePath(surroundings.directory, order.type, lang);
+    std::string path = cataloguePath(context.directory, request.type, lang);
     if (!path.empty()) return path;
-    const std::string languages = joined(catalogueLanguages(surroundings.directory, order.type));
+    const std::string languages = joined(catalogueLanguages(context.directory, request.type));
     throw usageError("there is no catalogue for \"" + lang + "\" in \"" +
-                         surroundings.directory.path("translations") + "\"",
+                         context.directory.path("translations") + "\"",
                      languages.empty() ? "give a .po file" : "there is: " + languages);
 }
 
@@ -112,16 +112,14 @@ std::string adviceOnOutput(const std::string& output) {
     return "check the rights of the folder, and that no other program has the file open";
 }
 
-std::string adviceFor(RgenStatus status, const ReportSurroundings& surroundings,
-                      const ReportOrder& order, const ReportOutput& output,
-                      const std::string& format) {
-    const std::string path = templatePath(surroundings.directory, order.type, format);
+std::string adviceFor(RgenStatus status, const ReportContext& context, const ReportRequest& request,
+                      const ReportOutput& output, const std::string& format) {
+    const std::string path = templatePath(context.directory, request.type, format);
     switch (status) {
         case RGEN_E_EMPTY_INPUT:
             return "give values with --data, --set or --pair";
         case RGEN_E_GUID_NOT_IN_CONFIG:
-            return "\"rgen types\" lists the report types of \"" + surroundings.directory.folder +
-                   "\"";
+            return "\"rgen types\" lists the report types of \"" + context.directory.folder + "\"";
         case RGEN_E_TEMPLATE_NOT_FOUND:
             return "looked for \"" + path + "\"";
         case RGEN_E_XSLT_PARSE:
@@ -130,7 +128,7 @@ std::string adviceFor(RgenStatus status, const ReportSurroundings& surroundings,
             return "the template is \"" + path + "\"";
         case RGEN_E_OVERWRITE_OUTPUT:
         case RGEN_E_CREATE_OUTPUT:
-            return adviceOnOutput(order.arguments.output);
+            return adviceOnOutput(request.arguments.output);
         case RGEN_E_WRITE_OUTPUT:
         case RGEN_E_WRITE_ALL_OUTPUT:
             return "check that the disk has room";
@@ -139,40 +137,40 @@ std::string adviceFor(RgenStatus status, const ReportSurroundings& surroundings,
         case RGEN_E_OPEN_CONFIG:
         case RGEN_E_NO_TYPE_MAP:
         case RGEN_E_NO_VALID_TYPE_MAP:
-            return "look at \"" + surroundings.directory.configPath() + "\"";
+            return "look at \"" + context.directory.configPath() + "\"";
         default:
             return "\"rgen explain " + Generator::statusHex(status) + "\" says more";
     }
 }
 
-[[noreturn]] void fail(RgenStatus status, const ReportSurroundings& surroundings,
-                       const ReportOrder& order, const ReportOutput& output,
+[[noreturn]] void fail(RgenStatus status, const ReportContext& context,
+                       const ReportRequest& request, const ReportOutput& output,
                        const std::string& format) {
     CommandError error =
-        surroundings.generator.failure(outputName(order.arguments.output), status,
-                                       adviceFor(status, surroundings, order, output, format));
+        context.generator.failure(outputName(request.arguments.output), status,
+                                  adviceFor(status, context, request, output, format));
     if (status == RGEN_E_RUN_EXTERNAL) error.exitCode = ExitCode::Environment;
     const bool isWriting = status == RGEN_E_WRITE_OUTPUT || status == RGEN_E_WRITE_ALL_OUTPUT;
     if (isWriting) error.exitCode = ExitCode::Unverified;
     throw error;
 }
 
-/// Failures of the library without a status are exceptions.
-RgenStatus callLibrary(const ReportSurroundings& surroundings, const ReportOrder& order,
+/// The library throws for failures that have no status.
+RgenStatus callLibrary(const ReportContext& context, const ReportRequest& request,
                        ReportOutput& output, const std::string& format) {
-    Request request;
-    request.setValues(inOrder(order.input.values));
-    request.setPairs(inOrder(order.input.pairs));
-    request.record.templateGuid = order.type.guid;
+    LibraryRequest libraryRequest;
+    libraryRequest.setValues(inOrder(request.input.values));
+    libraryRequest.setPairs(inOrder(request.input.pairs));
+    libraryRequest.record.templateGuid = request.type.guid;
     try {
-        return output.generate(surroundings.generator, request, format);
+        return output.generate(context.generator, libraryRequest, format);
     } catch (const std::bad_alloc&) {
         throw;
     } catch (const CommandError&) {
         throw;
     } catch (const std::exception& exception) {
         throw CommandError(ExitCode::Environment,
-                           outputName(order.arguments.output) + ": " + exception.what(),
+                           outputName(request.arguments.output) + ": " + exception.what(),
                            "check the access rights of the data directory");
     }
 }
@@ -189,16 +187,16 @@ void noteUntranslated(const std::vector<std::string>& texts, const std::string& 
                  (texts.size() > shown ? ", ..." : ""));
 }
 
-/// The library takes what it can read of a damaged file and says nothing.
-void noteDamage(const ReportSurroundings& surroundings, const ReportType& type) {
-    const std::string path = surroundings.directory.path(type.persistDataFile);
+/// The library reads a damaged file as far as possible, without a message.
+void noteDamage(const ReportContext& context, const ReportType& type) {
+    const std::string path = context.directory.path(type.persistDataFile);
     std::error_code ignored;
     if (!fs::is_regular_file(fs::u8path(path), ignored)) return;
     requireReadable(path);
     const std::string damage = damageOf(path);
     if (damage.empty()) return;
-    surroundings.console.note("\"" + path + "\" is damaged: " + damage +
-                              "; the report has what can be read of it");
+    context.console.note("\"" + path + "\" is damaged: " + damage +
+                         "; the report has what can be read of it");
 }
 
 std::size_t numberOfNames(const ReportInput& input) {
@@ -210,10 +208,6 @@ std::size_t numberOfNames(const ReportInput& input) {
 
 }  // namespace
 
-std::string countText(std::uint64_t count, const std::string& word) {
-    return std::to_string(count) + " " + word + (count == 1 ? "" : "s");
-}
-
 std::string outputName(const std::string& output) {
     return output == "-" ? "standard output" : output;
 }
@@ -223,7 +217,7 @@ bool namesCatalogueFile(const std::string& lang) {
     return path.extension() == ".po" || path.has_parent_path();
 }
 
-void requireOtherFile(const InputFiles& inputs, const std::string& output) {
+void requireOtherFile(const FileSet& inputs, const std::string& output) {
     const auto input = inputs.find(output);
     if (!input) return;
     throw usageError(output + ": reports are made from this file, \"" + *input + "\"",
@@ -236,47 +230,46 @@ std::string millisecondsText(double milliseconds) {
     return text;
 }
 
-ReportOutcome makeReport(const ReportSurroundings& surroundings, const ReportOrder& order) {
-    ReportOutcome outcome;
-    outcome.format = formatOf(order.arguments);
-    outcome.values = numberOfNames(order.input);
-    const std::string catalogue = chosenCatalogue(surroundings, order);
-    const TranslationScope translation(surroundings.generator, catalogue, surroundings.raw,
-                                       surroundings.console);
-    requireOtherFile(surroundings.inputs, order.arguments.output);
-    requireOtherFile(filesRead(), order.arguments.output);
-    noteDamage(surroundings, order.type);
-    const InterruptGuard guard(surroundings.generator.handle());
+ReportResult makeReport(const ReportContext& context, const ReportRequest& request) {
+    ReportResult result;
+    result.format = formatOf(request.arguments);
+    result.values = numberOfNames(request.input);
+    const std::string catalogue = chosenCatalogue(context, request);
+    const TranslationScope translation(context.generator, catalogue, context.raw, context.console);
+    requireOtherFile(context.inputs, request.arguments.output);
+    requireOtherFile(filesRead(), request.arguments.output);
+    noteDamage(context, request.type);
+    const InterruptGuard guard(context.generator.handle());
     throwIfInterrupted();
 
     const Clock::time_point start = Clock::now();
-    ReportOutput output(planOf(order.arguments, outcome.format));
-    RgenStatus status = callLibrary(surroundings, order, output, outcome.format);
+    ReportOutput output(planOf(request.arguments, result.format));
+    RgenStatus status = callLibrary(context, request, output, result.format);
     throwIfInterrupted();
     if (status >= 0) status = output.prepare();
-    if (status < 0) fail(status, surroundings, order, output, outcome.format);
-    outcome.generateMilliseconds = millisecondsSince(start);
+    if (status < 0) fail(status, context, request, output, result.format);
+    result.generateMilliseconds = millisecondsSince(start);
 
     const Clock::time_point delivery = Clock::now();
-    outcome.bytes = output.deliver();
-    outcome.deliverMilliseconds = millisecondsSince(delivery);
-    outcome.untranslated = translation.untranslated();
-    noteUntranslated(outcome.untranslated, catalogue, surroundings.console);
-    return outcome;
+    result.bytes = output.deliver();
+    result.deliverMilliseconds = millisecondsSince(delivery);
+    result.untranslated = translation.untranslated();
+    noteUntranslated(result.untranslated, catalogue, context.console);
+    return result;
 }
 
-void describeReport(const ReportOrder& order, const ReportOutcome& outcome, const Console& console,
-                    JsonDocument& document) {
+void describeReport(const ReportRequest& request, const ReportResult& result,
+                    const Console& console, JsonDocument& document) {
     JsonDocument type;
-    type.set("guid", order.type.guidText);
-    type.set("name", order.type.name);
-    document.set("output", order.arguments.output);
-    document.set("format", outcome.format);
+    type.set("guid", request.type.guidText);
+    type.set("name", request.type.name);
+    document.set("output", request.arguments.output);
+    document.set("format", result.format);
     document.set("type", type);
-    document.set("mode", order.arguments.mode);
-    document.set("bytes", static_cast<std::int64_t>(outcome.bytes));
-    document.set("values", static_cast<std::int64_t>(outcome.values));
-    document.set("untranslated", outcome.untranslated);
+    document.set("mode", request.arguments.mode);
+    document.set("bytes", static_cast<std::int64_t>(result.bytes));
+    document.set("values", static_cast<std::int64_t>(result.values));
+    document.set("untranslated", result.untranslated);
     document.set("notes", console.notes());
 }
 

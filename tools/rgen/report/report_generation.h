@@ -1,4 +1,4 @@
-// One report from its input to the verified file: what "rgen report" does once, and for each line
+// Makes one report, from its input to the verified file: once for "rgen report", and for each line
 // of a batch.
 //
 // SPDX-License-Identifier: MIT
@@ -19,25 +19,25 @@ namespace cli {
 class Console;
 class JsonDocument;
 
-/// What does not change from report to report.
-struct ReportSurroundings {
+/// What all reports of a run share.
+struct ReportContext {
     const Generator& generator;
     DataDirectory directory;
     Console& console;
-    /// Translations are taken as they are.
+    /// Translations are inserted unchanged.
     bool raw = false;
-    /// What no report may be written over, besides the files that were read for it.
-    InputFiles inputs = {};
+    /// Files that no report may overwrite, besides those that were read for it.
+    FileSet inputs = {};
 };
 
-/// What a report is made from.
-struct ReportOrder {
+/// The input of one report.
+struct ReportRequest {
     ReportType type;
     ReportArguments arguments;
     ReportInput input;
 };
 
-struct ReportOutcome {
+struct ReportResult {
     std::string format;
     std::uint64_t bytes = 0;
     /// Number of names among the values and pairs.
@@ -47,24 +47,21 @@ struct ReportOutcome {
     double deliverMilliseconds = 0;
 };
 
-/// Makes a report. Throws a CommandError, after which neither a new nor a temporary file is left.
-ReportOutcome makeReport(const ReportSurroundings& surroundings, const ReportOrder& order);
+/// Makes a report. Throws a CommandError; no new or temporary file is left then.
+ReportResult makeReport(const ReportContext& context, const ReportRequest& request);
 
-/// Adds what --json tells of a report.
-void describeReport(const ReportOrder& order, const ReportOutcome& outcome, const Console& console,
-                    JsonDocument& document);
-
-/// "12345 bytes", "1 byte".
-std::string countText(std::uint64_t count, const std::string& word);
+/// Adds the members that --json prints about a report.
+void describeReport(const ReportRequest& request, const ReportResult& result,
+                    const Console& console, JsonDocument& document);
 
 /// "12.3 ms".
 std::string millisecondsText(double milliseconds);
 
-/// Tells whether --lang names a file and no language.
+/// Tells whether --lang names a file instead of a language.
 bool namesCatalogueFile(const std::string& lang);
 
-/// Refuses an output that is a file which reports are made from. Throws a CommandError.
-void requireOtherFile(const InputFiles& inputs, const std::string& output);
+/// Throws a CommandError when the output is one of the inputs.
+void requireOtherFile(const FileSet& inputs, const std::string& output);
 
 /// "report.html", or "standard output" for "-".
 std::string outputName(const std::string& output);

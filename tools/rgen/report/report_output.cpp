@@ -1,5 +1,5 @@
-// Everything is written in a folder of rgen's own beside the target; the rename at the end makes
-// the report appear.
+// Everything is written in a temporary folder next to the target; the rename at the end makes the
+// report appear.
 //
 // SPDX-License-Identifier: MIT
 #include "report/report_output.h"
@@ -11,6 +11,7 @@
 #include "base/console.h"
 #include "base/host_system.h"
 #include "base/input_file.h"
+#include "base/paths.h"
 #include "base/safe_files.h"
 #include "base/xml_text.h"
 #include "pdf/pdf_file.h"
@@ -22,7 +23,7 @@ namespace {
 
 namespace fs = std::filesystem;
 
-/// The first line of a file that has words in it.
+/// The first non-blank line of a file.
 std::string firstLine(const std::string& path) {
     std::ifstream file(fs::u8path(path), std::ios::binary);
     for (std::string line; std::getline(file, line);) {
@@ -40,7 +41,7 @@ CommandError unwritable(const std::string& target, const std::error_code& reason
 
 ReportOutput::ReportOutput(OutputPlan plan) : plan_(std::move(plan)) {}
 
-RgenStatus ReportOutput::generate(const Generator& generator, Request& request,
+RgenStatus ReportOutput::generate(const Generator& generator, LibraryRequest& request,
                                   const std::string& format) {
     request.record.outputMode = RGEN_OUTPUT_BYTES;
     request.record.skipExternalConversion = 1;
@@ -97,7 +98,7 @@ RgenStatus ReportOutput::convert(const std::string& page) {
     conversion.page = page;
     conversion.output = path_;
     conversion.said = folder_->file("converter.log");
-    // The page is not where the author looks for pictures from.
+    // The page is in a temporary folder, so relative links would not work without a base.
     conversion.base = plan_.converterBase;
     if (conversion.base.empty() && plan_.target != "-") {
         conversion.base = tools::absolutePath(fs::u8path(folderOf(plan_.target))).u8string();
@@ -120,7 +121,7 @@ void ReportOutput::verifyPdf(const std::string& said) const {
     if (!tools::isWholePdf(fs::u8path(path_))) {
         failAsConverted("the converter's file is not a whole PDF", said);
     }
-    // A page about its failure is no report.
+    // The converter may have written a page about its failure; that is not a report.
     if (exists(path_ + ".error.txt")) failAsConverted("the converter failed", said);
 }
 
@@ -133,7 +134,7 @@ std::uint64_t ReportOutput::deliver() {
         plan_.converts ? fs::file_size(fs::u8path(path_), ignored) : bytes().size();
     if (plan_.target == "-") {
         const std::string file = plan_.converts ? readInputFile(path_, "try again") : std::string();
-        const EndAtOnce atOnce;
+        const ImmediateInterrupt atOnce;
         printData(plan_.converts ? std::string_view(file) : bytes());
     } else if (folder_) {
         folder_->deliver(path_, plan_.target);
@@ -146,7 +147,7 @@ std::uint64_t ReportOutput::deliver() {
 void writeOutputFile(const std::string& path, std::string_view bytes) {
     try {
         if (isSpecialFile(path)) {
-            const EndAtOnce atOnce;
+            const ImmediateInterrupt atOnce;
             return writeIntoSpecialFile(path, bytes);
         }
         const TemporaryFolder folder(path);

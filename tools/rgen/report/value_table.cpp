@@ -1,4 +1,4 @@
-// The dump is the one way to ask the library for the text of a value.
+// A dump is the only way to get the text of a value from the library.
 //
 // SPDX-License-Identifier: MIT
 #include "report/value_table.h"
@@ -32,8 +32,8 @@ std::string tableRow(const std::string& name, const std::string& source, const s
 
 }  // namespace
 
-std::vector<ShownValue> shownValues(const Generator& generator, const ReportType& type,
-                                    const ReportInput& input) {
+std::vector<ValueRow> valueRows(const Generator& generator, const ReportType& type,
+                                const ReportInput& input) {
     RgenStatus status = RGEN_OK;
     ValueSet merged;
     for (Value& value : generator.persistentData(type.guid, status))
@@ -48,18 +48,18 @@ std::vector<ShownValue> shownValues(const Generator& generator, const ReportType
     const RgenStatus dumped = generator.dump(inOrder(merged), dump);
     if (dumped < 0) throw generator.failure(dump, dumped, "check the temporary folder");
     std::map<std::string, std::string> texts = readDump(dump);
-    std::vector<ShownValue> shown;
+    std::vector<ValueRow> shown;
     for (const auto& [name, value] : merged.values())
         shown.push_back({value, texts[name]});
     return shown;
 }
 
-std::string shownTable(const std::vector<ShownValue>& values) {
+std::string valueTable(const std::vector<ValueRow>& values) {
     constexpr std::size_t longestText = 100;
     std::string table = tableRow("name", "from", "hint", "text");
-    for (const ShownValue& shown : values) {
+    for (const ValueRow& shown : values) {
         table += tableRow(inOneLine(shown.value.name), inOneLine(shown.value.source),
-                          hintWord(shown.value), shortened(shown.text, longestText));
+                          hintName(shown.value), shortened(shown.text, longestText));
     }
     return table;
 }

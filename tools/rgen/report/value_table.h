@@ -1,4 +1,4 @@
-// The table of --show-data: every value of a report, where it came from, and its text.
+// The table of --show-data: every value of a report, its source, and its text.
 //
 // SPDX-License-Identifier: MIT
 #pragma once
@@ -12,18 +12,18 @@
 
 namespace cli {
 
-struct ShownValue {
+struct ValueRow {
     Value value;
-    /// As the report shows it.
+    /// The text in the report.
     std::string text;
 };
 
-/// Persistent data, pairs and values merged as the library merges them, sorted by name. The texts
-/// are the library's own, taken from a raw input dump.
-std::vector<ShownValue> shownValues(const Generator& generator, const ReportType& type,
-                                    const ReportInput& input);
+/// Persistent data, pairs and values merged like in the library, sorted by name. The texts are
+/// those of the library, from a raw input dump.
+std::vector<ValueRow> valueRows(const Generator& generator, const ReportType& type,
+                                const ReportInput& input);
 
-/// Columns for people: name, source, hint and text.
-std::string shownTable(const std::vector<ShownValue>& values);
+/// The table with columns name, source, hint and text.
+std::string valueTable(const std::vector<ValueRow>& values);
 
 }  // namespace cli

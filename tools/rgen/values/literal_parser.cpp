@@ -1,4 +1,4 @@
-// Strict readers: a text is taken as a whole or not at all.
+// Strict parsers: the whole text must match.
 //
 // SPDX-License-Identifier: MIT
 #include "values/literal_parser.h"
@@ -18,14 +18,14 @@ namespace cli {
 namespace {
 
 constexpr std::int64_t secondsOfDay = 86400;
-/// The last second that the library shows.
+/// The last second that the library can show.
 constexpr std::int64_t latestTime = 32535215999;
 
 std::string quoted(const std::string& text) {
     return "\"" + shortened(text) + "\"";
 }
 
-/// Tells whether there is a digit and nothing but digits behind an optional sign and `prefix`.
+/// Tells whether there are only digits, at least one, after an optional sign and `prefix`.
 bool isNumber(const std::string& text, std::string_view prefix, const char* digits) {
     const std::size_t sign = !text.empty() && (text[0] == '-' || text[0] == '+') ? 1 : 0;
     const std::size_t start = sign + prefix.size();
@@ -68,7 +68,7 @@ struct DateTime {
     int year, month, day, hour, minute, second;
 };
 
-/// -1 for times that the system cannot tell.
+/// -1 for times that the system cannot convert.
 std::int64_t localSeconds(const DateTime& time) {
     std::tm brokenDown = {};
     brokenDown.tm_year = time.year - 1900;
@@ -82,12 +82,12 @@ std::int64_t localSeconds(const DateTime& time) {
     return seconds;
 }
 
-/// Reads a text from the front; after the first part that does not fit nothing fits any more.
+/// Parses a text from left to right; after the first mismatch every further step fails.
 class TimeScanner {
 public:
     explicit TimeScanner(const std::string& text) : text_(text) {}
 
-    /// The number that the next digits make, exactly so many.
+    /// The number in the next digits, exactly that many.
     int number(std::size_t digits) {
         const std::string part = text_.substr(std::min(at_, text_.size()), digits);
         fits_ =
@@ -113,7 +113,7 @@ private:
     bool fits_ = true;
 };
 
-/// "T08:14" or "T08:14:07"; a blank may stand for the "T".
+/// "T08:14" or "T08:14:07", or a blank instead of the "T".
 void scanTimeOfDay(TimeScanner& scanner, DateTime& time) {
     if (!scanner.accept('T') && !scanner.accept(' ')) return;
     time.hour = scanner.number(2);
@@ -167,7 +167,7 @@ CommandError noByteDump(const std::string& text) {
 
 }  // namespace
 
-std::int64_t readInteger(const std::string& text, bool takesUnsigned) {
+std::int64_t parseInteger(const std::string& text, bool takesUnsigned) {
     const std::string digits = trimmed(text);
     const bool isHex = isHexadecimal(digits);
     if (!isHex && !isDecimal(digits)) {
@@ -184,17 +184,17 @@ std::int64_t readInteger(const std::string& text, bool takesUnsigned) {
     throw usageError(quoted(text) + " does not fit into 64 bits");
 }
 
-std::int64_t readTime(const std::string& text) {
+std::int64_t parseTime(const std::string& text) {
     const std::string time = trimmed(text);
     if (time == "now") return std::time(nullptr);
     const std::int64_t seconds =
-        isDecimal(time) ? readInteger(time, false) : readCalendarTime(time);
+        isDecimal(time) ? parseInteger(time, false) : readCalendarTime(time);
     if (seconds >= 0 && seconds <= latestTime) return seconds;
     throw usageError(quoted(text) + " cannot be shown as a time",
                      "the library shows times from 1970 to 3000");
 }
 
-std::vector<std::uint8_t> readBytes(const std::string& text) {
+std::vector<std::uint8_t> parseBytes(const std::string& text) {
     std::vector<std::uint8_t> bytes;
     const std::string separators = " \t\r\n,";
     for (std::size_t i = text.find_first_not_of(separators); i < text.size();

@@ -1,4 +1,4 @@
-// From "NAME:HINT" and a text to a typed value.
+// Converts "NAME:HINT" and a text to a typed value.
 //
 // SPDX-License-Identifier: MIT
 #include "values/value.h"
@@ -10,6 +10,7 @@
 #include "base/command_error.h"
 #include "base/console.h"
 #include "base/input_file.h"
+#include "base/paths.h"
 #include "base/suggestion.h"
 #include "base/text_functions.h"
 #include "base/xml_text.h"
@@ -18,14 +19,14 @@
 namespace cli {
 namespace {
 
-struct HintWord {
-    const char* word;
+struct NamedHint {
+    const char* name;
     ValueType type;
     ValueHint hint;
 };
 
-// Of several words for one hint the first is shown.
-constexpr HintWord words[] = {
+// If a hint has several names, the first one is printed.
+constexpr NamedHint hints[] = {
     {"text", RGEN_TYPE_STRING, RGEN_HINT_GENERIC},
     {"int", RGEN_TYPE_INT64, RGEN_HINT_GENERIC},
     {"size", RGEN_TYPE_INT64, RGEN_HINT_SIZE},
@@ -39,24 +40,24 @@ constexpr HintWord words[] = {
     {"dump", RGEN_TYPE_BYTE_ARRAY, RGEN_HINT_DUMP},
 };
 
-const HintWord* findHint(const std::string& text) {
-    const std::string word = lowerCase(text);
-    const auto found = std::find_if(std::begin(words), std::end(words),
-                                    [&word](const HintWord& hint) { return word == hint.word; });
-    return found == std::end(words) ? nullptr : found;
+const NamedHint* findHint(const std::string& text) {
+    const std::string name = lowerCase(text);
+    const auto found = std::find_if(std::begin(hints), std::end(hints),
+                                    [&name](const NamedHint& hint) { return name == hint.name; });
+    return found == std::end(hints) ? nullptr : found;
 }
 
 bool isTimeHint(ValueHint hint) {
     return hint == RGEN_HINT_TIME || hint == RGEN_HINT_DATE || hint == RGEN_HINT_DATE_TIME;
 }
 
-std::vector<std::uint8_t> bytesOf(const std::string& text, const ValueReading& reading) {
-    if (text.empty() || text[0] != '@') return readBytes(text);
+std::vector<std::uint8_t> bytesOf(const std::string& text, const ValueReadOptions& options) {
+    if (text.empty() || text[0] != '@') return parseBytes(text);
     const std::string path = text.substr(1);
     const bool isWhole = path.empty() || std::filesystem::u8path(path).has_root_path();
-    const std::string place = isWhole ? path : joinedPath(reading.folder, path);
-    if (reading.filesNamed != nullptr) {
-        reading.filesNamed->push_back(place);
+    const std::string place = isWhole ? path : joinedPath(options.folder, path);
+    if (options.filesNamed != nullptr) {
+        options.filesNamed->push_back(place);
         return {};
     }
     const std::string content = readInputFile(place, "check the path behind @");
@@ -66,15 +67,15 @@ std::vector<std::uint8_t> bytesOf(const std::string& text, const ValueReading& r
     return {content.begin(), content.end()};
 }
 
-std::string contentOf(const std::string& text, const ValueReading& reading) {
+std::string contentOf(const std::string& text, const ValueReadOptions& options) {
     if (!isPlainUtf8(text)) {
         throw usageError("the text is not valid UTF-8, or holds a zero character",
                          "bytes of any kind are values with the hint bytes");
     }
-    return reading.raw ? text : escapedAmpersands(text);
+    return options.raw ? text : escapedAmpersands(text);
 }
 
-/// The name and text of "NAME=TEXT", and the words in front of what is wrong with it.
+/// The name and text of "NAME=TEXT", and the beginning of error messages about it.
 struct Assignment {
     Assignment(const std::string& argument, const std::string& option)
         : place(option + " \"" + shortened(argument, 60) + "\": ") {
@@ -105,9 +106,9 @@ void requireKnownHint(const Assignment& assignment) {
 }
 
 Value readArgument(const Assignment& assignment, const std::string& nameAndHint,
-                   const ValueReading& reading) {
+                   const ValueReadOptions& options) {
     try {
-        return readValue(nameAndHint, assignment.text, "text", reading);
+        return readValue(nameAndHint, assignment.text, "text", options);
     } catch (const CommandError& error) {
         throw assignment.failure(error);
     }
@@ -132,17 +133,17 @@ void ValueSet::replace(Value value) {
     values_[std::move(name)] = std::move(value);
 }
 
-std::vector<std::string> hintWords() {
+std::vector<std::string> hintNames() {
     std::vector<std::string> all;
-    for (const HintWord& hint : words)
-        all.emplace_back(hint.word);
+    for (const NamedHint& hint : hints)
+        all.emplace_back(hint.name);
     return all;
 }
 
-std::string hintWord(const Value& value) {
-    for (const HintWord& hint : words) {
+std::string hintName(const Value& value) {
+    for (const NamedHint& hint : hints) {
         if (hint.type == value.type && (hint.hint == value.hint || value.type != RGEN_TYPE_INT64)) {
-            return hint.word;
+            return hint.name;
         }
     }
     return "int";
@@ -153,48 +154,48 @@ NameAndHint splitNameAndHint(const std::string& text) {
     if (colon == std::string::npos) return {text, {}};
     NameAndHint parts{text.substr(0, colon), text.substr(colon + 1)};
     if (findHint(parts.hint) != nullptr) return parts;
-    const std::string advice = didYouMean(parts.hint, hintWords(),
+    const std::string advice = didYouMean(parts.hint, hintNames(),
                                           "the hints are text, int, size, "
                                           "speed, address, time, date, datetime and bytes");
     throw usageError("there is no hint \"" + parts.hint + "\"", advice);
 }
 
 Value readValue(const std::string& nameAndHint, const std::string& text,
-                const std::string& defaultHint, const ValueReading& reading) {
+                const std::string& defaultHint, const ValueReadOptions& options) {
     const NameAndHint parts = splitNameAndHint(nameAndHint);
     if (parts.name.empty()) throw usageError("the name is empty", "write NAME=VALUE");
     if (!isPlainUtf8(parts.name)) {
         throw usageError("the name is not valid UTF-8, or holds a zero character");
     }
-    const HintWord* hint = findHint(parts.hint.empty() ? defaultHint : parts.hint);
+    const NamedHint* hint = findHint(parts.hint.empty() ? defaultHint : parts.hint);
     Value value;
     value.name = parts.name;
-    value.source = reading.source;
+    value.source = options.source;
     value.type = hint->type;
     value.hint = hint->hint;
     if (hint->type == RGEN_TYPE_STRING) {
-        value.content = contentOf(text, reading);
+        value.content = contentOf(text, options);
     } else if (hint->type == RGEN_TYPE_BYTE_ARRAY) {
-        value.bytes = bytesOf(text, reading);
+        value.bytes = bytesOf(text, options);
     } else if (isTimeHint(hint->hint)) {
-        value.number = readTime(text);
+        value.number = parseTime(text);
     } else {
-        value.number = readInteger(text, hint->hint == RGEN_HINT_ADDRESS);
+        value.number = parseInteger(text, hint->hint == RGEN_HINT_ADDRESS);
     }
     return value;
 }
 
 Value readAssignment(const std::string& argument, const std::string& option,
-                     const ValueReading& reading) {
+                     const ValueReadOptions& options) {
     const Assignment assignment(argument, option);
     requireKnownHint(assignment);
-    return readArgument(assignment, assignment.name, reading);
+    return readArgument(assignment, assignment.name, options);
 }
 
 Value readPair(const std::string& argument, const std::string& option,
-               const ValueReading& reading) {
+               const ValueReadOptions& options) {
     const Assignment assignment(argument, option);
-    return readArgument(assignment, assignment.name + ":text", reading);
+    return readArgument(assignment, assignment.name + ":text", options);
 }
 
 }  // namespace cli

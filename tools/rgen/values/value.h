@@ -1,5 +1,4 @@
-// The values of a report as rgen collects them: named, typed, hinted, and with the place that they
-// came from.
+// The values of a report: name, type, hint, content and source.
 //
 // SPDX-License-Identifier: MIT
 #pragma once
@@ -16,7 +15,6 @@ namespace cli {
 
 class Console;
 
-/// The library's enumerations as types of their own.
 using ValueType = RgenVariantType;
 using ValueHint = RgenHint;
 
@@ -25,7 +23,7 @@ struct Value {
     /// Text, integer or bytes.
     ValueType type = RGEN_TYPE_STRING;
     ValueHint hint = RGEN_HINT_GENERIC;
-    /// XML content as the library takes it: "&" is escaped already.
+    /// XML content as the library expects it: "&" is already escaped.
     std::string content;
     std::int64_t number = 0;
     std::vector<std::uint8_t> bytes;
@@ -33,13 +31,13 @@ struct Value {
     std::string source;
 };
 
-/// Values by name; of two values of one name the later wins.
+/// Values by name; if a name is added twice, the last value is used.
 class ValueSet {
 public:
     void add(Value value);
-    /// As add, where the name is meant to be there already.
+    /// Like add, but an existing name is expected and not noted.
     void replace(Value value);
-    /// Notes which names were added more than once.
+    /// Notes the names that were added more than once.
     void noteRepeated(Console& console) const;
     const std::map<std::string, Value>& values() const { return values_; }
     bool empty() const { return values_.empty(); }
@@ -50,39 +48,40 @@ private:
     std::set<std::string> repeated_;
 };
 
-/// The words of the command line and of JSON data files for types and hints.
-std::vector<std::string> hintWords();
+/// The hints that the command line and JSON data files accept.
+std::vector<std::string> hintNames();
 
-/// The word that rgen shows for a value's type and hint.
-std::string hintWord(const Value& value);
+/// The hint that rgen prints for the type and hint of a value.
+std::string hintName(const Value& value);
 
-/// How the texts of plain values become XML content, and where "@FILE" is looked for.
-struct ValueReading {
+/// How texts are converted to XML content, and where "@FILE" is searched.
+struct ValueReadOptions {
     bool raw = false;
     std::string source;
     std::string folder = ".";
-    /// When it is there, no such file is opened: the paths are put here, and the values lack bytes.
+    /// If not null, "@FILE" is not opened: its path is added here, and the value has no bytes.
     std::vector<std::string>* filesNamed = nullptr;
 };
 
-/// Takes "NAME:HINT" apart and makes the value that `text` stands for. `defaultHint` counts without
-/// one. Raises a CommandError whose text says what is wrong, without saying where.
+/// Splits "NAME:HINT" and converts `text` to a value. `defaultHint` is used without a hint. Throws
+/// a CommandError that says what is wrong, but not where.
 Value readValue(const std::string& nameAndHint, const std::string& text,
-                const std::string& defaultHint, const ValueReading& reading);
+                const std::string& defaultHint, const ValueReadOptions& options);
 
-/// The name and hint in "NAME:HINT"; the hint is empty when there is none. Raises a CommandError
-/// for an unknown hint.
+/// The name and hint in "NAME:HINT"; the hint may be empty. Throws a CommandError for an unknown
+/// hint.
 struct NameAndHint {
     std::string name;
     std::string hint;
 };
 NameAndHint splitNameAndHint(const std::string& text);
 
-/// "NAME[:HINT]=VALUE" as an argument of `option`. Raises a CommandError.
+/// Parses "NAME[:HINT]=VALUE", an argument of `option`. Throws a CommandError.
 Value readAssignment(const std::string& argument, const std::string& option,
-                     const ValueReading& reading);
+                     const ValueReadOptions& options);
 
-/// "NAME=TEXT"; no hint is looked for. Raises a CommandError.
-Value readPair(const std::string& argument, const std::string& option, const ValueReading& reading);
+/// Parses "NAME=TEXT" without a hint. Throws a CommandError.
+Value readPair(const std::string& argument, const std::string& option,
+               const ValueReadOptions& options);
 
 }  // namespace cli
