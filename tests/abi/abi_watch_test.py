@@ -25,7 +25,7 @@ CANCEL = ("RGEN_API void RGEN_CALL rgen_cancel(RgenReportGenerator* generator, "
 SIZE = "    uint32_t size;"
 LENGTH = "    uint32_t length;"
 MODE = "    uint64_t outputMode;\n"
-MODE_COMMENT = ("    /** One of RgenOutputMode; anything else ends with "
+MODE_COMMENT = ("    /** One of RgenOutputMode; any other value results in "
                 "RGEN_E_UNKNOWN_OUTPUT_MODE. */\n")
 SONAME = "libstrata_repgenlib.so.0"
 
