@@ -54,14 +54,15 @@ std::string withoutBrackets(std::string_view name) {
 /// The name of the first argument that is required and missing; empty when there is none.
 std::string missingArgument(const Command& command, const Arguments& arguments) {
     for (const Option& option : command.options) {
-        const bool isMissing = option.required && !storedFor(option, arguments).isGiven;
+        const bool isMissing =
+            option.need == Need::Required && !storedFor(option, arguments).isGiven;
         if (isMissing && !isGiven(command, option.unless, arguments)) {
             return std::string(option.name);
         }
     }
     const Operand& operand = command.operand;
     const bool isMissing = arguments.operands.empty() || arguments.operands.front().empty();
-    if (!operand.required || !isMissing || isGiven(command, operand.unless, arguments)) return {};
+    if (!operand.required() || !isMissing || isGiven(command, operand.unless, arguments)) return {};
     return withoutBrackets(operand.name);
 }
 
@@ -81,8 +82,10 @@ void checkChoices(const Command& command, const Arguments& arguments) {
             checkChoice(command, std::string(option.name.substr(2)), value, option.choices);
     }
     if (command.operand.choices.empty()) return;
-    checkChoice(command, lowerCase(std::string(command.operand.name)), arguments.operands.front(),
-                command.operand.choices);
+    for (const std::string& operand : arguments.operands) {
+        checkChoice(command, lowerCase(std::string(command.operand.name)), operand,
+                    command.operand.choices);
+    }
 }
 
 std::vector<std::string> optionNames(const Command& command) {

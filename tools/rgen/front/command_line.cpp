@@ -133,7 +133,7 @@ void Parser::addOperands(CLI::App& app, const Command& command) {
     collectors_.push_back([this, &command, added] {
         if (added->count() == 0) return;
         line_.arguments.operands = added->results();
-        if (!command.operand.repeats && added->count() > 1)
+        if (!command.operand.repeats() && added->count() > 1)
             failAtSurplus(command, added->results()[1]);
     });
 }

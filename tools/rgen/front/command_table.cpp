@@ -123,13 +123,15 @@ std::vector<Option> withCommonOptions(const std::vector<Option>& own) {
 }
 
 constexpr Operand newValues = {
-    "NAME[:HINT]=VALUE", "Values", true, true, options::data.name,
+    "NAME[:HINT]=VALUE",
+    "Values",
+    Count::OneOrMore,
+    options::data.name,
 };
 
-std::vector<Command> makeTable() {
+std::vector<Command> reportCommands() {
     namespace o = options;
     return {
-        {"", "", "", rgenExamples, {o::help, o::version, o::json}},
         {"report",
          "Make a report, or many with --batch",
          "",
@@ -139,13 +141,19 @@ std::vector<Command> makeTable() {
                             o::timing, o::batch}),
          {},
          runReport},
+    };
+}
+
+std::vector<Command> persistCommands() {
+    namespace o = options;
+    return {
         {"persist", "Read and change persistent data", "", persistExamples, withCommonOptions({})},
         {"persist get",
          "Print persistent data",
          "Print lines `NAME=TEXT`, sorted; of one NAME its text only.",
          persistGetExamples,
          withCommonOptions({o::dataDir, o::type, o::printRaw}),
-         {"NAME", "Names to print (default: all)", true},
+         {"NAME", "Names to print (default: all)", Count::Any},
          runPersistGet},
         {"persist set", "Add or change persistent data", "Add or change values.",
          persistSetExamples, withCommonOptions({o::dataDir, o::type, o::data, o::raw}), newValues,
@@ -155,11 +163,17 @@ std::vector<Command> makeTable() {
          "Remove values. Nothing is changed when one of them does not exist.",
          persistUnsetExamples,
          withCommonOptions({o::dataDir, o::type}),
-         {"NAME", "Names to remove", true, true},
+         {"NAME", "Names to remove", Count::OneOrMore},
          runPersistUnset},
         {"persist replace", "Replace all persistent data",
          "Make the values exactly the given ones.", persistReplaceExamples,
          withCommonOptions({o::dataDir, o::type, o::data, o::raw}), newValues, runPersistReplace},
+    };
+}
+
+std::vector<Command> valuesFileCommands() {
+    namespace o = options;
+    return {
         {"dump",
          "Write values as a raw input dump",
          "",
@@ -174,12 +188,18 @@ std::vector<Command> makeTable() {
          withCommonOptions({o::fileOutput, o::set, o::data, o::raw}),
          {},
          runSimulate},
+    };
+}
+
+std::vector<Command> dataDirectoryCommands() {
+    namespace o = options;
+    return {
         {"init",
          "Make a data directory with a sample report type",
          "",
          initExamples,
          withCommonOptions({o::sample}),
-         {"DIR", "Folder, made if need be", false, true},
+         {"DIR", "Folder, made if need be", Count::One},
          runInit},
         {"types",
          "List the report types of a data directory",
@@ -188,6 +208,12 @@ std::vector<Command> makeTable() {
          withCommonOptions({o::dataDir}),
          {},
          runTypes},
+    };
+}
+
+std::vector<Command> otherCommands() {
+    namespace o = options;
+    return {
         {"explain",
          "Explain a status of the library",
          "",
@@ -207,9 +233,20 @@ std::vector<Command> makeTable() {
          "",
          completionExamples,
          withCommonOptions({}),
-         {"SHELL", "bash or zsh", false, true, {}, "bash|zsh"},
+         {"SHELL", "bash or zsh", Count::One, {}, "bash|zsh"},
          runCompletion},
     };
+}
+
+std::vector<Command> makeTable() {
+    std::vector<Command> table = {
+        {"", "", "", rgenExamples, {options::help, options::version, options::json}},
+    };
+    for (const std::vector<Command>& group :
+         {reportCommands(), persistCommands(), valuesFileCommands(), dataDirectoryCommands(),
+          otherCommands()})
+        table.insert(table.end(), group.begin(), group.end());
+    return table;
 }
 
 }  // namespace

@@ -18,18 +18,22 @@
 
 namespace cli {
 
+/// How many operands a command takes.
+enum class Count { ZeroOrOne, One, Any, OneOrMore };
+
 /// The arguments of a command that belong to no option.
 struct Operand {
     /// "NAME"; empty when the command takes no operands.
     std::string_view name = {};
     std::string_view summary = {};
-    /// Any number of them, or one at most.
-    bool repeats = false;
-    /// Without one the command fails, unless the option `unless` is given.
-    bool required = false;
+    Count count = Count::ZeroOrOne;
+    /// The option `unless` makes required operands optional.
     std::string_view unless = {};
     /// The possible values, separated by "|"; empty for any text.
     std::string_view choices = {};
+
+    bool required() const { return count == Count::One || count == Count::OneOrMore; }
+    bool repeats() const { return count == Count::Any || count == Count::OneOrMore; }
 };
 
 struct Command {

@@ -68,7 +68,8 @@ std::string bashOptions(const Predicate& isWanted) {
 }
 
 bool takesFile(const Option& option) {
-    return takesValue(option) && option.choices.empty() && !option.namesReportType;
+    return takesValue(option) && option.choices.empty() &&
+           option.completion == Completion::FileNames;
 }
 
 std::string bashScript() {
@@ -95,8 +96,9 @@ std::string bashScript() {
            "        esac\n"
            "    done\n"
            "    case $previous in\n" +
-           bashChoices() + "        " +
-           bashOptions([](const Option& option) { return option.namesReportType; }) +
+           bashChoices() + "        " + bashOptions([](const Option& option) {
+               return option.completion == Completion::ReportTypes;
+           }) +
            ")\n"
            "            while IFS= read -r next; do\n"
            "                [[ $next != \"$current\"* ]] || COMPREPLY+=(\"$(printf %q "

@@ -16,7 +16,7 @@ JsonDocument describedOption(const Option& option) {
     document.set("summary", std::string(option.summary));
     document.set("details", std::string(option.details));
     document.set("choices", choicesOf(option.choices));
-    document.set("required", option.required);
+    document.set("required", option.need == Need::Required);
     document.set("unless", std::string(option.unless));
     return document;
 }
@@ -26,8 +26,8 @@ JsonDocument describedOperand(const Operand& operand) {
     document.set("name", std::string(operand.name));
     document.set("summary", std::string(operand.summary));
     document.set("choices", choicesOf(operand.choices));
-    document.set("repeats", operand.repeats);
-    document.set("required", operand.required);
+    document.set("repeats", operand.repeats());
+    document.set("required", operand.required());
     document.set("unless", std::string(operand.unless));
     return document;
 }

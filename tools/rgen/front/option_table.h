@@ -19,6 +19,11 @@ using OptionTarget = std::variant<bool& (*)(Arguments&), std::string& (*)(Argume
                                   std::optional<std::string>& (*)(Arguments&),
                                   std::vector<std::string>& (*)(Arguments&)>;
 
+enum class Need { Optional, Required };
+
+/// What shells offer as the value of an option without choices.
+enum class Completion { FileNames, ReportTypes };
+
 struct Option {
     /// "-o"; may be empty.
     std::string_view shortName;
@@ -33,11 +38,10 @@ struct Option {
     OptionTarget target;
     /// The possible values, separated by "|"; empty for any text.
     std::string_view choices = {};
-    /// Without this option the command fails, unless the option `unless` is given.
-    bool required = false;
+    /// The option `unless` makes a required one optional.
+    Need need = Need::Optional;
     std::string_view unless = {};
-    /// Shells complete the value with the report types of the data directory, not with file names.
-    bool namesReportType = false;
+    Completion completion = Completion::FileNames;
 };
 
 namespace options {
@@ -98,9 +102,9 @@ inline constexpr Option type = {
     "out when there is only one.",
     [](Arguments& to) -> std::optional<std::string>& { return to.type; },
     {},
-    false,
+    Need::Optional,
     {},
-    true,
+    Completion::ReportTypes,
 };
 
 inline constexpr Option set = {
@@ -160,7 +164,7 @@ inline constexpr Option reportOutput = {
     "file).",
     [](Arguments& to) -> std::string& { return to.report.output; },
     {},
-    true,
+    Need::Required,
     "--batch",
 };
 
@@ -172,7 +176,7 @@ inline constexpr Option fileOutput = {
     "The file to write; `-` is standard output.",
     [](Arguments& to) -> std::string& { return to.report.output; },
     {},
-    true,
+    Need::Required,
 };
 
 inline constexpr Option format = {
