@@ -49,7 +49,7 @@ bool startXmlLibraries() noexcept {
     if (!hasXmlThreadState()) return false;
     xmlCheckVersion(builtForXmlVersion);
     xsltInit();
-    // Creates the lock of the extensions; otherwise the first compilations would, in a data race.
+    // Creates the lock of the extensions, which concurrent first compilations would each create.
     xsltInitGlobals();
     xsltSetGenericErrorFunc(nullptr, ignoreMessage);
     createLocaleList();

@@ -18,7 +18,6 @@
 #include "store/xml/parser_context.h"
 #include "store/xml/work_allocator.h"
 #include "support/fault_injection.h"
-#include "support/pool_fault_check.h"
 
 namespace rgen_test {
 namespace {
@@ -104,22 +103,6 @@ TEST(XmlWork, PoolComesBackWithItsMemory) {
         rgen::memory::release(rgen::memory::allocate(poolInUse(), 10));
     }
     EXPECT_LT(0U, slot.acquire()->chunkBytes());
-}
-
-TEST(XmlWork, PoolWithABlockThatIsStillInUseIsNotUsedAgain) {
-    if (!poolsAreUsed) GTEST_SKIP() << "the build for the address sanitizer has no pools";
-    PoolSlot slot;
-    void* kept = nullptr;
-    Pool* pool = nullptr;
-    {
-        const XmlWork work(slot);
-        pool = poolInUse();
-        kept = rgen::memory::allocate(pool, 10);
-    }
-    EXPECT_NE(pool, slot.acquire().get());
-    rgen::memory::release(kept);
-    delete pool;
-    EXPECT_EQ(1U, acknowledgePoolFaults().poolsLeft);
 }
 
 using PooledMap = std::unordered_map<int, std::string, std::hash<int>, std::equal_to<>,
