@@ -53,4 +53,4 @@ class Inventory(CliCase):
     def test_too_few_files(self):
         listed = self.listed(4)
         self.assertEqual((1, b""), (listed.returncode, listed.stdout))
-        self.assertIn(b"only 3 files below files, 4 are wanted", listed.stderr)
+        self.assertIn(b"only 3 files in files, but 4 are needed", listed.stderr)

@@ -22,8 +22,8 @@ extern const bool memoryIsMeasured;
 // longer, times RGEN_SOAK_FACTOR where the environment has that variable.
 int loopCount(int plainCount);
 
-// For tables of combinations: whether the one in that row and column is tried. All are, except under
-// the thread sanitizer, where every third one is: no row or column is left out.
+// For tables of combinations: whether the one in that row and column is tried. All are, except
+// under the thread sanitizer, where every third one is: no row or column is left out.
 bool combinationIsTried(std::size_t row, std::size_t column);
 
 // Prints a line that scripts/soak puts into its table.
