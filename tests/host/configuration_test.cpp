@@ -253,7 +253,7 @@ TEST(DamagedConfiguration, IsReadAsFarAsItCanBeRecovered) {
         {"no closing tags at the end", "<config><reportTypes>" + entry, RGEN_E_OPEN_PERSIST},
         {"root not closed", "<config><reportTypes>" + entry + "</reportTypes>",
          RGEN_E_OPEN_PERSIST},
-        {"text behind the root",
+        {"text after the root",
          "<config><reportTypes>" + entry + "</reportTypes></config>text <more",
          RGEN_E_OPEN_PERSIST},
         {"cut in the last text",

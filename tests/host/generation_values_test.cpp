@@ -139,7 +139,7 @@ std::vector<TextRow> ampersandRows() {
             {"undefined entity of Cyrillic letters", "&\xD0\xBD\xD0\xB0;", ""},
             {"blank in an entity name", "&a b;", ""},
             {"blank in an entity name, with text around", "x &a b; y", "x  y"},
-            {"ampersand and a semicolon far behind", "AT&T; x", "AT x"},
+            {"ampersand and a distant semicolon", "AT&T; x", "AT x"},
             {"digit as entity name", "&1;", ""},
             {"percent as entity name", "&%;", ""},
             {"decimal reference", "&#65;", "A"},

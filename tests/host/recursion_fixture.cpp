@@ -42,7 +42,7 @@ std::vector<EndlessTemplate> callingTemplates() {
         {"call inside choose", endless("<xsl:choose><xsl:when test=\"false()\"/><xsl:otherwise>" +
                                        std::string(callAgain) + "</xsl:otherwise></xsl:choose>")},
         {"call inside a variable", endlessIn("xsl:variable", "name=\"x\"")},
-        {"call behind a variable",
+        {"call after a variable",
          endless("<xsl:variable name=\"x\" select=\"//property\"/>" + std::string(callAgain))},
         {"call inside a parameter's default", endlessIn("xsl:param", "name=\"x\"")},
         {"call inside with-param",

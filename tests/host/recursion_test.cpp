@@ -222,7 +222,7 @@ TEST_F(Recursion, CopiesOfDeepTreesFailOrComeOutWhole) {
 }
 
 // Top-level elements "v0", "v1", ... of which each needs the next one. In the pattern of an element
-// "{}" stands for its own name and "[]" for that of the next one.
+// "{}" is replaced by its own name and "[]" by that of the next one.
 std::string definitions(const std::string& pattern, int length) {
     std::string result;
     for (int index = 0; index < length; ++index) {

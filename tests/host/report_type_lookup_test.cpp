@@ -140,7 +140,7 @@ INSTANTIATE_TEST_SUITE_P(
                             RGEN_E_NO_VALID_TYPE_MAP),
                     refused("blank inside", withGuid("01234567-89ab-cdef -0123-456789abcdef"),
                             RGEN_E_NO_VALID_TYPE_MAP),
-                    refused("line break behind text",
+                    refused("line break after text",
                             withGuid("01234567-89ab-cdef-0123-456789abcdef&#10;x"),
                             RGEN_E_NO_VALID_TYPE_MAP),
                     refused("no-break space around",

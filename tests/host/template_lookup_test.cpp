@@ -166,7 +166,7 @@ TEST_F(TemplateLookup, AFailedGenerationLeavesTheGeneratorUsable) {
     }
 }
 
-// Everything is wrong at first; each step mends what the library complained about.
+// Everything is wrong at first; each step corrects what the library complained about.
 TEST_F(StatusOrder, EachStepIsReachedOnlyWhenTheStepsBeforeItSucceed) {
     InputParams input;
     input.guid(guidFromText("12345678-0000-0000-0000-000000000000"));

@@ -240,10 +240,10 @@ TEST_F(Recovery, DamagedTemplatesAreRepairedAndUsed) {
     const std::string whole = textStylesheet("done");
     const std::vector<TemplateRow> rows = {
         {"cut inside the last end tag", whole.substr(0, whole.size() - 5)},
-        {"without any end tag behind the text", whole.substr(0, whole.find("done") + 4)},
-        {"junk behind the end", whole + "junk <x>"},
+        {"without any end tag after the text", whole.substr(0, whole.find("done") + 4)},
+        {"junk after the end", whole + "junk <x>"},
         {"unknown element of XSLT", textStylesheet("<xsl:foo>junk</xsl:foo>done")},
-        {"zero byte and junk behind the end", whole + std::string("\0<junk", 6)}};
+        {"zero byte and junk after the end", whole + std::string("\0<junk", 6)}};
     for (const TemplateRow& row : rows) {
         SCOPED_TRACE(row.label);
         EXPECT_EQ(reportOf("done"), reportOfTemplate(row.text));

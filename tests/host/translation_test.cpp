@@ -155,7 +155,7 @@ TEST_F(Translation, TheFormsOfAMarkerThatAreFound) {
         {"a backslash before the end", marker("a\\"), "a\\"},
         {"UTF-8", marker("\xD0\xB6 \xE6\xBC\xA2"), "\xD0\xB6 \xE6\xBC\xA2"},
         {"blanks before the parenthesis", name + " \t\n(\"QObject\", \"a\")", "a"},
-        {"blanks behind the parenthesis", name + "( \r\n\"QObject\", \"a\")", "a"},
+        {"blanks after the parenthesis", name + "( \r\n\"QObject\", \"a\")", "a"},
         {"blanks before the comma", name + "(\"QObject\" \t, \"a\")", "a"},
         {"vertical tab and form feed", name + "\v(\f\"QObject\"\v, \"a\")", "a"}};
     useTranslator();

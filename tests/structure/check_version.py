@@ -1,4 +1,4 @@
-"""The version stands in the public header. Files that have to repeat it, because tools of other
+"""The version is defined in the public header. Files that have to repeat it, because tools of other
 languages read them, say the same; no other file states it, apart from those that tell of the past.
 
 SPDX-License-Identifier: MIT

@@ -31,7 +31,7 @@ const Generator& generator() {
 // Names that the file system refuses (too long, or no valid UTF-8, as a reference to a surrogate
 // makes them) are thrown as exceptions; all others end with a status.
 template <typename Call>
-bool raises(const Call& call) {
+bool throws(const Call& call) {
     try {
         call();
         return false;
@@ -58,7 +58,7 @@ void fuzzConfig(const std::string& input) {
     writeWorkFile("config/.rgen/config.xml", input);
     TextMap pairs;
     RgenStatus read = RGEN_OK;
-    const bool readRaises = raises([&] { read = readPersistentData(target, pairs); });
+    const bool readThrows = throws([&] { read = readPersistentData(target, pairs); });
     requireOneOf(read,
                  {RGEN_OK, RGEN_E_OPEN_CONFIG, RGEN_E_GUID_NOT_IN_CONFIG, RGEN_E_NO_TYPE_MAP,
                   RGEN_E_NO_VALID_TYPE_MAP, RGEN_E_OPEN_PERSIST, RGEN_E_NO_PERSIST_VALUES,
@@ -70,13 +70,13 @@ void fuzzConfig(const std::string& input) {
     std::string report;
     RgenStatus made = RGEN_OK;
     const bool madeRaises =
-        raises([&] { made = generateBytes(target, values.record(), "txt", report); });
+        throws([&] { made = generateBytes(target, values.record(), "txt", report); });
     requireOneOf(made,
                  {RGEN_OK, RGEN_E_OPEN_CONFIG, RGEN_E_GUID_NOT_IN_CONFIG, RGEN_E_NO_TYPE_MAP,
                   RGEN_E_NO_VALID_TYPE_MAP, RGEN_E_TEMPLATE_NOT_FOUND, RGEN_E_XSLT_PARSE,
                   RGEN_E_XSLT_APPLY, RGEN_E_XSLT_RESULT},
                  "rgen_generateReport");
-    if (!readRaises && !madeRaises) requireSameConfiguration(read, made);
+    if (!readThrows && !madeRaises) requireSameConfiguration(read, made);
     require(readWorkFile("config/.rgen/config.xml") == input, "config.xml was rewritten");
 }
 

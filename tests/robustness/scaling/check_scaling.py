@@ -4,7 +4,7 @@ Usage: check_scaling.py PROGRAM FILES [GOOGLETEST-ARGUMENT...]
 
 Runs the program with all cases under callgrind, which counts instructions: the same ones each time,
 however busy the machine is. Each case has an input of nothing, one of its size and one of 16 times
-that. What the input of nothing costs goes off; of the rest the large input may cost at most 20 times
+that. The cost of an empty input is subtracted; of the rest the large input may cost at most 20 times
 as much as the small one. Work that grows by the square costs 256 times as much. The cases whose
 names begin with "stand-in" have to fail: they show that such work is noticed.
 

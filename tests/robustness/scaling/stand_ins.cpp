@@ -35,7 +35,7 @@ void lookAheadFromEachOpening(std::string_view text) {
 std::vector<ScalingCase> standIns() {
     constexpr std::size_t fewBytes = 128;
     return {
-        {"stand-in that goes back to the start", fewBytes,
+        {"stand-in that returns to the start", fewBytes,
          [](std::size_t size) {
              return [text = std::string(size, ' ')] { lookBackFromEach(text); };
          }},

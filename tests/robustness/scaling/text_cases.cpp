@@ -58,7 +58,7 @@ void addMarkerCases(std::vector<ScalingCase>& cases) {
         {"openings alone", repeats(opening)},
         {"brackets without a context", repeats(keyword + "(")},
         {"blanks before the end", repeats(" ", opening + "m", "\")")},
-        {"blanks behind the message", repeats(" ", opening + "m\"", ")")},
+        {"blanks after the message", repeats(" ", opening + "m\"", ")")},
         {"blanks before the bracket", repeats(" ", keyword, "(\"QObject\", \"m\")")},
         {"blanks before the context", repeats(" ", keyword + "(", "\"QObject\", \"m\")")},
         {"blanks before the comma", repeats(" ", keyword + "(\"QObject\"", ", \"m\")")},
@@ -81,7 +81,7 @@ void addGuidCases(std::vector<ScalingCase>& cases) {
     cases.push_back(textCase("GUID: digits", repeats("a"), read));
     cases.push_back(textCase("GUID: hyphens", repeats("-"), read));
     cases.push_back(textCase("GUID: groups", repeats("dead-", guid), read));
-    cases.push_back(textCase("GUID: blanks behind one", repeats(" ", guid), read));
+    cases.push_back(textCase("GUID: blanks after one", repeats(" ", guid), read));
     cases.push_back(textCase("GUID: one after the other", repeats(guid), read));
 }
 
@@ -90,7 +90,7 @@ void addByteDumpCases(std::vector<ScalingCase>& cases) {
         {"bytes", repeats("0x4a,", "", "0x00")},
         {"zeros", repeats("0x00,", "", "0x00")},
         {"blanks before a byte", repeats(" ", "", "0x00")},
-        {"blanks behind a byte", repeats(" ", "0x00")},
+        {"blanks after a byte", repeats(" ", "0x00")},
         {"blanks around commas", repeats("0x00" + std::string(99, ' ') + ",\t", "", "0x00")},
         {"blanks alone", repeats("\n")},
         {"commas", repeats(",", "0x00")},
@@ -167,7 +167,7 @@ void addTrimmingCases(std::vector<ScalingCase>& cases) {
     };
     cases.push_back(textCase("trimming: blanks", repeats(" "), read));
     cases.push_back(textCase("trimming: blanks before a text", repeats(" \t\n", "", "x"), read));
-    cases.push_back(textCase("trimming: blanks behind a text", repeats(" \t\n", "x"), read));
+    cases.push_back(textCase("trimming: blanks after a text", repeats(" \t\n", "x"), read));
     cases.push_back(textCase("trimming: blanks between texts", repeats("x \t\n"), read));
 }
 
