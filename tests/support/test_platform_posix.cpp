@@ -21,7 +21,6 @@
 #include <filesystem>
 #include <fstream>
 #include <functional>
-#include <iterator>
 #include <sstream>
 #include <system_error>
 
@@ -98,10 +97,12 @@ std::string environmentState() {
     return "environment: " + std::to_string(std::hash<std::string>()(joined(texts, "\n"))) + "\n";
 }
 
-// The state letter of a process whose parent is this one; nothing for any other.
-std::string stateOfChild(const std::filesystem::path& process) {
-    std::ifstream file(process / "stat");
-    const std::string text{std::istreambuf_iterator<char>(file), {}};
+// The state letter of a process whose parent is this one; nothing for any other, and for one that
+// has ended meanwhile, whose file can be opened and not read.
+std::string stateOfChild(const std::string& number) {
+    std::ifstream file("/proc/" + number + "/stat");
+    std::string text;
+    std::getline(file, text, '\0');
     // The program's name is in brackets and may hold anything.
     std::istringstream fields(text.substr(std::min(text.size(), text.rfind(')') + 1)));
     std::string state;
@@ -112,11 +113,8 @@ std::string stateOfChild(const std::filesystem::path& process) {
 
 std::string childStates() {
     std::string states;
-    std::error_code ignored;
-    for (const auto& process : std::filesystem::directory_iterator("/proc", ignored)) {
-        const std::string name = process.path().filename().string();
-        if (name.find_first_not_of("0123456789") == std::string::npos)
-            states += stateOfChild(process.path());
+    for (const std::string& name : namesOf("/proc")) {
+        if (name.find_first_not_of("0123456789") == std::string::npos) states += stateOfChild(name);
     }
     return states;
 }
