@@ -147,7 +147,10 @@ class Running:
             file.seek(0)
             contents.append(file.read())
             file.close()
-        return self.result_type(code, *contents)
+        result = self.result_type(code, *contents)
+        if LAUNCHER and (code, *contents) == (1, b"", b""):
+            raise AssertionError(f"Wine did not start the program: {result}")
+        return result
 
     def stop(self):
         if self.process.poll() is None:
