@@ -318,7 +318,7 @@ class LinkedParts(PackageCase):
             self.links("vellum", lambda text: text + "\nLOAD /somewhere/unknown.o\n")
 
     def test_an_unknown_header_library_is_an_error(self):
-        path = next(path for path in self.build.headers if "/vellum.dir/" in path)
+        path = next(path for path in self.build.headers if "/vellum.dir/program/main_" in path)
         self.build.headers[path].append("/usr/include/unknown/library.hpp")
         with self.assertRaisesRegex(UnknownPart, r"^/usr/include/unknown/library\.hpp went into"):
             self.links("vellum")

@@ -49,7 +49,8 @@ TEST(GuardStack, CountsOnTheSmallestStackWhereTheLimitIsUnknown) {
             static_cast<const char*>(__builtin_frame_address(0)) - work.lowestForTemplates();
         const std::size_t expected = rgen::assumedStack - rgen::unknownStackRule.reserve;
         EXPECT_LE(96 * kibibyte, expected);
-        EXPECT_NEAR(static_cast<double>(expected), static_cast<double>(room), 1024.0);
+        // The difference is the frame of this function, which sanitizers enlarge.
+        EXPECT_NEAR(static_cast<double>(expected), static_cast<double>(room), 4096.0);
         EXPECT_EQ(rgen::unknownStackRule.withheldXPathLevels, context->xpathCtxt->depth);
         EXPECT_EQ(XSLT_DEBUG_RUN, context->debugStatus);
     }).join();
