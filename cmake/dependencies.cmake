@@ -19,16 +19,19 @@ endif()
 
 set(rgen_third_party ${RGEN_DEPENDENCIES})
 if(NOT rgen_third_party)
-    # Builds the flavour if it is not in the cache yet; that takes a minute and no rights.
-    execute_process(COMMAND ${PROJECT_SOURCE_DIR}/scripts/dependencies ${RGEN_FLAVOUR}
-                    OUTPUT_QUIET RESULT_VARIABLE result)
-    if(NOT result EQUAL 0)
-        message(FATAL_ERROR "The third-party libraries cannot be built (see above).")
+    set(print_prefix ${PROJECT_SOURCE_DIR}/scripts/dependencies --print-prefix ${RGEN_FLAVOUR})
+    execute_process(COMMAND ${print_prefix} OUTPUT_VARIABLE rgen_third_party
+                    OUTPUT_STRIP_TRAILING_WHITESPACE ERROR_QUIET)
+    if(NOT rgen_third_party)
+        # Not in the cache yet. Building them takes a minute and no special rights.
+        execute_process(COMMAND ${PROJECT_SOURCE_DIR}/scripts/dependencies ${RGEN_FLAVOUR}
+                        OUTPUT_QUIET RESULT_VARIABLE result)
+        if(NOT result EQUAL 0)
+            message(FATAL_ERROR "The third-party libraries cannot be built (see above).")
+        endif()
+        execute_process(COMMAND ${print_prefix} OUTPUT_VARIABLE rgen_third_party
+                        OUTPUT_STRIP_TRAILING_WHITESPACE COMMAND_ERROR_IS_FATAL ANY)
     endif()
-    execute_process(
-        COMMAND ${PROJECT_SOURCE_DIR}/scripts/dependencies --print-prefix ${RGEN_FLAVOUR}
-        OUTPUT_VARIABLE rgen_third_party OUTPUT_STRIP_TRAILING_WHITESPACE
-        COMMAND_ERROR_IS_FATAL ANY)
 endif()
 
 file(STRINGS ${rgen_third_party}/versions.env rgen_third_party_versions)

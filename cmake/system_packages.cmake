@@ -1,11 +1,12 @@
 # SPDX-License-Identifier: MIT
-# Names the system's packages that a build needs and that are missing, before the first compiler is
-# looked for. Systems without dpkg, and builds with third-party libraries of their own
-# (RGEN_DEPENDENCIES), are not asked.
+# Names the Debian packages that a build needs and that are missing, before CMake looks for a compiler.
+# Other systems, and builds with third-party libraries of their own (RGEN_DEPENDENCIES), are not
+# checked.
 
+option(RGEN_CHECK_PACKAGES "Stop if a Debian package that the build needs is missing" ON)
 find_program(RGEN_DPKG dpkg-query)
 mark_as_advanced(RGEN_DPKG)
-if(NOT RGEN_DPKG OR RGEN_DEPENDENCIES)
+if(NOT RGEN_CHECK_PACKAGES OR NOT RGEN_DPKG OR RGEN_DEPENDENCIES OR NOT EXISTS /etc/debian_version)
     return()
 endif()
 
@@ -20,5 +21,6 @@ if(missing)
     string(REPLACE "\n" " " missing "${missing}")
     message(FATAL_ERROR "These packages are missing: ${missing}\n"
                         "  sudo apt-get install ${missing}\n"
-                        "installs them, and so does: scripts/setup ${group}")
+                        "installs them, and so does: scripts/setup ${group}\n"
+                        "-DRGEN_CHECK_PACKAGES=OFF skips this check.")
 endif()

@@ -20,9 +20,10 @@ preset_flavour() {
 # is installed. Precompiled headers need the settings; the clone's own place does not matter.
 use_compiler_cache() {
     command -v ccache >/dev/null || return 0
-    export CCACHE_DIR=${RGEN_CACHE_DIR:-${XDG_CACHE_HOME:-$HOME/.cache}/strata_repgenlib}/compiler
+    CCACHE_DIR=$(realpath -m "${RGEN_CACHE_DIR:-${XDG_CACHE_HOME:-$HOME/.cache}/strata_repgenlib}")
+    export CCACHE_DIR=$CCACHE_DIR/compiler
     export CCACHE_BASEDIR=$root CCACHE_NOHASHDIR=1 CCACHE_MAXSIZE=5G
-    export CCACHE_SLOPPINESS=pch_defines,time_macros,include_file_mtime,include_file_ctime
+    export CCACHE_SLOPPINESS=pch_defines,time_macros
     export CMAKE_C_COMPILER_LAUNCHER=ccache CMAKE_CXX_COMPILER_LAUNCHER=ccache
 }
 

@@ -39,6 +39,9 @@ build_packages() {
     SOURCE_DATE_EPOCH=$(release_epoch)
     export SOURCE_DATE_EPOCH
     cd "$work/source"
+    # A release is never made from cached objects.
+    unset CMAKE_C_COMPILER_LAUNCHER CMAKE_CXX_COMPILER_LAUNCHER
+    export CCACHE_DISABLE=1
     for preset in "${release_presets[@]}"; do
         log=$work/$preset.log
         step "building the packages of $preset"

@@ -190,4 +190,4 @@ class Comparison(PackageCase):
         run = subprocess.run(["cmake", "-P", self.folder / "make.cmake"], text=True,
                              capture_output=True, check=False)
         self.assertEqual(1, run.returncode)
-        self.assertIn("takes Python 3.11 or later", " ".join(run.stderr.split()))
+        self.assertIn("needs Python 3.11 or later", " ".join(run.stderr.split()))

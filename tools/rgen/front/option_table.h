@@ -80,7 +80,7 @@ inline constexpr Option quiet = {
     "--quiet",
     "",
     "No notes, errors only",
-    "Print no notes and no progress, errors only.",
+    "With a command: print no notes and no progress, errors only.",
     [](Arguments& to) -> bool& { return to.quiet; },
 };
 

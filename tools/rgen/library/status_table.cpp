@@ -191,7 +191,7 @@ constexpr Row rows[] = {
     {RGEN_CANCELED,
      {"The report was interrupted with Ctrl-C", "The host called rgen_cancel"},
      "Make the report again with \"rgen report\"; a converter that was running may have left a "
-     "file behind."},
+     "file."},
 };
 
 StatusExplanation explanationOf(const Row& row) {
