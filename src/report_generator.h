@@ -19,7 +19,7 @@ namespace sync {
 class CancellationTokenSource;
 }
 
-/// Lock rule: `mutex` guards every other field except `poolSlot`, which has its own lock. It is not
+/// Lock rule: `mutex` guards every other field except `poolSlot`, which needs none. It is not
 /// recursive and is held only during these steps: storing the translate callback, reading or
 /// changing `dataDirPath`, the whole configuration load, the whole transformation with its
 /// translate callbacks, and each access to `cancellationRegistry`. It is not held during delivery,

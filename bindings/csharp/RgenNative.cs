@@ -204,8 +204,8 @@ namespace StrataRepgenlib
         public const int RGEN_E_BAD_PARAMETER = unchecked((int)0xC0000001);
         /// <summary>Nothing exists at the path passed to rgen_setDataDirPath.</summary>
         public const int RGEN_E_DIR_NOT_FOUND = unchecked((int)0xC0000002);
-        /// <summary>The data directory was missing, and another process has just created it; set
-        /// the path again.</summary>
+        /// <summary>The data directory was missing, and somebody else has just created it; set the
+        /// path again.</summary>
         public const int RGEN_E_CREATE_DIR = unchecked((int)0xC0000003);
         /// <summary>The default config.xml cannot be written.</summary>
         public const int RGEN_E_CREATE_CONFIG = unchecked((int)0xC0000004);

@@ -1426,8 +1426,8 @@ public:
      * Generates a report as a file; an existing one is replaced.
      *
      * For "pdf" the converter runs, unless request.convert is false. Since the library ignores its
-     * exit code, this function checks the file: it must begin with "%PDF-" and end with "%%EOF". An
-     * "<output>.error.txt" of an earlier conversion is removed first.
+     * exit code, this function checks the file: it must begin with "%PDF-" and have "%%EOF" in its
+     * last 1024 bytes. An "<output>.error.txt" of an earlier conversion is removed first.
      *
      * @param request  The input of the report.
      * @param output   The file. For a "pdf" that is converted it must not contain a double quote.

@@ -34,7 +34,7 @@ typedef int32_t RgenStatus;
 #define RGEN_E_BAD_PARAMETER RGEN_STATUS(0xC0000001U)
 /** Nothing exists at the path passed to rgen_setDataDirPath. */
 #define RGEN_E_DIR_NOT_FOUND RGEN_STATUS(0xC0000002U)
-/** The data directory was missing, and another process has just created it; set the path again. */
+/** The data directory was missing, and somebody else has just created it; set the path again. */
 #define RGEN_E_CREATE_DIR RGEN_STATUS(0xC0000003U)
 /** The default config.xml cannot be written. */
 #define RGEN_E_CREATE_CONFIG RGEN_STATUS(0xC0000004U)

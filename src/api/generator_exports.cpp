@@ -22,7 +22,7 @@
 
 namespace {
 
-/// The object of a handle. Every call with a handle uses this function, so a converter that a
+/// The object of a handle. Every call on a generator uses this function, so a converter that a
 /// cancelled generation has abandoned is reaped by the next call after its end.
 rgen::ReportGenerator& enter(RgenReportGenerator* generator) {
     rgen::platform::reapAbandonedProcesses();

@@ -68,6 +68,7 @@ TEST_F(Transformation, TemplatesThatCannotBeCompiledAreRefused) {
         {"blanks", "  \n "},
         {"no XML", "this is no template"},
         {"no XSLT", "<html><body/></html>"},
+        {"prefix without a namespace", "<xsl:stylesheet/>"},
         {"another namespace", "<stylesheet version='1.0' xmlns='urn:other'/>"},
         {"UTF-16", utf16},
         {"XPath syntax error", textStylesheet("<xsl:value-of select=\"//[\"/>")},

@@ -30,10 +30,10 @@ FailingCall::~FailingCall() {
     newestCall = next_;
 }
 
-bool FailingCall::countsAsFailure(Call call) {
-    const bool isOver = form_ == FailureForm::One && number_ != 0 && count_ >= number_;
-    if (isOver || !calls_[static_cast<std::size_t>(call)] || thread_ != callingThread())
-        return false;
+bool FailingCall::countsAsFailure(Call call) const {
+    // Other threads may look at the list, but only the thread of the case may look at its count.
+    if (thread_ != callingThread() || !calls_[static_cast<std::size_t>(call)]) return false;
+    if (form_ == FailureForm::One && number_ != 0 && count_ >= number_) return false;
     ++count_;
     return number_ != 0 && count_ >= number_;
 }

@@ -85,12 +85,13 @@ protected:
 
 private:
     friend bool failsNow(Call call);
-    bool countsAsFailure(Call call);
+    bool countsAsFailure(Call call) const;
 
     std::bitset<callCount> calls_;
     std::size_t number_;
     FailureForm form_;
-    std::size_t count_ = 0;
+    // Mutable, since cases declare these objects const.
+    mutable std::size_t count_ = 0;
     std::function<void()> action_;
     unsigned long long thread_;
     FailingCall* next_;

@@ -17,7 +17,7 @@ class Status(enum.IntEnum):
     RGEN_E_BAD_PARAMETER = 0xC0000001 - (1 << 32)
     # Nothing exists at the path passed to rgen_setDataDirPath.
     RGEN_E_DIR_NOT_FOUND = 0xC0000002 - (1 << 32)
-    # The data directory was missing, and another process has just created it; set the path again.
+    # The data directory was missing, and somebody else has just created it; set the path again.
     RGEN_E_CREATE_DIR = 0xC0000003 - (1 << 32)
     # The default config.xml cannot be written.
     RGEN_E_CREATE_CONFIG = 0xC0000004 - (1 << 32)

@@ -24,7 +24,7 @@ pub const RGEN_OK: RgenStatus = 0;
 pub const RGEN_E_BAD_PARAMETER: RgenStatus = 0xC0000001_u32 as RgenStatus;
 /// Nothing exists at the path passed to rgen_setDataDirPath.
 pub const RGEN_E_DIR_NOT_FOUND: RgenStatus = 0xC0000002_u32 as RgenStatus;
-/// The data directory was missing, and another process has just created it; set the path again.
+/// The data directory was missing, and somebody else has just created it; set the path again.
 pub const RGEN_E_CREATE_DIR: RgenStatus = 0xC0000003_u32 as RgenStatus;
 /// The default config.xml cannot be written.
 pub const RGEN_E_CREATE_CONFIG: RgenStatus = 0xC0000004_u32 as RgenStatus;

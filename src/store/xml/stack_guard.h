@@ -11,7 +11,7 @@
 
 namespace rgen {
 
-/// What a template may use of a small stack.
+/// What a template must leave of the stack.
 struct StackRule {
     /// Bytes that a template leaves to the code that it calls: XPath, serialisation, the failure.
     std::size_t reserve;
@@ -20,7 +20,7 @@ struct StackRule {
     int withheldXPathLevels;
 };
 
-/// For a stack of less than 4 MiB whose limit is known.
+/// For a stack whose limit is known. From 4 MiB on no XPath levels are withheld.
 extern const StackRule smallStackRule;
 
 /// For a stack whose limit the system does not know, such as that of a fiber on Linux. A template

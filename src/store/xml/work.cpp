@@ -6,6 +6,7 @@
 #include <libxml/xmlerror.h>
 
 #include <memory>
+#include <utility>
 
 #include "platform/platform.h"
 #include "store/xml/memory.h"
@@ -31,7 +32,11 @@ XmlWork::XmlWork(memory::PoolSlot& slot) : outer_(current()), slot_(&slot), hasR
     std::unique_ptr<memory::Pool> pool;
     if (memory::poolsAreUsed) pool = slot.acquire();
     // Without a pool the work is only slower.
-    if (platform::setThreadPointer(pool ? this : nullptr)) pool_ = pool.release();
+    if (platform::setThreadPointer(pool ? this : nullptr)) {
+        pool_ = pool.release();
+    } else if (pool) {
+        slot.release(std::move(pool));
+    }
     startToCount();
 }
 
@@ -49,7 +54,7 @@ XmlWork::~XmlWork() {
 }
 
 std::atomic<std::size_t>& XmlWork::failuresOfThread() noexcept {
-    XmlWork* work = current();
+    const XmlWork* work = current();
     return work != nullptr ? work->ownFailures_ : failuresWithoutWork;
 }
 

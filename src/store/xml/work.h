@@ -77,7 +77,8 @@ private:
     /// Null for a part, which does not own its pool.
     memory::PoolSlot* const slot_ = nullptr;
     const char* lowestForTemplates_ = nullptr;
-    std::atomic<std::size_t> ownFailures_ = 0;
+    /// Mutable, since the memory functions count for works that their owners declare const.
+    mutable std::atomic<std::size_t> ownFailures_ = 0;
     /// The counter that counts for this work, and its value when the work began.
     const std::atomic<std::size_t>* failures_ = nullptr;
     std::size_t failuresBefore_ = 0;
