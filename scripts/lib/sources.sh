@@ -168,12 +168,25 @@ apply_patches() {
     local library=$1 tree=$2 patch output
     for patch in "$root/cmake/third_party/$library"-*.patch; do
         [[ -f $patch ]] || continue
-        output=$(patch --directory "$tree" --strip 1 --fuzz 0 --forward --no-backup-if-mismatch \
+        output=$(patch --batch --directory "$tree" --strip 1 --fuzz 0 --forward --no-backup-if-mismatch \
             --reject-file - --input "$patch" 2>&1) ||
             die "The patch ${patch##*/} does not fit $library ${source_version[$library]}." \
                 "Adapt it to this release, or remove it if the release no longer needs it." \
                 "$output"
     done
+    check_patched "$library" "$tree"
+}
+
+# check_patched LIBRARY TREE: a patch changes one place. Another release may have a second place of the
+# same kind, which a patch that still applies would leave as it is.
+check_patched() {
+    local tree=$2
+    case $1 in
+        libxml2) ! grep -q 'exit(1)' "$tree/timsort.h" ;;
+        libxslt) (($(grep -c -- '->content = inst->children->content' "$tree/libxslt/attributes.c") == 1)) ;;
+        *) true ;;
+    esac || die "$1 ${source_version[$1]} has more places than its patch in cmake/third_party changes." \
+        "Find them by the text at the top of the patch, and change them all."
 }
 
 # unpack_boost ARCHIVES DIR: unpacks Boost.Filesystem and the header libraries that it includes. The

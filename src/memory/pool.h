@@ -18,6 +18,8 @@ class Pool : public MallocAllocated {
 public:
     /// Larger blocks come from malloc, since realloc can grow them in place.
     static constexpr std::size_t largestBlock = std::size_t{64} * 1024 - 8;
+    /// Larger blocks are left to the slow path.
+    static constexpr std::size_t largestFastBlock = 1024 - 8;
     /// rewind() frees chunks beyond `maxRetainedBytes` and offers pages beyond `maxResidentBytes`
     /// to the system.
     static constexpr std::size_t maxResidentBytes = std::size_t{32} * 1024 * 1024;
@@ -66,7 +68,8 @@ private:
     static constexpr std::size_t maxUnits = (largestBlock + headerSize) / unit;
     static_assert(maxUnits < freeMark, "The sizes leave room for the mark.");
     static constexpr std::size_t exactUnits = 64;
-    static constexpr std::size_t largestExactBlock = exactUnits * unit - headerSize;
+    static_assert(largestFastBlock == exactUnits * unit - headerSize,
+                  "The fast path has exact sizes.");
     static constexpr std::size_t classCount = exactUnits + 1 + std::size_t{4} * 6;
 
     static constexpr std::size_t unitsOf(std::size_t size) {
@@ -135,7 +138,7 @@ inline void* Pool::carve(std::size_t units) noexcept {
 }
 
 inline void* Pool::allocateFast(std::size_t size) noexcept {
-    if (size > largestExactBlock) return nullptr;
+    if (size > largestFastBlock) return nullptr;
     const std::size_t units = unitsOf(size);
     FreeBlock*& list = free_[units];
     if (list != nullptr) return popFree(list);

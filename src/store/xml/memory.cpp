@@ -20,12 +20,13 @@ namespace {
 
 memory::Reserve reserve;
 
-bool refuses(const XmlWork* work) {
-    return work != nullptr && work->stackIsShort();
+/// A short stack ends the small blocks: each level of a runaway recursion allocates one.
+bool refuses(const XmlWork* work, std::size_t size) {
+    return size <= memory::Pool::largestFastBlock && work != nullptr && work->stackIsShort();
 }
 
 void* allocateWithoutReserve(const XmlWork* work, std::size_t size) {
-    if (refuses(work)) return nullptr;
+    if (refuses(work, size)) return nullptr;
     if (!memory::poolsAreUsed) return std::malloc(size);
     return memory::allocateSlow(work != nullptr ? work->pool() : nullptr, size);
 }
@@ -55,10 +56,8 @@ void* moveFromReserve(void* block, std::size_t size) {
 }
 
 void* reallocateWithoutReserve(void* block, std::size_t size) {
-    const XmlWork* work = XmlWork::current();
-    if (refuses(work)) return nullptr;
-    if (!memory::poolsAreUsed) return std::realloc(block, size);
-    return memory::reallocate(work != nullptr ? work->pool() : nullptr, block, size);
+    return memory::poolsAreUsed ? memory::reallocate(XmlWork::currentPool(), block, size)
+                                : std::realloc(block, size);
 }
 
 /// Does not use the reserve: the XML libraries check the result of every reallocation.

@@ -59,8 +59,8 @@ public:
     /// ends runaway recursion.
     static bool mayUseReserve() noexcept;
 
-    /// From now on templates have to stop below `lowestForTemplates`, and the work gets no memory
-    /// below `lowestForMemory`.
+    /// From now on templates have to stop below `lowestForTemplates`, and the work gets no small
+    /// blocks below `lowestForMemory`.
     void limitStack(const char* lowestForTemplates, const char* lowestForMemory) noexcept;
     const char* lowestForTemplates() const noexcept { return lowestForTemplates_; }
     bool stackIsShort() const noexcept {
