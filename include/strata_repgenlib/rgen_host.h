@@ -508,7 +508,8 @@ RGENH_API RgenStatus RGEN_CALL rgenh_getPersistentTexts(RgenReportGenerator* gen
 typedef struct RgenhJob RgenhJob;
 
 /**
- * Called when a job has ended, on its thread; rgenh_takeJobResult does not wait any more then.
+ * Called when a job has ended, on its thread; rgenh_takeJobResult does not wait any more then. It
+ * may be called before rgenh_startReport has returned.
  *
  * @param job      The job. The function may free it.
  * @param context  The pointer passed to rgenh_startReport.

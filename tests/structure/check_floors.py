@@ -12,7 +12,7 @@ from project_files import ROOT, code_files, finish, problem, relative, without_c
 OS_HEADERS = re.compile(
     r"^(windows|winver|io|process|direct|unistd|fcntl|poll|pthread|spawn|signal|dlfcn"
     r"|sys/.*|linux/.*)\.h$")
-OS_SOURCES = re.compile(r"^src/platform/.*_(windows|posix)\.cpp$")
+OS_SOURCES = re.compile(r"^(src|host)/platform/.*_(windows|posix)\.cpp$")
 RECORD_NAMES = re.compile(r"\bRgen(C[A-Z]\w*|AnsiString|ByteArray|Guid)\b")
 RECORD_USERS = re.compile(r"^(include/|src/api/)")
 HEADER_USERS = re.compile(r"^(include/|src/api/|src/report_generator\.h$)")
@@ -23,6 +23,7 @@ OUTSIDE = ["examples", "tools", "tests/host", "tests/abi", "tests/bindings"]
 INCLUDE_FOLDERS = {
     "include": ["include"],
     "src": ["src", "include"],
+    "host": ["host", "src", "include"],
     "tools": ["tools", "include"],
     "tools/rgen": ["tools/rgen", "tools", "include"],
     "tools/vellum": ["tools/vellum", "tools"],
@@ -70,7 +71,7 @@ def check_include(name, target, floors):
 
 def check_includes(floors):
     graph = {}
-    for path in code_files("include", "src", "tools"):
+    for path in code_files("include", "src", "host", "tools"):
         name = relative(path)
         targets = (resolve(include, name) for include in includes_of(path))
         graph[name] = [target for target in targets if target is not None]
@@ -80,12 +81,17 @@ def check_includes(floors):
     return graph
 
 
-def check_library_file(path):
-    """What holds in the library alone."""
+def check_system_headers(path):
     name = relative(path)
     for include in includes_of(path):
         if OS_HEADERS.match(include) and not OS_SOURCES.match(name):
             problem(f"{name}: includes the system header <{include}>")
+
+
+def check_library_file(path):
+    """What holds in the first library alone."""
+    name = relative(path)
+    for include in includes_of(path):
         if include == "strata_repgenlib/rgen.h" and not HEADER_USERS.match(name):
             problem(f"{name}: includes the public header; only src/api may")
     if RECORD_NAMES.search(without_comments(path.read_text())) and not RECORD_USERS.match(name):
@@ -124,7 +130,9 @@ def check_table(floors):
 floor_table = read_floors()
 check_table(floor_table)
 check_circles(check_includes(floor_table))
-for library_file in code_files("include", "src"):
+for library_file in code_files("include", "src", "host"):
+    check_system_headers(library_file)
+for library_file in code_files("include/strata_repgenlib", "src"):
     check_library_file(library_file)
 check_outside()
 finish("floors")

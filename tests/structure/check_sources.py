@@ -13,6 +13,7 @@ LONGEST_FILE = 400
 LONGEST_COMMENT_LINE = 100
 COMMENT_LINE = re.compile(r"\s*(//|/\*| \*)")
 WITHOUT_LIMIT = {"include/strata_repgenlib/rgen.h", "include/strata_repgenlib/rgen.hpp",
+                 "include/strata_repgenlib/rgen_host.h",
                  "bindings/csharp/RgenNative.cs",
                  "bindings/rust/src/rgen_native.rs"}
 BINDING_ENDINGS = {".cs", ".rs"}
@@ -20,7 +21,8 @@ CONDITIONAL = re.compile(r"^\s*#\s*(if|ifdef|ifndef|elif)\b(.*)$", re.M)
 OS_NAME = re.compile(r"\b(_WIN32|_WIN64|WIN32|__MINGW\w+|__linux__|__unix__|__GNUC__|_MSC_VER"
                      r"|__APPLE__|__CYGWIN__)\b")
 # The export attribute, and in the C++ wrapper the end of a handle.
-OS_CONDITIONAL_FILES = ["include/strata_repgenlib/rgen.h", "include/strata_repgenlib/rgen.hpp"]
+OS_CONDITIONAL_FILES = ["include/strata_repgenlib/rgen.h", "include/strata_repgenlib/rgen.hpp",
+                        "include/strata_repgenlib/rgen_host.h"]
 MARKS = re.compile(r"\b(TO" r"DO|FIX" r"ME|XX" r"X|HA" r"CK)\b")
 SCRIPT_NAMES = {"CMakeLists.txt", "setup", "dependencies", "demo", "test", "lint", "run",
                 "run-under-wine", "run_test_program", "inventory-data", "picture",
@@ -32,7 +34,7 @@ LICENSED_ENDINGS = CODE_ENDINGS | BINDING_ENDINGS | {".cmake", ".py", ".sh", ".m
 
 def check_os_conditionals():
     found = []
-    for path in code_files("include", "src"):
+    for path in code_files("include", "src", "host"):
         for match in CONDITIONAL.finditer(without_comments(path.read_text())):
             if OS_NAME.search(match.group(2)):
                 found.append(relative(path))

@@ -10,7 +10,7 @@ from pathlib import Path
 ROOT = Path(__file__).resolve().parents[2]
 CODE_ENDINGS = {".c", ".cpp", ".h", ".hpp"}
 SCRIPT_ENDINGS = {".cmake", ".py", ".sh", ".txt", ".env", ".in", ".map", ".def"}
-CODE_FOLDERS = ["include", "src", "tests", "examples", "tools", "benchmarks", "bindings"]
+CODE_FOLDERS = ["include", "src", "host", "tests", "examples", "tools", "benchmarks", "bindings"]
 
 _problems = []
 

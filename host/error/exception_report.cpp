@@ -1,0 +1,102 @@
+// The exceptions of the report library are those that the heading EXCEPTIONS of rgen.h lists.
+//
+// SPDX-License-Identifier: MIT
+#include "error/exception_report.h"
+
+#include <boost/filesystem/exception.hpp>
+#include <boost/system/system_error.hpp>
+#include <exception>
+#include <new>
+#include <stdexcept>
+#include <string>
+#include <system_error>
+
+#include "error/failures.h"
+#include "platform/host_platform.h"
+#include "text/character_check.h"
+
+namespace rgenh {
+namespace {
+
+RgenStatus reportEncoding(ErrorRecord& record, const PassedText* texts) {
+    for (; texts != nullptr && texts->name != nullptr; ++texts) {
+        if (texts->text == nullptr || isUtf8(texts->text)) continue;
+        record.setArgument(texts->argument);
+        record.setPath(withInvalidReplaced(texts->text));
+        record.say(texts->name).say(" is not valid UTF-8");
+        return record.fail(RGENH_ERROR_ENCODING, RGEN_E_UNKNOWN);
+    }
+    record.say("a path is not valid UTF-8");
+    return record.fail(RGENH_ERROR_ENCODING, RGEN_E_UNKNOWN);
+}
+
+RgenStatus reportFileSystem(ErrorRecord& record,
+                            const boost::filesystem::filesystem_error& failure) {
+    const std::string path = platform::utf8Path(failure.path1().native());
+    record.setPath(path);
+    record.setSystemError(failure.code().value());
+    record.say(path.empty() ? "the data directory is not set" : path).say(": ");
+    record.say(platform::systemErrorText(failure.code().value()));
+    return record.fail(RGENH_ERROR_FILE_SYSTEM, RGEN_E_UNKNOWN);
+}
+
+RgenStatus reportSystem(ErrorRecord& record, int number) {
+    record.setSystemError(number);
+    record.say(platform::systemErrorText(number));
+    return record.fail(RGENH_ERROR_UNKNOWN, RGEN_E_UNKNOWN);
+}
+
+RgenStatus reportArgument(ErrorRecord& record, const ArgumentError& failure) {
+    record.setEntry(failure.entry());
+    record.say(failure.what());
+    return record.failArgument(failure.argument());
+}
+
+RgenStatus reportConversion(ErrorRecord& record, const ConversionFailure& failure) {
+    record.setPath(failure.path());
+    record.say(failure.what());
+    return record.fail(RGENH_ERROR_CONVERSION, RGEN_E_EXTERNAL_FAILED);
+}
+
+RgenStatus reportMemory(ErrorRecord& record) {
+    record.say("memory is exhausted");
+    return record.fail(RGENH_ERROR_MEMORY, RGEN_E_UNKNOWN);
+}
+
+/// Throws when memory is exhausted while the exception is described.
+RgenStatus describe(ErrorRecord& record, const PassedText* texts) {
+    try {
+        throw;
+    } catch (const ArgumentError& failure) {
+        return reportArgument(record, failure);
+    } catch (const ConversionFailure& failure) {
+        return reportConversion(record, failure);
+    } catch (const std::range_error&) {
+        return reportEncoding(record, texts);
+    } catch (const boost::filesystem::filesystem_error& failure) {
+        return reportFileSystem(record, failure);
+    } catch (const boost::system::system_error& failure) {
+        return reportSystem(record, failure.code().value());
+    } catch (const std::system_error& failure) {
+        return reportSystem(record, failure.code().value());
+    } catch (const std::bad_alloc&) {
+        return reportMemory(record);
+    } catch (const std::exception& failure) {
+        record.say(failure.what());
+    } catch (...) {
+        record.say("an unknown exception");
+    }
+    return record.fail(RGENH_ERROR_UNKNOWN, RGEN_E_UNKNOWN);
+}
+
+}  // namespace
+
+RgenStatus reportException(ErrorRecord& record, const PassedText* texts) noexcept {
+    try {
+        return describe(record, texts);
+    } catch (...) {
+        return reportMemory(record);
+    }
+}
+
+}  // namespace rgenh

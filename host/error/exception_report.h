@@ -1,0 +1,40 @@
+// Turns the exceptions of the report library and of this one into error records.
+//
+// SPDX-License-Identifier: MIT
+#pragma once
+
+#include "error/error_record.h"
+
+namespace rgenh {
+
+/// A text that a call passes to the library.
+struct PassedText {
+    /// The position of its argument, from 1 on.
+    int argument;
+    const char* name;
+    /// May be null.
+    const char* text;
+};
+
+/// Describes the exception that is being handled. Of `texts`, which ends with a null name, the first
+/// one that is not UTF-8 is named for an error of encoding. Returns the status of the record.
+RgenStatus reportException(ErrorRecord& record, const PassedText* texts) noexcept;
+
+/// Runs `work`, which takes an ErrorRecord and returns a status; turns exceptions into errors.
+template <typename Work>
+RgenStatus guarded(RgenhError* error, const PassedText* texts, Work work) noexcept {
+    ErrorRecord record(error);
+    if (!record.isUsable()) return RGEN_E_BAD_PARAMETER;
+    try {
+        return work(record);
+    } catch (...) {
+        return reportException(record, texts);
+    }
+}
+
+template <typename Work>
+RgenStatus guarded(RgenhError* error, Work work) noexcept {
+    return guarded(error, nullptr, work);
+}
+
+}  // namespace rgenh

@@ -1,0 +1,37 @@
+// What the host library knows of each generator that it created: the settings that its jobs need.
+//
+// SPDX-License-Identifier: MIT
+#pragma once
+
+#include <memory>
+#include <string>
+
+#include "generator/translator.h"
+#include "platform/host_platform.h"
+#include "strata_repgenlib/rgen.h"
+
+namespace rgenh {
+
+struct GeneratorSettings {
+    explicit GeneratorSettings(RgenReportGenerator* handle)
+        : generator(handle), translation(std::make_unique<TranslatorUse>(handle, nullptr)) {}
+
+    RgenReportGenerator* const generator;
+    /// Held while a setting is stored, so that the library and this object agree. The library's
+    /// lock may be waited for meanwhile.
+    platform::Monitor change;
+    /// Guarded by `change`. Empty until a data directory is set.
+    std::string dataDirPath;
+    /// Guarded by `change`.
+    std::unique_ptr<TranslatorUse> translation;
+};
+
+/// Registers a generator. Throws std::bad_alloc.
+void addSettings(std::shared_ptr<GeneratorSettings> settings);
+
+/// The settings of a generator; null for a handle that rgenh_newReportGenerator did not return.
+std::shared_ptr<GeneratorSettings> settingsOf(const RgenReportGenerator* generator);
+
+void removeSettings(const RgenReportGenerator* generator) noexcept;
+
+}  // namespace rgenh

@@ -1,0 +1,94 @@
+// What the host library asks of the operating system, without an OS header.
+//
+// SPDX-License-Identifier: MIT
+#pragma once
+
+#include <cstddef>
+#include <cstdint>
+#include <memory>
+#include <string>
+
+namespace rgenh::platform {
+
+/// Identifies the calling thread among the running ones.
+std::uint64_t currentThread() noexcept;
+
+/// A mutex with one condition. The standard ones leak memory with the Windows compiler: their
+/// destructors do nothing, but their first use allocates.
+class Monitor {
+public:
+    Monitor();
+    ~Monitor();
+    Monitor(const Monitor&) = delete;
+    Monitor& operator=(const Monitor&) = delete;
+
+    void lock() noexcept;
+    void unlock() noexcept;
+
+    /// Call with the lock held: releases it until notifyAll, the end of the time, or for no reason.
+    /// A negative time has no end.
+    void wait(std::int64_t milliseconds) noexcept;
+    void notifyAll() noexcept;
+
+private:
+    struct State;
+    std::unique_ptr<State> state_;
+};
+
+/// A thread with a stack of a given size.
+class Thread {
+public:
+    Thread() noexcept = default;
+    /// The thread must have been joined or detached.
+    ~Thread() = default;
+    Thread(const Thread&) = delete;
+    Thread& operator=(const Thread&) = delete;
+
+    /// Calls `run(argument)` on a new thread. Returns whether there is one. Linux: the thread
+    /// blocks all signals, so that the host's handlers run on the host's threads.
+    bool start(void (*run)(void*), void* argument, std::size_t stackBytes) noexcept;
+
+    /// Whether start() succeeded and neither join() nor detach() was called.
+    bool isJoinable() const noexcept { return isJoinable_; }
+    void join() noexcept;
+    void detach() noexcept;
+
+private:
+    std::uintptr_t handle_ = 0;
+    bool isJoinable_ = false;
+};
+
+/// Milliseconds of a clock that never goes back.
+std::int64_t monotonicMilliseconds() noexcept;
+
+///@{
+/// A path of the system in UTF-8.
+std::string utf8Path(const std::string& path);
+std::string utf8Path(const std::wstring& path);
+///@}
+
+/// The system's English description of an error number, UTF-8, without a line break; for a number
+/// without one "error 1234".
+std::string systemErrorText(std::int64_t number);
+
+/// A file that the process has loaded.
+struct LoadedFile {
+    /// UTF-8; empty if the system does not say.
+    std::string path;
+    /// Such as "0.1.0"; "unknown" if the file does not say.
+    std::string version;
+};
+
+/// The address of a function.
+template <typename Function>
+const void* addressOf(Function* function) {
+    return reinterpret_cast<const void*>(function);
+}
+
+/// The program or library that contains an address.
+LoadedFile loadedFileOf(const void* address);
+
+/// Closes a result of output mode 1.
+void closeFile(void* handle) noexcept;
+
+}  // namespace rgenh::platform

@@ -1,0 +1,227 @@
+// The operating system for the host library on Linux. The version of a loaded library is read from
+// its note, which is in memory: the file may have been replaced since.
+//
+// SPDX-License-Identifier: MIT
+#include <dlfcn.h>
+#include <elf.h>
+#include <link.h>
+#include <pthread.h>
+#include <signal.h>
+#include <unistd.h>
+
+#include <cerrno>
+#include <cstdlib>
+#include <cstring>
+#include <ctime>
+#include <new>
+
+#include "platform/host_platform.h"
+
+namespace rgenh::platform {
+namespace {
+
+constexpr long nanosecondsOfSecond = 1000000000;
+
+// As in cmake/version_note.c.in.
+constexpr char versionNoteName[] = "strata_repgenlib";
+constexpr unsigned versionNoteType = 1;
+
+timespec timeAfter(std::int64_t milliseconds) noexcept {
+    timespec time = {};
+    clock_gettime(CLOCK_MONOTONIC, &time);
+    // A wait this long is as good as one without an end.
+    constexpr std::int64_t longest = std::int64_t{1000} * 86400 * 365 * 100;
+    const std::int64_t added = milliseconds < longest ? milliseconds : longest;
+    time.tv_sec += added / 1000;
+    time.tv_nsec += added % 1000 * 1000000;
+    if (time.tv_nsec >= nanosecondsOfSecond) {
+        time.tv_nsec -= nanosecondsOfSecond;
+        ++time.tv_sec;
+    }
+    return time;
+}
+
+struct ThreadStart {
+    void (*run)(void*);
+    void* argument;
+};
+
+void* runThread(void* start) {
+    const ThreadStart copy = *static_cast<ThreadStart*>(start);
+    delete static_cast<ThreadStart*>(start);
+    copy.run(copy.argument);
+    return nullptr;
+}
+
+/// Blocks all signals; a new thread inherits that.
+class BlockedSignals {
+public:
+    BlockedSignals() noexcept {
+        sigset_t all;
+        sigfillset(&all);
+        pthread_sigmask(SIG_SETMASK, &all, &previous_);
+    }
+    ~BlockedSignals() { pthread_sigmask(SIG_SETMASK, &previous_, nullptr); }
+    BlockedSignals(const BlockedSignals&) = delete;
+    BlockedSignals& operator=(const BlockedSignals&) = delete;
+
+private:
+    sigset_t previous_ = {};
+};
+
+constexpr std::size_t aligned(std::size_t size) {
+    return (size + 3) / 4 * 4;
+}
+
+/// The text of the version note in a note segment; null if there is none.
+const char* versionIn(const char* segment, std::size_t size) {
+    std::size_t at = 0;
+    while (at + sizeof(Elf64_Nhdr) <= size) {
+        Elf64_Nhdr header = {};
+        std::memcpy(&header, segment + at, sizeof header);
+        const char* const name = segment + at + sizeof header;
+        const std::size_t next =
+            at + sizeof header + aligned(header.n_namesz) + aligned(header.n_descsz);
+        if (next > size) break;
+        if (header.n_namesz == sizeof versionNoteName && header.n_type == versionNoteType &&
+            std::memcmp(name, versionNoteName, sizeof versionNoteName) == 0) {
+            return name + aligned(header.n_namesz);
+        }
+        at = next;
+    }
+    return nullptr;
+}
+
+struct Search {
+    std::uintptr_t address;
+    std::string version;
+};
+
+bool contains(const dl_phdr_info& file, std::uintptr_t address) {
+    for (int i = 0; i < file.dlpi_phnum; ++i) {
+        const ElfW(Phdr)& part = file.dlpi_phdr[i];
+        const std::uintptr_t start = file.dlpi_addr + part.p_vaddr;
+        if (part.p_type == PT_LOAD && address >= start && address - start < part.p_memsz) {
+            return true;
+        }
+    }
+    return false;
+}
+
+int findVersion(dl_phdr_info* file, std::size_t /*size*/, void* context) {
+    auto& search = *static_cast<Search*>(context);
+    if (!contains(*file, search.address)) return 0;
+    for (int i = 0; i < file->dlpi_phnum; ++i) {
+        const ElfW(Phdr)& part = file->dlpi_phdr[i];
+        if (part.p_type != PT_NOTE) continue;
+        const auto* const start = reinterpret_cast<const char*>(file->dlpi_addr + part.p_vaddr);
+        const char* const version = versionIn(start, part.p_memsz);
+        if (version != nullptr) search.version = version;
+    }
+    return 1;
+}
+
+}  // namespace
+
+std::uint64_t currentThread() noexcept {
+    return static_cast<std::uint64_t>(pthread_self());
+}
+
+struct Monitor::State {
+    pthread_mutex_t mutex;
+    pthread_cond_t condition;
+};
+
+Monitor::Monitor() : state_(std::make_unique<State>()) {
+    pthread_mutex_init(&state_->mutex, nullptr);
+    pthread_condattr_t attributes;
+    pthread_condattr_init(&attributes);
+    pthread_condattr_setclock(&attributes, CLOCK_MONOTONIC);
+    pthread_cond_init(&state_->condition, &attributes);
+    pthread_condattr_destroy(&attributes);
+}
+
+Monitor::~Monitor() {
+    pthread_cond_destroy(&state_->condition);
+    pthread_mutex_destroy(&state_->mutex);
+}
+
+void Monitor::lock() noexcept {
+    pthread_mutex_lock(&state_->mutex);
+}
+
+void Monitor::unlock() noexcept {
+    pthread_mutex_unlock(&state_->mutex);
+}
+
+void Monitor::wait(std::int64_t milliseconds) noexcept {
+    if (milliseconds < 0) {
+        pthread_cond_wait(&state_->condition, &state_->mutex);
+        return;
+    }
+    const timespec end = timeAfter(milliseconds);
+    pthread_cond_timedwait(&state_->condition, &state_->mutex, &end);
+}
+
+void Monitor::notifyAll() noexcept {
+    pthread_cond_broadcast(&state_->condition);
+}
+
+bool Thread::start(void (*run)(void*), void* argument, std::size_t stackBytes) noexcept {
+    pthread_attr_t attributes;
+    if (pthread_attr_init(&attributes) != 0) return false;
+    auto* const start = new (std::nothrow) ThreadStart{run, argument};
+    pthread_t thread = {};
+    if (start != nullptr && pthread_attr_setstacksize(&attributes, stackBytes) == 0) {
+        const BlockedSignals blocked;
+        isJoinable_ = pthread_create(&thread, &attributes, runThread, start) == 0;
+    }
+    pthread_attr_destroy(&attributes);
+    if (!isJoinable_) delete start;
+    handle_ = thread;
+    return isJoinable_;
+}
+
+void Thread::join() noexcept {
+    pthread_join(handle_, nullptr);
+    isJoinable_ = false;
+}
+
+void Thread::detach() noexcept {
+    pthread_detach(handle_);
+    isJoinable_ = false;
+}
+
+std::int64_t monotonicMilliseconds() noexcept {
+    const timespec now = timeAfter(0);
+    return std::int64_t{now.tv_sec} * 1000 + now.tv_nsec / 1000000;
+}
+
+std::string utf8Path(const std::string& path) {
+    return path;
+}
+
+std::string systemErrorText(std::int64_t number) {
+    const char* const text = strerrordesc_np(static_cast<int>(number));
+    return text != nullptr ? text : "error " + std::to_string(number);
+}
+
+LoadedFile loadedFileOf(const void* address) {
+    LoadedFile file = {"", "unknown"};
+    Dl_info info = {};
+    if (dladdr(address, &info) != 0 && info.dli_fname != nullptr) {
+        char* const whole = realpath(info.dli_fname, nullptr);
+        file.path = whole != nullptr ? whole : info.dli_fname;
+        std::free(whole);
+    }
+    Search search = {reinterpret_cast<std::uintptr_t>(address), ""};
+    dl_iterate_phdr(findVersion, &search);
+    if (!search.version.empty()) file.version = search.version;
+    return file;
+}
+
+void closeFile(void* handle) noexcept {
+    close(static_cast<int>(reinterpret_cast<std::intptr_t>(handle)));
+}
+
+}  // namespace rgenh::platform

@@ -1,0 +1,46 @@
+// Large requests get blocks of their own.
+//
+// SPDX-License-Identifier: MIT
+#include "request/arena.h"
+
+#include <cstring>
+
+namespace rgenh {
+namespace {
+
+constexpr std::size_t alignment = 16;
+constexpr std::size_t blockSize = 64 * 1024;
+
+}  // namespace
+
+void* Arena::allocate(std::size_t size) {
+    if (size > static_cast<std::size_t>(-1) / 2) throw std::bad_alloc();
+    const std::size_t needed = (size + alignment - 1) / alignment * alignment;
+    if (needed > left_) {
+        const std::size_t block = needed > blockSize / 4 ? needed : blockSize;
+        blocks_.emplace_back(new char[block]);
+        char* const start = blocks_.back().get();
+        if (block == needed) return start;
+        next_ = start;
+        left_ = block;
+    }
+    char* const result = next_;
+    next_ += needed;
+    left_ -= needed;
+    return result;
+}
+
+char* Arena::copyOf(std::string_view text) {
+    char* const copy = static_cast<char*>(allocate(text.size() + 1));
+    std::memcpy(copy, text.data(), text.size());
+    copy[text.size()] = '\0';
+    return copy;
+}
+
+void* Arena::zeroed(std::size_t size) {
+    void* const memory = allocate(size);
+    std::memset(memory, 0, size);
+    return memory;
+}
+
+}  // namespace rgenh

@@ -1,0 +1,28 @@
+// The one place that knows what the size of a text may be.
+//
+// SPDX-License-Identifier: MIT
+#include "request/host_text.h"
+
+#include <string>
+
+#include "error/failures.h"
+#include "strata_repgenlib/rgen_host.h"
+
+namespace rgenh {
+
+std::string_view hostText(const void* data, std::uint64_t size, const char* what, int argument) {
+    const auto fail = [&](const char* problem) {
+        throw ArgumentError(what + std::string(problem), argument, ArgumentError::noEntry);
+    };
+    if (data == nullptr) {
+        if (size != 0) fail(" is null");
+        return {};
+    }
+    const auto* const start = static_cast<const char*>(data);
+    if (size == RGENH_NULL_TERMINATED) return start;
+    const std::string_view text(start, size);
+    if (text.find('\0') != std::string_view::npos) fail(" contains a zero byte");
+    return text;
+}
+
+}  // namespace rgenh
