@@ -45,7 +45,9 @@ RgenhRequest* RGEN_CALL rgenh_newRequest(const RgenhRequestParts* parts,
             record.say("the size of parts is too small");
             return record.failArgument(1);
         }
+        record.setArgument(1);
         result.reset(new RgenhRequest{makeRequest(*parts)});
+        record.setArgument(0);
         return RGEN_OK;
     });
     return result.release();

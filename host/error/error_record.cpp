@@ -48,7 +48,7 @@ ErrorRecord::ErrorRecord(RgenhError* record) noexcept
     record_->status = RGEN_OK;
     record_->systemError = 0;
     record_->argument = 0;
-    record_->reserved = 0;
+    record_->entryIsPair = 0;
     record_->entry = RGENH_NO_ENTRY;
     record_->path[0] = '\0';
     record_->message[0] = '\0';
@@ -74,8 +74,10 @@ void ErrorRecord::setArgument(int argument) noexcept {
     if (record_ != nullptr) record_->argument = argument;
 }
 
-void ErrorRecord::setEntry(std::uint64_t entry) noexcept {
-    if (record_ != nullptr) record_->entry = entry;
+void ErrorRecord::setEntry(std::uint64_t entry, bool isPair) noexcept {
+    if (record_ == nullptr) return;
+    record_->entry = entry;
+    record_->entryIsPair = isPair ? 1 : 0;
 }
 
 void ErrorRecord::setPath(std::string_view path) noexcept {

@@ -28,7 +28,7 @@ public:
 
     void setSystemError(std::int64_t number) noexcept;
     void setArgument(int argument) noexcept;
-    void setEntry(std::uint64_t entry) noexcept;
+    void setEntry(std::uint64_t entry, bool isPair) noexcept;
     void setPath(std::string_view path) noexcept;
     /// Adds to the message; line breaks and other control characters become blanks.
     ErrorRecord& say(std::string_view text) noexcept;

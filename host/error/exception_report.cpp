@@ -47,9 +47,10 @@ RgenStatus reportSystem(ErrorRecord& record, int number) {
 }
 
 RgenStatus reportArgument(ErrorRecord& record, const ArgumentError& failure) {
-    record.setEntry(failure.entry());
+    record.setEntry(failure.entry(), failure.isPair());
     record.say(failure.what());
-    return record.failArgument(failure.argument());
+    if (failure.argument() != 0) record.setArgument(failure.argument());
+    return record.fail(RGENH_ERROR_ARGUMENT, RGEN_E_BAD_PARAMETER);
 }
 
 RgenStatus reportConversion(ErrorRecord& record, const ConversionFailure& failure) {
@@ -59,6 +60,7 @@ RgenStatus reportConversion(ErrorRecord& record, const ConversionFailure& failur
 }
 
 RgenStatus reportMemory(ErrorRecord& record) {
+    record.setArgument(0);
     record.say("memory is exhausted");
     return record.fail(RGENH_ERROR_MEMORY, RGEN_E_UNKNOWN);
 }

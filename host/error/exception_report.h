@@ -16,8 +16,8 @@ struct PassedText {
     const char* text;
 };
 
-/// Describes the exception that is being handled. Of `texts`, which ends with a null name, the first
-/// one that is not UTF-8 is named for an error of encoding. Returns the status of the record.
+/// Describes the exception that is being handled. An error of encoding names the first of `texts`
+/// that is not UTF-8; they end with a null name. Returns the status of the record.
 RgenStatus reportException(ErrorRecord& record, const PassedText* texts) noexcept;
 
 /// Runs `work`, which takes an ErrorRecord and returns a status; turns exceptions into errors.

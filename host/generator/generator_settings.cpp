@@ -20,7 +20,7 @@ struct Entry {
 std::atomic_flag listIsBusy = ATOMIC_FLAG_INIT;
 Entry* firstEntry = nullptr;
 
-/// The link that points to the entry of a generator, or to null at the end. Call with the lock held.
+/// The link to the entry of a generator, or to null at the end. Call with the lock held.
 Entry** linkTo(const RgenReportGenerator* generator) {
     Entry** link = &firstEntry;
     while (*link != nullptr && (*link)->settings->generator != generator)

@@ -1,4 +1,4 @@
-// A report on a thread of its own, with a generator of its own, so that cancelling it stops no other.
+// A report with a thread and a generator of its own, so that cancelling it stops no other.
 //
 // SPDX-License-Identifier: MIT
 #pragma once

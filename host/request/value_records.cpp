@@ -8,6 +8,7 @@
 
 #include "error/failures.h"
 #include "request/host_text.h"
+#include "text/character_check.h"
 #include "text/escaping.h"
 
 namespace rgenh {
@@ -16,13 +17,30 @@ namespace {
 constexpr std::uint64_t longestSize = 0xFFFFFFFF;
 constexpr std::uint64_t greatestHint = 9;
 
-/// Throws the ArgumentErrors of `make` again with the index of the entry.
+/// The name of an entry for a message.
+std::string shownName(const RgenAnsiString& name) {
+    constexpr std::size_t longestShown = 60;
+    std::string_view text = name.data;
+    if (text.size() > longestShown) text = text.substr(0, longestShown);
+    return "\"" + withInvalidReplaced(text) + "\": ";
+}
+
+/// Where an entry is and what is known of it.
+struct EntryPlace {
+    std::uint64_t index;
+    bool isPair;
+    /// Null until its name has been read.
+    const RgenAnsiString& name;
+};
+
+/// Throws the ArgumentErrors of `make` again with the name and the index of the entry.
 template <typename Make>
-void atEntry(std::uint64_t index, Make make) {
+void atEntry(const EntryPlace& place, Make make) {
     try {
         make();
     } catch (const ArgumentError& failure) {
-        throw ArgumentError(failure.what(), failure.argument(), index);
+        const std::string name = place.name.data == nullptr ? "" : shownName(place.name);
+        throw ArgumentError(name + failure.what(), failure.argument(), place.index, place.isPair);
     }
 }
 
@@ -100,7 +118,7 @@ RgenCVariantSet makeValues(const RgenhValue* values, std::uint64_t count, TextUs
     // The dump of the library requires an array.
     auto* const records = arena.records<RgenCVariant>(count == 0 ? 1 : count);
     for (std::uint64_t i = 0; i < count; ++i) {
-        atEntry(i, [&] {
+        atEntry({i, false, records[i].name}, [&] {
             records[i].name = nameRecord(values[i], use, arena);
             fillContent(values[i], use, arena, records[i]);
         });
@@ -114,11 +132,11 @@ RgenCAnsiStringPairSet makePairs(const RgenhValue* pairs, std::uint64_t count, A
     auto* const names = arena.records<RgenAnsiString>(count);
     auto* const texts = arena.records<RgenAnsiString>(count);
     for (std::uint64_t i = 0; i < count; ++i) {
-        atEntry(i, [&] {
+        atEntry({i, true, names[i]}, [&] {
+            names[i] = nameRecord(pairs[i], TextUse::Report, arena);
             if (pairs[i].type != RGEN_TYPE_STRING && pairs[i].type != RGENH_TYPE_MARKUP) {
                 throw ArgumentError("a pair is not a text");
             }
-            names[i] = nameRecord(pairs[i], TextUse::Report, arena);
             texts[i] = textRecord(pairs[i], TextUse::Report, arena);
         });
     }

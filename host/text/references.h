@@ -17,8 +17,8 @@ std::string withoutReferences(std::string_view content);
 /// the number of a character that XML cannot contain. Empty if XML does not know the reference.
 std::string heldReference(std::string_view reference);
 
-/// Replaces each reference of a text, or a lone "&", by the result of `meant`. Its arguments are the
-/// reference ("&" alone for a lone one) and its position in the text.
+/// Replaces each reference of a text, or "&" where there is none, by the result of `meant`. Its
+/// arguments are the reference, or "&", and the position in the text.
 std::string mapAmpersands(std::string_view text,
                           const std::function<std::string(std::string_view, std::size_t)>& meant);
 

@@ -130,8 +130,8 @@ typedef struct RgenhError {
     int64_t systemError;
     /** The position of the argument that is wrong, from 1 on; 0 if no single argument is wrong. */
     int32_t argument;
-    /** 0; reserved. */
-    int32_t reserved;
+    /** 1 if `entry` is the index of a pair of a request. */
+    int32_t entryIsPair;
     /** The index of the value or pair that is wrong, or RGENH_NO_ENTRY. */
     uint64_t entry;
     /** The path that the error is about, UTF-8; empty if there is none. A longer one is cut. */
@@ -592,8 +592,8 @@ RGENH_API RgenStatus RGEN_CALL rgenh_takeJobResult(RgenhJob* job, RgenCVariant* 
  *
  * @param job  May be null.
  *
- * Threads: any, but no other call on this job may be running. In the job's RgenhJobEndFunction it
- * waits for nothing; the library must then not be unloaded before that function has returned.
+ * Threads: any, but no other call on this job may be running. It returns after the job's
+ * RgenhJobEndFunction has returned. In that function itself it waits for nothing; the library must then not be unloaded before that function has returned.
  * A translator must not free a job of its generator.
  */
 RGENH_API void RGEN_CALL rgenh_freeJob(RgenhJob* job) RGENH_NOEXCEPT;

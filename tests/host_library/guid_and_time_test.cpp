@@ -1,0 +1,116 @@
+// GUIDs and times as texts.
+//
+// SPDX-License-Identifier: MIT
+#include <cstring>
+
+#include "host_library/host_library_fixture.h"
+
+namespace rgen_test {
+namespace {
+
+class GuidsAndTimes : public ::testing::Test {
+protected:
+    GuidsAndTimes() { error.size = sizeof error; }
+
+    // The GUID of a text written as text again; empty if it is refused.
+    std::string readGuid(const std::string& text) {
+        RgenGuid guid = {};
+        if (rgenh_parseGuid(text.data(), text.size(), &guid, &error) < 0) {
+            EXPECT_EQ(RGENH_ERROR_ARGUMENT, error.kind);
+            EXPECT_EQ(1, error.argument);
+            EXPECT_EQ(0U, guid.data1);
+            return {};
+        }
+        const RgenGuid expected = guidFromText(text.size() == 38 ? text.substr(1, 36) : text);
+        EXPECT_EQ(0, std::memcmp(&expected, &guid, sizeof guid));
+        char letters[RGENH_GUID_TEXT_SIZE] = {};
+        EXPECT_EQ(RGEN_OK, rgenh_formatGuid(&guid, letters, &error));
+        return letters;
+    }
+
+    // -1 for a text that is refused.
+    std::int64_t readTime(const std::string& text) {
+        std::int64_t seconds = -1;
+        const RgenStatus status = rgenh_parseTime(text.data(), text.size(), &seconds, &error);
+        EXPECT_EQ(status == RGEN_OK, seconds >= 0);
+        return seconds;
+    }
+
+    RgenhError error = {};
+};
+
+TEST_F(GuidsAndTimes, ReadGuidsInEveryForm) {
+    const std::string text = "0a1b2c3d-4e5f-6071-8293-a4b5c6d7e8f9";
+    EXPECT_EQ(text, readGuid(text));
+    EXPECT_EQ(text, readGuid("0A1B2C3D-4E5F-6071-8293-A4B5C6D7E8F9"));
+    EXPECT_EQ(text, readGuid("{0a1b2c3d-4e5f-6071-8293-A4B5C6D7E8F9}"));
+}
+
+TEST_F(GuidsAndTimes, RefuseOtherTexts) {
+    for (const char* text :
+         {"", "x", "0a1b2c3d-4e5f-6071-8293-a4b5c6d7e8f", "0a1b2c3d-4e5f-6071-8293-a4b5c6d7e8f9a",
+          "0a1b2c3d-4e5f-6071-8293-a4b5c6d7e8fg", "0a1b2c3d04e5f-6071-8293-a4b5c6d7e8f9",
+          "{0a1b2c3d-4e5f-6071-8293-a4b5c6d7e8f9", "(0a1b2c3d-4e5f-6071-8293-a4b5c6d7e8f9)",
+          "0a1b2c3d4e5f60718293a4b5c6d7e8f9"}) {
+        EXPECT_EQ("", readGuid(text));
+        EXPECT_EQ("\"" + std::string(text) + "\" is not a GUID", error.message);
+    }
+}
+
+TEST_F(GuidsAndTimes, ReadTimesWithAnOffset) {
+    EXPECT_EQ(0, readTime("1970-01-01T00:00:00Z"));
+    EXPECT_EQ(1773044047, readTime("2026-03-09T08:14:07Z"));
+    EXPECT_EQ(1773044047, readTime("2026-03-09t08:14:07z"));
+    EXPECT_EQ(1773044047, readTime("2026-03-09 09:14:07+01:00"));
+    EXPECT_EQ(1773044047, readTime("2026-03-09T02:44:07-0530"));
+    EXPECT_EQ(1773044047, readTime("2026-03-09T09:14:07+01"));
+    EXPECT_EQ(1773044047, readTime("2026-03-09T08:14:07.999Z"));
+    EXPECT_EQ(1773044040, readTime("2026-03-09T08:14Z"));
+    EXPECT_EQ(1773014400, readTime("2026-03-09Z"));
+    EXPECT_EQ(951782400, readTime("2000-02-29Z"));
+    EXPECT_EQ(32535215999, readTime("3000-12-31T23:59:59Z"));
+    EXPECT_EQ(0, readTime("1969-12-31T23:00:00-01:00"));
+}
+
+TEST_F(GuidsAndTimes, ReadLocalTimes) {
+    const TimeZone zone("EST5EDT");
+    EXPECT_EQ(1773044047 + 4 * 3600, readTime("2026-03-09T08:14:07"));
+    EXPECT_EQ(1768453200, readTime("2026-01-15"));
+}
+
+TEST_F(GuidsAndTimes, RefuseTimesThatReportsCannotShow) {
+    for (const char* text : {"1969-12-31T23:59:59Z", "3001-01-01T00:00:00Z",
+                             "1970-01-01T00:00:00+00:01", "0001-01-01Z"}) {
+        EXPECT_EQ(-1, readTime(text));
+        EXPECT_NE(std::string::npos, std::string(error.message).find("from 1970 to 3000"));
+    }
+}
+
+TEST_F(GuidsAndTimes, RefuseWhatIsNotATime) {
+    for (const char* text : {"",
+                             "now",
+                             "2026",
+                             "2026-3-9",
+                             "2026-02-29Z",
+                             "2026-13-01Z",
+                             "2026-00-01Z",
+                             "2026-01-00Z",
+                             "2026-01-32Z",
+                             "2026-03-09T24:00Z",
+                             "2026-03-09T08:60Z",
+                             "2026-03-09T08:14:60Z",
+                             "2026-03-09T8:14Z",
+                             "2026-03-09T08:14:07.Z",
+                             "2026-03-09T08:14:07+1",
+                             " 2026-03-09Z",
+                             "2026-03-09Z ",
+                             "2026-03-09T08:14:07ZZ",
+                             "+026-03-09Z",
+                             "2026-03-09T08:14:07+01:0"}) {
+        EXPECT_EQ(-1, readTime(text)) << text;
+        EXPECT_NE(std::string::npos, std::string(error.message).find("is not a time")) << text;
+    }
+}
+
+}  // namespace
+}  // namespace rgen_test
