@@ -66,14 +66,16 @@ RgenReportGenerator* RGEN_CALL rgenh_newReportGenerator(RgenhError* error) noexc
 
 RgenStatus RGEN_CALL rgenh_freeReportGenerator(RgenReportGenerator* generator,
                                                RgenhError* error) noexcept {
-    return guarded(error, [&](ErrorRecord& record) -> RgenStatus {
-        if (generator == nullptr) return RGEN_OK;
-        if (ActiveCall::of(generator) != nullptr) return failReentered(record);
-        const std::shared_ptr<GeneratorSettings> settings = settingsOf(generator);
-        removeSettings(generator);
-        rgen_freeReportGenerator(generator);
-        return RGEN_OK;
-    });
+    // Not guarded: it throws nothing, and must work when memory is exhausted.
+    ErrorRecord record(error);
+    if (!record.isUsable()) return RGEN_E_BAD_PARAMETER;
+    if (generator == nullptr) return RGEN_OK;
+    if (ActiveCall::of(generator) != nullptr) return failReentered(record);
+    // The library must not use the translator any more when it is freed.
+    const std::shared_ptr<GeneratorSettings> settings = settingsOf(generator);
+    removeSettings(generator);
+    rgen_freeReportGenerator(generator);
+    return RGEN_OK;
 }
 
 RgenStatus RGEN_CALL rgenh_setDataDirPath(RgenReportGenerator* generator, const char* path,
@@ -144,7 +146,7 @@ RgenStatus RGEN_CALL rgenh_getPersistentData(RgenReportGenerator* generator, con
                              RgenCAnsiStringPairSet read = {};
                              const RgenStatus status =
                                  rgen_getPersistentData(generator, guid, pairs ? &read : nullptr);
-                             if (status < 0) return checkedStatus(record, guidText(*guid), status);
+                             if (status < 0) return checkedStatus(record, GuidText(*guid), status);
                              requireFilled(pairs == nullptr || read.count != 0);
                              if (pairs != nullptr) *pairs = read;
                              return status;
@@ -158,7 +160,7 @@ RgenStatus RGEN_CALL rgenh_setPersistentDataFromAnsiStringPairSet(
                          nullptr, [&](ErrorRecord& record) {
                              const RgenStatus status = rgen_setPersistentDataFromAnsiStringPairSet(
                                  generator, guid, pairs);
-                             return checkedStatus(record, guidText(*guid), status);
+                             return checkedStatus(record, GuidText(*guid), status);
                          });
 }
 
@@ -170,7 +172,7 @@ RgenStatus RGEN_CALL rgenh_setPersistentDataFromCVariantSet(RgenReportGenerator*
                          nullptr, [&](ErrorRecord& record) {
                              const RgenStatus status =
                                  rgen_setPersistentDataFromCVariantSet(generator, guid, variants);
-                             return checkedStatus(record, guidText(*guid), status);
+                             return checkedStatus(record, GuidText(*guid), status);
                          });
 }
 

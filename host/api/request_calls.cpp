@@ -71,7 +71,7 @@ RgenStatus RGEN_CALL rgenh_setPersistentValues(RgenReportGenerator* generator, c
             const RgenCVariantSet set = makeValues(values, count, TextUse::PersistentData, arena);
             record.setArgument(0);
             const RgenStatus status = rgen_setPersistentDataFromCVariantSet(generator, guid, &set);
-            return checkedStatus(record, guidText(*guid), status);
+            return checkedStatus(record, GuidText(*guid), status);
         });
 }
 
@@ -86,7 +86,7 @@ RgenStatus RGEN_CALL rgenh_getPersistentTexts(RgenReportGenerator* generator, co
             if (status == RGEN_E_NO_PERSIST_VALUES || status == RGEN_E_NO_VALID_PERSIST_VALUES) {
                 return RGEN_OK;
             }
-            if (status < 0) return checkedStatus(record, guidText(*guid), status);
+            if (status < 0) return checkedStatus(record, GuidText(*guid), status);
             if (read.record.count == 0) throw std::bad_alloc();
             for (std::uint64_t i = 0; i < read.record.count; ++i)
                 unescapeInPlace(read.record.values[i]);

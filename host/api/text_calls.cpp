@@ -136,8 +136,9 @@ RgenStatus RGEN_CALL rgenh_formatGuid(const RgenGuid* guid, char* text,
                                       RgenhError* error) noexcept {
     return guarded(error, [&](ErrorRecord& record) -> RgenStatus {
         if (hasNull({{guid, "guid"}, {text, "text"}}, record)) return RGEN_E_BAD_PARAMETER;
-        const std::string formatted = guidText(*guid);
-        text[formatted.copy(text, RGENH_GUID_TEXT_SIZE - 1)] = '\0';
+        const GuidText formatted(*guid);
+        const std::string_view letters = formatted;
+        text[letters.copy(text, RGENH_GUID_TEXT_SIZE - 1)] = '\0';
         return RGEN_OK;
     });
 }

@@ -5,6 +5,8 @@
 
 #include <boost/filesystem/exception.hpp>
 #include <boost/system/system_error.hpp>
+#include <cstddef>
+#include <cstdlib>
 #include <exception>
 #include <new>
 #include <stdexcept>
@@ -59,12 +61,6 @@ RgenStatus reportConversion(ErrorRecord& record, const ConversionFailure& failur
     return record.fail(RGENH_ERROR_CONVERSION, RGEN_E_EXTERNAL_FAILED);
 }
 
-RgenStatus reportMemory(ErrorRecord& record) {
-    record.setArgument(0);
-    record.say("memory is exhausted");
-    return record.fail(RGENH_ERROR_MEMORY, RGEN_E_UNKNOWN);
-}
-
 /// Throws when memory is exhausted while the exception is described.
 RgenStatus describe(ErrorRecord& record, const PassedText* texts) {
     try {
@@ -92,6 +88,23 @@ RgenStatus describe(ErrorRecord& record, const PassedText* texts) {
 }
 
 }  // namespace
+
+bool canThrow() noexcept {
+    // More than the runtime allocates for a thread. Volatile, or the compiler leaves it out.
+    constexpr std::size_t probeSize = 1024;
+    void* volatile probe = std::malloc(probeSize);
+    if (probe == nullptr) return false;
+    std::free(probe);
+    // Lets the runtime allocate. The number says nothing where the libraries have two runtimes.
+    static_cast<void>(std::uncaught_exceptions());
+    return true;
+}
+
+RgenStatus reportMemory(ErrorRecord& record) noexcept {
+    record.setArgument(0);
+    record.say("memory is exhausted");
+    return record.fail(RGENH_ERROR_MEMORY, RGEN_E_UNKNOWN);
+}
 
 RgenStatus reportException(ErrorRecord& record, const PassedText* texts) noexcept {
     try {

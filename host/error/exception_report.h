@@ -20,11 +20,19 @@ struct PassedText {
 /// that is not UTF-8; they end with a null name. Returns the status of the record.
 RgenStatus reportException(ErrorRecord& record, const PassedText* texts) noexcept;
 
+/// Whether an exception can be thrown on the calling thread. The C++ runtime allocates memory for
+/// the first one of a thread, and ends the process if there is none.
+bool canThrow() noexcept;
+
+/// Describes exhausted memory. Returns the status of the record.
+RgenStatus reportMemory(ErrorRecord& record) noexcept;
+
 /// Runs `work`, which takes an ErrorRecord and returns a status; turns exceptions into errors.
 template <typename Work>
 RgenStatus guarded(RgenhError* error, const PassedText* texts, Work work) noexcept {
     ErrorRecord record(error);
     if (!record.isUsable()) return RGEN_E_BAD_PARAMETER;
+    if (!canThrow()) return reportMemory(record);
     try {
         return work(record);
     } catch (...) {

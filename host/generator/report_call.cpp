@@ -5,7 +5,7 @@
 #include "generator/report_call.h"
 
 #include <new>
-#include <string>
+#include <string_view>
 
 #include "generator/active_calls.h"
 #include "pdf/pdf_check.h"
@@ -47,12 +47,6 @@ RgenStatus reportCallbackFailure(const ActiveCall& call, ErrorRecord& record) {
     return record.fail(RGENH_ERROR_CALLBACK, RGEN_E_UNKNOWN);
 }
 
-RgenStatus reportStatus(const RgenCInputParams& input, RgenStatus status, ErrorRecord& record) {
-    if (input.outputPath.data != nullptr) record.setPath(input.outputPath.data);
-    record.sayStatus(subjectOf(input), status);
-    return record.fail(RGENH_ERROR_STATUS, status);
-}
-
 }  // namespace
 
 RgenStatus generateReport(RgenReportGenerator* generator, const RgenCInputParams& input,
@@ -70,10 +64,13 @@ RgenStatus generateReport(RgenReportGenerator* generator, const RgenCInputParams
     return status;
 }
 
-std::string subjectOf(const RgenCInputParams& input) {
-    const bool hasPath = input.outputPath.data != nullptr && input.outputPath.data[0] != '\0' &&
-                         input.outputMode != RGEN_OUTPUT_BYTES;
-    return hasPath ? std::string(input.outputPath.data) : guidText(input.templateGuid);
+RgenStatus reportStatus(const RgenCInputParams& input, RgenStatus status,
+                        ErrorRecord& record) noexcept {
+    const std::string_view path = input.outputPath.data == nullptr ? "" : input.outputPath.data;
+    const bool hasFile = !path.empty() && input.outputMode != RGEN_OUTPUT_BYTES;
+    record.setPath(path);
+    record.sayStatus(hasFile ? path : GuidText(input.templateGuid), status);
+    return record.fail(RGENH_ERROR_STATUS, status);
 }
 
 void discardResult(RgenCVariant& result) noexcept {

@@ -3,8 +3,6 @@
 // SPDX-License-Identifier: MIT
 #pragma once
 
-#include <string>
-
 #include "error/error_record.h"
 #include "strata_repgenlib/rgen.h"
 
@@ -15,9 +13,9 @@ namespace rgenh {
 RgenStatus generateReport(RgenReportGenerator* generator, const RgenCInputParams& input,
                           RgenCVariant& result, ErrorRecord& record);
 
-/// The output path of a request, or the GUID of its report type if there is none: the subject of
-/// messages.
-std::string subjectOf(const RgenCInputParams& input);
+/// Describes a negative status of a report; returns the status.
+RgenStatus reportStatus(const RgenCInputParams& input, RgenStatus status,
+                        ErrorRecord& record) noexcept;
 
 /// Frees a result and closes its handle, if any.
 void discardResult(RgenCVariant& result) noexcept;

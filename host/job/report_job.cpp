@@ -85,8 +85,7 @@ void ReportJob::run() {
                                 {}};
     status_ = guarded(&error_, texts, [&](ErrorRecord& record) {
         if (!isCancelled) return generate(record);
-        record.sayStatus(subjectOf(input), RGEN_CANCELED);
-        return record.fail(RGENH_ERROR_STATUS, RGEN_CANCELED);
+        return reportStatus(input, RGEN_CANCELED, record);
     });
     finish();
 }

@@ -4,6 +4,8 @@
 #include "request/arena.h"
 
 #include <cstring>
+#include <new>
+#include <utility>
 
 namespace rgenh {
 namespace {
@@ -18,8 +20,9 @@ void* Arena::allocate(std::size_t size) {
     const std::size_t needed = (size + alignment - 1) / alignment * alignment;
     if (needed > left_) {
         const std::size_t block = needed > blockSize / 4 ? needed : blockSize;
-        blocks_.emplace_back(new char[block]);
-        char* const start = blocks_.back().get();
+        std::unique_ptr<char[]> memory(new char[block]);
+        char* const start = memory.get();
+        blocks_.push_back(std::move(memory));
         if (block == needed) return start;
         next_ = start;
         left_ = block;
@@ -32,8 +35,7 @@ void* Arena::allocate(std::size_t size) {
 
 char* Arena::copyOf(std::string_view text) {
     char* const copy = static_cast<char*>(allocate(text.size() + 1));
-    std::memcpy(copy, text.data(), text.size());
-    copy[text.size()] = '\0';
+    copy[text.copy(copy, text.size())] = '\0';
     return copy;
 }
 

@@ -56,13 +56,11 @@ std::optional<RgenGuid> parseGuid(std::string_view text) {
     return guid;
 }
 
-std::string guidText(const RgenGuid& guid) {
-    char text[40] = {};
+GuidText::GuidText(const RgenGuid& guid) noexcept {
     const std::uint8_t* const last = guid.data4;
-    std::snprintf(text, sizeof text, "%08x-%04x-%04x-%02x%02x-%02x%02x%02x%02x%02x%02x",
+    std::snprintf(text_, sizeof text_, "%08x-%04x-%04x-%02x%02x-%02x%02x%02x%02x%02x%02x",
                   static_cast<unsigned>(guid.data1), guid.data2, guid.data3, last[0], last[1],
                   last[2], last[3], last[4], last[5], last[6], last[7]);
-    return text;
 }
 
 }  // namespace rgenh

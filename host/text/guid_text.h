@@ -4,7 +4,6 @@
 #pragma once
 
 #include <optional>
-#include <string>
 #include <string_view>
 
 #include "strata_repgenlib/rgen.h"
@@ -14,7 +13,14 @@ namespace rgenh {
 /// Reads 36 characters in upper or lower case, in braces or not.
 std::optional<RgenGuid> parseGuid(std::string_view text);
 
-/// 36 characters in lower case.
-std::string guidText(const RgenGuid& guid);
+/// 36 characters in lower case. Needs no memory, as it is used when there is none.
+class GuidText {
+public:
+    explicit GuidText(const RgenGuid& guid) noexcept;
+    operator std::string_view() const noexcept { return text_; }
+
+private:
+    char text_[37];
+};
 
 }  // namespace rgenh

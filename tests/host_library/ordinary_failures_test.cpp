@@ -2,82 +2,10 @@
 // error of the right kind, and the generator goes on.
 //
 // SPDX-License-Identifier: MIT
-#include <exception>
-#include <filesystem>
-#include <functional>
-
-#include "host_library/host_library_fixture.h"
+#include "host_library/ordinary_failures_fixture.h"
 
 namespace rgen_test {
 namespace {
-
-struct FailureCase {
-    const char* label;
-    std::function<RgenStatus()> call;
-    RgenhErrorKind kind;
-};
-
-class OrdinaryFailures : public HostLibraryTest {
-protected:
-    OrdinaryFailures() {
-        putTemplate(textStylesheet("works"));
-        input.variants().addString("v", "x");
-        input.format("html").output(RGEN_OUTPUT_BYTES);
-    }
-
-    RgenStatus generate() {
-        HostResult result;
-        return rgenh_generateReport(host, input.get(), &result.record, &error);
-    }
-
-    RgenStatus generateInto(const std::string& format, const std::string& path) {
-        input.format(format).output(RGEN_OUTPUT_FILE, path);
-        const RgenStatus status = generate();
-        input.format("html").output(RGEN_OUTPUT_BYTES);
-        return status;
-    }
-
-    // Another generator, whose data directory's parent the case has prepared.
-    RgenStatus generateIn(const std::string& parent) {
-        RgenReportGenerator* other = rgenh_newReportGenerator(&error);
-        RgenStatus status = rgenh_setDataDirPath(other, parent.c_str(), &error);
-        HostResult result;
-        if (status >= 0) status = rgenh_generateReport(other, input.get(), &result.record, &error);
-        rgenh_freeReportGenerator(other, nullptr);
-        return status;
-    }
-
-    void putTemplateName(const std::string& name, const std::string& dataFile = "data.xml") {
-        putConfig("<type guid=\"" + std::string(defaultGuidText) + "\"><persistDataFile>" +
-                  dataFile + "</persistDataFile><reportTypeFile>" + name +
-                  "</reportTypeFile></type>");
-    }
-
-    void restore() {
-        putTemplateName("test_stylesheet.xsl");
-        HostResult result;
-        EXPECT_EQ(RGEN_OK, rgenh_generateReport(host, input.get(), &result.record, &error))
-            << error.message;
-        EXPECT_EQ("works", result.bytes());
-    }
-
-    void expectFailures(const std::vector<FailureCase>& cases) {
-        for (const FailureCase& each : cases) {
-            SCOPED_TRACE(each.label);
-            const int uncaught = std::uncaught_exceptions();
-            EXPECT_GT(0, each.call());
-            EXPECT_EQ(each.kind, error.kind) << error.message;
-            EXPECT_STRNE("", error.message);
-            EXPECT_EQ(each.kind == RGENH_ERROR_FILE_SYSTEM, error.systemError != 0);
-            EXPECT_EQ(uncaught, std::uncaught_exceptions());
-            restore();
-        }
-    }
-
-    static const std::string tooLong(std::size_t size) { return std::string(size, 'x'); }
-
-    const std::string badText = "a\xFF";
-};
 
 TEST_F(OrdinaryFailures, OfTextsThatAreNotUtf8AreErrorsOfEncoding) {
     const std::string bad = folder.file(badText);
@@ -238,37 +166,6 @@ TEST_F(OrdinaryFailures, OfNamesThatAreTooLong) {
     PairSet none;
     EXPECT_GT(0, rgenh_setPersistentDataFromAnsiStringPairSet(host, &guid, none.get(), &error));
     EXPECT_GE(0, rgenh_getSimulatedRawDataFromFile(host, longPath.c_str(), &set, &error));
-    restore();
-}
-
-TEST_F(OrdinaryFailures, OfCircularLinks) {
-    const auto makeCircle = [](const std::string& path) {
-        std::error_code failure;
-        std::filesystem::create_symlink(std::filesystem::u8path(path).filename(),
-                                        std::filesystem::u8path(path), failure);
-        return !failure;
-    };
-    const std::string circle = folder.file("circle");
-    if (!makeCircle(circle)) GTEST_SKIP() << "this system cannot make symbolic links";
-    const std::string parent = folder.file("looped");
-    createFolder(parent);
-    makeCircle(parent + nativePath("/.rgen"));
-    makeCircle(folder.dataFile("templates/html/loop.xsl"));
-    makeCircle(folder.dataFile("loop.xml"));
-    RgenCAnsiStringPairSet pairs = {};
-    RgenCVariantSet set = {};
-    EXPECT_GT(0, rgenh_setDataDirPath(host, circle.c_str(), &error));
-    EXPECT_GT(0, generateIn(parent));
-    EXPECT_GT(0, generateInto("html", circle));
-    putTemplateName("loop.xsl");
-    EXPECT_GT(0, generate());
-    EXPECT_EQ(RGENH_ERROR_FILE_SYSTEM, error.kind);
-    EXPECT_EQ(folder.dataFile("templates/html/loop.xsl"), error.path);
-    putTemplateName("test_stylesheet.xsl", "loop.xml");
-    EXPECT_GT(0, rgenh_getPersistentData(host, &guid, &pairs, &error));
-    EXPECT_GT(0,
-              rgenh_setPersistentDataFromAnsiStringPairSet(host, &guid, PairSet().get(), &error));
-    EXPECT_GE(0, rgenh_getSimulatedRawDataFromFile(host, circle.c_str(), &set, &error));
     restore();
 }
 

@@ -1,0 +1,242 @@
+// Calls of the host library with each allocation failing in turn: an error of the kind memory, a
+// documented status or the result, never an exception.
+//
+// SPDX-License-Identifier: MIT
+#include <gtest/gtest.h>
+
+#include <string>
+
+#include "robustness/faults/allocation_sweep.h"
+#include "robustness/faults/sweep_report.h"
+#include "strata_repgenlib/rgen_host.h"
+#include "support/allocation_faults.h"
+#include "support/fault_injection.h"
+#include "support/test_platform.h"
+
+namespace rgen_test {
+namespace {
+
+[[maybe_unused]] const bool isRequired = requirePoints("allocation_points", 500);
+
+constexpr const char* smallTemplate =
+    "<xsl:stylesheet version=\"1.0\" xmlns:xsl=\"http://www.w3.org/1999/XSL/Transform\">"
+    "<xsl:output method=\"text\"/><xsl:template match=\"/\">"
+    "<xsl:text>QT_TRANSLATE_NOOP(\"QObject\", \"Title\")</xsl:text>"
+    "<xsl:value-of select=\"//property\"/></xsl:template></xsl:stylesheet>";
+
+constexpr const char* storedFile = "main/.rgen/persist_data.xml";
+
+const char* RGEN_CALL translateTitle(const char* /*text*/, void* /*context*/) {
+    return "a title & more than fits into the inside of a string";
+}
+
+// A failure without a status must be one of memory, with an empty result.
+RgenStatus checked(RgenStatus status, const RgenhError& error) {
+    const bool isMemory = error.kind == RGENH_ERROR_MEMORY && error.message[0] != '\0';
+    if (status == RGEN_E_UNKNOWN && !isMemory) return RGEN_E_BAD_PARAMETER;
+    return status != error.status ? RGEN_E_BAD_PARAMETER : status;
+}
+
+RgenhError newError() {
+    RgenhError error = {};
+    error.size = sizeof error;
+    return error;
+}
+
+std::vector<RgenStatus> generationFailures() {
+    return configurationFailures() + std::vector<RgenStatus>{RGEN_E_UNKNOWN, RGEN_E_EMPTY_INPUT,
+                                                             RGEN_E_XSLT_PARSE, RGEN_E_XSLT_APPLY,
+                                                             RGEN_E_XSLT_RESULT};
+}
+
+FaultScenario generation(std::uint64_t mode) {
+    FaultScenario scenario;
+    scenario.name = "guarded report in mode " + std::to_string(mode);
+    scenario.prepare = [mode](FaultSubject& subject) {
+        subject.input.variants().addString("v", "value");
+        subject.input.format("html").output(mode, subject.files.file("report"));
+    };
+    scenario.call = [](FaultSubject& subject) {
+        RgenhError error = newError();
+        const RgenStatus status =
+            rgenh_generateReport(subject.generator(), subject.input.get(), &subject.result, &error);
+        return checked(status, error);
+    };
+    scenario.failures = generationFailures();
+    return scenario;
+}
+
+class GuardedAllocations : public testing::Test {
+protected:
+    GuardedAllocations() { files.putTemplate(smallTemplate, "html"); }
+
+    FaultFolder files;
+    const RgenCInputParams* prepared = nullptr;
+};
+
+TEST_F(GuardedAllocations, OfReportsInEveryMode) {
+    FaultScenario bytes = generation(RGEN_OUTPUT_BYTES);
+    bytes.take = takeBytes;
+    sweepAllocations(files, bytes);
+    FaultScenario open = generation(RGEN_OUTPUT_DELETE_ON_CLOSE);
+    open.take = takeHandle;
+    sweepAllocations(files, open);
+    FaultScenario file = generation(RGEN_OUTPUT_FILE);
+    file.take = takeFile("report");
+    file.productsOfFailure = {"missing"};
+    sweepAllocations(files, file);
+}
+
+TEST_F(GuardedAllocations, OfNewGeneratorsWithATranslator) {
+    FaultScenario scenario;
+    scenario.name = "new generator with a translator";
+    const std::string folder = files.file("main");
+    scenario.call = [&](FaultSubject& subject) {
+        RgenhError error = newError();
+        RgenReportGenerator* const other = rgenh_newReportGenerator(&error);
+        RgenStatus status = error.status;
+        if (status >= 0) status = rgenh_setDataDirPath(other, folder.c_str(), &error);
+        if (status >= 0)
+            status = rgenh_setTranslator(other, translateTitle, nullptr, RGENH_PLAIN, &error);
+        if (status >= 0) {
+            status = rgenh_generateReport(other, prepared, &subject.result, &error);
+        }
+        const RgenStatus result =
+            error.kind == RGENH_ERROR_CALLBACK ? RGEN_E_UNKNOWN : checked(status, error);
+        rgenh_freeReportGenerator(other, nullptr);
+        return result;
+    };
+    scenario.prepare = [this](FaultSubject& subject) {
+        subject.input.variants().addString("v", "value");
+        prepared = subject.input.format("html").output(RGEN_OUTPUT_BYTES).get();
+    };
+    scenario.take = takeBytes;
+    scenario.failures = generationFailures();
+    sweepAllocations(files, scenario);
+}
+
+TEST_F(GuardedAllocations, OfRequestsFromArrays) {
+    FaultScenario scenario;
+    scenario.name = "request from arrays";
+    scenario.call = [](FaultSubject& /*subject*/) {
+        const RgenhValue values[] = {rgenh_textValue("a name that is long enough", "a & b & c"),
+                                     rgenh_integerValue("n", 1, RGEN_HINT_SIZE),
+                                     rgenh_bytesValue("b", "bytes", 5)};
+        RgenhRequestParts parts = {};
+        parts.size = sizeof parts;
+        parts.reportType = defaultGuidText;
+        parts.format = "html";
+        parts.values = values;
+        parts.valueCount = 3;
+        parts.pairs = values;
+        parts.pairCount = 1;
+        RgenhError error = newError();
+        RgenhRequest* const request = rgenh_newRequest(&parts, &error);
+        EXPECT_EQ(request == nullptr, error.status < 0);
+        rgenh_freeRequest(request);
+        return checked(error.status, error);
+    };
+    scenario.failures = {RGEN_E_UNKNOWN};
+    sweepAllocations(files, scenario);
+}
+
+TEST_F(GuardedAllocations, OfPersistentValuesAndTexts) {
+    FaultScenario storing;
+    storing.name = "persistent values";
+    storing.arrange = [](const FaultFolder& folder) { folder.putPersistentData(); };
+    storing.call = [](FaultSubject& subject) {
+        const RgenhValue value = rgenh_textValue("a", " text & more ");
+        RgenhError error = newError();
+        const RgenStatus status =
+            rgenh_setPersistentValues(subject.generator(), &subject.guid, &value, 1, &error);
+        return checked(status, error);
+    };
+    storing.take = takeFile(storedFile);
+    storing.failures =
+        configurationFailures() +
+        std::vector<RgenStatus>{RGEN_E_UNKNOWN, RGEN_E_DELETE_PERSIST, RGEN_E_CREATE_PERSIST};
+    storing.productsOfFailure = {"missing", FaultFolder::persistentData};
+    sweepAllocations(files, storing);
+    FaultScenario reading;
+    reading.name = "persistent texts";
+    reading.arrange = storing.arrange;
+    reading.call = [](FaultSubject& subject) {
+        RgenhError error = newError();
+        const RgenStatus status =
+            rgenh_getPersistentTexts(subject.generator(), &subject.guid, &subject.pairs, &error);
+        return checked(status, error);
+    };
+    reading.take = [](FaultSubject& subject) {
+        const std::string count = std::to_string(subject.pairs.count);
+        rgen_freeRgenCAnsiStringSet(&subject.pairs);
+        return count;
+    };
+    reading.failures =
+        configurationFailures() +
+        std::vector<RgenStatus>{RGEN_E_UNKNOWN, RGEN_E_OPEN_PERSIST, RGEN_E_NO_PERSIST_VALUES};
+    reading.productsOfFailure = {"0"};
+    sweepAllocations(files, reading);
+}
+
+// The job's own thread has its memory; the sweep would not count the blocks that it frees.
+TEST_F(GuardedAllocations, OfStartingJobs) {
+    RgenhError error = newError();
+    RgenReportGenerator* const host = rgenh_newReportGenerator(&error);
+    ASSERT_EQ(RGEN_OK, rgenh_setDataDirPath(host, files.file("main").c_str(), &error));
+    const RgenhValue value = rgenh_textValue("v", "value");
+    RgenhRequestParts parts = {};
+    parts.size = sizeof parts;
+    parts.templateGuid = defaultGuid();
+    parts.format = "html";
+    parts.outputMode = RGEN_OUTPUT_BYTES;
+    parts.values = &value;
+    parts.valueCount = 1;
+    RgenhRequest* const input = rgenh_newRequest(&parts, &error);
+    bool isReached = true;
+    for (std::size_t number = 1; isReached; ++number) {
+        RgenhJob* job = nullptr;
+        {
+            const FailingAllocation failure(number);
+            job = rgenh_startReport(host, input, nullptr, nullptr, &error);
+            isReached = failure.count() >= number;
+        }
+        EXPECT_EQ(isReached, job == nullptr);
+        EXPECT_EQ(isReached ? RGENH_ERROR_MEMORY : RGENH_ERROR_NONE, error.kind);
+        RgenCVariant result = {};
+        EXPECT_EQ(job == nullptr, rgenh_takeJobResult(job, &result, &error) < 0);
+        rgen_freeRgenCVariant(&result);
+        rgenh_freeJob(job);
+        countPoints("allocation_points", 1);
+    }
+    rgenh_freeRequest(input);
+    rgenh_freeReportGenerator(host, nullptr);
+    EXPECT_FALSE(sanitizerFindsLeaks());
+}
+
+TEST_F(GuardedAllocations, OfTexts) {
+    FaultScenario scenario;
+    scenario.name = "texts";
+    scenario.call = [](FaultSubject& /*subject*/) {
+        RgenhError error = newError();
+        RgenAnsiString text = {};
+        const std::uint64_t size = RGENH_NULL_TERMINATED;
+        RgenStatus status = rgenh_escapeText("a text & another, both long", size, RGENH_PLAIN,
+                                             RGENH_FOR_PERSISTENT_DATA, &text, &error);
+        rgen_freeRgenAnsiString(&text);
+        if (status >= 0) {
+            status = rgenh_escapeTranslation("original", "<translation> & more, and long", size,
+                                             RGENH_PLAIN, &text, &error);
+            rgen_freeRgenAnsiString(&text);
+        }
+        if (status >= 0) {
+            status = rgenh_unescapeText("a &lt; text that is long &amp; dull", size, &text, &error);
+            rgen_freeRgenAnsiString(&text);
+        }
+        return checked(status, error);
+    };
+    scenario.failures = {RGEN_E_UNKNOWN};
+    sweepAllocations(files, scenario);
+}
+
+}  // namespace
+}  // namespace rgen_test
