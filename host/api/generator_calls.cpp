@@ -9,6 +9,7 @@
 #include "api/call_checks.h"
 #include "error/failures.h"
 #include "generator/generator_settings.h"
+#include "generator/owned_generator.h"
 #include "generator/report_call.h"
 #include "strata_repgenlib/rgen_host.h"
 #include "text/guid_text.h"
@@ -16,9 +17,6 @@
 using namespace rgenh;
 
 namespace {
-
-/// Frees a new generator unless it is taken.
-using OwnedGenerator = std::unique_ptr<RgenReportGenerator, decltype(&rgen_freeReportGenerator)>;
 
 void setTranslation(RgenReportGenerator* generator, std::shared_ptr<Translator> translator) {
     const std::shared_ptr<GeneratorSettings> settings = settingsOf(generator);
@@ -55,8 +53,7 @@ extern "C" {
 RgenReportGenerator* RGEN_CALL rgenh_newReportGenerator(RgenhError* error) noexcept {
     RgenReportGenerator* result = nullptr;
     guarded(error, [&](ErrorRecord& /*record*/) {
-        OwnedGenerator generator(rgen_newReportGenerator(), rgen_freeReportGenerator);
-        if (generator == nullptr) throw std::bad_alloc();
+        OwnedGenerator generator = newGenerator();
         addSettings(std::make_shared<GeneratorSettings>(generator.get()));
         result = generator.release();
         return RGEN_OK;

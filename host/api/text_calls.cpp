@@ -156,7 +156,8 @@ RgenStatus RGEN_CALL rgenh_parseTime(const char* text, uint64_t size, int64_t* s
 }
 
 RgenStatus RGEN_CALL rgenh_verifyPdf(const char* path, RgenhError* error) noexcept {
-    return guarded(error, [&](ErrorRecord& record) -> RgenStatus {
+    const PassedText texts[] = {{1, "path", path}, {}};
+    return guarded(error, texts, [&](ErrorRecord& record) -> RgenStatus {
         if (hasNull({{path, "path"}}, record)) return RGEN_E_BAD_PARAMETER;
         verifyPdf(path);
         return RGEN_OK;

@@ -42,7 +42,14 @@ RgenStatus reportFileSystem(ErrorRecord& record,
     return record.fail(RGENH_ERROR_FILE_SYSTEM, RGEN_E_UNKNOWN);
 }
 
+/// Locks of the C++ runtime may need memory.
+bool isExhaustion(int number) {
+    return number == static_cast<int>(std::errc::not_enough_memory) ||
+           number == static_cast<int>(std::errc::resource_unavailable_try_again);
+}
+
 RgenStatus reportSystem(ErrorRecord& record, int number) {
+    if (isExhaustion(number)) return reportMemory(record);
     record.setSystemError(number);
     record.say(platform::systemErrorText(number));
     return record.fail(RGENH_ERROR_UNKNOWN, RGEN_E_UNKNOWN);

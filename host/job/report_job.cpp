@@ -31,12 +31,6 @@ std::string dataDirPathOf(GeneratorSettings& settings) {
     return settings.dataDirPath;
 }
 
-RgenReportGenerator* newGenerator() {
-    RgenReportGenerator* const generator = rgen_newReportGenerator();
-    if (generator == nullptr) throw std::bad_alloc();
-    return generator;
-}
-
 }  // namespace
 
 ReportJob::ReportJob(GeneratorSettings& settings, std::shared_ptr<const Request> request)
@@ -44,13 +38,12 @@ ReportJob::ReportJob(GeneratorSettings& settings, std::shared_ptr<const Request>
       request_(std::move(request)),
       dataDirPath_(dataDirPathOf(settings)),
       generator_(newGenerator()),
-      translation_(generator_, settings.translation->translator()) {
+      translation_(generator_.get(), settings.translation->translator()) {
     error_.size = sizeof error_;
 }
 
 ReportJob::~ReportJob() {
     discardResult(result_);
-    rgen_freeReportGenerator(generator_);
 }
 
 void ReportJob::start(RgenhJob* handle, RgenhJobEndFunction ended, void* context) {
@@ -93,14 +86,14 @@ void ReportJob::run() {
 RgenStatus ReportJob::generate(ErrorRecord& record) {
     // For the host, the callback's generator is the one with the settings.
     const ActiveCall call(settingsOwner_);
-    const RgenStatus status = rgen_setDataDirPath(generator_, dataDirPath_.c_str());
+    const RgenStatus status = rgen_setDataDirPath(generator_.get(), dataDirPath_.c_str());
     if (status < 0) {
         record.setPath(dataDirPath_);
         record.sayStatus(dataDirPath_, status);
         return record.fail(RGENH_ERROR_STATUS, status);
     }
     translation_.connect();
-    return generateReport(generator_, request_->input, result_, record);
+    return generateReport(generator_.get(), request_->input, result_, record);
 }
 
 void ReportJob::finish() {
@@ -150,7 +143,7 @@ void ReportJob::runCanceller(void* job) {
 void ReportJob::cancelUntilEnd() {
     while (!wait(0)) {
         try {
-            rgen_cancel(generator_, nullptr);
+            rgen_cancel(generator_.get(), nullptr);
         } catch (const std::exception&) {
             // Memory is exhausted; the next round may have some.
         }

@@ -9,6 +9,7 @@
 
 #include "error/error_record.h"
 #include "generator/generator_settings.h"
+#include "generator/owned_generator.h"
 #include "generator/translator.h"
 #include "platform/host_platform.h"
 #include "request/request.h"
@@ -58,7 +59,7 @@ private:
     const RgenReportGenerator* settingsOwner_;
     const std::shared_ptr<const Request> request_;
     const std::string dataDirPath_;
-    RgenReportGenerator* const generator_;
+    const OwnedGenerator generator_;
     TranslatorUse translation_;
     platform::Thread thread_;
     platform::Thread canceller_;

@@ -4,13 +4,15 @@
 #include "pdf/pdf_check.h"
 
 #include <algorithm>
+#include <boost/filesystem/operations.hpp>
 #include <cstddef>
-#include <filesystem>
 #include <fstream>
 #include <optional>
 #include <string_view>
 
 #include "error/failures.h"
+#include "platform/host_platform.h"
+#include "text/character_check.h"
 
 namespace rgenh {
 namespace {
@@ -26,29 +28,49 @@ std::string errorPath(const std::string& path) {
     return path + ".error.txt";
 }
 
-/// Reads up to `length` bytes of a file from position `start`.
-std::string partOf(std::ifstream& file, std::streamoff start, std::size_t length) {
-    std::string part(length, '\0');
-    file.clear();
-    file.seekg(start);
-    file.read(part.data(), static_cast<std::streamsize>(length));
-    part.resize(static_cast<std::size_t>(std::max<std::streamsize>(0, file.gcount())));
-    return part;
-}
+/// Reads parts of a file. Not a file stream: those take no wide path on Windows.
+class FileReader {
+public:
+    explicit FileReader(const std::string& path) {
+        file_.open(platform::nativePath(path).c_str(), std::ios::in | std::ios::binary);
+    }
 
-bool isWholePdf(std::ifstream& file) {
-    file.seekg(0, std::ios::end);
-    const std::streamoff size = file.tellg();
-    const std::streamoff tail = std::max<std::streamoff>(0, size - std::streamoff{searchedTail});
-    return partOf(file, 0, 5) == "%PDF-" &&
-           partOf(file, tail, searchedTail).find("%%EOF") != std::string::npos;
+    bool isOpen() const { return file_.is_open(); }
+
+    /// Up to `length` bytes from position `start`. What cannot be read (a folder) has none.
+    std::string part(std::streamoff start, std::size_t length) {
+        std::string bytes(length, '\0');
+        std::streamsize count = 0;
+        try {
+            file_.pubseekpos(start);
+            count = file_.sgetn(bytes.data(), static_cast<std::streamsize>(length));
+        } catch (const std::ios_base::failure&) {
+            count = 0;
+        }
+        bytes.resize(static_cast<std::size_t>(std::max<std::streamsize>(0, count)));
+        return bytes;
+    }
+
+    /// Up to `length` bytes at the end.
+    std::string tail(std::size_t length) {
+        const std::streamoff size = file_.pubseekoff(0, std::ios::end);
+        return part(std::max<std::streamoff>(0, size - static_cast<std::streamoff>(length)),
+                    length);
+    }
+
+private:
+    std::filebuf file_;
+};
+
+bool isWholePdf(FileReader& file) {
+    return file.part(0, 5) == "%PDF-" && file.tail(searchedTail).find("%%EOF") != std::string::npos;
 }
 
 /// The converter's message; nothing if it left none.
 std::optional<std::string> converterMessage(const std::string& path) {
-    std::ifstream note(std::filesystem::u8path(errorPath(path)), std::ios::binary);
-    if (!note) return std::nullopt;
-    std::string text = partOf(note, 0, longestReason);
+    FileReader note(errorPath(path));
+    if (!note.isOpen()) return std::nullopt;
+    std::string text = note.part(0, longestReason);
     while (!text.empty() && (text.back() == '\n' || text.back() == '\r'))
         text.pop_back();
     return text;
@@ -67,22 +89,21 @@ void prepareConversion(const RgenCInputParams& input) {
         textOf(input.converterBaseArg).find('"') != std::string_view::npos) {
         throw ArgumentError("the path or base of a pdf contains a double quote");
     }
-    try {
-        std::error_code ignored;
-        const std::filesystem::path note = std::filesystem::u8path(errorPath(path));
-        if (std::filesystem::is_regular_file(note, ignored)) {
-            std::filesystem::remove(note, ignored);
-        }
-    } catch (const std::system_error&) {
-        // The path is not valid UTF-8, which the library reports.
+    // The library reports a path that is not UTF-8.
+    if (!isUtf8(path)) return;
+    boost::system::error_code ignored;
+    const boost::filesystem::path note = platform::nativePath(errorPath(path));
+    if (boost::filesystem::is_regular_file(note, ignored)) {
+        boost::filesystem::remove(note, ignored);
     }
 }
 
 void verifyPdf(const std::string& path) {
     const std::optional<std::string> message = converterMessage(path);
     const std::string reason = message && !message->empty() ? ": " + *message : "";
-    std::ifstream file(std::filesystem::u8path(path), std::ios::binary);
-    if (!file) throw ConversionFailure(path, path + ": the converter made no file" + reason);
+    FileReader file(path);
+    if (!file.isOpen())
+        throw ConversionFailure(path, path + ": the converter made no file" + reason);
     if (!isWholePdf(file)) {
         throw ConversionFailure(path, path + ": the converter's file is not a whole pdf" + reason);
     }

@@ -3,6 +3,7 @@
 // SPDX-License-Identifier: MIT
 #pragma once
 
+#include <boost/filesystem/path.hpp>
 #include <cstddef>
 #include <cstdint>
 #include <memory>
@@ -61,6 +62,9 @@ private:
 /// Milliseconds of a clock that never goes back.
 std::int64_t monotonicMilliseconds() noexcept;
 
+/// A UTF-8 path as the system takes it. Throws std::range_error if it is not UTF-8.
+boost::filesystem::path nativePath(const std::string& path);
+
 ///@{
 /// A path of the system in UTF-8.
 std::string utf8Path(const std::string& path);
@@ -75,7 +79,7 @@ std::string systemErrorText(std::int64_t number);
 struct LoadedFile {
     /// UTF-8; empty if the system does not say.
     std::string path;
-    /// Such as "0.1.0"; "unknown" if the file does not say.
+    /// Such as "1.2.3"; "unknown" if the file does not say.
     std::string version;
 };
 

@@ -8,14 +8,17 @@
 #include <pthread.h>
 #include <signal.h>
 #include <unistd.h>
+#include <unwind.h>
 
 #include <cerrno>
 #include <cstdlib>
 #include <cstring>
 #include <ctime>
 #include <new>
+#include <stdexcept>
 
 #include "platform/host_platform.h"
+#include "text/character_check.h"
 
 namespace rgenh::platform {
 namespace {
@@ -39,6 +42,17 @@ timespec timeAfter(std::int64_t milliseconds) noexcept {
         ++time.tv_sec;
     }
     return time;
+}
+
+_Unwind_Reason_Code stopUnwinding(_Unwind_Context* /*context*/, void* /*unused*/) {
+    return _URC_END_OF_STACK;
+}
+
+/// The system's unwinder prepares its tables when it unwinds for the first time. A host that is
+/// linked with -static-libgcc throws with a copy of its own, which uses the system's unwinder for
+/// frames of the libraries. Without its tables that would end the process.
+[[gnu::constructor]] void prepareUnwinder() {
+    _Unwind_Backtrace(stopUnwinding, nullptr);
 }
 
 struct ThreadStart {
@@ -195,6 +209,11 @@ void Thread::detach() noexcept {
 std::int64_t monotonicMilliseconds() noexcept {
     const timespec now = timeAfter(0);
     return std::int64_t{now.tv_sec} * 1000 + now.tv_nsec / 1000000;
+}
+
+boost::filesystem::path nativePath(const std::string& path) {
+    if (!isUtf8(path)) throw std::range_error("a path is not valid UTF-8");
+    return {path};
 }
 
 std::string utf8Path(const std::string& path) {

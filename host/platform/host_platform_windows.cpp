@@ -7,9 +7,11 @@
 
 #include <cstring>
 #include <new>
+#include <stdexcept>
 #include <string_view>
 
 #include "platform/host_platform.h"
+#include "text/character_check.h"
 
 namespace rgenh::platform {
 namespace {
@@ -138,6 +140,16 @@ void Thread::detach() noexcept {
 
 std::int64_t monotonicMilliseconds() noexcept {
     return static_cast<std::int64_t>(GetTickCount64());
+}
+
+boost::filesystem::path nativePath(const std::string& path) {
+    if (!isUtf8(path)) throw std::range_error("a path is not valid UTF-8");
+    const int size = static_cast<int>(path.size());
+    std::wstring wide(path.size(), L'\0');
+    const int wideSize = MultiByteToWideChar(CP_UTF8, 0, path.data(), size, wide.data(),
+                                             static_cast<int>(wide.size()));
+    wide.resize(static_cast<std::size_t>(wideSize));
+    return {wide};
 }
 
 std::string utf8Path(const std::wstring& path) {

@@ -36,11 +36,29 @@ std::string blankReferences(std::string_view blanks) {
     return result;
 }
 
-/// A text of a template must not contain "]]>".
-std::string withoutSectionEnds(std::string text) {
-    for (std::size_t at = text.find("]]>"); at != std::string::npos; at = text.find("]]>", at))
-        text.replace(at + 2, 1, "&gt;");
-    return text;
+/// The CDATA section at the start of a text; empty if there is none or it has no end.
+std::string_view sectionAt(std::string_view text) {
+    constexpr std::string_view start = "<![CDATA[";
+    constexpr std::string_view end = "]]>";
+    if (text.substr(0, start.size()) != start) return {};
+    const std::size_t close = text.find(end, start.size());
+    return close == std::string_view::npos ? std::string_view()
+                                           : text.substr(0, close + end.size());
+}
+
+/// A template must not contain "]]>" except as the end of a section. The text may follow a "]]" of
+/// the template.
+std::string withoutSectionEnds(std::string_view text) {
+    std::string result;
+    std::size_t brackets = 2;
+    while (!text.empty()) {
+        const std::string_view section = text[0] == '<' ? sectionAt(text) : std::string_view();
+        const std::string_view part = section.empty() ? text.substr(0, 1) : section;
+        result += part == ">" && brackets >= 2 ? "&gt;" : part;
+        brackets = part == "]" ? brackets + 1 : 0;
+        text.remove_prefix(part.size());
+    }
+    return result;
 }
 
 [[noreturn]] void refuse(std::size_t size, std::size_t longest, const char* what) {
@@ -113,13 +131,13 @@ std::string translationMarkup(std::string_view original, std::string_view transl
         const std::string held = heldReference(reference);
         return held.empty() ? "&amp;" + std::string(reference.substr(1)) : held;
     });
-    if (!has("<")) text = replaced(text, '<', "&lt;");
+    // With an element in the original the translation may have elements with attributes. A marked
+    // text without one may be in an attribute, which apostrophes delimit since the text has quotes.
+    if (has("<")) return withoutSectionEnds(text);
+    text = replaced(text, '<', "&lt;");
     if (!has(">")) text = replaced(text, '>', "&gt;");
-    // If the translation has a CDATA section, its end must stay.
-    if (text.find("<![CDATA[") == std::string::npos) text = withoutSectionEnds(std::move(text));
-    // A marked text contains double quotes, so an attribute with it is delimited by apostrophes.
     if (!has("'")) text = replaced(text, '\'', "&#39;");
-    return text;
+    return withoutSectionEnds(text);
 }
 
 }  // namespace rgenh

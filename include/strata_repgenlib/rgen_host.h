@@ -593,8 +593,9 @@ RGENH_API RgenStatus RGEN_CALL rgenh_takeJobResult(RgenhJob* job, RgenCVariant* 
  * @param job  May be null.
  *
  * Threads: any, but no other call on this job may be running. It returns after the job's
- * RgenhJobEndFunction has returned. In that function itself it waits for nothing; the library must then not be unloaded before that function has returned.
- * A translator must not free a job of its generator.
+ * RgenhJobEndFunction has returned. In that function itself it waits for nothing; the library must
+ * then not be unloaded before that function has returned. A translator must not free a job of its
+ * generator.
  */
 RGENH_API void RGEN_CALL rgenh_freeJob(RgenhJob* job) RGENH_NOEXCEPT;
 
@@ -632,11 +633,12 @@ RGENH_API RgenStatus RGEN_CALL rgenh_escapeText(const char* text, uint64_t size,
 /**
  * Makes the text that a translate callback of rgenh_setTranslateFunction returns.
  *
- * RGENH_PLAIN: each of "&", "<", ">" and "'" is escaped unless the original contains it, too; "]]>"
- * (unless the translation has a CDATA section) and an "&" that begins no reference of XML are
- * always escaped. "{" and "}" are not: in attributes of the template they delimit an XPath
- * expression. RGENH_MARKUP: the translation stays as it is. In both forms characters that XML
- * cannot contain become U+FFFD, and a translation that equals the original stays unchanged.
+ * RGENH_PLAIN: each of "&", "<", ">" and "'" is escaped unless the original contains it, too; if
+ * the original contains "<", the last two stay as well, so that elements may have attributes. An
+ * "&" that begins no reference of XML, and "]]>" outside of a CDATA section, are always escaped.
+ * "{" and "}" are not: in attributes of the template they delimit an XPath expression.
+ * RGENH_MARKUP: the translation stays as it is. In both forms characters that XML cannot contain
+ * become U+FFFD, and a translation that equals the original stays unchanged.
  *
  * @param original     The marked text as the callback received it, null-terminated.
  * @param translation  UTF-8.
@@ -794,7 +796,7 @@ RGENH_API int32_t RGEN_CALL rgenh_getStatusAt(uint64_t index, RgenStatus* status
 typedef struct RgenhVersions {
     /** Set by the caller: sizeof(RgenhVersions). */
     uint64_t size;
-    /** The version of strata_repgenlib, such as "0.1.0"; "unknown" if its file does not say. */
+    /** The version of strata_repgenlib, such as "1.2.3"; "unknown" if its file does not say. */
     char library[RGENH_VERSION_SIZE];
     /** The version of strata_repgenlib_host. */
     char host[RGENH_VERSION_SIZE];

@@ -88,6 +88,11 @@ TEST_F(Pdfs, AreCheckedByThemselves) {
     EXPECT_EQ(path + ": the converter's file is not a whole pdf: no browser at all", verify(path));
     createFolder(folder.file("folder.pdf"));
     EXPECT_NE("", verify(folder.file("folder.pdf")));
+    const std::string cyrillic = folder.file("\xD0\xBE\xD1\x82\xE2\x82\xAC.pdf");
+    writeFile(cyrillic, wholePdf);
+    EXPECT_EQ("", verify(cyrillic));
+    EXPECT_EQ(RGEN_E_UNKNOWN, rgenh_verifyPdf("a\xFF", &error));
+    EXPECT_EQ("3 1", kindAndArgument());
 }
 
 }  // namespace

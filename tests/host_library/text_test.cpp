@@ -94,7 +94,9 @@ TEST_F(Texts, EndAtTheirZeroByteWithoutASize) {
 
 TEST_F(Texts, OfTranslationsAreEscapedUnlessTheOriginalHasMarkup) {
     EXPECT_EQ("&lt;b&gt; &amp; &#39;", translation("plain", "<b> & '"));
-    EXPECT_EQ("<b>&amp;</b> '", translation("<b>&amp;</b>'", "<b>&amp;</b> '"));
+    EXPECT_EQ("<b>&amp;</b> '", translation("<b>&amp;</b>", "<b>&amp;</b> '"));
+    EXPECT_EQ("<b q:a='x'/>", translation("<b>Bold</b>", "<b q:a='x'/>"));
+    EXPECT_EQ("a > b", translation("a > c", "a > b"));
     // An "&" that begins no reference of XML is escaped even then.
     EXPECT_EQ("&amp;amp &amp;nbsp; &lt;", translation("&", "&amp &nbsp; &lt;"));
 }
@@ -102,7 +104,9 @@ TEST_F(Texts, OfTranslationsAreEscapedUnlessTheOriginalHasMarkup) {
 TEST_F(Texts, OfTranslationsNeverEndACdataSection) {
     EXPECT_EQ("]]&gt;", translation("a", "]]>"));
     EXPECT_EQ("]]&gt;", translation(">", "]]>"));
-    EXPECT_EQ("<![CDATA[x]]>", translation("<>", "<![CDATA[x]]>"));
+    EXPECT_EQ("<![CDATA[x]]>", translation("<b>", "<![CDATA[x]]>"));
+    EXPECT_EQ("<![CDATA[x<]]> ]]&gt; y", translation("<b>", "<![CDATA[x<]]> ]]> y"));
+    EXPECT_EQ("&gt;a>", translation(">", ">a>")) << "the template may end in two brackets";
 }
 
 TEST_F(Texts, OfTranslationsThatEqualTheOriginalStay) {

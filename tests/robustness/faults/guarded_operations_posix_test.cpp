@@ -1,5 +1,5 @@
-// Calls of the host library with each of their file operations failing in turn: no exception, and an
-// error of the file system where the library throws.
+// Calls of the host library with each of their file operations failing in turn: no exception, but
+// an error of the file system where the library throws.
 //
 // SPDX-License-Identifier: MIT
 #include <gtest/gtest.h>
