@@ -63,6 +63,8 @@
 #ifndef STRATA_REPGENLIB_RGEN_HOST_H
 #define STRATA_REPGENLIB_RGEN_HOST_H
 
+#include <stddef.h>
+
 #include "strata_repgenlib/rgen.h"
 
 /*
@@ -830,7 +832,7 @@ static inline RgenhValue rgenh_textValue(const char* name, const char* text) RGE
 /** An integer, or with the hints of times seconds since 1970 UTC. The name is not copied. */
 static inline RgenhValue rgenh_integerValue(const char* name, int64_t number,
                                             uint64_t hint) RGENH_NOEXCEPT {
-    RgenhValue value = {name, RGENH_NULL_TERMINATED, RGEN_TYPE_INT64, hint, number, 0, 0};
+    RgenhValue value = {name, RGENH_NULL_TERMINATED, RGEN_TYPE_INT64, hint, number, NULL, 0};
     return value;
 }
 
