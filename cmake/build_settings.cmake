@@ -73,6 +73,33 @@ function(rgen_harden)
     endforeach()
 endfunction()
 
+# rgen_optimise_whole(OBJECTS LIBRARY): optimises a shared library as a whole while linking, third-party
+# archives included, without unused sections. The objects also contain machine code, for the tests.
+# Linking compiles again, so it needs the prefix map, too.
+function(rgen_optimise_whole objects library)
+    if(NOT RGEN_WHOLE_LIBRARY OR RGEN_SANITIZER)
+        return()
+    endif()
+    target_compile_options(${objects} PRIVATE -flto -ffat-lto-objects -ffunction-sections
+                                              -fdata-sections)
+    set_target_properties(${library} PROPERTIES RGEN_OPTIMISE_WHOLE ON)
+    target_link_options(${library} PRIVATE -flto=auto LINKER:--gc-sections
+                                           -ffile-prefix-map=${PROJECT_BINARY_DIR}=build)
+endfunction()
+
+# rgen_count_coverage(OBJECTS LIBRARY): counts lines and branches, without optimisation. The counters
+# are atomic, since the tests use threads. They are written to files beside the objects, whatever
+# program the objects are linked into.
+function(rgen_count_coverage objects library)
+    if(NOT RGEN_COVERAGE)
+        return()
+    endif()
+    foreach(target ${objects} ${library})
+        target_compile_options(${target} PRIVATE -O0 --coverage -fprofile-update=atomic)
+    endforeach()
+    target_link_options(${objects} INTERFACE --coverage)
+endfunction()
+
 # The address sanitizer checks blocks of the C heap; it cannot see errors inside a pool.
 set(RGEN_POOLS_ARE_USED true)
 if(RGEN_SANITIZER MATCHES "address")

@@ -15,31 +15,65 @@ set(install_data_dir ${CMAKE_INSTALL_DATAROOTDIR}/strata_repgenlib)
 set(install_package_dir ${CMAKE_INSTALL_LIBDIR}/cmake/strata_repgenlib)
 
 # ---- required files -----------------------------------------------------------------------------
+# These rules come first, so that an installation that cannot be complete fails before it copies
+# anything. Programs that are not built are left out.
 
-# rgen_require_for_install(COMPONENT FILE...): an installation of the component fails before it copies
-# anything if a file is not built. Therefore these rules come first.
-function(rgen_require_for_install component)
-    install(CODE "set(required \"${ARGN}\")\nset(build_folder \"${PROJECT_BINARY_DIR}\")"
-            COMPONENT ${component})
-    install(SCRIPT ${PROJECT_SOURCE_DIR}/cmake/require_built_files.cmake COMPONENT ${component})
+# rgen_check_before_install(COMPONENT SCRIPT CODE): runs a script of this folder with the variables that
+# the code sets.
+function(rgen_check_before_install component script code)
+    install(CODE "${code}\nset(build_folder \"${PROJECT_BINARY_DIR}\")" COMPONENT ${component})
+    install(SCRIPT ${PROJECT_SOURCE_DIR}/cmake/${script} COMPONENT ${component})
 endfunction()
 
-rgen_require_for_install(library $<TARGET_FILE:strata_repgenlib>)
+function(rgen_require_for_install component)
+    rgen_check_before_install(${component} require_built_files.cmake "set(required \"${ARGN}\")")
+endfunction()
+
+set(libraries strata_repgenlib strata_repgenlib_host)
+list(TRANSFORM libraries REPLACE "(.+)" "$<TARGET_FILE:\\1>" OUTPUT_VARIABLE library_files)
+list(TRANSFORM libraries REPLACE "(.+)" "$<TARGET_LINKER_FILE:\\1>" OUTPUT_VARIABLE linker_files)
+rgen_require_for_install(library ${library_files})
 if(WIN32)
     include(cmake/import_library.cmake)
-    rgen_require_for_install(development $<TARGET_LINKER_FILE:strata_repgenlib> ${import_library})
+    rgen_require_for_install(development ${linker_files} ${import_libraries})
 else()
-    rgen_require_for_install(development $<TARGET_LINKER_FILE:strata_repgenlib>)
+    rgen_require_for_install(development ${linker_files})
 endif()
 if(RGEN_BUILD_TOOLS)
     include(cmake/completion.cmake)
-    rgen_require_for_install(tools $<TARGET_FILE:rgen> $<TARGET_FILE:vellum> ${completion_files})
+    rgen_check_before_install(
+        tools require_built_programs.cmake
+        "set(programs \"$<TARGET_FILE:rgen>\" \"$<TARGET_FILE:vellum>\")
+set(completion \"${completion_files}\")")
+endif()
+
+# rgen_install_with(TARGET FILE... DESTINATION <dir> [RENAME <name>]): installs files with a program,
+# if that and the files are built.
+function(rgen_install_with target)
+    cmake_parse_arguments(PARSE_ARGV 1 arg "" "DESTINATION;RENAME" "")
+    set(files "")
+    foreach(file IN LISTS arg_UNPARSED_ARGUMENTS)
+        string(APPEND files " \"${file}\"")
+    endforeach()
+    set(rename "")
+    if(arg_RENAME)
+        set(rename "RENAME ${arg_RENAME}")
+    endif()
+    install(CODE "if(EXISTS \"$<TARGET_FILE:${target}>\")
+    file(INSTALL DESTINATION \"\${CMAKE_INSTALL_PREFIX}/${arg_DESTINATION}\" TYPE FILE OPTIONAL
+         ${rename} FILES${files})
+endif()"
+            COMPONENT tools)
+endfunction()
+
+if(NOT RGEN_SANITIZER AND NOT RGEN_COVERAGE)
+    include(cmake/licences.cmake)
 endif()
 
 # ---- library ------------------------------------------------------------------------------------
 
 install(
-    TARGETS strata_repgenlib
+    TARGETS ${libraries}
     EXPORT strata_repgenlibTargets
     RUNTIME COMPONENT library
     LIBRARY COMPONENT library NAMELINK_COMPONENT development
@@ -52,10 +86,12 @@ install(FILES LICENSE DESTINATION ${CMAKE_INSTALL_DOCDIR} COMPONENT library)
 install(DIRECTORY include/strata_repgenlib DESTINATION ${CMAKE_INSTALL_INCLUDEDIR}
         COMPONENT development)
 if(WIN32)
-    # The list is empty if the build could not make it; then the installation fails above.
-    install(FILES ${import_library} DESTINATION ${CMAKE_INSTALL_LIBDIR} COMPONENT development)
+    # The list is empty if the build could not make them; then the installation fails above.
+    install(FILES ${import_libraries} DESTINATION ${CMAKE_INSTALL_LIBDIR} COMPONENT development)
     install(FILES src/api/exports.def DESTINATION ${CMAKE_INSTALL_LIBDIR}
             RENAME strata_repgenlib.def COMPONENT development)
+    install(FILES host/api/exports.def DESTINATION ${CMAKE_INSTALL_LIBDIR}
+            RENAME strata_repgenlib_host.def COMPONENT development)
 endif()
 
 # The major number changes with every incompatible change, as docs/abi.md says.
@@ -75,9 +111,11 @@ install(EXPORT strata_repgenlibTargets NAMESPACE strata_repgenlib::
 
 file(RELATIVE_PATH install_pc_to_prefix /${CMAKE_INSTALL_LIBDIR}/pkgconfig /)
 string(REGEX REPLACE "/$" "" install_pc_to_prefix "${install_pc_to_prefix}")
-configure_file(cmake/package/strata_repgenlib.pc.in ${package_files}/strata_repgenlib.pc @ONLY)
-install(FILES ${package_files}/strata_repgenlib.pc
-        DESTINATION ${CMAKE_INSTALL_LIBDIR}/pkgconfig COMPONENT development)
+foreach(library IN LISTS libraries)
+    configure_file(cmake/package/${library}.pc.in ${package_files}/${library}.pc @ONLY)
+    install(FILES ${package_files}/${library}.pc DESTINATION ${CMAKE_INSTALL_LIBDIR}/pkgconfig
+            COMPONENT development)
+endforeach()
 
 # Sources for hosts, without tests and build products.
 set(left_out
@@ -94,17 +132,19 @@ install(DIRECTORY examples DESTINATION ${install_data_dir} COMPONENT development
 # ---- tools --------------------------------------------------------------------------------------
 
 if(RGEN_BUILD_TOOLS)
-    install(TARGETS rgen vellum RUNTIME COMPONENT tools)
+    install(TARGETS rgen vellum RUNTIME COMPONENT tools OPTIONAL)
 endif()
 if(RGEN_BUILD_TOOLS AND NOT WIN32)
-    install(FILES ${PROJECT_BINARY_DIR}/tools/rgen/rgen.1 ${PROJECT_BINARY_DIR}/tools/vellum/vellum.1
-            DESTINATION ${CMAKE_INSTALL_MANDIR}/man1 COMPONENT tools)
+    foreach(program rgen vellum)
+        rgen_install_with(${program} ${PROJECT_BINARY_DIR}/tools/${program}/${program}.1
+                          DESTINATION ${CMAKE_INSTALL_MANDIR}/man1)
+    endforeach()
 endif()
 if(RGEN_BUILD_TOOLS AND completion_files)
-    install(FILES ${completion_dir}/rgen
-            DESTINATION ${CMAKE_INSTALL_DATAROOTDIR}/bash-completion/completions COMPONENT tools)
-    install(FILES ${completion_dir}/_rgen
-            DESTINATION ${CMAKE_INSTALL_DATAROOTDIR}/zsh/site-functions COMPONENT tools)
+    rgen_install_with(rgen ${completion_dir}/rgen
+                      DESTINATION ${CMAKE_INSTALL_DATAROOTDIR}/bash-completion/completions)
+    rgen_install_with(rgen ${completion_dir}/_rgen
+                      DESTINATION ${CMAKE_INSTALL_DATAROOTDIR}/zsh/site-functions)
 endif()
 
 # ---- templates and documentation ----------------------------------------------------------------

@@ -1,5 +1,5 @@
 # SPDX-License-Identifier: MIT
-# The first step of an installation: fails if one of the files in `required` is not built.
+# A first step of an installation: fails if one of the files in `required` is not built.
 
 set(missing "")
 foreach(file IN LISTS required)
@@ -9,6 +9,6 @@ foreach(file IN LISTS required)
 endforeach()
 if(missing)
     list(JOIN missing "\n  " names)
-    message(FATAL_ERROR "Nothing was installed, since not everything is built. Missing:\n  ${names}\n"
-                        "Build all of it first: cmake --build \"${build_folder}\"")
+    message(FATAL_ERROR "Nothing was installed, since these files are not built:\n  ${names}\n"
+                        "Build them first: cmake --build \"${build_folder}\"")
 endif()

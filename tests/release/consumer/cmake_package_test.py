@@ -31,6 +31,8 @@ class CMakePackage(InstalledCase):
         folder = self.build_project(HERE / "project", f"-DWANTED_VERSION={SERIES}")
         self.expect_reports(folder / f"report_in_c{PROGRAM_ENDING}",
                             folder / f"report_in_cpp{PROGRAM_ENDING}")
+        self.expect_pages(folder / f"host_report_in_c{PROGRAM_ENDING}",
+                          folder / f"host_report_in_cpp{PROGRAM_ENDING}")
 
     def test_versions_of_the_major_number_are_accepted_up_to_this_one(self):
         for wanted in ("", str(MAJOR), f"{MAJOR}.0", SERIES, VERSION, f"{VERSION};EXACT",
@@ -63,25 +65,34 @@ class CMakePackage(InstalledCase):
         reason = self.expect_refused("", f"-DCMAKE_SYSTEM_NAME={other}")
         self.assertIn(f"not for {other}", reason)
 
-    def test_users_get_the_header_the_library_and_nothing_else(self):
-        answer = self.find()
-        library = "bin/strata_repgenlib.dll" if ON_WINDOWS else (
-            f"{self.library_folder.relative_to(self.prefix)}/libstrata_repgenlib.so.{VERSION}")
+    def expect_target(self, name, **more):
+        """Checks the properties of a target that users get."""
+        answer = self.find("", f"-DDESCRIBED=strata_repgenlib::{name}")
+        library = f"bin/{name}.dll" if ON_WINDOWS else (
+            f"{self.library_folder.relative_to(self.prefix)}/lib{name}.so.{VERSION}")
         expected = {"INTERFACE_INCLUDE_DIRECTORIES": str(self.prefix / "include"),
-                    "IMPORTED_LOCATION": str(self.prefix / library)}
+                    "IMPORTED_LOCATION": str(self.prefix / library), **more}
         if ON_WINDOWS:
-            expected["IMPORTED_IMPLIB"] = str(self.library_folder / "libstrata_repgenlib.dll.a")
+            expected["IMPORTED_IMPLIB"] = str(self.library_folder / f"lib{name}.dll.a")
         self.assertEqual(expected, {name: value for name, value in answer.items()
                                     if name.isupper()})
 
+    def test_users_get_the_header_the_library_and_nothing_else(self):
+        self.expect_target("strata_repgenlib")
+
+    def test_users_of_the_host_library_get_the_first_one_with_it(self):
+        self.expect_target("strata_repgenlib_host",
+                           INTERFACE_LINK_LIBRARIES="strata_repgenlib::strata_repgenlib")
+
     @windows_only
-    def test_compilers_that_link_otherwise_get_their_import_library(self):
+    def test_compilers_that_link_otherwise_get_their_import_libraries(self):
         for name in ("MSVC", "CMAKE_C_SIMULATE_ID", "CMAKE_CXX_SIMULATE_ID"):
-            value = [f"-DSEARCHED_BY={name}"] if name == "MSVC" else [f"-D{name}=MSVC"]
-            answer = self.find("", *value)
-            self.assertEqual(str(self.library_folder / "strata_repgenlib.lib"),
-                             answer["IMPORTED_IMPLIB"], name)
-            self.assertTrue(Path(answer["IMPORTED_IMPLIB"]).is_file())
+            value = f"-DSEARCHED_BY={name}" if name == "MSVC" else f"-D{name}=MSVC"
+            for target in ("strata_repgenlib", "strata_repgenlib_host"):
+                answer = self.find("", value, f"-DDESCRIBED=strata_repgenlib::{target}")
+                self.assertEqual(str(self.library_folder / f"{target}.lib"),
+                                 answer["IMPORTED_IMPLIB"], name)
+                self.assertTrue(Path(answer["IMPORTED_IMPLIB"]).is_file())
 
     def test_the_folder_of_the_templates_is_told(self):
         folder = self.prefix / "share/strata_repgenlib"
@@ -129,7 +140,7 @@ class CMakePackage(InstalledCase):
         folder = self.folder / "build"
         self.tool("cmake", "-S", HERE / "inside", "-B", folder, *self.cmake_options(),
                   f"-DSOURCES={SOURCE_FOLDER}", f"-DRGEN_DEPENDENCIES={THIRD_PARTY}",
-                  f"-DHOST={HERE / 'project/report_in_c.c'}")
+                  f"-DHOST={HERE / 'project/host_report_in_c.c'}")
         self.tool("cmake", "--build", folder, "--target", "host")
         self.tool("cmake", "--install", folder, "--prefix", self.folder / "own")
         self.assertEqual(["CMakeLists.txt"],

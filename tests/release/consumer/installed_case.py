@@ -114,9 +114,9 @@ class InstalledCase(ProgramCase):
         self.assertEqual(0, outcome.returncode, outcome.stdout)
         return dict(re.findall(r"^-- ([\w-]+)\|(.*)$", outcome.stdout, re.M))
 
-    def pkg_config(self, *words):
+    def pkg_config(self, *words, name="strata_repgenlib"):
         """The words that pkg-config prints; it finds only the installation."""
-        answer = self.tool("pkg-config", *words, "strata_repgenlib",
+        answer = self.tool("pkg-config", *words, name,
                            env={"PKG_CONFIG_LIBDIR": str(self.library_folder / "pkgconfig")})
         return shlex.split(answer)
 
@@ -129,16 +129,28 @@ class InstalledCase(ProgramCase):
         return result.text
 
     def expect_reports(self, c_program, cpp_program, env=None):
-        """Checks that both hosts of the folder project make their reports."""
-        shutil.copytree(self.prefix / "share/strata_repgenlib/templates/inventory",
-                        self.folder / "data/.rgen")
-        page = self.folder / "page.html"
-        self.assertEqual(DONE, self.output_of(
-            c_program, native(self.folder / "data"), native(page), env=env))
-        text = page.read_text(encoding="utf-8")
+        """Checks that the hosts report_in_c and report_in_cpp of the folder project work."""
+        text = self.page_of(c_program, env)
         for part in ("Inventory of of a host in C", "first.bin", "1,234,567"):
             self.assertIn(part, text)
         (self.folder / "empty").mkdir()
         printed = self.output_of(cpp_program, native(self.folder / "empty"), env=env)
         self.assertIn("Capacity=500107862016", printed)
         self.assertTrue(printed.endswith("\n" + DONE), printed)
+
+    def expect_pages(self, c_program, cpp_program, env=None):
+        """Checks that the hosts host_report_in_c and host_report_in_cpp of the folder project work."""
+        text = self.page_of(c_program, env)
+        for part in ("Inventory of of a host in C &amp; its disk", "first.bin", "1,234,567"):
+            self.assertIn(part, text)
+        self.assertIn("Inventory of of a host in C++", self.page_of(cpp_program, env))
+
+    def page_of(self, program, env):
+        """The page that a host makes by the report type for inventories."""
+        shutil.copytree(self.prefix / "share/strata_repgenlib/templates/inventory",
+                        self.folder / "data/.rgen", dirs_exist_ok=True)
+        page = self.folder / "page.html"
+        page.unlink(missing_ok=True)
+        self.assertEqual(DONE, self.output_of(
+            program, native(self.folder / "data"), native(page), env=env))
+        return page.read_text(encoding="utf-8")

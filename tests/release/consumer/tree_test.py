@@ -84,13 +84,15 @@ class Tree(InstalledCase):
                 self.assertEqual(0, mode & 0o111, path)
 
     @linux_only
-    def test_the_links_lead_to_the_library(self):
+    def test_the_links_lead_to_the_libraries(self):
         links = {path.name: os.readlink(path) for path in self.files() if path.is_symlink()}
-        name = "libstrata_repgenlib.so"
-        self.assertEqual({name: f"{name}.{MAJOR}", f"{name}.{MAJOR}": f"{name}.{VERSION}"}, links)
-        dynamic = self.tool("readelf", "--wide", "--dynamic", self.library_folder / name)
-        self.assertIn(f"Library soname: [{name}.{MAJOR}]", dynamic)
-        self.assertNotRegex(dynamic, r"\((RPATH|RUNPATH)\)")
+        names = [f"lib{library}.so" for library in ("strata_repgenlib", "strata_repgenlib_host")]
+        self.assertEqual({link: target for name in names for link, target in (
+            (name, f"{name}.{MAJOR}"), (f"{name}.{MAJOR}", f"{name}.{VERSION}"))}, links)
+        for name, run_path in zip(names, ([], ["$ORIGIN"])):
+            dynamic = self.tool("readelf", "--wide", "--dynamic", self.library_folder / name)
+            self.assertIn(f"Library soname: [{name}.{MAJOR}]", dynamic)
+            self.assertEqual(run_path, re.findall(r"\(R(?:UN)?PATH\).*\[(.*)\]", dynamic), name)
 
     @windows_only
     def test_there_are_no_links(self):
