@@ -1,7 +1,7 @@
-"""The exported names are the same in the binary, in the public header, in the export list that the
-linker reads, and in the export map of docs/architecture.md.
+"""The exported names of a library are the same in the binary, in its public header, in the export list
+that the linker reads, and in the table of exports in docs/architecture.md.
 
-Usage: check_exports.py BINARY EXPORT_LIST
+Usage: check_exports.py LIBRARY BINARY EXPORT_LIST     (LIBRARY: strata_repgenlib[_host])
 
 SPDX-License-Identifier: MIT
 """
@@ -11,9 +11,7 @@ import subprocess
 import sys
 from pathlib import Path
 
-from project_files import ROOT, finish, header_exports, problem
-
-COUNT = 26
+from project_files import LIBRARIES, ROOT, finish, header_exports, problem
 
 
 def exports_of(binary):
@@ -25,13 +23,14 @@ def exports_of(binary):
     return {line.split()[-1].split("@")[0] for line in text.splitlines()}
 
 
-def documented_exports():
+def documented_exports(prefix):
     document = (ROOT / "docs/architecture.md").read_text()
-    return set(re.findall(r"^\|\s*`(rgen_\w+)`", document, flags=re.M))
+    return set(re.findall(rf"^\|\s*`({prefix}\w+)`", document, flags=re.M))
 
 
 def listed_exports(path):
-    return set(re.findall(r"^\s+(rgen_\w+);?\s*$", path.read_text(), flags=re.M))
+    """Every name of the list, whatever its prefix."""
+    return set(re.findall(r"^\s+(\w+);?\s*$", path.read_text(), flags=re.M))
 
 
 def compare(what, names, wanted):
@@ -41,10 +40,11 @@ def compare(what, names, wanted):
         problem(f"{what}: {name} is too much")
 
 
-declared = header_exports()
-if len(declared) != COUNT:
-    problem(f"the public header declares {len(declared)} functions instead of {COUNT}")
-compare(sys.argv[1], exports_of(Path(sys.argv[1])), declared)
-compare(sys.argv[2], listed_exports(Path(sys.argv[2])), declared)
-compare("docs/architecture.md", documented_exports(), declared)
-finish("exports")
+library = LIBRARIES[sys.argv[1]]
+declared = header_exports(library)
+if len(declared) != library.exports:
+    problem(f"{library.header} declares {len(declared)} functions instead of {library.exports}")
+compare(sys.argv[2], exports_of(Path(sys.argv[2])), declared)
+compare(sys.argv[3], listed_exports(Path(sys.argv[3])), declared)
+compare("docs/architecture.md", documented_exports(library.prefix), declared)
+finish(f"exports of {sys.argv[1]}")

@@ -52,7 +52,7 @@ def check_code_file(path):
     for number, line in enumerate(lines, 1):
         if len(line) > LONGEST_COMMENT_LINE and COMMENT_LINE.match(line):
             problem(f"{name}:{number}: comment line of {len(line)} characters")
-        if name.startswith(("include/", "src/")) and not line.isascii():
+        if name.startswith(("include/", "src/", "host/")) and not line.isascii():
             problem(f"{name}:{number}: not ASCII")
     if re.search(r"\bgoto\b", without_comments(text)):
         problem(f"{name}: uses goto")

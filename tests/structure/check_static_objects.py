@@ -1,4 +1,4 @@
-"""Static objects of the library's own sources that are destroyed at the end of the process: none but
+"""Static objects of the libraries' own sources that are destroyed at the end of the process: none but
 those that are named here. Hosts call the library in exit functions and in the destructors of their
 global objects, which come later.
 

@@ -1,6 +1,6 @@
-"""A program beside the library: it needs nothing but what every system has and the shared library, it
-uses the library through its exports alone, runs on the oldest system, and has no folder of the
-building machine inside.
+"""A program beside the libraries: it needs nothing but what every system has and, unless it stands
+alone, a library of the project, which it uses through its exports; it runs on the oldest system, and has
+no folder of the building machine inside.
 
 Usage: check_tool_binary.py BINARY (with-library|alone) FOLDER...
 
@@ -14,7 +14,7 @@ from pathlib import Path
 
 from linux_binary import NEEDED as LINUX
 from linux_binary import check_hardening, check_symbol_versions, readelf, run_paths
-from project_files import finish, header_exports, problem
+from project_files import LIBRARIES, finish, header_exports, problem
 
 WINDOWS = {"advapi32.dll", "bcrypt.dll", "kernel32.dll", "msvcrt.dll", "version.dll"}
 
@@ -36,21 +36,20 @@ def needed_by(binary):
 
 
 def imported_exports(binary):
-    """The functions of the library that a program uses."""
+    """The functions of the libraries that a program uses."""
     if binary.endswith(".exe"):
-        return set(re.findall(r"\b(rgen_\w+)\s*$", output_of("objdump", "-p", binary), flags=re.M))
-    return set(re.findall(r"\bU (rgen_\w+)", output_of("nm", "--dynamic", binary)))
+        text = output_of("objdump", "-p", binary)
+        return set(re.findall(r"\b(rgenh?_\w+)\s*$", text, flags=re.M))
+    return set(re.findall(r"\bU (rgenh?_\w+)", output_of("nm", "--dynamic", binary)))
 
 
 def check_libraries(binary, with_library):
-    allowed = set(WINDOWS if binary.endswith(".exe") else LINUX)
-    library = "strata_repgenlib.dll" if binary.endswith(".exe") else "libstrata_repgenlib.so.0"
+    is_windows = binary.endswith(".exe")
+    own = {f"{name}.dll" if is_windows else f"lib{name}.so.0" for name in LIBRARIES}
     needed = needed_by(binary)
-    if with_library:
-        allowed.add(library)
-    if with_library != (library in needed):
-        problem(f"{library} is " + ("not needed" if with_library else "needed"))
-    for name in sorted(needed - allowed):
+    if with_library != bool(own & needed):
+        problem("needs " + (", ".join(sorted(own & needed)) or "no library of the project"))
+    for name in sorted(needed - (WINDOWS if is_windows else LINUX) - own):
         problem(f"needs {name}")
 
 
@@ -65,9 +64,9 @@ program, mode = sys.argv[1:3]
 check_libraries(program, mode == "with-library")
 used = imported_exports(program)
 if mode == "with-library" and not used:
-    problem("uses no export of the library")
-for function in sorted(used - header_exports()):
-    problem(f"uses {function}, which the header does not declare")
+    problem("uses no export of a library")
+for function in sorted(used.difference(*map(header_exports, LIBRARIES.values()))):
+    problem(f"uses {function}, which no header declares")
 if not program.endswith(".exe"):
     check_symbol_versions(program)
     check_hardening(program)

@@ -1,7 +1,8 @@
-"""The DLL: it imports nothing but the functions of windows_imports.txt, all of which the oldest
-supported Windows has; it has the usual protections, and no folder of the building machine inside.
+"""A DLL: of the system it imports exactly the functions of a list, all of which the oldest supported
+Windows has, and of the project's other library functions of its header; it has the usual protections,
+and no folder of the building machine inside.
 
-Usage: check_windows_binary.py BINARY FOLDER...
+Usage: check_windows_binary.py BINARY IMPORTS FOLDER...     (IMPORTS: a list of this folder)
 
 SPDX-License-Identifier: MIT
 """
@@ -11,20 +12,26 @@ import subprocess
 import sys
 from pathlib import Path
 
-from project_files import ROOT, finish, problem
+from project_files import LIBRARIES, ROOT, finish, header_exports, problem
 
 OLDEST_WINDOWS = (6, 1)
 PROTECTIONS = {"HIGH_ENTROPY_VA", "DYNAMIC_BASE", "NX_COMPAT"}
 
 
-def allowed_imports():
+def allowed_imports(name):
     """(DLL, function) -> the Windows version that brought the function."""
     allowed = {}
-    for line in (ROOT / "tests/structure/windows_imports.txt").read_text().splitlines():
+    for line in (ROOT / "tests/structure" / name).read_text().splitlines():
         if line and not line.startswith("#"):
             library, function, version = line.split()
             allowed[library.lower(), function] = tuple(int(part) for part in version.split("."))
     return allowed
+
+
+def own_imports(binary):
+    """The functions of the project's other libraries."""
+    return {(f"{name}.dll", function) for name, library in LIBRARIES.items()
+            if name != Path(binary).stem for function in header_exports(library)}
 
 
 def imports_of(dump):
@@ -43,15 +50,15 @@ def imports_of(dump):
     return imports
 
 
-def check_imports(dump):
-    allowed = allowed_imports()
-    imports = imports_of(dump)
+def check_imports(binary, dump, list_name):
+    allowed = allowed_imports(list_name)
+    imports = imports_of(dump) - own_imports(binary)
     if not imports:
         problem("the import table could not be read")
     for library, function in sorted(imports - allowed.keys()):
-        problem(f"imports {function} of {library}, which windows_imports.txt does not list")
+        problem(f"imports {function} of {library}, which {list_name} does not list")
     for library, function in sorted(allowed.keys() - imports):
-        problem(f"windows_imports.txt lists {function} of {library}, which is not imported")
+        problem(f"{list_name} lists {function} of {library}, which is not imported")
     for (library, function), version in allowed.items():
         if version > OLDEST_WINDOWS:
             problem(f"{function} of {library} is newer than the oldest supported Windows")
@@ -65,8 +72,8 @@ def check_folders(binary, folders):
 
 
 table = subprocess.check_output(["objdump", "-p", sys.argv[1]], text=True)
-check_imports(table)
+check_imports(sys.argv[1], table, sys.argv[2])
 for protection in sorted(PROTECTIONS - set(re.findall(r"^\s+([A-Z_]+)$", table, flags=re.M))):
     problem(f"lacks {protection}")
-check_folders(sys.argv[1], sys.argv[2:])
-finish("Windows binary")
+check_folders(sys.argv[1], sys.argv[3:])
+finish(Path(sys.argv[1]).name)

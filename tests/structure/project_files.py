@@ -5,6 +5,7 @@ SPDX-License-Identifier: MIT
 
 import re
 import sys
+from dataclasses import dataclass
 from pathlib import Path
 
 ROOT = Path(__file__).resolve().parents[2]
@@ -60,7 +61,27 @@ def without_comments(text):
     return re.sub(pattern, blank, text, flags=re.S)
 
 
-def header_exports():
-    """The functions that the public header declares for export."""
-    text = without_comments((ROOT / "include/strata_repgenlib/rgen.h").read_text())
-    return set(re.findall(r"\bRGEN_API\b[^;{]*?\bRGEN_CALL\s+(rgen_\w+)\s*\(", text))
+@dataclass(frozen=True)
+class Library:
+    """One of the two shared libraries: what its header declares."""
+    header: str
+    mark: str  # The macro of exported functions.
+    prefix: str
+    exports: int  # How many there are.
+
+
+LIBRARIES = {
+    "strata_repgenlib": Library("rgen.h", "RGEN_API", "rgen_", 26),
+    "strata_repgenlib_host": Library("rgen_host.h", "RGENH_API", "rgenh_", 36),
+}
+
+
+def header_text(library):
+    """The header of a library without its comments."""
+    return without_comments((ROOT / "include/strata_repgenlib" / library.header).read_text())
+
+
+def header_exports(library=LIBRARIES["strata_repgenlib"]):
+    """The functions that the header of a library declares for export."""
+    pattern = rf"\b{library.mark}\b[^;{{]*?\bRGEN_CALL\s+({library.prefix}\w+)\s*\("
+    return set(re.findall(pattern, header_text(library)))

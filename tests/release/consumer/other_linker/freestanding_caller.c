@@ -1,6 +1,6 @@
 /*
- * A host of the host library without any C runtime, for compilers that link like Microsoft's. It ends
- * with code 42 when a failure is described as it should be, and a text is escaped.
+ * A host of the host library without any C runtime, for compilers that link like Microsoft's. It
+ * ends with code 42 when a failure is described as it should be, and a text is escaped.
  *
  * SPDX-License-Identifier: MIT
  */

@@ -1,6 +1,6 @@
-// A host in C++17 that uses the host library: a job makes a page of one file, by the report type for
-// inventories, and a call that fails returns its reason. The arguments are the folder of the data
-// directory and the file to write.
+// A host in C++17 that uses the host library: a job makes a page by the report type for inventories,
+// and a call that fails returns its reason. The arguments are the folder of the data directory and
+// the file to write.
 //
 // SPDX-License-Identifier: MIT
 #include <iostream>
