@@ -6,6 +6,7 @@ SPDX-License-Identifier: MIT
 import re
 import subprocess
 from pathlib import Path
+from xml.etree import ElementTree
 
 # Only what the public headers declare counts; the dump contains nothing of the build machine.
 DUMP_OPTIONS = ["--drop-private-types", "--drop-undefined-syms", "--exported-interfaces-only",
@@ -52,3 +53,51 @@ class Comparison:
             r"^Functions changes summary: (\d+) Removed, (\d+) Changed", self.report, re.M)
         only_added = removed_or_changed == [("0", "0")] and not outcome.returncode & INCOMPATIBLE
         self.is_compatible = self.is_same or (only_added and "SONAME" not in self.report)
+
+
+# ---- Records that may grow ----------------------------------------------------------------------
+
+def fields_of(record: ElementTree.Element) -> list[tuple[str, int, str]]:
+    """Name, offset and type of each field."""
+    return [(field[0].get("name", ""), int(member.get("layout-offset-in-bits", "0")),
+             field[0].get("type-id", ""))
+            for member in record.findall("data-member") if (field := list(member))]
+
+
+def growth(old: ElementTree.Element, new: ElementTree.Element) -> list[str]:
+    """The fields that a record has after its old end; empty if anything else changed."""
+    before, after = fields_of(old), fields_of(new)
+    added = after[len(before):]
+    end = int(old.get("size-in-bits", "0"))
+    if after[:len(before)] != before or any(offset < end for _, offset, _ in added):
+        return []
+    return [name for name, _, _ in added]
+
+
+def records_of(dump: ElementTree.Element, names: tuple[str, ...]) -> dict[str, ElementTree.Element]:
+    return {name: record for name in names
+            for record in dump.findall(f".//class-decl[@name='{name}']")
+            if record.find("data-member") is not None}
+
+
+def grown_records(old: str, new: str, names: tuple[str, ...]) -> dict[str, list[str]]:
+    """Of the named records those that have grown at their end, with the added fields."""
+    before = records_of(ElementTree.fromstring(old), names)
+    after = records_of(ElementTree.fromstring(new), names)
+    grown = {name: growth(before[name], after[name]) for name in before if name in after}
+    return {name: fields for name, fields in grown.items() if fields}
+
+
+def without_growth(old: str, new: str, names: tuple[str, ...]) -> str:
+    """The new dump with those records as they were."""
+    grown = grown_records(old, new, names)
+    if not grown:
+        return new
+    before = records_of(ElementTree.fromstring(old), names)
+    dump = ElementTree.fromstring(new)
+    for name, record in records_of(dump, names).items():
+        if name in grown:
+            for member in record.findall("data-member")[-len(grown[name]):]:
+                record.remove(member)
+            record.set("size-in-bits", before[name].get("size-in-bits", ""))
+    return ElementTree.tostring(dump, encoding="unicode")

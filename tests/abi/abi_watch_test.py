@@ -1,22 +1,23 @@
 """The comparison of binary interfaces notices every kind of change.
 
 Each case builds a small library out of a changed copy of the headers, with empty functions, and
-compares it with what is committed, as check_abi.py does with the real one.
+compares it with what is committed, as check_abi.py does with the real ones.
 
 SPDX-License-Identifier: MIT
 """
 
 import contextlib
+import dataclasses
 import io
 import shutil
 import subprocess
 import tempfile
 import unittest
 from pathlib import Path
-from unittest import mock
 
 import check_abi
-from header_reader import read_headers
+from check_abi import FIRST, HOST
+from public_constants import HeaderError, constants_of, prototypes
 
 FUNCTIONS_END = "RGEN_API void RGEN_CALL rgen_freeRgenCInputParams(RgenCInputParams* input);"
 FREE_BYTES = "RGEN_API void RGEN_CALL rgen_freeRgenByteArray(RgenByteArray* record);"
@@ -27,28 +28,33 @@ LENGTH = "    uint32_t length;"
 MODE = "    uint64_t outputMode;\n"
 MODE_COMMENT = ("    /** One of RgenOutputMode; any other value results in "
                 "RGEN_E_UNKNOWN_OUTPUT_MODE. */\n")
-SONAME = "libstrata_repgenlib.so.0"
+ERROR_END = "    char message[RGENH_MESSAGE_SIZE];\n"
+ERROR_MIDDLE = "    int64_t systemError;\n"
+MORE = "    uint64_t more;\n"
 
 
-def stub_source(header):
-    """A definition of every function, which does nothing."""
-    lines = ['#include "strata_repgenlib/rgen.h"']
-    for function in header.functions:
-        parameters = ", ".join(item.type.declare(item.name) for item in function.parameters)
-        is_void = function.result.base == "void" and not function.result.pointer
-        lines.append(f"{function.result.declare('RGEN_CALL ' + function.name)}"
-                     f"({parameters or 'void'}) {{ {'' if is_void else 'return 0;'} }}")
+def stub_source(headers):
+    """A definition of every function of the headers, which does nothing."""
+    lines = [f'#include "strata_repgenlib/{header.name}"' for header in headers]
+    for header in headers:
+        for prototype in prototypes(header):
+            result = "" if prototype.startswith("void RGEN_CALL") else "return 0;"
+            lines.append(f"{prototype} {{ {result} }}")
     return "\n".join(lines) + "\n"
 
 
-class AbiWatch(unittest.TestCase):
+class InterfaceCase(unittest.TestCase):
+    """Cases about one library."""
+
+    interface = FIRST
+
     def setUp(self):
         self.folder = Path(tempfile.mkdtemp())
         self.addCleanup(shutil.rmtree, self.folder)
 
     def build(self, include, soname, more, *flags):
         source, library = self.folder / "stub.c", self.folder / "libstub.so"
-        source.write_text(stub_source(read_headers(include / "strata_repgenlib")) + more)
+        source.write_text(stub_source(self.interface.header_paths(include)) + more)
         subprocess.run(["gcc", "-shared", "-fPIC", "-w", f"-Wl,-soname,{soname}",
                         f"-I{include}", *(flags or ["-g"]), source, "-o", library], check=True)
         return library
@@ -60,13 +66,14 @@ class AbiWatch(unittest.TestCase):
                         include / "strata_repgenlib")
         for old, new in changes:
             self.assertEqual(1, sum(self.replace(path, old, new)
-                                    for path in include.rglob("rgen*.h")), old)
+                                    for path in self.interface.header_paths(include)), old)
         return include
 
-    def verdict(self, *changes, soname=SONAME, flags=(), more=""):
+    def verdict(self, *changes, soname=None, flags=(), more=""):
         """Of a library with changed headers, whose source holds more."""
         include = self.changed_headers(*changes)
-        return check_abi.compare(self.build(include, soname, more, *flags), include)
+        soname = soname or f"lib{self.interface.name}.so.0"
+        return check_abi.compare(self.interface, self.build(include, soname, more, *flags), include)
 
     @staticmethod
     def replace(path, old, new):
@@ -79,6 +86,9 @@ class AbiWatch(unittest.TestCase):
         for word in words:
             self.assertIn(word, text)
         self.assertEqual(is_compatible, verdict.is_compatible, text)
+
+
+class AbiWatch(InterfaceCase):
 
     def test_nothing_changed(self):
         self.assertEqual([], self.verdict().lines)
@@ -173,17 +183,78 @@ class AbiWatch(unittest.TestCase):
     def test_a_change_fails_with_advice_until_it_is_accepted(self):
         include = self.changed_headers((SIZE, SIZE.replace("32", "64")),
                                        ("RGEN_HINT_DUMP = 8", "RGEN_HINT_DUMP = 9"))
-        library = self.build(include, SONAME, "")
+        library = self.build(include, "libstrata_repgenlib.so.0", "")
         printed = io.StringIO()
+        accepted = dataclasses.replace(FIRST, dump=self.folder / "accepted.abi",
+                                       constants=self.folder / "accepted.txt")
         with contextlib.redirect_stdout(printed):
-            self.assertEqual(1, check_abi.check(library, include))
+            self.assertEqual(1, check_abi.check(FIRST, library, include))
+            check_abi.accept(accepted, library, include)
+            self.assertEqual(0, check_abi.check(accepted, library, include))
         for word in ("INCOMPATIBLE", "RgenByteArray", "RGEN_HINT_DUMP from 8 to 9", "--accept"):
             self.assertIn(word, printed.getvalue())
-        with (mock.patch.object(check_abi, "DUMP", self.folder / "accepted.abi"),
-              mock.patch.object(check_abi, "CONSTANTS", self.folder / "accepted.txt"),
-              contextlib.redirect_stdout(printed)):
-            check_abi.accept(library, include)
-            self.assertEqual(0, check_abi.check(library, include))
+
+
+class HostWatch(InterfaceCase):
+
+    interface = HOST
+
+    def test_nothing_changed(self):
+        self.assertEqual([], self.verdict().lines)
+
+    def test_removed_and_added_function(self):
+        removed = "RGENH_API void RGEN_CALL rgenh_freeJob(RgenhJob* job) RGENH_NOEXCEPT;"
+        self.expect(self.verdict((removed, removed.replace("freeJob", "endJob"))), False,
+                    "1 Removed", "1 Added", "rgenh_endJob")
+
+    def test_changed_parameter_of_a_callback(self):
+        self.expect(self.verdict(("(RgenhJob* job, void* context);",
+                                  "(uint64_t job, void* context);")), False, "RgenhJobEndFunction")
+
+    def test_records_with_a_size_may_grow_at_their_ends(self):
+        for old, record in ((ERROR_END, "RgenhError"), ("    uint64_t pairCount;\n",
+                                                        "RgenhRequestParts"),
+                            ("    char hostPath[RGENH_PATH_SIZE];\n", "RgenhVersions")):
+            with self.subTest(record):
+                verdict = self.verdict((old, f"{old}    char more[17];\n    uint64_t last;\n"))
+                self.assertEqual([f"record grown at its end: {record} by more, last"], verdict.lines)
+                self.assertTrue(verdict.is_compatible)
+                shutil.rmtree(self.folder / "include")
+
+    def test_a_record_that_grows_before_its_end(self):
+        self.expect(self.verdict((ERROR_MIDDLE, MORE + ERROR_MIDDLE)), False, "RgenhError", "more")
+
+    def test_a_field_that_replaces_another_one_while_the_record_grows(self):
+        changes = ((ERROR_MIDDLE, "    uint64_t systemError;\n"), (ERROR_END, ERROR_END + MORE))
+        self.expect(self.verdict(*changes), False, "RgenhError", "systemError")
+
+    def test_elements_of_arrays_must_not_grow(self):
+        last = "    /** Bytes of data; for texts also RGENH_NULL_TERMINATED. */\n    uint64_t size;\n"
+        self.expect(self.verdict((last, last + MORE)), False, "RgenhValue", "size changed")
+
+    def test_changed_constants(self):
+        verdict = self.verdict(("RGENH_ERROR_MEMORY = 2", "RGENH_ERROR_MEMORY = 12"),
+                               ("#define RGENH_TYPE_MARKUP 5", "#define RGENH_TYPE_MARKUP 6"))
+        self.expect(verdict, False, "RgenhErrorKind RGENH_ERROR_MEMORY from 2 to 12",
+                    "macro RGENH_TYPE_MARKUP from 5 to 6")
+
+    def test_constants_of_an_unknown_form_are_refused(self):
+        for old, new in (("#define RGENH_TYPE_MARKUP 5", "#define RGENH_TYPE_MARKUP (4 + 1)"),
+                         ("RGENH_ERROR_NONE = 0", "RGENH_ERROR_NONE"),
+                         ("RGENH_ERROR_NONE = 0", "RGENH_ERROR_NONE = -1")):
+            with self.subTest(new):
+                include = self.changed_headers((old, new))
+                with self.assertRaisesRegex(HeaderError, "not a constant"):
+                    constants_of(HOST.header_paths(include))
+                shutil.rmtree(include)
+
+    def test_other_soname(self):
+        self.expect(self.verdict(soname="libstrata_repgenlib_host.so.1"), False, "SONAME")
+
+    def test_a_library_that_is_neither_is_refused(self):
+        with self.assertRaisesRegex(check_abi.DumpError, "is none of"):
+            check_abi.interface_of(Path("build/libother.so"))
+        self.assertIs(HOST, check_abi.interface_of(Path("libstrata_repgenlib_host.so.0.2")))
 
 
 if __name__ == "__main__":

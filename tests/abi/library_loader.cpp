@@ -10,7 +10,9 @@
 
 namespace rgen_test {
 
-LoadedLibrary::LoadedLibrary() : handle_(loadLibrary(RGEN_TEST_LIBRARY)) {
+LoadedLibrary::LoadedLibrary() : LoadedLibrary(RGEN_TEST_LIBRARY) {}
+
+LoadedLibrary::LoadedLibrary(const char* path) : handle_(loadLibrary(path)) {
     EXPECT_NE(nullptr, handle_) << lastLoadError();
 }
 

@@ -13,6 +13,8 @@ class LoadedLibrary {
 public:
     // Loads the library of this build; a failure fails the test.
     LoadedLibrary();
+    // Loads the library in that file.
+    explicit LoadedLibrary(const char* path);
     ~LoadedLibrary();
     LoadedLibrary(const LoadedLibrary&) = delete;
     LoadedLibrary& operator=(const LoadedLibrary&) = delete;

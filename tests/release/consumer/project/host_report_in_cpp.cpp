@@ -1,4 +1,4 @@
-// A host in C++17 that uses the host library: a job makes a page by the report type for inventories,
+// A host in C++17 that uses the host library: a job makes a page by the report type of inventories,
 // and a call that fails returns its reason. The arguments are the folder of the data directory and
 // the file to write.
 //
