@@ -14,6 +14,9 @@ from linked_parts import Build, Links, Part, Table
 from packaging_tools import RELEASE_NAME
 
 
+LIBRARIES = ("strata_repgenlib", "strata_repgenlib_host")
+
+
 class MissingFact(Exception):
     """A fact for a bill of materials cannot be determined."""
 
@@ -38,8 +41,8 @@ class PackagedFile:
 @dataclass
 class Binary(PackagedFile):
     """A binary of this project, and what it was linked with."""
+    target: str
     links: Links
-    is_library: bool
 
 
 @dataclass(frozen=True)
@@ -108,17 +111,17 @@ def component_of(part: Part, third_party: Path) -> Component:
 def binaries_of(system: str, version: str) -> dict[str, str]:
     """Target and path in the package of each binary."""
     if system == "windows":
-        return {"strata_repgenlib": "bin/strata_repgenlib.dll", "rgen": "bin/rgen.exe",
+        return {**{name: f"bin/{name}.dll" for name in LIBRARIES}, "rgen": "bin/rgen.exe",
                 "vellum": "bin/vellum.exe"}
-    return {"strata_repgenlib": f"lib/libstrata_repgenlib.so.{version}", "rgen": "bin/rgen",
+    return {**{name: f"lib/lib{name}.so.{version}" for name in LIBRARIES}, "rgen": "bin/rgen",
             "vellum": "bin/vellum"}
 
 
-def own_library(system: str, version: str) -> str:
-    """The name under which programs load the library."""
+def own_libraries(system: str, version: str) -> dict[str, str]:
+    """The targets of the libraries, by the names under which binaries load them."""
     if system == "windows":
-        return "strata_repgenlib.dll"
-    return f"libstrata_repgenlib.so.{version.split('.')[0]}"
+        return {f"{name}.dll": name for name in LIBRARIES}
+    return {f"lib{name}.so.{version.split('.')[0]}": name for name in LIBRARIES}
 
 
 def read_file(tree: Path, path: str) -> PackagedFile:
@@ -162,14 +165,13 @@ def check_owners(parts: list[Part], binaries: list[Binary]) -> None:
 
 
 def linked_binaries(build: Build, tree: Path, subject: Subject) -> list[Binary]:
-    library = own_library(subject.system, subject.version)
+    libraries = own_libraries(subject.system, subject.version)
     binaries = []
     for target, name in binaries_of(subject.system, subject.version).items():
         path = subject.prefix + name
-        links = build.links(target, tree / path, library)
+        links = build.links(target, tree / path, libraries)
         file = read_file(tree, path)
-        binaries.append(Binary(path, file.sha1, file.sha256, links,
-                               target == "strata_repgenlib"))
+        binaries.append(Binary(path, file.sha1, file.sha256, target, links))
     return binaries
 
 

@@ -12,6 +12,7 @@ from datetime import datetime, timezone
 from email.utils import format_datetime
 from pathlib import Path
 
+from components import LIBRARIES
 from deterministic_archive import set_modes_and_times
 from packaging_tools import run_tool
 
@@ -23,7 +24,8 @@ DESCRIPTION = """report generator library with a C interface, and its tools
  template to them and delivers a report as HTML, text or PDF. It is a shared
  library with a C interface for applications in any language.
  .
- The package contains the library, its headers, bindings and examples, the
+ The package contains the library, the host library with calls that never
+ throw, their headers, bindings and examples, the
  command-line host rgen, and vellum, the converter that makes PDF files with a
  browser or WeasyPrint.
 """
@@ -69,10 +71,11 @@ def copy_tree(tree: Path, root: Path) -> Path:
     return usr
 
 
-def remove_runpath(usr: Path, source: Path) -> None:
-    """Removes the folder where rgen looks for the library: here it is in a system folder."""
-    run_tool("cmake", f"-DPROGRAM={usr}/bin/rgen", "-P",
-             str(source / "packaging/remove_runpath.cmake"))
+def remove_run_paths(usr: Path, source: Path, version: str) -> None:
+    """Removes the folders where binaries look for the libraries: here these are in a system folder."""
+    for name in ("bin/rgen", f"lib/libstrata_repgenlib_host.so.{version}"):
+        run_tool("cmake", f"-DBINARY={usr}/{name}", "-P",
+                 str(source / "packaging/remove_runpath.cmake"))
 
 
 def copyright_text(doc: Path) -> str:
@@ -116,7 +119,7 @@ def dependencies(root: Path, version: str) -> str:
         usr = root / "usr"
         output = run_tool("dpkg-shlibdeps", "-O", f"-S{root}", f"-x{PACKAGE}", f"-l{usr}/lib",
                      f"{usr}/bin/rgen", f"{usr}/bin/vellum",
-                     f"{usr}/lib/libstrata_repgenlib.so.{version}", cwd=work)
+                     *(f"{usr}/lib/lib{name}.so.{version}" for name in LIBRARIES), cwd=work)
     return output.strip().removeprefix("shlibs:Depends=")
 
 
@@ -126,8 +129,8 @@ def write_control(root: Path, version: str) -> None:
                    if path.is_file() and not path.is_symlink())
     control.mkdir()
     major = version.split(".")[0]
-    (control / "shlibs").write_text(f"libstrata_repgenlib {major} {PACKAGE} (>= {version})\n",
-                                    encoding="ascii")
+    lines = [f"lib{name} {major} {PACKAGE} (>= {version})\n" for name in LIBRARIES]
+    (control / "shlibs").write_text("".join(lines), encoding="ascii")
     (control / "triggers").write_text("activate-noawait ldconfig\n", encoding="ascii")
     sums = [f"{hashlib.md5(path.read_bytes()).hexdigest()}  {path.relative_to(root)}\n"
             for path in files]

@@ -47,11 +47,11 @@ class Table:
 
 @dataclass
 class Links:
-    """The identifiers of the parts inside a binary and of those that it loads, whether it loads the
-    project's library, and the files by which each part inside was recognised."""
+    """The identifiers of the parts inside a binary and of those that it loads, the targets of the
+    project's own libraries that it loads, and the files by which each part inside was recognised."""
     inside: set[str] = field(default_factory=set)
     loaded: set[str] = field(default_factory=set)
-    loads_library: bool = False
+    own: set[str] = field(default_factory=set)
     files: dict[str, set[str]] = field(default_factory=dict)
 
     def add(self, part: str, path: str) -> None:
@@ -170,9 +170,9 @@ class Build:
         return [header for header in sorted(seen) if known_part(self.table, "headers", header) or
                 not (self.own("headers", header) or matches(header, self.table.interfaces))]
 
-    def links(self, target: str, binary: Path, own_library: str) -> Links:
-        """What is inside a binary and what it loads; OWN_LIBRARY is the name of the
-        project's library."""
+    def links(self, target: str, binary: Path, own_libraries: dict[str, str]) -> Links:
+        """What is inside a binary and what it loads; OWN_LIBRARIES are the targets of the project's
+        libraries by the names under which they are loaded."""
         text = (self.maps / f"{target}.map").read_text(encoding="utf-8")
         archives, objects = map_inputs(text)
         links = Links()
@@ -183,8 +183,8 @@ class Build:
                     absolute = normpath(self.folder / path)
                     links.add(part_of(self.table, kind, absolute, target), absolute)
         for name in sorted(loaded_libraries(binary)):
-            if name == own_library:
-                links.loads_library = True
+            if name in own_libraries:
+                links.own.add(own_libraries[name])
             else:
                 links.loaded.add(part_of(self.table, "shared", name, target))
         return links

@@ -100,7 +100,7 @@ class Packager:
             root = Path(folder) / "root"
             usr = debian_package.copy_tree(self.tree, root)
             name = debian_package.package_name(self.version)
-            debian_package.remove_runpath(usr, SOURCE)
+            debian_package.remove_run_paths(usr, SOURCE, self.version)
             debian_package.write_documents(usr, SOURCE, self.version, self.epoch)
             subject = Subject(debian_package.PACKAGE, debian_package.package_title(self.version),
                               self.version, self.system, "usr/")

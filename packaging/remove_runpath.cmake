@@ -1,4 +1,4 @@
 # SPDX-License-Identifier: MIT
-# Removes the run path of a program. Usage: cmake -DPROGRAM=FILE -P <this>
+# Removes the run path of a program or library. Usage: cmake -DBINARY=FILE -P <this>
 
-file(RPATH_REMOVE FILE ${PROGRAM})
+file(RPATH_REMOVE FILE ${BINARY})

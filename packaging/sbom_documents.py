@@ -33,9 +33,8 @@ def as_text(document: dict[str, Any]) -> str:
 
 
 def loaded_files(materials: Materials, binary: Binary) -> list[str]:
-    """The binaries of the package that another one loads: none, or the library."""
-    return [other.path for other in materials.binaries
-            if other.is_library and binary.links.loads_library]
+    """The libraries of the package that a binary loads."""
+    return [other.path for other in materials.binaries if other.target in binary.links.own]
 
 
 # ---- SPDX ---------------------------------------------------------------------------------------

@@ -105,9 +105,14 @@ class DebianPackage(PackageCase):
                      "University of Cincinnati", "Niels Lohmann"):
             self.assertIn(part, copyright_text)
 
-    def test_the_programs_name_no_folder_for_libraries(self):
-        dynamic = self.tool("readelf", "--wide", "--dynamic", self.extracted() / "usr/bin/rgen")
-        self.assertNotRegex(dynamic, r"\((RPATH|RUNPATH)\)")
+    def test_the_binaries_name_no_folder_for_libraries(self):
+        for name in ("bin/rgen", "bin/vellum", "lib/libstrata_repgenlib.so",
+                     "lib/libstrata_repgenlib_host.so"):
+            dynamic = self.tool("readelf", "--wide", "--dynamic", self.extracted() / "usr" / name)
+            self.assertNotRegex(dynamic, r"\((RPATH|RUNPATH)\)", name)
+        shlibs = (self.extracted() / "DEBIAN/shlibs").read_text(encoding="ascii")
+        self.assertEqual([f"{name} 0 strata-repgenlib (>= {VERSION})" for name in (
+            "libstrata_repgenlib", "libstrata_repgenlib_host")], shlibs.splitlines())
         self.assertIn("activate-noawait ldconfig",
                       (self.extracted() / "DEBIAN/triggers").read_text(encoding="ascii"))
 

@@ -8,11 +8,12 @@ import hashlib
 import json
 import re
 import shutil
+import subprocess
 import tempfile
 from pathlib import Path
 
 import components
-from components import MissingFact, binaries_of, check_owners, own_library
+from components import MissingFact, binaries_of, check_owners, own_libraries
 from linked_parts import Build, UnknownPart, map_inputs, read_table
 from make_sbom import write_sbom
 from package_case import (BUILD_FOLDER, DEBIAN_PACKAGE, EPOCH, NAME, SBOM_ENDINGS, SYSTEM,
@@ -24,6 +25,7 @@ FOLDERS = {"third_party": str(THIRD_PARTY), "headers": str(BUILD_FOLDER / "third
 # The parts inside each binary, and those that all of them load.
 RUNTIME = {"gcc-runtime", "libstdcxx-inside", "mingw-w64" if ON_WINDOWS else "c-library"}
 INSIDE = {"strata_repgenlib": {"libxml2", "libxslt", "boost-filesystem"} | RUNTIME,
+          "strata_repgenlib_host": {"boost-filesystem"} | RUNTIME,
           "rgen": {"libxml2", "cli11", "nlohmann-json"} | RUNTIME, "vellum": RUNTIME}
 LOADED = {"windows"} if ON_WINDOWS else {"c-library-shared", "libgcc", "libstdcxx"}
 TIME = "2023-11-14T22:13:20Z"
@@ -48,6 +50,16 @@ def common_licences(part):
 def file_id(path):
     words = re.sub(r"[^A-Za-z0-9.-]", "-", path)
     return f"SPDXRef-File-{words}-{hashlib.sha256(path.encode()).hexdigest()[:8]}"
+
+
+def loaded_libraries(target):
+    """The paths of the package's own libraries that a binary names, as the system's tool reads it."""
+    paths = binaries_of(SYSTEM, VERSION)
+    text = subprocess.run(["objdump", "-p", unpacked() / paths[target]], capture_output=True,
+                          text=True, check=True).stdout
+    names = re.findall(r"(?:NEEDED|DLL Name:)\s+(\S*strata\S*)", text)
+    return {path for path in paths.values() for name in names
+            if Path(path).name in (name, f"{name.rpartition('.')[0]}.{VERSION}")}
 
 
 def packaged_files(tree):
@@ -152,10 +164,16 @@ class Spdx(PackageCase):
             inside = {f"SPDXRef-Part-{part}" for part in INSIDE[target]}
             self.assertEqual(inside, self.related("STATIC_LINK")[name], target)
             loaded = {f"SPDXRef-Part-{part}" for part in LOADED}
-            if target == "rgen":
-                loaded.add(file_id(binaries_of(SYSTEM, VERSION)["strata_repgenlib"]))
+            loaded.update(map(file_id, loaded_libraries(target)))
             self.assertEqual(loaded, self.related("DYNAMIC_LINK")[name], target)
         self.assertEqual(set().union(LOADED, *INSIDE.values()), set(self.parts))
+
+    def test_the_libraries_that_binaries_load_are_found(self):
+        paths = binaries_of(SYSTEM, VERSION)
+        self.assertEqual({paths["strata_repgenlib"]}, loaded_libraries("strata_repgenlib_host"))
+        self.assertTrue(loaded_libraries("rgen"))
+        for target in ("strata_repgenlib", "vellum"):
+            self.assertEqual(set(), loaded_libraries(target))
 
     def test_versions_and_sources_are_those_that_were_built(self):
         versions = (THIRD_PARTY / "versions.env").read_text(encoding="ascii")
@@ -235,8 +253,7 @@ class CycloneDx(PackageCase):
         depends = {row["ref"]: set(row["dependsOn"]) for row in whole["dependencies"]}
         for target, path in binaries_of(SYSTEM, VERSION).items():
             expected = {f"part:{part}" for part in INSIDE[target] | LOADED}
-            if target == "rgen":
-                expected.add("file:" + binaries_of(SYSTEM, VERSION)["strata_repgenlib"])
+            expected.update(f"file:{name}" for name in loaded_libraries(target))
             self.assertEqual(expected, depends[f"file:{path}"], target)
             checksums = [row["content"] for entry in whole["components"] if entry["name"] == path
                          for row in entry["hashes"] if row["alg"] == "SHA-256"]
@@ -258,7 +275,7 @@ class LinkedParts(PackageCase):
         self.write(f"maps/{target}.map", change(text))
         self.build.maps = self.folder / "maps"
         return self.build.links(target, unpacked() / binaries_of(SYSTEM, VERSION)[target],
-                                own_library(SYSTEM, VERSION))
+                                own_libraries(SYSTEM, VERSION))
 
     def test_the_patches_of_each_part_are_named(self):
         patches = sorted((SOURCE_FOLDER / "cmake/third_party").glob("*.patch"))
@@ -301,7 +318,7 @@ class LinkedParts(PackageCase):
 
     def test_a_file_of_another_package_is_an_error(self):
         part = next(part for part in self.table.parts if part.id == "gcc-runtime")
-        binary = components.Binary("bin/rgen", "", "", self.links("rgen"), False)
+        binary = components.Binary("bin/rgen", "", "", "rgen", self.links("rgen"))
         check_owners([part], [binary])
         part.package = "libc6-dev"
         with self.assertRaisesRegex(MissingFact, r"^/usr/lib/gcc/\S+ was linked as a file of GCC "
