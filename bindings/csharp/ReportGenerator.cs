@@ -1,31 +1,31 @@
-// A report generator for hosts in C#. The contract of rgen.h applies. The README in this folder
-// lists what is checked before calls, since the library's own exceptions end a host in C#.
+// A report generator for hosts in C#, on top of strata_repgenlib_host.
 //
 // SPDX-License-Identifier: MIT
 using System;
 using System.Collections.Generic;
-using System.IO;
 using System.Runtime.ExceptionServices;
-using System.Runtime.InteropServices;
-using Microsoft.Win32.SafeHandles;
+using System.Threading;
+using System.Threading.Tasks;
 
 namespace StrataRepgenlib
 {
-    /// <summary>Makes reports. All functions may be called by several threads at once. Dispose does
-    /// not wait; the library's generator is freed after the last running call.</summary>
+    /// <summary>Makes reports. All functions may be called by several threads at once. Failures are
+    /// ReportExceptions. Dispose does not wait; the library's generator is freed after the last
+    /// running call or asynchronous report.</summary>
     public sealed class ReportGenerator : IDisposable
     {
         private readonly GeneratorHandle handle;
-        private readonly object settings = new object();
-        private volatile string folder;
-        private Translation translation;
+        private readonly Translations translations = new Translations();
 
         /// <summary>A generator that keeps its data directory ".rgen" in an existing
         /// folder.</summary>
         public ReportGenerator(string folder)
         {
-            RgenNative.CheckLayout();
-            handle = new GeneratorHandle();
+            using (ErrorRecord error = new ErrorRecord())
+            {
+                handle = RgenNative.rgenh_newReportGenerator(error);
+                if (handle.IsInvalid) throw error.ToException();
+            }
             try
             {
                 SetDataDir(folder);
@@ -37,121 +37,99 @@ namespace StrataRepgenlib
             }
         }
 
-        /// <summary>Sets another folder for the data directory. Throws a StatusException with
-        /// RGEN_E_DIR_NOT_FOUND if it does not exist; the previous one stays.</summary>
-        public void SetDataDir(string newFolder)
+        /// <summary>Sets another folder for the data directory. A relative one is read against the
+        /// current folder of each call. Throws a StatusException with RGEN_E_DIR_NOT_FOUND if it
+        /// does not exist; the previous one stays.</summary>
+        public void SetDataDir(string folder)
         {
-            if (newFolder == null) throw new ArgumentNullException(nameof(newFolder));
-            string path = Path.GetFullPath(newFolder);
-            FileChecks.RequireReachable(path);
-            byte[] bytes = ReportTexts.ToUtf8(path, "the folder");
-            Check(path, Call(generator => RgenNative.rgen_setDataDirPath(generator, bytes)));
-            folder = path;
+            Require(folder, nameof(folder));
+            byte[] path = NativeTexts.ToUtf8(folder, "the folder");
+            Call(error => RgenNative.rgenh_setDataDirPath(handle, path, error));
         }
 
         /// <summary>Sets the function that translates the marked texts of templates; null for none.
-        /// It must not call this generator. Its exceptions are thrown again by the generating
-        /// function, after the report. Plain translations are escaped; with isMarkup they become
-        /// part of the template without escapes, and a reference that XML does not define is an
-        /// ArgumentException. Characters that XML does not allow become U+FFFD. If it returns null
-        /// or the text itself, the text stays as it is. Waits while a transformation
-        /// runs.</summary>
+        /// Translations are plain texts; with isMarkup they are XML content. If it returns null or
+        /// the text itself, the text stays as it is. Its exceptions are thrown again by the
+        /// generating function, after the report. Waits while a transformation runs. Reports that
+        /// were started asynchronously before use the previous translator.</summary>
         public void SetTranslator(Func<string, string> translate, bool isMarkup = false)
         {
-            Translation next = new Translation(translate ?? (text => text), isMarkup);
-            lock (settings)
-            {
-                Translation previous = translation;
-                translation = next;
-                Call(generator =>
-                {
-                    RgenNative.rgen_setTranslateFunction(generator, next.Function, IntPtr.Zero);
-                    return 0;
-                });
-                // Until now the library could call the previous one.
-                GC.KeepAlive(previous);
-            }
+            ulong form = isMarkup ? RgenNative.RGENH_MARKUP : RgenNative.RGENH_PLAIN;
+            translations.Set(handle, translate, form);
         }
 
         /// <summary>Generates a report as a file; an existing one is replaced. A "pdf" that was
-        /// converted is checked afterwards. Throws a StatusException, a ConversionException, the
-        /// exception of the translator, or exceptions of System.IO about the path.</summary>
-        public void GenerateFile(Request request, string output)
+        /// converted is checked afterwards: if it is not complete, a ConversionException is thrown.
+        /// An exception of the translator is thrown again; the file may exist then.</summary>
+        public void GenerateFile(Request request, string output,
+                                 CancellationToken token = default(CancellationToken))
         {
-            RequireInput(request);
-            bool converts = request.Format == "pdf" && request.Convert;
-            FileChecks.RequireOutput(output, converts, request.ConverterBase);
-            if (converts) PdfCheck.RemoveNote(output);
-            RgenCVariant result = Generate(request, OutputMode.File, output);
+            Require(request, nameof(request));
+            Require(output, nameof(output));
+            RgenCVariant result = Generate(request, RgenNative.RGEN_OUTPUT_FILE, output, token);
             RgenNative.rgen_freeRgenCVariant(ref result);
-            if (converts) PdfCheck.Require(output);
+        }
+
+        /// <summary>Like GenerateFile, on a thread of the library; no other thread waits for it. The
+        /// token cancels this report only. The result is the path.</summary>
+        public Task<string> GenerateFileAsync(Request request, string output,
+                                              CancellationToken token = default(CancellationToken))
+        {
+            Require(request, nameof(request));
+            Require(output, nameof(output));
+            return GenerateAsync(request, RgenNative.RGEN_OUTPUT_FILE, output, token, result =>
+            {
+                RgenNative.rgen_freeRgenCVariant(ref result);
+                return output;
+            });
         }
 
         /// <summary>Generates a report in memory, without any conversion.</summary>
-        public byte[] GenerateBytes(Request request)
+        public byte[] GenerateBytes(Request request,
+                                    CancellationToken token = default(CancellationToken))
         {
-            RequireInput(request);
-            RgenCVariant result = Generate(request, OutputMode.Bytes, "");
-            try
-            {
-                // For a report without bytes the record stays empty.
-                if (result.type == 0) return new byte[0];
-                NativeRecords.Require(result.value.byteArrayValue.data != IntPtr.Zero);
-                return NativeRecords.BytesOf(result.value.byteArrayValue);
-            }
-            finally
-            {
-                RgenNative.rgen_freeRgenCVariant(ref result);
-            }
+            Require(request, nameof(request));
+            return BytesOf(Generate(request, RgenNative.RGEN_OUTPUT_BYTES, "", token));
+        }
+
+        /// <summary>Like GenerateBytes, on a thread of the library.</summary>
+        public Task<byte[]> GenerateBytesAsync(Request request,
+                                               CancellationToken token = default(CancellationToken))
+        {
+            Require(request, nameof(request));
+            return GenerateAsync(request, RgenNative.RGEN_OUTPUT_BYTES, "", token, BytesOf);
         }
 
         /// <summary>Generates a report as a file that the system deletes when it is closed, without
         /// conversion. Windows reads the path in the ANSI code page: use ASCII.</summary>
-        public OpenFile GenerateOpenFile(Request request, string output)
+        public OpenFile GenerateOpenFile(Request request, string output,
+                                         CancellationToken token = default(CancellationToken))
         {
-            RequireInput(request);
-            FileChecks.RequireOutput(output, false, "");
-            RgenCVariant result = Generate(request, OutputMode.DeleteOnClose, output);
-            NativeRecords.Require(result.type == (ulong)RgenVariantType.RGEN_TYPE_HANDLE);
-            IntPtr file = result.value.handleValue;
-            RgenNative.rgen_freeRgenCVariant(ref result);
-            return new OpenFile(file);
+            Require(request, nameof(request));
+            Require(output, nameof(output));
+            return FileOf(Generate(request, RgenNative.RGEN_OUTPUT_DELETE_ON_CLOSE, output, token));
         }
 
-        /// <summary>Requests the running generations of a report type to stop; without an argument,
-        /// those of all types. They end with a StatusException whose IsCancellation is
-        /// true.</summary>
+        /// <summary>Asks the running reports of a type to stop; without an argument, those of all
+        /// types. They end with a StatusException whose IsCancellation is true. Reports with a
+        /// CancellationToken are stopped by it alone.</summary>
         public void Cancel(Guid? type = null)
         {
-            Call(generator =>
-            {
-                RgenGuid guid = NativeRecords.ToRecord(type ?? Guid.Empty);
-                if (type == null) RgenNative.rgen_cancel(generator, IntPtr.Zero);
-                else RgenNative.rgen_cancel(generator, ref guid);
-                return 0;
-            });
+            Guid[] guid = type == null ? null : new[] { type.Value };
+            Call(error => RgenNative.rgenh_cancel(handle, guid, error));
         }
 
-        /// <summary>The persistent data of a report type, as passed to SetPersistentData; control
-        /// characters, U+FFFE and U+FFFF are returned as U+FFFD. Throws a StatusException with
+        /// <summary>The persistent data of a report type, as passed to SetPersistentData; characters
+        /// that XML cannot contain are returned as U+FFFD. Throws a StatusException with
         /// RGEN_E_OPEN_PERSIST if nothing was stored yet.</summary>
         public Dictionary<string, string> GetPersistentData(Guid type)
         {
-            RequireFolder();
-            RgenGuid guid = NativeRecords.ToRecord(type);
             RgenCAnsiStringPairSet pairs = new RgenCAnsiStringPairSet();
             try
             {
-                int status = Call(
-                    generator => RgenNative.rgen_getPersistentData(generator, ref guid, ref pairs));
-                if (status == RgenNative.RGEN_E_NO_PERSIST_VALUES ||
-                    status == RgenNative.RGEN_E_NO_VALID_PERSIST_VALUES)
-                {
-                    return new Dictionary<string, string>();
-                }
-                Check(type.ToString(), status);
-                NativeRecords.Require(pairs.count != 0);
-                return NativeRecords.TextsOf(pairs);
+                Call(error =>
+                    RgenNative.rgenh_getPersistentTexts(handle, ref type, ref pairs, error));
+                return NativeResults.TextsOf(pairs);
             }
             finally
             {
@@ -160,83 +138,66 @@ namespace StrataRepgenlib
         }
 
         /// <summary>Replaces the persistent data of a report type. Entries without a name or text
-        /// are not stored; an ArgumentException for more than 10,000,000 bytes of text or 1,000,000
-        /// of name.</summary>
+        /// are not stored; texts that are too long for the library are
+        /// ReportArgumentExceptions.</summary>
         public void SetPersistentData(Guid type, IEnumerable<KeyValuePair<string, string>> texts)
         {
-            if (texts == null) throw new ArgumentNullException(nameof(texts));
-            List<Pair> list = new List<Pair>();
+            Require(texts, nameof(texts));
+            List<Value> values = new List<Value>();
             foreach (KeyValuePair<string, string> text in texts)
             {
-                string name = ReportTexts.StoredName(new Pair(text.Key, text.Value).Name);
-                list.Add(Pair.Markup(name, ReportTexts.Stored(name, text.Value, false)));
+                values.Add(new Value(text.Key, text.Value));
             }
-            SetPersistentPairs(type, list);
+            SetPersistentValues(type, values);
         }
 
-        /// <summary>Replaces the persistent data of a report type by the texts that reports show
-        /// for values; types and hints are not stored. An ArgumentException for markup with a
-        /// reference that XML does not define, which would damage other entries. In other respects
-        /// like SetPersistentData.</summary>
+        /// <summary>Replaces the persistent data of a report type by the texts that reports show for
+        /// values; types and hints are not stored. Markup with a reference that XML does not know is
+        /// a ReportArgumentException.</summary>
         public void SetPersistentValues(Guid type, IReadOnlyList<Value> values)
         {
-            if (values == null) throw new ArgumentNullException(nameof(values));
-            List<Value> stored = NativeRecords.Stored(values);
-            RequireFolder();
-            RgenGuid guid = NativeRecords.ToRecord(type);
-            RgenCVariantSet set = new RgenCVariantSet();
-            try
+            Require(values, nameof(values));
+            using (NativeInput input = new NativeInput(values))
             {
-                NativeRecords.Create(stored, ReportTexts.Escaped, ref set);
-                Check(type.ToString(), Call(generator =>
-                    RgenNative.rgen_setPersistentDataFromCVariantSet(generator, ref guid,
-                                                                     ref set)));
-            }
-            finally
-            {
-                RgenNative.rgen_freeRgenCVariantSet(ref set);
+                IntPtr records = input.Pin();
+                Call(error => RgenNative.rgenh_setPersistentValues(
+                         handle, ref type, records, (ulong)values.Count, error), values);
             }
         }
 
         /// <summary>Writes values as an XML file of names and texts.</summary>
         public void Dump(IReadOnlyList<Value> values, string output)
         {
-            if (values == null) throw new ArgumentNullException(nameof(values));
-            FileChecks.RequireOutput(output, false, "");
-            byte[] path = ReportTexts.ToUtf8(output, "the path");
-            using (NativeRequest input = new NativeRequest(values))
+            Require(values, nameof(values));
+            Require(output, nameof(output));
+            byte[] path = NativeTexts.ToUtf8(output, "the path");
+            Request request = new Request(Guid.Empty, "");
+            request.Values.AddRange(values);
+            using (RequestHandle input = NativeInput.NewRequest(request, 0, ""))
             {
-                Check(output, Call(generator =>
-                    RgenNative.rgen_dumpRawInputDataToFile(generator, ref input.Record, path)));
+                IntPtr record = RgenNative.rgenh_getRequestInput(input);
+                Call(error =>
+                    RgenNative.rgenh_dumpRawInputDataToFile(handle, record, path, error));
             }
         }
 
-        /// <summary>Reads typed values from an XML file, which may contain none.</summary>
+        /// <summary>Reads typed values from an XML file, which may be missing or contain
+        /// none.</summary>
         public List<Value> SimulatedInput(string input)
         {
-            if (input == null) throw new ArgumentNullException(nameof(input));
-            FileChecks.RequireReachable(input);
-            byte[] path = ReportTexts.ToUtf8(input, "the path");
+            Require(input, nameof(input));
+            byte[] path = NativeTexts.ToUtf8(input, "the path");
             RgenCVariantSet set = new RgenCVariantSet();
             try
             {
-                Call(generator =>
-                    RgenNative.rgen_getSimulatedRawDataFromFile(generator, path, ref set));
-                return NativeRecords.ValuesOf(set);
+                Call(error => RgenNative.rgenh_getSimulatedRawDataFromFile(handle, path, ref set,
+                                                                           error));
+                return NativeResults.ValuesOf(set);
             }
             finally
             {
                 RgenNative.rgen_freeRgenCVariantSet(ref set);
             }
-        }
-
-        /// <summary>The library's text for a status.</summary>
-        public static string StatusText(int status)
-        {
-            // The library only checks whether the handle is null.
-            IntPtr anyHandle = new IntPtr(1);
-            return ReportTexts.FromUtf8(
-                RgenNative.rgen_getStatusCodeDescription(anyHandle, status));
         }
 
         /// <summary>Frees the generator.</summary>
@@ -245,101 +206,90 @@ namespace StrataRepgenlib
             handle.Dispose();
         }
 
-        private void SetPersistentPairs(Guid type, List<Pair> pairs)
-        {
-            RequireFolder();
-            RgenGuid guid = NativeRecords.ToRecord(type);
-            RgenCAnsiStringPairSet set = new RgenCAnsiStringPairSet();
-            try
-            {
-                NativeRecords.Create(pairs, ReportTexts.Escaped, ref set);
-                Check(type.ToString(), Call(generator =>
-                    RgenNative.rgen_setPersistentDataFromAnsiStringPairSet(generator, ref guid,
-                                                                           ref set)));
-            }
-            finally
-            {
-                RgenNative.rgen_freeRgenCAnsiStringSet(ref set);
-            }
-        }
-
         /// <summary>The result of a report; the caller frees it.</summary>
-        private RgenCVariant Generate(Request request, OutputMode mode, string output)
+        private RgenCVariant Generate(Request request, ulong mode, string output,
+                                      CancellationToken token)
         {
-            RequireFolder();
-            FileChecks.RequireTemplates(folder, request.Format);
-            RgenCVariant result = new RgenCVariant();
-            ExceptionDispatchInfo raised;
-            int status;
-            using (NativeRequest input = new NativeRequest(request, mode, output))
+            if (!token.CanBeCanceled) return GenerateHere(request, mode, output);
+            token.ThrowIfCancellationRequested();
+            using (ReportJob job = Start(request, mode, output))
+            using (token.Register(job.Cancel))
             {
-                status = Translation.Watch(
-                    () => Call(generator => RgenNative.rgen_generateReport(
-                                   generator, ref input.Record, ref result)),
-                    out raised);
+                return job.Take(job.Ended.GetAwaiter().GetResult(), token);
             }
-            if (raised != null) DropResult(ref result);
-            raised?.Throw();
-            Check(output.Length == 0 ? request.Type.ToString() : output, status);
-            return result;
         }
 
-        /// <summary>Closes the handle of a report that is not returned to the host.</summary>
-        private static void DropResult(ref RgenCVariant result)
+        private RgenCVariant GenerateHere(Request request, ulong mode, string output)
         {
-            if (result.type == (ulong)RgenVariantType.RGEN_TYPE_HANDLE)
+            using (RequestHandle input = NativeInput.NewRequest(request, mode, output))
+            using (ErrorRecord error = new ErrorRecord())
             {
-                new OpenFile(result.value.handleValue).Dispose();
+                RgenCVariant result = new RgenCVariant();
+                IntPtr record = RgenNative.rgenh_getRequestInput(input);
+                int status = RgenNative.rgenh_generateReport(handle, record, ref result, error);
+                // The library uses the translator of this object until now.
+                GC.KeepAlive(this);
+                ExceptionDispatchInfo thrown = Translation.TakeThrown();
+                if (thrown != null) NativeResults.Drop(ref result);
+                thrown?.Throw();
+                error.Check(status);
+                return result;
             }
-            RgenNative.rgen_freeRgenCVariant(ref result);
         }
 
-        private static void RequireInput(Request request)
+        private async Task<TResult> GenerateAsync<TResult>(Request request, ulong mode,
+                                                           string output, CancellationToken token,
+                                                           Func<RgenCVariant, TResult> convert)
         {
-            if (request == null) throw new ArgumentNullException(nameof(request));
+            token.ThrowIfCancellationRequested();
+            using (ReportJob job = Start(request, mode, output))
+            using (token.Register(job.Cancel))
+            {
+                ExceptionDispatchInfo thrown = await job.Ended.ConfigureAwait(false);
+                return convert(job.Take(thrown, token));
+            }
         }
 
-        private void RequireFolder()
+        private ReportJob Start(Request request, ulong mode, string output)
         {
-            FileChecks.RequireDataDir(folder);
+            using (RequestHandle input = NativeInput.NewRequest(request, mode, output))
+            {
+                return new ReportJob(handle, translations, input);
+            }
         }
 
-        private static void Check(string subject, int status)
+        private static byte[] BytesOf(RgenCVariant result)
         {
-            if (status < 0) throw new StatusException(subject, status, StatusText(status));
-        }
-
-        /// <summary>Makes a call during which Dispose on another thread does not free the
-        /// generator.</summary>
-        private int Call(Func<IntPtr, int> call)
-        {
-            bool isHeld = false;
             try
             {
-                handle.DangerousAddRef(ref isHeld);
-                return call(handle.DangerousGetHandle());
+                // For a report without bytes the record stays empty.
+                if (result.type == RgenNative.RGEN_TYPE_EMPTY) return new byte[0];
+                return NativeResults.BytesOf(result.value.byteArrayValue);
             }
             finally
             {
-                if (isHeld) handle.DangerousRelease();
-                GC.KeepAlive(this);
+                RgenNative.rgen_freeRgenCVariant(ref result);
             }
         }
 
-        /// <summary>The library's generator.</summary>
-        private sealed class GeneratorHandle : SafeHandleZeroOrMinusOneIsInvalid
+        private static OpenFile FileOf(RgenCVariant result)
         {
-            internal GeneratorHandle() : base(true)
-            {
-                SetHandle(RgenNative.rgen_newReportGenerator());
-                NativeRecords.Require(!IsInvalid);
-            }
+            OpenFile file = new OpenFile(result.value.handleValue);
+            RgenNative.rgen_freeRgenCVariant(ref result);
+            return file;
+        }
 
-            protected override bool ReleaseHandle()
+        private static void Call(Func<ErrorRecord, int> call, IReadOnlyList<Value> values = null)
+        {
+            using (ErrorRecord error = new ErrorRecord())
             {
-                RgenNative.rgen_freeReportGenerator(handle);
-                return true;
+                error.Check(call(error), values);
             }
+        }
+
+        private static void Require(object argument, string name)
+        {
+            if (argument == null) throw new ArgumentNullException(name);
         }
     }
 }

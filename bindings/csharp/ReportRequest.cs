@@ -11,32 +11,21 @@ namespace StrataRepgenlib
     public enum Hint : ulong
     {
         /// <summary>Signed decimal.</summary>
-        Generic = RgenHint.RGEN_HINT_GENERIC,
+        Generic = RgenNative.RGEN_HINT_GENERIC,
         /// <summary>Seconds since 1970 UTC, shown as local time "23:59:59".</summary>
-        Time = RgenHint.RGEN_HINT_TIME,
+        Time = RgenNative.RGEN_HINT_TIME,
         /// <summary>Same, as local date " 1.01.1970".</summary>
-        Date = RgenHint.RGEN_HINT_DATE,
+        Date = RgenNative.RGEN_HINT_DATE,
         /// <summary>Same, " 1.01.1970 23:59:59".</summary>
-        DateTime = RgenHint.RGEN_HINT_DATE_TIME,
+        DateTime = RgenNative.RGEN_HINT_DATE_TIME,
         /// <summary>Signed decimal.</summary>
-        Size = RgenHint.RGEN_HINT_SIZE,
+        Size = RgenNative.RGEN_HINT_SIZE,
         /// <summary>"0x" and lower-case hexadecimal digits.</summary>
-        Address = RgenHint.RGEN_HINT_ADDRESS,
+        Address = RgenNative.RGEN_HINT_ADDRESS,
         /// <summary>Signed decimal.</summary>
-        Speed = RgenHint.RGEN_HINT_SPEED,
+        Speed = RgenNative.RGEN_HINT_SPEED,
         /// <summary>The hint of byte arrays that the library returns.</summary>
-        Dump = RgenHint.RGEN_HINT_DUMP,
-    }
-
-    /// <summary>Where a report goes; each mode has a function of ReportGenerator.</summary>
-    public enum OutputMode : ulong
-    {
-        /// <summary>GenerateFile.</summary>
-        File = RgenOutputMode.RGEN_OUTPUT_FILE,
-        /// <summary>GenerateOpenFile.</summary>
-        DeleteOnClose = RgenOutputMode.RGEN_OUTPUT_DELETE_ON_CLOSE,
-        /// <summary>GenerateBytes.</summary>
-        Bytes = RgenOutputMode.RGEN_OUTPUT_BYTES,
+        Dump = RgenNative.RGEN_HINT_DUMP,
     }
 
     /// <summary>A named, typed, hinted value. Content is a string, a long or a byte
@@ -61,9 +50,16 @@ namespace StrataRepgenlib
         {
         }
 
-        /// <summary>A time; a report shows it as local time.</summary>
+        /// <summary>A time; a report shows it as local time. Calls that use a time before 1970 or
+        /// after the year 3000 throw a ReportArgumentException with the name as its Key.</summary>
         public Value(string name, DateTimeOffset time, Hint hint = Hint.DateTime)
             : this(name, (object)time.ToUnixTimeSeconds(), hint, false)
+        {
+        }
+
+        /// <summary>A time; one of DateTimeKind.Unspecified is local.</summary>
+        public Value(string name, DateTime time, Hint hint = Hint.DateTime)
+            : this(name, (object)UnixSeconds(time), hint, false)
         {
         }
 
@@ -109,6 +105,14 @@ namespace StrataRepgenlib
             return unchecked((long)number);
         }
 
+        /// <summary>Rounds down, as DateTimeOffset does. Unlike the conversion to DateTimeOffset
+        /// it works for every time.</summary>
+        private static long UnixSeconds(DateTime time)
+        {
+            const long SecondsUntil1970 = 62135596800;
+            return time.ToUniversalTime().Ticks / TimeSpan.TicksPerSecond - SecondsUntil1970;
+        }
+
         private static object Checked(object content)
         {
             return content ?? throw new ArgumentNullException(nameof(content));
@@ -145,6 +149,11 @@ namespace StrataRepgenlib
         {
             return new Pair(name, content, true);
         }
+
+        internal Value ToValue()
+        {
+            return IsMarkup ? Value.Markup(Name, Text) : new Value(Name, Text);
+        }
     }
 
     /// <summary>The input of one report. It can be reused, also by several threads at once as long
@@ -176,6 +185,14 @@ namespace StrataRepgenlib
         /// <summary>Name/text pairs; they override persistent data of the same name.</summary>
         public List<Pair> Pairs { get; }
 
+        /// <summary>Adds the values of objects and lists under flat names: Err.1.Address. See
+        /// docs/values.md and NestedValues. Throws a ReportArgumentException that names the wrong
+        /// value; nothing is added then.</summary>
+        public void AddNested(object values)
+        {
+            Values.AddRange(NestedValues.Flatten(values));
+        }
+
         /// <summary>False: a "pdf" report is written as the template made it, without the
         /// converter.</summary>
         public bool Convert { get; set; }
@@ -186,6 +203,17 @@ namespace StrataRepgenlib
         {
             get { return converterBase; }
             set { converterBase = value ?? throw new ArgumentNullException(nameof(value)); }
+        }
+
+        /// <summary>Pairs and values as one list, in which a later entry replaces an earlier one of
+        /// the same name.</summary>
+        internal List<Value> AllValues()
+        {
+            if (Pairs.Count == 0) return Values;
+            List<Value> all = new List<Value>(Pairs.Count + Values.Count);
+            foreach (Pair pair in Pairs) all.Add(pair.ToValue());
+            all.AddRange(Values);
+            return all;
         }
     }
 }

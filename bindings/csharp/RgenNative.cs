@@ -1,5 +1,5 @@
-// The C interface of strata_repgenlib as C# sees it.
-// Written by bindings/generate_declarations.py from the public headers; do not edit.
+// The C interface as this binding uses it, from rgen_host.h, rgen.h and rgen_status.h, which document
+// it. A test compares all sizes, offsets, numbers and parameters with those of the C compiler.
 //
 // SPDX-License-Identifier: MIT
 using System;
@@ -7,197 +7,9 @@ using System.Runtime.InteropServices;
 
 namespace StrataRepgenlib
 {
-    /// <summary>Values of RgenCVariant::type.</summary>
-    public enum RgenVariantType : ulong
+    /// <summary>The statuses of the library. Negative ones are failures.</summary>
+    public static class RgenStatus
     {
-        /// <summary>No value (after a free).</summary>
-        RGEN_TYPE_EMPTY = 0,
-        /// <summary>A signed 64-bit integer.</summary>
-        RGEN_TYPE_INT64 = 1,
-        /// <summary>A text.</summary>
-        RGEN_TYPE_STRING = 2,
-        /// <summary>Bytes.</summary>
-        RGEN_TYPE_BYTE_ARRAY = 3,
-        /// <summary>A handle of the operating system.</summary>
-        RGEN_TYPE_HANDLE = 4,
-    }
-
-    /// <summary>Values of RgenCVariant::hint: how a 64-bit integer is shown in a report.</summary>
-    public enum RgenHint : ulong
-    {
-        /// <summary>The hint of a zero-filled or freed record.</summary>
-        RGEN_HINT_UNINITIALIZED = 0,
-        /// <summary>Signed decimal.</summary>
-        RGEN_HINT_GENERIC = 1,
-        /// <summary>Seconds since 1970 UTC, shown as local time "23:59:59".</summary>
-        RGEN_HINT_TIME = 2,
-        /// <summary>Same, local date " 1.01.1970": day with a leading blank.</summary>
-        RGEN_HINT_DATE = 3,
-        /// <summary>Same, " 1.01.1970 23:59:59".</summary>
-        RGEN_HINT_DATE_TIME = 4,
-        /// <summary>Signed decimal.</summary>
-        RGEN_HINT_SIZE = 5,
-        /// <summary>"0x" and lower-case hexadecimal digits.</summary>
-        RGEN_HINT_ADDRESS = 6,
-        /// <summary>Signed decimal.</summary>
-        RGEN_HINT_SPEED = 7,
-        /// <summary>Marks byte arrays that the library returns.</summary>
-        RGEN_HINT_DUMP = 8,
-    }
-
-    /// <summary>Values of RgenCInputParams::outputMode.</summary>
-    public enum RgenOutputMode : ulong
-    {
-        /// <summary>Write the file outputPath.</summary>
-        RGEN_OUTPUT_FILE = 0,
-        /// <summary>Return the open handle of a file that is deleted on close.</summary>
-        RGEN_OUTPUT_DELETE_ON_CLOSE = 1,
-        /// <summary>Return the bytes.</summary>
-        RGEN_OUTPUT_BYTES = 2,
-    }
-
-    /// <summary>A GUID in the platform's layout: the first three fields are little-endian numbers.
-    /// 16 bytes.</summary>
-    [StructLayout(LayoutKind.Sequential)]
-    public struct RgenGuid
-    {
-        /// <summary>The first 8 digits of the text form, as a number.</summary>
-        public uint data1;
-        /// <summary>The next 4 digits.</summary>
-        public ushort data2;
-        /// <summary>The next 4 digits.</summary>
-        public ushort data3;
-        /// <summary>The last 16 digits, byte by byte.</summary>
-        public byte data4_0;
-        public byte data4_1;
-        public byte data4_2;
-        public byte data4_3;
-        public byte data4_4;
-        public byte data4_5;
-        public byte data4_6;
-        public byte data4_7;
-    }
-
-    /// <summary>A text in a heap buffer. 16 bytes.</summary>
-    [StructLayout(LayoutKind.Sequential)]
-    public struct RgenAnsiString
-    {
-        /// <summary>Number of bytes, without the terminating zero byte.</summary>
-        public uint length;
-        /// <summary>Buffer of length + 1 bytes, null-terminated; null in a zero-filled or freed
-        /// record.</summary>
-        public IntPtr data;
-    }
-
-    /// <summary>Bytes in a heap buffer. 16 bytes.</summary>
-    [StructLayout(LayoutKind.Sequential)]
-    public struct RgenByteArray
-    {
-        /// <summary>Number of bytes (the low 32 bits if a caller passed more).</summary>
-        public uint size;
-        /// <summary>Buffer of the bytes, without terminator; null in a zero-filled or freed
-        /// record.</summary>
-        public IntPtr data;
-    }
-
-    /// <summary>The value of a RgenCVariant; RgenCVariant::type tells which member is valid. 16
-    /// bytes.</summary>
-    [StructLayout(LayoutKind.Explicit)]
-    public struct RgenCVariantValue
-    {
-        /// <summary>With RGEN_TYPE_INT64.</summary>
-        [FieldOffset(0)]
-        public long int64Value;
-        /// <summary>With RGEN_TYPE_STRING.</summary>
-        [FieldOffset(0)]
-        public RgenAnsiString stringValue;
-        /// <summary>With RGEN_TYPE_BYTE_ARRAY.</summary>
-        [FieldOffset(0)]
-        public RgenByteArray byteArrayValue;
-        /// <summary>With RGEN_TYPE_HANDLE. Windows: a HANDLE. Linux: a file descriptor as a number.
-        /// Never closed by the library.</summary>
-        [FieldOffset(0)]
-        public IntPtr handleValue;
-    }
-
-    /// <summary>A value with name, type and hint. 48 bytes.</summary>
-    [StructLayout(LayoutKind.Sequential)]
-    public struct RgenCVariant
-    {
-        /// <summary>The value's name, its key in the input set.</summary>
-        public RgenAnsiString name;
-        /// <summary>The value, in the member that type selects.</summary>
-        public RgenCVariantValue value;
-        /// <summary>One of RgenVariantType.</summary>
-        public ulong type;
-        /// <summary>One of RgenHint.</summary>
-        public ulong hint;
-    }
-
-    /// <summary>An array of values. 16 bytes.</summary>
-    [StructLayout(LayoutKind.Sequential)]
-    public struct RgenCVariantSet
-    {
-        /// <summary>Array of count records, or null.</summary>
-        public IntPtr items;
-        /// <summary>Number of entries.</summary>
-        public ulong count;
-    }
-
-    /// <summary>Name/text pairs in two arrays: keys[i] belongs to values[i]. 24 bytes.</summary>
-    [StructLayout(LayoutKind.Sequential)]
-    public struct RgenCAnsiStringPairSet
-    {
-        /// <summary>Array of count names, or null.</summary>
-        public IntPtr keys;
-        /// <summary>Array of count texts, or null.</summary>
-        public IntPtr values;
-        /// <summary>Number of entries in each of the two arrays.</summary>
-        public ulong count;
-    }
-
-    /// <summary>The input of one report. 120 bytes.</summary>
-    [StructLayout(LayoutKind.Sequential)]
-    public struct RgenCInputParams
-    {
-        /// <summary>Typed values; they replace pairs and persistent data of the same
-        /// name.</summary>
-        public RgenCVariantSet variants;
-        /// <summary>Name/text pairs; they replace persistent data of the same name.</summary>
-        public RgenCAnsiStringPairSet pairs;
-        /// <summary>Selects the report type in config.xml.</summary>
-        public RgenGuid templateGuid;
-        /// <summary>One of RgenOutputMode; any other value results in
-        /// RGEN_E_UNKNOWN_OUTPUT_MODE.</summary>
-        public ulong outputMode;
-        /// <summary>Not zero: a "pdf" report is the unconverted output of the template.</summary>
-        public ulong skipExternalConversion;
-        /// <summary>"html", "pdf" or "txt"; also the name of the template's folder.</summary>
-        public RgenAnsiString outputFormat;
-        /// <summary>Path of the output file in modes 0 and 1; ignored in mode 2. For a "pdf" that
-        /// is converted it must not contain a double quote.</summary>
-        public RgenAnsiString outputPath;
-        /// <summary>Passed to the converter after " -b "; it must not contain a double
-        /// quote.</summary>
-        public RgenAnsiString converterBaseArg;
-    }
-
-    /// <summary>Translates one marked text of a template.</summary>
-    [UnmanagedFunctionPointer(CallingConvention.Cdecl)]
-    public delegate IntPtr RgenTranslateFunction(IntPtr text, IntPtr context);
-
-    /// <summary>The functions and status values of the library, letter for letter. The header
-    /// rgen.h documents the contract: ownership, null rules, threads, exceptions. Texts are passed
-    /// as null-terminated UTF-8 bytes and returned as pointers to such bytes; nothing is converted
-    /// or freed automatically.</summary>
-    public static class RgenNative
-    {
-        /// <summary>The name by which the runtime looks for the library.</summary>
-        public const string Library = "strata_repgenlib";
-
-        /// <summary>The version of the header that this file was made from.</summary>
-        public const string HeaderVersion = "0.1.0";
-
         /// <summary>The operation did what was asked.</summary>
         public const int RGEN_OK = unchecked((int)0x00000000);
         /// <summary>A required pointer argument is null.</summary>
@@ -281,315 +93,254 @@ namespace StrataRepgenlib
         /// <summary>rgen_cancel reached the generation. Negative, so it counts as a
         /// failure.</summary>
         public const int RGEN_CANCELED = unchecked((int)0x80000001);
+    }
 
-        /// <summary>The symbolic name of a status, null for other numbers.</summary>
-        public static string StatusName(int status)
-        {
-            switch (status)
-            {
-                case RGEN_OK: return "RGEN_OK";
-                case RGEN_E_BAD_PARAMETER: return "RGEN_E_BAD_PARAMETER";
-                case RGEN_E_DIR_NOT_FOUND: return "RGEN_E_DIR_NOT_FOUND";
-                case RGEN_E_CREATE_DIR: return "RGEN_E_CREATE_DIR";
-                case RGEN_E_CREATE_CONFIG: return "RGEN_E_CREATE_CONFIG";
-                case RGEN_E_OPEN_CONFIG: return "RGEN_E_OPEN_CONFIG";
-                case RGEN_E_OPEN_PERSIST: return "RGEN_E_OPEN_PERSIST";
-                case RGEN_E_EMPTY_INPUT: return "RGEN_E_EMPTY_INPUT";
-                case RGEN_E_GUID_NOT_IN_CONFIG: return "RGEN_E_GUID_NOT_IN_CONFIG";
-                case RGEN_E_TEMPLATE_NOT_FOUND: return "RGEN_E_TEMPLATE_NOT_FOUND";
-                case RGEN_E_UNKNOWN_FORMAT: return "RGEN_E_UNKNOWN_FORMAT";
-                case RGEN_E_OVERWRITE_OUTPUT: return "RGEN_E_OVERWRITE_OUTPUT";
-                case RGEN_E_CREATE_OUTPUT: return "RGEN_E_CREATE_OUTPUT";
-                case RGEN_E_WRITE_OUTPUT: return "RGEN_E_WRITE_OUTPUT";
-                case RGEN_E_UNKNOWN_OUTPUT_MODE: return "RGEN_E_UNKNOWN_OUTPUT_MODE";
-                case RGEN_E_WRITE_ALL_OUTPUT: return "RGEN_E_WRITE_ALL_OUTPUT";
-                case RGEN_E_DELETE_PERSIST: return "RGEN_E_DELETE_PERSIST";
-                case RGEN_E_CREATE_PERSIST: return "RGEN_E_CREATE_PERSIST";
-                case RGEN_E_RUN_EXTERNAL: return "RGEN_E_RUN_EXTERNAL";
-                case RGEN_E_EXTERNAL_FAILED: return "RGEN_E_EXTERNAL_FAILED";
-                case RGEN_E_OPEN_SIMULATION: return "RGEN_E_OPEN_SIMULATION";
-                case RGEN_E_DELETE_DUMP: return "RGEN_E_DELETE_DUMP";
-                case RGEN_E_XPATH_DOCUMENT: return "RGEN_E_XPATH_DOCUMENT";
-                case RGEN_E_XPATH_CONTEXT: return "RGEN_E_XPATH_CONTEXT";
-                case RGEN_E_XPATH_SEARCH: return "RGEN_E_XPATH_SEARCH";
-                case RGEN_E_NO_PERSIST_IN_CONFIG: return "RGEN_E_NO_PERSIST_IN_CONFIG";
-                case RGEN_E_XPATH_NOT_NODE: return "RGEN_E_XPATH_NOT_NODE";
-                case RGEN_E_XPATH_NODE_EMPTY: return "RGEN_E_XPATH_NODE_EMPTY";
-                case RGEN_E_NO_TYPE_MAP: return "RGEN_E_NO_TYPE_MAP";
-                case RGEN_E_NO_VALID_TYPE_MAP: return "RGEN_E_NO_VALID_TYPE_MAP";
-                case RGEN_E_NO_PERSIST_VALUES: return "RGEN_E_NO_PERSIST_VALUES";
-                case RGEN_E_NO_VALID_PERSIST_VALUES: return "RGEN_E_NO_VALID_PERSIST_VALUES";
-                case RGEN_E_XSLT_PARSE: return "RGEN_E_XSLT_PARSE";
-                case RGEN_E_XSLT_APPLY: return "RGEN_E_XSLT_APPLY";
-                case RGEN_E_XSLT_RESULT: return "RGEN_E_XSLT_RESULT";
-                case RGEN_E_UNKNOWN: return "RGEN_E_UNKNOWN";
-                case RGEN_CANCELED: return "RGEN_CANCELED";
-                default: return null;
-            }
-        }
+    [StructLayout(LayoutKind.Sequential)]
+    internal struct RgenAnsiString
+    {
+        public uint length;
+        public IntPtr data;
+    }
 
-        /// <summary>Creates a generator.</summary>
-        [DllImport(Library, CallingConvention = CallingConvention.Cdecl, ExactSpelling = true)]
-        public static extern IntPtr rgen_newReportGenerator();
+    [StructLayout(LayoutKind.Sequential)]
+    internal struct RgenByteArray
+    {
+        public uint size;
+        public IntPtr data;
+    }
 
-        /// <summary>Frees a generator and everything it owns.</summary>
-        [DllImport(Library, CallingConvention = CallingConvention.Cdecl, ExactSpelling = true)]
-        public static extern void rgen_freeReportGenerator(IntPtr generator);
+    [StructLayout(LayoutKind.Explicit)]
+    internal struct RgenCVariantValue
+    {
+        [FieldOffset(0)]
+        public long int64Value;
+        [FieldOffset(0)]
+        public RgenAnsiString stringValue;
+        [FieldOffset(0)]
+        public RgenByteArray byteArrayValue;
+        [FieldOffset(0)]
+        public IntPtr handleValue;
+    }
 
-        /// <summary>Sets the folder that contains the generator's data directory ".rgen".</summary>
-        [DllImport(Library, CallingConvention = CallingConvention.Cdecl, ExactSpelling = true)]
-        public static extern int rgen_setDataDirPath(IntPtr generator, byte[] path);
+    [StructLayout(LayoutKind.Sequential)]
+    internal struct RgenCVariant
+    {
+        public RgenAnsiString name;
+        public RgenCVariantValue value;
+        public ulong type;
+        public ulong hint;
+    }
 
-        /// <summary>Sets the callback that translates the marked texts of templates.</summary>
-        [DllImport(Library, CallingConvention = CallingConvention.Cdecl, ExactSpelling = true)]
-        public static extern void rgen_setTranslateFunction(IntPtr generator, RgenTranslateFunction
-            translate, IntPtr context);
+    [StructLayout(LayoutKind.Sequential)]
+    internal struct RgenCVariantSet
+    {
+        public IntPtr items;
+        public ulong count;
+    }
 
-        /// <summary>Asks running generations of a generator to stop.</summary>
-        [DllImport(Library, CallingConvention = CallingConvention.Cdecl, ExactSpelling = true)]
-        public static extern void rgen_cancel(IntPtr generator, ref RgenGuid guid);
+    [StructLayout(LayoutKind.Sequential)]
+    internal struct RgenCAnsiStringPairSet
+    {
+        public IntPtr keys;
+        public IntPtr values;
+        public ulong count;
+    }
 
-        /// <summary>Asks running generations of a generator to stop. Takes IntPtr.Zero for
-        /// null.</summary>
-        [DllImport(Library, CallingConvention = CallingConvention.Cdecl, ExactSpelling = true)]
-        public static extern void rgen_cancel(IntPtr generator, IntPtr guid);
+    [StructLayout(LayoutKind.Sequential)]
+    internal struct RgenhError
+    {
+        public ulong size;
+        public int kind;
+        public int status;
+        public long systemError;
+        public int argument;
+        public int reserved;
+        public ulong entry;
+        [MarshalAs(UnmanagedType.ByValArray, SizeConst = RgenNative.RGENH_PATH_SIZE)]
+        public byte[] path;
+        [MarshalAs(UnmanagedType.ByValArray, SizeConst = RgenNative.RGENH_MESSAGE_SIZE)]
+        public byte[] message;
+    }
 
-        /// <summary>Generates one report.</summary>
-        [DllImport(Library, CallingConvention = CallingConvention.Cdecl, ExactSpelling = true)]
-        public static extern int rgen_generateReport(IntPtr generator, ref RgenCInputParams input,
-            ref RgenCVariant result);
+    [StructLayout(LayoutKind.Sequential)]
+    internal struct RgenhValue
+    {
+        public IntPtr name;
+        public ulong nameSize;
+        public ulong type;
+        public ulong hint;
+        public long number;
+        public IntPtr data;
+        public ulong size;
+    }
 
-        /// <summary>Generates one report. Takes IntPtr.Zero for null.</summary>
-        [DllImport(Library, CallingConvention = CallingConvention.Cdecl, ExactSpelling = true)]
-        public static extern int rgen_generateReport(IntPtr generator, IntPtr input, ref
-            RgenCVariant result);
+    /// <summary>RgenGuid has the layout of Guid.</summary>
+    [StructLayout(LayoutKind.Sequential)]
+    internal struct RgenhRequestParts
+    {
+        public ulong size;
+        public IntPtr reportType;
+        public Guid templateGuid;
+        public IntPtr format;
+        public IntPtr outputPath;
+        public IntPtr converterBase;
+        public ulong outputMode;
+        public ulong skipExternalConversion;
+        public IntPtr values;
+        public ulong valueCount;
+        public IntPtr pairs;
+        public ulong pairCount;
+    }
 
-        /// <summary>Reads the persistent data of a report type.</summary>
-        [DllImport(Library, CallingConvention = CallingConvention.Cdecl, ExactSpelling = true)]
-        public static extern int rgen_getPersistentData(IntPtr generator, ref RgenGuid guid, ref
-            RgenCAnsiStringPairSet pairs);
+    [StructLayout(LayoutKind.Sequential)]
+    internal struct RgenhVersions
+    {
+        public ulong size;
+        [MarshalAs(UnmanagedType.ByValArray, SizeConst = RgenNative.RGENH_VERSION_SIZE)]
+        public byte[] library;
+        [MarshalAs(UnmanagedType.ByValArray, SizeConst = RgenNative.RGENH_VERSION_SIZE)]
+        public byte[] host;
+        [MarshalAs(UnmanagedType.ByValArray, SizeConst = RgenNative.RGENH_PATH_SIZE)]
+        public byte[] libraryPath;
+        [MarshalAs(UnmanagedType.ByValArray, SizeConst = RgenNative.RGENH_PATH_SIZE)]
+        public byte[] hostPath;
+    }
 
-        /// <summary>Reads the persistent data of a report type. Takes IntPtr.Zero for
-        /// null.</summary>
-        [DllImport(Library, CallingConvention = CallingConvention.Cdecl, ExactSpelling = true)]
-        public static extern int rgen_getPersistentData(IntPtr generator, IntPtr guid, ref
-            RgenCAnsiStringPairSet pairs);
+    [UnmanagedFunctionPointer(CallingConvention.Cdecl)]
+    internal delegate IntPtr RgenTranslateFunction(IntPtr text, IntPtr context);
 
-        /// <summary>Replaces the persistent data of a report type with name/text pairs.</summary>
-        [DllImport(Library, CallingConvention = CallingConvention.Cdecl, ExactSpelling = true)]
-        public static extern int rgen_setPersistentDataFromAnsiStringPairSet(IntPtr generator, ref
-            RgenGuid guid, ref RgenCAnsiStringPairSet pairs);
+    [UnmanagedFunctionPointer(CallingConvention.Cdecl)]
+    internal delegate void RgenhJobEndFunction(IntPtr job, IntPtr context);
 
-        /// <summary>Replaces the persistent data of a report type with name/text pairs. Takes
-        /// IntPtr.Zero for null.</summary>
-        [DllImport(Library, CallingConvention = CallingConvention.Cdecl, ExactSpelling = true)]
-        public static extern int rgen_setPersistentDataFromAnsiStringPairSet(IntPtr generator,
-            IntPtr guid, IntPtr pairs);
+    internal static class RgenNative
+    {
+        internal const string HeaderVersion = "0.1.0";
 
-        /// <summary>Replaces the persistent data of a report type with the display texts of typed
-        /// values.</summary>
-        [DllImport(Library, CallingConvention = CallingConvention.Cdecl, ExactSpelling = true)]
-        public static extern int rgen_setPersistentDataFromCVariantSet(IntPtr generator, ref
-            RgenGuid guid, ref RgenCVariantSet variants);
+        internal const ulong RGEN_TYPE_EMPTY = 0;
+        internal const ulong RGEN_TYPE_INT64 = 1;
+        internal const ulong RGEN_TYPE_STRING = 2;
+        internal const ulong RGEN_TYPE_BYTE_ARRAY = 3;
+        internal const ulong RGEN_TYPE_HANDLE = 4;
+        internal const ulong RGENH_TYPE_MARKUP = 5;
 
-        /// <summary>Replaces the persistent data of a report type with the display texts of typed
-        /// values. Takes IntPtr.Zero for null.</summary>
-        [DllImport(Library, CallingConvention = CallingConvention.Cdecl, ExactSpelling = true)]
-        public static extern int rgen_setPersistentDataFromCVariantSet(IntPtr generator, IntPtr
-            guid, IntPtr variants);
+        internal const ulong RGEN_HINT_GENERIC = 1;
+        internal const ulong RGEN_HINT_TIME = 2;
+        internal const ulong RGEN_HINT_DATE = 3;
+        internal const ulong RGEN_HINT_DATE_TIME = 4;
+        internal const ulong RGEN_HINT_SIZE = 5;
+        internal const ulong RGEN_HINT_ADDRESS = 6;
+        internal const ulong RGEN_HINT_SPEED = 7;
+        internal const ulong RGEN_HINT_DUMP = 8;
 
-        /// <summary>Writes the typed values of a request as an XML file of names and display
-        /// texts.</summary>
-        [DllImport(Library, CallingConvention = CallingConvention.Cdecl, ExactSpelling = true)]
-        public static extern int rgen_dumpRawInputDataToFile(IntPtr generator, ref RgenCInputParams
-            input, byte[] path);
+        internal const ulong RGEN_OUTPUT_FILE = 0;
+        internal const ulong RGEN_OUTPUT_DELETE_ON_CLOSE = 1;
+        internal const ulong RGEN_OUTPUT_BYTES = 2;
 
-        /// <summary>Writes the typed values of a request as an XML file of names and display texts.
-        /// Takes IntPtr.Zero for null.</summary>
-        [DllImport(Library, CallingConvention = CallingConvention.Cdecl, ExactSpelling = true)]
-        public static extern int rgen_dumpRawInputDataToFile(IntPtr generator, IntPtr input, byte[]
-            path);
+        internal const int RGENH_ERROR_STATUS = 1;
+        internal const int RGENH_ERROR_MEMORY = 2;
+        internal const int RGENH_ERROR_ENCODING = 3;
+        internal const int RGENH_ERROR_FILE_SYSTEM = 4;
+        internal const int RGENH_ERROR_REENTERED = 5;
+        internal const int RGENH_ERROR_CONVERSION = 6;
+        internal const int RGENH_ERROR_ARGUMENT = 7;
+        internal const int RGENH_ERROR_CALLBACK = 8;
+        internal const int RGENH_ERROR_UNKNOWN = 9;
 
-        /// <summary>Reads typed values from an XML file, for a host that runs with simulated
-        /// input.</summary>
-        [DllImport(Library, CallingConvention = CallingConvention.Cdecl, ExactSpelling = true)]
-        public static extern int rgen_getSimulatedRawDataFromFile(IntPtr generator, byte[] path, ref
-            RgenCVariantSet variants);
+        internal const int RGENH_PATH_SIZE = 4096;
+        internal const int RGENH_MESSAGE_SIZE = 2048;
+        internal const int RGENH_VERSION_SIZE = 32;
+        internal const ulong RGENH_NO_ENTRY = ulong.MaxValue;
+        internal const ulong RGENH_PLAIN = 0;
+        internal const ulong RGENH_MARKUP = 1;
 
-        /// <summary>Describes a status in English.</summary>
-        [DllImport(Library, CallingConvention = CallingConvention.Cdecl, ExactSpelling = true)]
-        public static extern IntPtr rgen_getStatusCodeDescription(IntPtr generator, int status);
+        private const string Library = "strata_repgenlib";
+        private const string HostLibrary = "strata_repgenlib_host";
+        private const CallingConvention C = CallingConvention.Cdecl;
 
-        /// <summary>Creates a text record from a null-terminated text.</summary>
-        [DllImport(Library, CallingConvention = CallingConvention.Cdecl, ExactSpelling = true)]
-        public static extern int rgen_createRgenAnsiString(byte[] text, ref RgenAnsiString target);
+        [DllImport(HostLibrary, CallingConvention = C, ExactSpelling = true)]
+        internal static extern GeneratorHandle rgenh_newReportGenerator(ErrorRecord error);
 
-        /// <summary>Creates a byte array record.</summary>
-        [DllImport(Library, CallingConvention = CallingConvention.Cdecl, ExactSpelling = true)]
-        public static extern int rgen_createRgenByteArray(byte[] bytes, ulong size, ref
-            RgenByteArray target);
+        [DllImport(HostLibrary, CallingConvention = C, ExactSpelling = true)]
+        internal static extern int rgenh_freeReportGenerator(IntPtr generator, IntPtr error);
 
-        /// <summary>Creates a set of empty name/text pairs. The lower-case "pair" in the function
-        /// name is intended.</summary>
-        [DllImport(Library, CallingConvention = CallingConvention.Cdecl, ExactSpelling = true)]
-        public static extern int rgen_createRgenCAnsiStringpairSet(ref RgenCAnsiStringPairSet
-            target, ulong count);
+        [DllImport(HostLibrary, CallingConvention = C, ExactSpelling = true)]
+        internal static extern int rgenh_setDataDirPath(GeneratorHandle generator, byte[] path,
+            ErrorRecord error);
 
-        /// <summary>Creates a set of empty values.</summary>
-        [DllImport(Library, CallingConvention = CallingConvention.Cdecl, ExactSpelling = true)]
-        public static extern int rgen_createRgenCVariantSet(ref RgenCVariantSet target, ulong
-            count);
+        [DllImport(HostLibrary, CallingConvention = C, ExactSpelling = true)]
+        internal static extern int rgenh_setTranslator(GeneratorHandle generator,
+            RgenTranslateFunction translate, IntPtr context, ulong form, ErrorRecord error);
 
-        /// <summary>Creates a named 64-bit integer.</summary>
-        [DllImport(Library, CallingConvention = CallingConvention.Cdecl, ExactSpelling = true)]
-        public static extern int rgen_createRgenCVariantInt64(byte[] name, long value, ulong hint,
-            ref RgenCVariant target);
+        [DllImport(HostLibrary, CallingConvention = C, ExactSpelling = true)]
+        internal static extern int rgenh_cancel(GeneratorHandle generator, Guid[] guid,
+            ErrorRecord error);
 
-        /// <summary>Creates a named handle. Reports, dumps and persistent data do not contain
-        /// handles.</summary>
-        [DllImport(Library, CallingConvention = CallingConvention.Cdecl, ExactSpelling = true)]
-        public static extern int rgen_createRgenCVariantHandle(byte[] name, IntPtr handle, ulong
-            hint, ref RgenCVariant target);
+        [DllImport(HostLibrary, CallingConvention = C, ExactSpelling = true)]
+        internal static extern int rgenh_generateReport(GeneratorHandle generator, IntPtr input,
+            ref RgenCVariant result, ErrorRecord error);
 
-        /// <summary>Creates a named text.</summary>
-        [DllImport(Library, CallingConvention = CallingConvention.Cdecl, ExactSpelling = true)]
-        public static extern int rgen_createRgenCVariantString(byte[] name, byte[] text, ulong hint,
-            ref RgenCVariant target);
+        [DllImport(HostLibrary, CallingConvention = C, ExactSpelling = true)]
+        internal static extern int rgenh_dumpRawInputDataToFile(GeneratorHandle generator,
+            IntPtr input, byte[] path, ErrorRecord error);
 
-        /// <summary>Creates a named byte array.</summary>
-        [DllImport(Library, CallingConvention = CallingConvention.Cdecl, ExactSpelling = true)]
-        public static extern int rgen_createRgenCVariantByteArray(byte[] name, byte[] bytes, ulong
-            size, ulong hint, ref RgenCVariant target);
+        [DllImport(HostLibrary, CallingConvention = C, ExactSpelling = true)]
+        internal static extern int rgenh_getSimulatedRawDataFromFile(GeneratorHandle generator,
+            byte[] path, ref RgenCVariantSet variants, ErrorRecord error);
 
-        /// <summary>Frees the buffer of a text record and empties the record.</summary>
-        [DllImport(Library, CallingConvention = CallingConvention.Cdecl, ExactSpelling = true)]
-        public static extern void rgen_freeRgenAnsiString(ref RgenAnsiString record);
+        [DllImport(HostLibrary, CallingConvention = C, ExactSpelling = true)]
+        internal static extern RequestHandle rgenh_newRequest(ref RgenhRequestParts parts,
+            ErrorRecord error);
 
-        /// <summary>Frees the buffer of a byte array record and empties the record.</summary>
-        [DllImport(Library, CallingConvention = CallingConvention.Cdecl, ExactSpelling = true)]
-        public static extern void rgen_freeRgenByteArray(ref RgenByteArray record);
+        [DllImport(HostLibrary, CallingConvention = C, ExactSpelling = true)]
+        internal static extern IntPtr rgenh_getRequestInput(RequestHandle request);
 
-        /// <summary>Frees the buffers of a value and empties the record; a handle in it is not
-        /// closed.</summary>
-        [DllImport(Library, CallingConvention = CallingConvention.Cdecl, ExactSpelling = true)]
-        public static extern void rgen_freeRgenCVariant(ref RgenCVariant record);
+        [DllImport(HostLibrary, CallingConvention = C, ExactSpelling = true)]
+        internal static extern void rgenh_freeRequest(IntPtr request);
 
-        /// <summary>Frees all values of a set and its array, and empties the record.</summary>
-        [DllImport(Library, CallingConvention = CallingConvention.Cdecl, ExactSpelling = true)]
-        public static extern void rgen_freeRgenCVariantSet(ref RgenCVariantSet set);
+        [DllImport(HostLibrary, CallingConvention = C, ExactSpelling = true)]
+        internal static extern int rgenh_setPersistentValues(GeneratorHandle generator,
+            ref Guid guid, IntPtr values, ulong count, ErrorRecord error);
 
-        /// <summary>Frees all texts of a set of pairs and both arrays, and empties the record. In
-        /// spite of its name it is the counterpart of rgen_createRgenCAnsiStringpairSet.</summary>
-        [DllImport(Library, CallingConvention = CallingConvention.Cdecl, ExactSpelling = true)]
-        public static extern void rgen_freeRgenCAnsiStringSet(ref RgenCAnsiStringPairSet set);
+        [DllImport(HostLibrary, CallingConvention = C, ExactSpelling = true)]
+        internal static extern int rgenh_getPersistentTexts(GeneratorHandle generator,
+            ref Guid guid, ref RgenCAnsiStringPairSet pairs, ErrorRecord error);
 
-        /// <summary>Frees everything inside a request and fills the record with zeros.</summary>
-        [DllImport(Library, CallingConvention = CallingConvention.Cdecl, ExactSpelling = true)]
-        public static extern void rgen_freeRgenCInputParams(ref RgenCInputParams input);
+        [DllImport(HostLibrary, CallingConvention = C, ExactSpelling = true)]
+        internal static extern JobHandle rgenh_startReport(GeneratorHandle generator,
+            RequestHandle request, RgenhJobEndFunction ended, IntPtr context, ErrorRecord error);
 
-        /// <summary>Compares every size and offset with the library's; throws an
-        /// InvalidOperationException that names the first one that differs.</summary>
-        public static void CheckLayout()
-        {
-            Require("pointer", IntPtr.Size, 8);
-            CheckRgenGuid();
-            CheckRgenAnsiString();
-            CheckRgenByteArray();
-            CheckRgenCVariantValue();
-            CheckRgenCVariant();
-            CheckRgenCVariantSet();
-            CheckRgenCAnsiStringPairSet();
-            CheckRgenCInputParams();
-        }
+        [DllImport(HostLibrary, CallingConvention = C, ExactSpelling = true)]
+        internal static extern int rgenh_cancelJob(JobHandle job, ErrorRecord error);
 
-        private static void CheckRgenGuid()
-        {
-            Type record = typeof(RgenGuid);
-            Require("RgenGuid", Marshal.SizeOf(record), 16);
-            RequireOffset(record, "data1", 0);
-            RequireOffset(record, "data2", 4);
-            RequireOffset(record, "data3", 6);
-            RequireOffset(record, "data4_0", 8);
-        }
+        [DllImport(HostLibrary, CallingConvention = C, ExactSpelling = true)]
+        internal static extern int rgenh_takeJobResult(JobHandle job, ref RgenCVariant result,
+            ErrorRecord error);
 
-        private static void CheckRgenAnsiString()
-        {
-            Type record = typeof(RgenAnsiString);
-            Require("RgenAnsiString", Marshal.SizeOf(record), 16);
-            RequireOffset(record, "length", 0);
-            RequireOffset(record, "data", 8);
-        }
+        [DllImport(HostLibrary, CallingConvention = C, ExactSpelling = true)]
+        internal static extern void rgenh_freeJob(IntPtr job);
 
-        private static void CheckRgenByteArray()
-        {
-            Type record = typeof(RgenByteArray);
-            Require("RgenByteArray", Marshal.SizeOf(record), 16);
-            RequireOffset(record, "size", 0);
-            RequireOffset(record, "data", 8);
-        }
+        [DllImport(HostLibrary, CallingConvention = C, ExactSpelling = true)]
+        internal static extern IntPtr rgenh_getStatusText(int status);
 
-        private static void CheckRgenCVariantValue()
-        {
-            Type record = typeof(RgenCVariantValue);
-            Require("RgenCVariantValue", Marshal.SizeOf(record), 16);
-            RequireOffset(record, "int64Value", 0);
-            RequireOffset(record, "stringValue", 0);
-            RequireOffset(record, "byteArrayValue", 0);
-            RequireOffset(record, "handleValue", 0);
-        }
+        [DllImport(HostLibrary, CallingConvention = C, ExactSpelling = true)]
+        internal static extern IntPtr rgenh_getStatusName(int status);
 
-        private static void CheckRgenCVariant()
-        {
-            Type record = typeof(RgenCVariant);
-            Require("RgenCVariant", Marshal.SizeOf(record), 48);
-            RequireOffset(record, "name", 0);
-            RequireOffset(record, "value", 16);
-            RequireOffset(record, "type", 32);
-            RequireOffset(record, "hint", 40);
-        }
+        [DllImport(HostLibrary, CallingConvention = C, ExactSpelling = true)]
+        internal static extern IntPtr rgenh_getStatusCause(int status, ulong index);
 
-        private static void CheckRgenCVariantSet()
-        {
-            Type record = typeof(RgenCVariantSet);
-            Require("RgenCVariantSet", Marshal.SizeOf(record), 16);
-            RequireOffset(record, "items", 0);
-            RequireOffset(record, "count", 8);
-        }
+        [DllImport(HostLibrary, CallingConvention = C, ExactSpelling = true)]
+        internal static extern IntPtr rgenh_getStatusNextStep(int status);
 
-        private static void CheckRgenCAnsiStringPairSet()
-        {
-            Type record = typeof(RgenCAnsiStringPairSet);
-            Require("RgenCAnsiStringPairSet", Marshal.SizeOf(record), 24);
-            RequireOffset(record, "keys", 0);
-            RequireOffset(record, "values", 8);
-            RequireOffset(record, "count", 16);
-        }
+        [DllImport(HostLibrary, CallingConvention = C, ExactSpelling = true)]
+        internal static extern int rgenh_getVersions(ref RgenhVersions versions, ErrorRecord error);
 
-        private static void CheckRgenCInputParams()
-        {
-            Type record = typeof(RgenCInputParams);
-            Require("RgenCInputParams", Marshal.SizeOf(record), 120);
-            RequireOffset(record, "variants", 0);
-            RequireOffset(record, "pairs", 16);
-            RequireOffset(record, "templateGuid", 40);
-            RequireOffset(record, "outputMode", 56);
-            RequireOffset(record, "skipExternalConversion", 64);
-            RequireOffset(record, "outputFormat", 72);
-            RequireOffset(record, "outputPath", 88);
-            RequireOffset(record, "converterBaseArg", 104);
-        }
+        [DllImport(Library, CallingConvention = C, ExactSpelling = true)]
+        internal static extern void rgen_freeRgenCVariant(ref RgenCVariant record);
 
-        private static void RequireOffset(Type record, string field, int wanted)
-        {
-            int found = Marshal.OffsetOf(record, field).ToInt32();
-            Require(record.Name + "." + field, found, wanted);
-        }
+        [DllImport(Library, CallingConvention = C, ExactSpelling = true)]
+        internal static extern void rgen_freeRgenCVariantSet(ref RgenCVariantSet set);
 
-        private static void Require(string what, int found, int wanted)
-        {
-            if (found == wanted) return;
-            throw new InvalidOperationException(
-                what + ": " + found + " bytes where the library has " + wanted);
-        }
+        [DllImport(Library, CallingConvention = C, ExactSpelling = true)]
+        internal static extern void rgen_freeRgenCAnsiStringSet(ref RgenCAnsiStringPairSet set);
     }
 }

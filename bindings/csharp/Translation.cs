@@ -1,82 +1,86 @@
-// The translate callback: the delegate that the library calls, the text that it returned last, and
-// the exception of the translator.
+// The translators of a generator: the delegates that the library calls, the texts that they returned
+// last, and their exceptions.
 //
 // SPDX-License-Identifier: MIT
 using System;
+using System.Collections.Generic;
 using System.Runtime.ExceptionServices;
 using System.Runtime.InteropServices;
 
 namespace StrataRepgenlib
 {
+    /// <summary>One translator.</summary>
     internal sealed class Translation
     {
         /// <summary>The exception of a translator on this thread, which generates.</summary>
         [ThreadStatic]
-        private static ExceptionDispatchInfo raised;
+        private static ExceptionDispatchInfo thrown;
 
-        /// <summary>Stored here so that it lives as long as the library may call it.</summary>
+        /// <summary>The translation that runs on this thread; a translator may use another
+        /// generator, whose translator then runs inside it.</summary>
+        [ThreadStatic]
+        private static Translation running;
+
+        /// <summary>Stored here so that it lives as long as the library may call it; null for no
+        /// translator.</summary>
         internal readonly RgenTranslateFunction Function;
 
+        private readonly object owner;
         private readonly Func<string, string> translate;
-        private readonly bool isMarkup;
+        private Translation outer;
         private IntPtr text;
 
-        internal Translation(Func<string, string> translate, bool isMarkup)
+        internal Translation(object owner, Func<string, string> translate)
         {
+            this.owner = owner;
             this.translate = translate;
-            this.isMarkup = isMarkup;
-            Function = Call;
+            if (translate != null) Function = Call;
         }
 
-        /// <summary>Makes a call of the library; returns its result, and the exception of a
-        /// translator during the call. It may be made inside a translator of another generator,
-        /// which has thrown nothing so far.</summary>
-        internal static int Watch(Func<int> call, out ExceptionDispatchInfo raisedInside)
-        {
-            try
-            {
-                return call();
-            }
-            finally
-            {
-                raisedInside = raised;
-                raised = null;
-            }
-        }
-
-        /// <summary>The generator keeps this object alive while a call runs.</summary>
         ~Translation()
         {
             Marshal.FreeHGlobal(text);
         }
 
-        /// <summary>No exception may leave the callback: after one the text stays as it
-        /// is.</summary>
+        /// <summary>Returns and forgets the exception of a translator on this thread.</summary>
+        internal static ExceptionDispatchInfo TakeThrown()
+        {
+            ExceptionDispatchInfo taken = thrown;
+            thrown = null;
+            return taken;
+        }
+
+        /// <summary>True inside a translator of this owner.</summary>
+        internal static bool RunsHere(object owner)
+        {
+            Translation found = running;
+            while (found != null && found.owner != owner) found = found.outer;
+            return found != null;
+        }
+
+        /// <summary>The library calls it for one text at a time. No exception may leave it: null
+        /// tells the library that the translator failed.</summary>
         private IntPtr Call(IntPtr original, IntPtr context)
         {
-            if (raised != null) return original;
+            outer = running;
+            running = this;
             try
             {
-                byte[] translated = Translated(ReportTexts.FromUtf8(original));
-                if (translated == null) return original;
-                Keep(translated);
+                string marked = NativeTexts.FromUtf8(original);
+                string translated = translate(marked);
+                if (translated == null || translated == marked) return original;
+                Keep(NativeTexts.ToUtf8(translated, "a translation"));
                 return text;
             }
             catch (Exception exception)
             {
-                raised = ExceptionDispatchInfo.Capture(exception);
-                return original;
+                thrown = ExceptionDispatchInfo.Capture(exception);
+                return IntPtr.Zero;
             }
-        }
-
-        /// <summary>Null for a text that stays as it is.</summary>
-        private byte[] Translated(string original)
-        {
-            string translation = translate(original);
-            if (translation == null || translation == original) return null;
-            translation = isMarkup ? ReportTexts.CheckedMarkup(translation, "a translation")
-                                   : ReportTexts.AsMarkup(original, translation);
-            return ReportTexts.ToUtf8(translation, "a translation");
+            finally
+            {
+                running = outer;
+            }
         }
 
         /// <summary>The library copies a text before it requests the next one.</summary>
@@ -86,6 +90,67 @@ namespace StrataRepgenlib
             text = IntPtr.Zero;
             text = Marshal.AllocHGlobal(bytes.Length);
             Marshal.Copy(bytes, 0, text, bytes.Length);
+        }
+    }
+
+    /// <summary>The translations of one generator: the current one, and those that jobs may still
+    /// use.</summary>
+    internal sealed class Translations
+    {
+        private readonly object order = new object();
+        private readonly List<Translation> replaced = new List<Translation>();
+        private Translation current;
+        private int jobs;
+
+        /// <summary>Sets the translator of the library's generator. Two threads do it one after the
+        /// other, so that `current` is the one that the library has.</summary>
+        internal void Set(GeneratorHandle generator, Func<string, string> translate, ulong form)
+        {
+            Translation next = new Translation(this, translate);
+            if (Translation.RunsHere(this))
+            {
+                // The library refuses it. With the lock it could not: its owner may wait for the
+                // end of this translator.
+                Set(generator, next, form);
+                return;
+            }
+            lock (order)
+            {
+                Set(generator, next, form);
+                Replace(next);
+            }
+        }
+
+        /// <summary>Called before a job starts: from now on translations are kept.</summary>
+        internal void BeginJob()
+        {
+            lock (replaced) ++jobs;
+        }
+
+        internal void EndJob()
+        {
+            lock (replaced)
+            {
+                if (--jobs == 0) replaced.Clear();
+            }
+        }
+
+        private static void Set(GeneratorHandle generator, Translation next, ulong form)
+        {
+            using (ErrorRecord error = new ErrorRecord())
+            {
+                error.Check(RgenNative.rgenh_setTranslator(generator, next.Function, IntPtr.Zero,
+                                                           form, error));
+            }
+        }
+
+        private void Replace(Translation next)
+        {
+            lock (replaced)
+            {
+                if (jobs != 0 && current != null) replaced.Add(current);
+                current = next;
+            }
         }
     }
 }

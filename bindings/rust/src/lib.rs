@@ -2,7 +2,8 @@
 //
 // SPDX-License-Identifier: MIT
 
-//! Reports from named, typed values, by the C library strata_repgenlib.
+//! Reports from named, typed values, by the C libraries strata_repgenlib and
+//! strata_repgenlib_host.
 //!
 //! ```no_run
 //! use strata_repgenlib::{Generator, Hint, Request, Value};
@@ -10,7 +11,7 @@
 //!
 //! # fn main() -> Result<(), Box<dyn std::error::Error>> {
 //! let mut generator = Generator::new("reports")?;
-//! generator.set_translator(|text| text.to_uppercase());
+//! generator.set_translator(|text| text.to_uppercase())?;
 //! let mut request = Request::new("deadbabe-0000-0000-0000-000000000000".parse()?, "html");
 //! request.add("Device", "Disk 1 & 2");
 //! request.add("Capacity", Value::Integer(500107862016, Hint::Size));
@@ -20,23 +21,27 @@
 //! # }
 //! ```
 //!
-//! The contract of rgen.h applies. Texts are shown in a report as they are: "&" is escaped for the
-//! library, in persistent data twice. [`Value::Markup`], [`Pair::markup`] and
-//! [`Generator::set_markup_translator`] pass XML content unchanged.
-//!
-//! The library's own C++ exceptions end the process. This crate checks the usual causes before
-//! calls; the README lists the others. [`rgen_native`] has the C interface, letter for letter.
+//! The contract of rgen.h applies. Texts are shown in a report as they are; [`Value::Markup`],
+//! [`Pair::markup`] and [`Generator::set_markup_translator`] pass XML content. Failures are values of
+//! the type [`Error`], whatever fails. [`rgen_native`] has the C interface that the crate uses.
 
 mod error;
-mod file_checks;
 mod generator;
-mod pdf_check;
+mod guid;
+mod job;
+mod nested;
 mod records;
 mod request;
 pub mod rgen_native;
-mod texts;
+#[cfg(feature = "serde")]
+mod serialize;
+mod status;
 mod translation;
 
-pub use error::{ConversionError, Error, StatusError};
-pub use generator::{status_text, Generator};
-pub use request::{Guid, GuidError, Hint, OutputMode, Pair, Request, Value};
+pub use error::{Error, ErrorKind};
+pub use generator::Generator;
+pub use guid::Guid;
+pub use job::Job;
+pub use nested::Node;
+pub use request::{Hint, Pair, Request, Value};
+pub use status::{status_causes, status_name, status_next_step, status_text, versions, Versions};

@@ -1,14 +1,18 @@
-// Owners for records of the library: they free what was created or filled.
+// What calls of the library take and return: pointers into the host's values, and owners for records
+// that the library filled.
 //
 // SPDX-License-Identifier: MIT
+use std::ffi::{CString, OsStr};
+use std::path::Path;
+use std::ptr::{self, NonNull};
 use std::slice;
 
-use crate::error::Error;
-use crate::request::{Hint, OutputMode, Pair, Request, Value};
+use crate::error::{call_for, Error};
+use crate::request::{Hint, Request, Value};
 use crate::rgen_native::*;
-use crate::texts::{
-    escaped, from_record, require_storable, stored_markup, stored_name, stored_text, to_native,
-};
+
+/// The latest time that a report can show: the end of the year 3000.
+const LAST_TIME: i64 = 32_535_215_999;
 
 /// A record that may contain buffers of the library.
 pub(crate) trait Record {
@@ -34,12 +38,6 @@ impl Record for RgenCAnsiStringPairSet {
     }
 }
 
-impl Record for RgenCInputParams {
-    unsafe fn release(&mut self) {
-        rgen_freeRgenCInputParams(self);
-    }
-}
-
 /// Frees a record with its owner.
 pub(crate) struct Owned<R: Record>(pub(crate) R);
 
@@ -56,112 +54,119 @@ impl<R: Record> Drop for Owned<R> {
     }
 }
 
-/// When memory is exhausted, the library leaves records empty.
-pub(crate) fn require(is_there: bool) -> Result<(), Error> {
-    if is_there {
-        Ok(())
-    } else {
-        Err(Error::OutOfMemory)
+/// A request of the library.
+pub(crate) struct NativeRequest(NonNull<RgenhRequest>);
+
+impl NativeRequest {
+    pub(crate) fn new(request: &Request, mode: u64, output: &Path) -> Result<NativeRequest, Error> {
+        let format = terminated(request.format.as_str(), "the format")?;
+        let path = native_path(output)?;
+        let base = terminated(request.converter_base.as_str(), "the base")?;
+        // Values replace pairs of the same name, as later entries do earlier ones.
+        let pairs = request.pairs.iter().map(|pair| {
+            let kind = if pair.is_markup { RGENH_TYPE_MARKUP } else { RGEN_TYPE_STRING };
+            Ok(text_record(&pair.name, &pair.text, kind))
+        });
+        let values = request.values.iter().map(|(name, value)| value_record(name, value));
+        let records = pairs.chain(values).collect::<Result<Vec<RgenhValue>, Error>>()?;
+        let parts = RgenhRequestParts {
+            size: std::mem::size_of::<RgenhRequestParts>() as u64,
+            reportType: ptr::null(),
+            templateGuid: request.report_type.0,
+            format: format.as_ptr().cast(),
+            outputPath: path.as_ptr().cast(),
+            converterBase: base.as_ptr().cast(),
+            outputMode: mode,
+            skipExternalConversion: u64::from(!request.convert),
+            values: records.as_ptr(),
+            valueCount: records.len() as u64,
+            pairs: ptr::null(),
+            pairCount: 0,
+        };
+        call_for(|error| unsafe { rgenh_newRequest(&parts, error) })
+            .map(NativeRequest)
+            .map_err(|error| error.with_key_of(|entry| name_of(request, entry)))
+    }
+
+    pub(crate) fn handle(&self) -> *const RgenhRequest {
+        self.0.as_ptr()
+    }
+
+    pub(crate) fn input(&self) -> *const RgenCInputParams {
+        unsafe { rgenh_getRequestInput(self.handle()) }
     }
 }
 
-fn create_text(text: &str, what: &str, record: &mut RgenAnsiString) -> Result<(), Error> {
-    let native = to_native(text, what)?;
-    require(unsafe { rgen_createRgenAnsiString(native.as_ptr().cast(), record) } != 0)
+impl Drop for NativeRequest {
+    fn drop(&mut self) {
+        unsafe { rgenh_freeRequest(self.0.as_ptr()) }
+    }
 }
 
-/// The create functions return 1 even when memory for a name is exhausted.
-fn create_value(name: &str, value: &Value, record: &mut RgenCVariant) -> Result<(), Error> {
-    let native = to_native(name, "the name of a value")?;
-    let key = native.as_ptr().cast();
+/// The name of an entry of pairs and values.
+fn name_of(request: &Request, entry: usize) -> Option<&str> {
+    let pair = request.pairs.get(entry).map(|pair| pair.name.as_str());
+    let value = || request.values.get(entry - request.pairs.len()).map(|(name, _)| name.as_str());
+    pair.or_else(value)
+}
+
+fn record(name: &str, kind: u64) -> RgenhValue {
+    RgenhValue {
+        name: name.as_ptr(),
+        nameSize: name.len() as u64,
+        r#type: kind,
+        hint: RGEN_HINT_GENERIC,
+        number: 0,
+        data: ptr::null(),
+        size: 0,
+    }
+}
+
+fn text_record(name: &str, text: &str, kind: u64) -> RgenhValue {
+    RgenhValue { data: text.as_ptr().cast(), size: text.len() as u64, ..record(name, kind) }
+}
+
+fn integer_record(name: &str, number: i64, hint: Hint) -> Result<RgenhValue, Error> {
+    let is_time = matches!(hint, Hint::Time | Hint::Date | Hint::DateTime);
+    if is_time && !(0..=LAST_TIME).contains(&number) {
+        let error = Error::argument_error("a report can show times of the years 1970 to 3000 only");
+        return Err(error.with_key(name));
+    }
+    Ok(RgenhValue { number, hint: hint as u64, ..record(name, RGEN_TYPE_INT64) })
+}
+
+/// The record of a value, which points into it.
+pub(crate) fn value_record(name: &str, value: &Value) -> Result<RgenhValue, Error> {
     match value {
-        Value::Text(text) => create_content(key, &escaped(text), record)?,
-        Value::Markup(content) => create_content(key, content, record)?,
-        Value::Integer(number, hint) => unsafe {
-            rgen_createRgenCVariantInt64(key, *number, *hint as u64, record);
-        },
-        Value::Bytes(bytes) => unsafe {
-            let size = bytes.len() as u64;
-            rgen_createRgenCVariantByteArray(key, bytes.as_ptr(), size, RGEN_HINT_DUMP, record);
-            require(bytes.is_empty() || !record.value.byteArrayValue.data.is_null())?;
-        },
-    }
-    require(!record.name.data.is_null())
-}
-
-fn create_content(
-    key: *const CChar,
-    content: &str,
-    record: &mut RgenCVariant,
-) -> Result<(), Error> {
-    let native = to_native(content, "a text")?;
-    unsafe {
-        rgen_createRgenCVariantString(key, native.as_ptr().cast(), RGEN_HINT_GENERIC, record);
-        require(!record.value.stringValue.data.is_null())
+        Value::Text(text) => Ok(text_record(name, text, RGEN_TYPE_STRING)),
+        Value::Markup(content) => Ok(text_record(name, content, RGENH_TYPE_MARKUP)),
+        Value::Integer(number, hint) => integer_record(name, *number, *hint),
+        Value::Bytes(bytes) => Ok(RgenhValue {
+            data: bytes.as_ptr().cast(),
+            size: bytes.len() as u64,
+            ..record(name, RGEN_TYPE_BYTE_ARRAY)
+        }),
     }
 }
 
-/// Fills a set, with an array even for no values: the dump requires one.
-pub(crate) fn create_values(
-    values: &[(String, Value)],
-    set: &mut RgenCVariantSet,
-) -> Result<(), Error> {
-    let count = values.len().max(1);
-    require(unsafe { rgen_createRgenCVariantSet(set, count as u64) } != 0)?;
-    let records = unsafe { slice::from_raw_parts_mut(set.items, count) };
-    for ((name, value), record) in values.iter().zip(records) {
-        create_value(name, value, record)?;
-    }
-    set.count = values.len() as u64;
-    Ok(())
+/// A text that ends at its first zero byte and must not contain another one.
+fn terminated(text: impl Into<Vec<u8>>, what: &str) -> Result<CString, Error> {
+    CString::new(text).map_err(|_| Error::argument_error(format!("{what} contains a zero byte")))
 }
 
-/// A value as the library expects it for persistent data.
-pub(crate) fn stored_value(name: &str, value: &Value) -> Result<(String, Value), Error> {
-    let content = match value {
-        Value::Text(text) => Value::Markup(stored_text(name, text)?),
-        Value::Markup(content) => Value::Markup(stored_markup(name, content)?),
-        Value::Bytes(bytes) => {
-            // They are stored as a hex dump.
-            require_storable(name, bytes.len().saturating_mul(3))?;
-            value.clone()
-        }
-        Value::Integer(..) => value.clone(),
-    };
-    Ok((stored_name(name)?, content))
+/// A path for the library, which reports one that is not UTF-8.
+pub(crate) fn native_path(path: &Path) -> Result<CString, Error> {
+    terminated(path_bytes(path.as_os_str())?, "a path")
 }
 
-pub(crate) fn create_pairs(pairs: &[Pair], set: &mut RgenCAnsiStringPairSet) -> Result<(), Error> {
-    if pairs.is_empty() {
-        return Ok(());
-    }
-    require(unsafe { rgen_createRgenCAnsiStringpairSet(set, pairs.len() as u64) } != 0)?;
-    let keys = unsafe { slice::from_raw_parts_mut(set.keys, pairs.len()) };
-    let texts = unsafe { slice::from_raw_parts_mut(set.values, pairs.len()) };
-    for ((pair, key), text) in pairs.iter().zip(keys).zip(texts) {
-        create_text(&pair.name, "the name of a pair", key)?;
-        let content = if pair.is_markup { pair.text.clone() } else { escaped(&pair.text) };
-        create_text(&content, "the text of a pair", text)?;
-    }
-    Ok(())
+#[cfg(unix)]
+fn path_bytes(path: &OsStr) -> Result<&[u8], Error> {
+    Ok(std::os::unix::ffi::OsStrExt::as_bytes(path))
 }
 
-pub(crate) fn request_record(
-    request: &Request,
-    mode: OutputMode,
-    output: &str,
-) -> Result<Owned<RgenCInputParams>, Error> {
-    let mut input = Owned::<RgenCInputParams>::empty();
-    let record = &mut input.0;
-    create_values(&request.values, &mut record.variants)?;
-    create_pairs(&request.pairs, &mut record.pairs)?;
-    record.templateGuid = request.report_type.0;
-    record.outputMode = mode as u64;
-    record.skipExternalConversion = u64::from(!request.convert);
-    create_text(&request.format, "the format", &mut record.outputFormat)?;
-    create_text(output, "the path", &mut record.outputPath)?;
-    create_text(&request.converter_base, "the base", &mut record.converterBaseArg)?;
-    Ok(input)
+#[cfg(windows)]
+fn path_bytes(path: &OsStr) -> Result<&str, Error> {
+    path.to_str().ok_or_else(|| Error::argument_error("a path contains half a surrogate pair"))
 }
 
 /// The bytes of a result; none for a record without an array.
@@ -176,13 +181,22 @@ pub(crate) fn bytes_of(record: &RgenCVariant) -> Vec<u8> {
     unsafe { slice::from_raw_parts(array.data, array.size as usize) }.to_vec()
 }
 
+/// A text that the library returned. Invalid UTF-8 becomes U+FFFD.
+fn text_of(record: &RgenAnsiString) -> String {
+    if record.data.is_null() {
+        return String::new();
+    }
+    let bytes = unsafe { slice::from_raw_parts(record.data.cast(), record.length as usize) };
+    String::from_utf8_lossy(bytes).into_owned()
+}
+
 fn value_of(record: &RgenCVariant) -> Value {
     match record.r#type {
         RGEN_TYPE_INT64 => {
             Value::Integer(unsafe { record.value.int64Value }, Hint::from_number(record.hint))
         }
         RGEN_TYPE_BYTE_ARRAY => Value::Bytes(bytes_of(record)),
-        _ => Value::Text(from_record(unsafe { &record.value.stringValue })),
+        _ => Value::Text(text_of(unsafe { &record.value.stringValue })),
     }
 }
 
@@ -192,7 +206,7 @@ pub(crate) fn values_of(set: &RgenCVariantSet) -> Vec<(String, Value)> {
         return Vec::new();
     }
     let records = unsafe { slice::from_raw_parts(set.items, set.count as usize) };
-    records.iter().map(|record| (from_record(&record.name), value_of(record))).collect()
+    records.iter().map(|record| (text_of(&record.name), value_of(record))).collect()
 }
 
 /// Names and texts of a set that the library filled.
@@ -202,5 +216,5 @@ pub(crate) fn texts_of(set: &RgenCAnsiStringPairSet) -> Vec<(String, String)> {
     }
     let keys = unsafe { slice::from_raw_parts(set.keys, set.count as usize) };
     let texts = unsafe { slice::from_raw_parts(set.values, set.count as usize) };
-    keys.iter().zip(texts).map(|(key, text)| (from_record(key), from_record(text))).collect()
+    keys.iter().zip(texts).map(|(key, text)| (text_of(key), text_of(text))).collect()
 }

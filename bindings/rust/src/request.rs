@@ -1,90 +1,12 @@
 // Values, pairs, and the request that contains them.
 //
 // SPDX-License-Identifier: MIT
-use std::fmt;
-use std::hash::{Hash, Hasher};
-use std::str::FromStr;
 use std::time::{SystemTime, UNIX_EPOCH};
 
+use crate::error::{call, Error};
+use crate::guid::Guid;
+use crate::nested::{flatten, Node};
 use crate::rgen_native as native;
-use crate::rgen_native::RgenGuid;
-
-/// The GUID of a report type.
-#[derive(Clone, Copy)]
-pub struct Guid(pub RgenGuid);
-
-/// A text that is not a GUID.
-#[derive(Debug, Clone, PartialEq, Eq)]
-pub struct GuidError;
-
-impl Guid {
-    /// A GUID from its four fields.
-    pub const fn new(data1: u32, data2: u16, data3: u16, data4: [u8; 8]) -> Guid {
-        Guid(RgenGuid { data1, data2, data3, data4 })
-    }
-
-    fn fields(&self) -> (u32, u16, u16, [u8; 8]) {
-        let RgenGuid { data1, data2, data3, data4 } = self.0;
-        (data1, data2, data3, data4)
-    }
-}
-
-/// Reads "deadbabe-0000-0000-0000-000000000000", with or without braces.
-impl FromStr for Guid {
-    type Err = GuidError;
-
-    fn from_str(text: &str) -> Result<Guid, GuidError> {
-        let inside = text.strip_prefix('{').and_then(|rest| rest.strip_suffix('}'));
-        let groups: Vec<&str> = inside.unwrap_or(text).split('-').collect();
-        let lengths: Vec<usize> = groups.iter().map(|group| group.len()).collect();
-        let digits = groups.concat();
-        if lengths != [8, 4, 4, 4, 12] || !digits.bytes().all(|byte| byte.is_ascii_hexdigit()) {
-            return Err(GuidError);
-        }
-        let number = u128::from_str_radix(&digits, 16).map_err(|_| GuidError)?;
-        let low = (number as u64).to_be_bytes();
-        Ok(Guid::new((number >> 96) as u32, (number >> 80) as u16, (number >> 64) as u16, low))
-    }
-}
-
-impl fmt::Display for Guid {
-    fn fmt(&self, formatter: &mut fmt::Formatter<'_>) -> fmt::Result {
-        let RgenGuid { data1, data2, data3, data4 } = self.0;
-        write!(formatter, "{data1:08x}-{data2:04x}-{data3:04x}-")?;
-        for (index, byte) in data4.iter().enumerate() {
-            write!(formatter, "{}{byte:02x}", if index == 2 { "-" } else { "" })?;
-        }
-        Ok(())
-    }
-}
-
-impl fmt::Debug for Guid {
-    fn fmt(&self, formatter: &mut fmt::Formatter<'_>) -> fmt::Result {
-        fmt::Display::fmt(self, formatter)
-    }
-}
-
-impl PartialEq for Guid {
-    fn eq(&self, other: &Guid) -> bool {
-        self.fields() == other.fields()
-    }
-}
-
-impl Eq for Guid {}
-
-impl Hash for Guid {
-    fn hash<H: Hasher>(&self, state: &mut H) {
-        self.fields().hash(state);
-    }
-}
-
-impl fmt::Display for GuidError {
-    fn fmt(&self, formatter: &mut fmt::Formatter<'_>) -> fmt::Result {
-        formatter.write_str("a GUID is written deadbabe-0000-0000-0000-000000000000")
-    }
-}
-
-impl std::error::Error for GuidError {}
 
 /// How a 64-bit integer is shown in a report. Texts and bytes do not depend on it.
 #[derive(Debug, Clone, Copy, PartialEq, Eq)]
@@ -121,18 +43,6 @@ impl Hint {
     }
 }
 
-/// Where a report goes; each mode has a function of [`crate::Generator`].
-#[derive(Debug, Clone, Copy, PartialEq, Eq)]
-#[repr(u64)]
-pub enum OutputMode {
-    /// `generate_file`.
-    File = native::RGEN_OUTPUT_FILE,
-    /// `generate_open_file`.
-    DeleteOnClose = native::RGEN_OUTPUT_DELETE_ON_CLOSE,
-    /// `generate_bytes`.
-    Bytes = native::RGEN_OUTPUT_BYTES,
-}
-
 /// A typed value.
 #[derive(Debug, Clone, PartialEq, Eq)]
 pub enum Value {
@@ -150,6 +60,16 @@ impl Value {
     /// An address, shown as "0x" and hexadecimal digits.
     pub fn address(number: u64) -> Value {
         Value::Integer(number as i64, Hint::Address)
+    }
+
+    /// A time in the format of ISO 8601: "2026-03-09T08:14:07Z", "2026-03-09 08:14+01:00",
+    /// "2026-03-09". Without an offset it is local.
+    pub fn time(text: &str, hint: Hint) -> Result<Value, Error> {
+        let mut seconds = 0;
+        let start = text.as_ptr().cast();
+        let size = text.len() as u64;
+        call(|error| unsafe { native::rgenh_parseTime(start, size, &mut seconds, error) })?;
+        Ok(Value::Integer(seconds, hint))
     }
 }
 
@@ -214,7 +134,8 @@ impl From<&[u8]> for Value {
     }
 }
 
-/// Date and time in whole seconds; a report shows them as local time.
+/// Date and time in whole seconds; a report shows them as local time. Calls that use a time before
+/// 1970 or after the year 3000 return an error that names the value.
 impl From<SystemTime> for Value {
     fn from(time: SystemTime) -> Value {
         let seconds = match time.duration_since(UNIX_EPOCH) {
@@ -287,7 +208,19 @@ impl Request {
         self
     }
 
-    pub(crate) fn converts(&self) -> bool {
-        self.format == "pdf" && self.convert
+    /// Adds the values of objects and lists under flat names: Err.1.Address. See docs/values.md. An
+    /// error names the wrong value; nothing is added then.
+    pub fn add_nested(&mut self, object: &Node) -> Result<&mut Request, Error> {
+        self.values.append(&mut flatten(object)?);
+        Ok(self)
+    }
+
+    /// Adds a value of any type that serde can serialize, as `add_nested` does.
+    #[cfg(feature = "serde")]
+    pub fn add_serialized(
+        &mut self,
+        object: &impl serde::Serialize,
+    ) -> Result<&mut Request, Error> {
+        self.add_nested(&crate::serialize::node_of(object)?)
     }
 }

@@ -3,88 +3,82 @@
 //
 // SPDX-License-Identifier: MIT
 use std::any::Any;
-use std::cell::RefCell;
+use std::cell::{RefCell, UnsafeCell};
 use std::ffi::{c_void, CString};
-use std::panic::{catch_unwind, AssertUnwindSafe};
+use std::panic::{catch_unwind, resume_unwind, AssertUnwindSafe};
 
+use crate::error::{native_text, Error};
 use crate::rgen_native::CChar;
-use crate::texts::{as_markup, checked_markup, from_native};
 
-type Payload = Box<dyn Any + Send>;
-
-thread_local! {
-    /// The payload of a translator's panic on this thread, which generates.
-    static RAISED: RefCell<Option<Payload>> = RefCell::new(None);
+/// Why a translator failed.
+pub(crate) enum Raised {
+    Panic(Box<dyn Any + Send>),
+    Error(Error),
 }
 
-/// A translator and the text that it returned last: the library copies it before the next call. The
-/// library holds the generator's lock meanwhile, so only one thread uses it.
-pub(crate) struct Translation {
+impl Raised {
+    /// Panics again, or returns the error.
+    pub(crate) fn error(self) -> Error {
+        match self {
+            Raised::Panic(payload) => resume_unwind(payload),
+            Raised::Error(error) => error,
+        }
+    }
+}
+
+thread_local! {
+    /// The failure of a translator on this thread, which generates.
+    static RAISED: RefCell<Option<Raised>> = RefCell::new(None);
+}
+
+/// Returns and forgets the failure of a translator on this thread.
+pub(crate) fn take_raised() -> Option<Raised> {
+    RAISED.try_with(RefCell::take).unwrap_or(None)
+}
+
+struct State {
     translate: Box<dyn FnMut(&str) -> String + Send>,
-    is_markup: bool,
     text: CString,
 }
 
-impl Translation {
-    pub(crate) fn new(
-        translate: Box<dyn FnMut(&str) -> String + Send>,
-        is_markup: bool,
-    ) -> Translation {
-        Translation { translate, is_markup, text: CString::default() }
-    }
+/// A translator and the text that it returned last: the library copies it before the next call.
+pub(crate) struct Translation(UnsafeCell<State>);
 
-    /// `None` for a text that stays as it is.
-    fn translated(&mut self, original: &str) -> Option<CString> {
-        let translation = (self.translate)(original);
-        if translation == original {
-            return None;
-        }
-        let zero = "a translation holds a zero byte";
-        let native = CString::new(translation).expect(zero);
-        let text = native.to_str().expect("UTF-8");
-        let markup = if self.is_markup {
-            checked_markup(text, "a translation").unwrap_or_else(|error| panic!("{error}"))
-        } else {
-            as_markup(original, text)
-        };
-        Some(CString::new(markup).expect(zero))
+// The library calls a translator on one thread at a time, and never inside itself.
+unsafe impl Sync for Translation {}
+
+impl Translation {
+    pub(crate) fn new(translate: Box<dyn FnMut(&str) -> String + Send>) -> Translation {
+        Translation(UnsafeCell::new(State { translate, text: CString::default() }))
     }
 }
 
-/// The callback of the library, with a [`Translation`] as its context. No panic may leave it: after
-/// one the text stays as it is.
+/// The translation of a text, or null if it stays as it is.
+fn translated(state: &mut State, original: &str) -> Result<*const CChar, Raised> {
+    let call = AssertUnwindSafe(|| (state.translate)(original));
+    let translation = catch_unwind(call).map_err(Raised::Panic)?;
+    if translation == original {
+        return Ok(std::ptr::null());
+    }
+    let zero = |_| Raised::Error(Error::argument_error("a translation contains a zero byte"));
+    state.text = CString::new(translation).map_err(zero)?;
+    Ok(state.text.as_ptr().cast())
+}
+
+/// The callback of the library, with a [`Translation`] as its context. No panic may leave it: null
+/// tells the library that the translator failed.
 pub(crate) unsafe extern "C" fn translate(
     text: *const CChar,
     context: *mut c_void,
 ) -> *const CChar {
-    let work = AssertUnwindSafe(|| {
-        if RAISED.with(|raised| raised.borrow().is_some()) {
-            return text;
+    let state = &mut *(*context.cast::<Translation>()).0.get();
+    match translated(state, &native_text(text)) {
+        Ok(translation) if translation.is_null() => text,
+        Ok(translation) => translation,
+        Err(raised) => {
+            // A thread that ends cannot store it any more.
+            let _ = RAISED.try_with(|place| place.replace(Some(raised)));
+            std::ptr::null()
         }
-        let translation = &mut *context.cast::<Translation>();
-        match translation.translated(&from_native(text)) {
-            Some(translated) => {
-                translation.text = translated;
-                translation.text.as_ptr().cast()
-            }
-            None => text,
-        }
-    });
-    catch_unwind(work).unwrap_or_else(|payload| {
-        // A thread that ends cannot store it any more.
-        let _ = RAISED.try_with(|raised| raised.replace(Some(payload)));
-        text
-    })
-}
-
-/// The callback when there is no translator.
-pub(crate) unsafe extern "C" fn same(text: *const CChar, _context: *mut c_void) -> *const CChar {
-    text
-}
-
-/// Makes a call of the library; returns its result, and the payload of a translator's panic during
-/// the call. It may be made inside a translator of another generator, which has not panicked.
-pub(crate) fn watch<T>(call: impl FnOnce() -> T) -> (T, Option<Payload>) {
-    let result = call();
-    (result, RAISED.with(RefCell::take))
+    }
 }

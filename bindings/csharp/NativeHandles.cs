@@ -1,0 +1,91 @@
+// Owners of what the library creates: each frees it when it is disposed or collected, after the last
+// call that uses it.
+//
+// SPDX-License-Identifier: MIT
+using System;
+using System.Collections.Generic;
+using System.Runtime.InteropServices;
+using Microsoft.Win32.SafeHandles;
+
+namespace StrataRepgenlib
+{
+    internal sealed class GeneratorHandle : SafeHandleZeroOrMinusOneIsInvalid
+    {
+        internal GeneratorHandle() : base(true)
+        {
+        }
+
+        protected override bool ReleaseHandle()
+        {
+            return RgenNative.rgenh_freeReportGenerator(handle, IntPtr.Zero) >= 0;
+        }
+    }
+
+    internal sealed class RequestHandle : SafeHandleZeroOrMinusOneIsInvalid
+    {
+        internal RequestHandle() : base(true)
+        {
+        }
+
+        protected override bool ReleaseHandle()
+        {
+            RgenNative.rgenh_freeRequest(handle);
+            return true;
+        }
+    }
+
+    internal sealed class JobHandle : SafeHandleZeroOrMinusOneIsInvalid
+    {
+        internal JobHandle() : base(true)
+        {
+        }
+
+        protected override bool ReleaseHandle()
+        {
+            RgenNative.rgenh_freeJob(handle);
+            return true;
+        }
+    }
+
+    /// <summary>The error record of one call. It is not marshalled as a structure: only failures
+    /// are worth the copy of 6 KiB.</summary>
+    internal sealed class ErrorRecord : SafeHandleZeroOrMinusOneIsInvalid
+    {
+        private static readonly int Size = Marshal.SizeOf(typeof(RgenhError));
+
+        internal ErrorRecord() : base(true)
+        {
+            SetHandle(Marshal.AllocHGlobal(Size));
+            Marshal.WriteInt64(handle, Size);
+        }
+
+        /// <summary>Throws the exception of a failed call. The values are those of the call, so that
+        /// the exception can name a wrong one.</summary>
+        internal void Check(int status, IReadOnlyList<Value> values = null)
+        {
+            if (status < 0) throw ToException(values);
+        }
+
+        internal ReportException ToException(IReadOnlyList<Value> values = null)
+        {
+            RgenhError record = (RgenhError)Marshal.PtrToStructure(handle, typeof(RgenhError));
+            bool hasEntry = values != null && record.entry < (ulong)values.Count;
+            return ReportException.Create(new ReportFailure
+            {
+                Kind = (ReportErrorKind)record.kind,
+                Status = record.status,
+                SystemError = record.systemError,
+                Argument = record.argument,
+                Key = hasEntry ? values[(int)record.entry].Name : null,
+                Path = NativeTexts.FromUtf8(record.path),
+                Message = NativeTexts.FromUtf8(record.message),
+            });
+        }
+
+        protected override bool ReleaseHandle()
+        {
+            Marshal.FreeHGlobal(handle);
+            return true;
+        }
+    }
+}
