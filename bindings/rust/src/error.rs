@@ -140,6 +140,7 @@ impl Error {
     }
 
     /// The same error about a value inside an object or list with a name.
+    #[cfg(feature = "serde")]
     pub(crate) fn inside(mut self, name: &str) -> Error {
         self.0.key = Some(match self.0.key {
             Some(key) => format!("{name}.{key}"),

@@ -42,14 +42,6 @@ impl Node {
     ) -> Node {
         Node::Object(members.into_iter().map(|(name, node)| (name.into(), node.into())).collect())
     }
-
-    /// The text of a number in its shortest form; NaN is missing.
-    pub(crate) fn fraction(number: f64, digits: String) -> Result<Node, Error> {
-        if number.is_infinite() {
-            return Err(Error::argument_error("an infinite number"));
-        }
-        Ok(if number.is_nan() { Node::Missing } else { Node::Value(Value::Text(digits)) })
-    }
 }
 
 macro_rules! node_from_value {
@@ -70,6 +62,28 @@ impl From<bool> for Node {
         Node::Value(Value::Text(truth.to_string()))
     }
 }
+
+macro_rules! node_from_fraction {
+    ($($source:ty),*) => {
+        $(
+            /// The text of the shortest digits that are the same number. NaN is missing; an
+            /// infinite number is an error.
+            impl TryFrom<$source> for Node {
+                type Error = Error;
+
+                fn try_from(number: $source) -> Result<Node, Error> {
+                    if number.is_infinite() {
+                        return Err(Error::argument_error("an infinite number"));
+                    }
+                    let node = Node::Value(Value::Text(number.to_string()));
+                    Ok(if number.is_nan() { Node::Missing } else { node })
+                }
+            }
+        )*
+    };
+}
+
+node_from_fraction!(f32, f64);
 
 /// Seconds: a number, or a text if there is a fraction.
 impl From<Duration> for Node {

@@ -78,11 +78,11 @@ impl ser::Serializer for NodeSerializer {
     }
 
     fn serialize_f32(self, number: f32) -> Done {
-        Node::fraction(number.into(), number.to_string())
+        number.try_into()
     }
 
     fn serialize_f64(self, number: f64) -> Done {
-        Node::fraction(number, number.to_string())
+        number.try_into()
     }
 
     fn serialize_char(self, character: char) -> Done {

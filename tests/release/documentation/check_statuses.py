@@ -13,10 +13,10 @@ from pathlib import Path
 
 ROOT = Path(__file__).resolve().parents[3]
 PAGE = ROOT / "docs/statuses.md"
-sys.path[:0] = [str(ROOT / "tests/structure"), str(ROOT / "bindings")]
+sys.path[:0] = [str(ROOT / "tests/structure"), str(ROOT / "tests/support")]
 
-from header_reader import read_headers  # In bindings.
 from project_files import finish, problem  # In tests/structure.
+from public_headers import constants_of, numbers_of  # In tests/support.
 
 HARD_BLANK = "\0"
 HEAD = """# Statuses
@@ -62,8 +62,10 @@ def page_text(statuses):
 
 def check_order(statuses):
     """The statuses that the program explains are those of the header, in the same order."""
-    wanted = [(status.name, f"0x{status.value & 0xFFFFFFFF:08X}")
-              for status in read_headers(ROOT / "include/strata_repgenlib").statuses]
+    include = ROOT / "include"
+    names = [name for kind, name in constants_of(include) if kind == "RgenStatus"]
+    wanted = [(name, f"0x{number & 0xFFFFFFFF:08X}")
+              for name, number in numbers_of(include, names).items()]
     if wanted != [(status["name"], status["status"]) for status in statuses]:
         problem("\"rgen explain\" does not have the statuses of rgen_status.h in their order")
 

@@ -27,20 +27,21 @@ internal static partial class CSharpHost
 
     private static void CheckMissingPdf()
     {
-        ConversionException exception = Raised<ConversionException>(() => MakePdf("missing.pdf"));
-        Equal("no engine is there", exception.Reason);
+        ConversionException exception = Thrown<ConversionException>(() => MakePdf("missing.pdf"));
+        Equal("missing.pdf", exception.Path);
+        Equal(RgenStatus.RGEN_E_EXTERNAL_FAILED, exception.Status);
         Equal("missing.pdf: the converter made no file: no engine is there", exception.Message);
     }
 
     private static void CheckBrokenPdf()
     {
-        ConversionException exception = Raised<ConversionException>(() => MakePdf("broken.pdf"));
+        ConversionException exception = Thrown<ConversionException>(() => MakePdf("broken.pdf"));
         Equal("broken.pdf: the converter's file is not a whole pdf", exception.Message);
     }
 
     private static void CheckNotedPdf()
     {
-        ConversionException exception = Raised<ConversionException>(() => MakePdf("noted.pdf"));
+        ConversionException exception = Thrown<ConversionException>(() => MakePdf("noted.pdf"));
         Equal("noted.pdf: the converter failed: a page about a failure", exception.Message);
     }
 
@@ -54,7 +55,7 @@ internal static partial class CSharpHost
 
     private static void CheckNoConverter()
     {
-        StatusRaised(RgenNative.RGEN_E_RUN_EXTERNAL, () => MakePdf("none.pdf"));
+        StatusThrown(RgenStatus.RGEN_E_RUN_EXTERNAL, () => MakePdf("none.pdf"));
     }
 
     private static void CheckCancellation()
@@ -63,7 +64,7 @@ internal static partial class CSharpHost
         request.Values.Add(new Value("a", 1));
         ReportGenerator generator = new ReportGenerator("data");
         StatusException ended = null;
-        Thread thread = new Thread(() => ended = Raised<StatusException>(
+        Thread thread = new Thread(() => ended = Thrown<StatusException>(
                                        () => generator.GenerateFile(request, "never.pdf")));
         thread.Start();
         while (!File.Exists("started.log")) Thread.Yield();

@@ -18,7 +18,7 @@ fn main() {
         "outputs" => calls::check_outputs,
         "openFile" => calls::check_open_file,
         "translation" => calls::check_translation,
-        "raisingTranslator" => calls::check_raising_translator,
+        "throwingTranslator" => calls::check_throwing_translator,
         "failures" => calls::check_failures,
         "refusals" => calls::check_refusals,
         "persistentData" => calls::check_persistent_data,

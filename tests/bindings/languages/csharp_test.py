@@ -51,15 +51,12 @@ class CSharpHost(HostCases, BindingCase):
 
     def test_every_case_of_the_host_is_run(self):
         text = (FOLDER / "csharp_host.cs").read_text(encoding="utf-8")
-        self.assertEqual(CASE_NAMES | {"layout"}, set(re.findall(r'^ +\["(\w+)"\] =', text, re.M)))
+        self.assertEqual(CASE_NAMES, set(re.findall(r'^ +\["(\w+)"\] =', text, re.M)))
 
     def test_the_program_of_the_readme_compiles(self):
         source = self.folder / "readme.cs"
         source.write_text(README_PROGRAM % readme_code("csharp"), encoding="utf-8")
         compile_sources(f"-reference:{self.library}", f"-out:{self.folder / 'readme.exe'}", source)
-
-    def test_layout_is_that_of_the_library(self):
-        self.run_case("layout")
 
 
 if __name__ == "__main__":

@@ -3,7 +3,7 @@ a converter that does what the case says.
 
 The surroundings come from the environment:
 
-RGEN_BINDING_LIBRARY     the shared library
+RGEN_BINDING_LIBRARY     the host library, beside which the report library is
 RGEN_BINDING_CONVERTER   the folder of the stand-in for the converter
 
 SPDX-License-Identifier: MIT
@@ -114,6 +114,12 @@ class HostCases:
     def test_values_and_pairs(self):
         self.run_case("values")
 
+    def test_a_wrong_value_is_named(self):
+        self.run_case("wrongValues")
+
+    def test_objects_and_lists(self):
+        self.run_case("nested")
+
     def test_texts_come_out_as_they_went_in(self):
         self.run_case("escaping")
 
@@ -126,8 +132,11 @@ class HostCases:
     def test_translator(self):
         self.run_case("translation")
 
-    def test_what_a_translator_raises_leaves_the_call(self):
-        self.run_case("raisingTranslator")
+    def test_what_a_translator_throws_leaves_the_call(self):
+        self.run_case("throwingTranslator")
+
+    def test_a_translator_that_calls_its_own_generator(self):
+        self.run_case("reentered")
 
     def test_failures(self):
         self.run_case("failures")
@@ -146,6 +155,8 @@ class HostCases:
         """Data directories that are none, links in a circle, and a link to a good one."""
         for name in ("file", "fifo", "link", "circle", "circled configuration"):
             (self.folder / f"with {name}").mkdir()
+        for name in ("circled template", "circled data", "long template"):
+            shutil.copytree(self.folder / "data", self.folder / f"with {name}")
         (self.folder / "with file" / ".rgen").touch()
         os.mkfifo(self.folder / "with fifo" / ".rgen")
         (self.folder / "with link" / ".rgen").symlink_to("nowhere")
@@ -154,6 +165,14 @@ class HostCases:
         (self.folder / "with circled configuration" / ".rgen" / "config.xml").symlink_to(
             "config.xml")
         (self.folder / "circle.txt").symlink_to("circle.txt")
+        template = self.folder / "with circled template" / ".rgen/templates/txt/listing.xsl"
+        template.unlink()
+        template.symlink_to(template.name)
+        persistent = self.folder / "with circled data" / ".rgen/persistent.xml"
+        persistent.symlink_to(persistent.name)
+        configuration = self.folder / "with long template" / ".rgen/config.xml"
+        configuration.write_text(CONFIGURATION.replace("listing.xsl", "t" * 300 + ".xsl"),
+                                 encoding="utf-8")
         (self.folder / "linked").mkdir()
         (self.folder / "linked" / ".rgen").symlink_to("../data/.rgen")
 
@@ -171,6 +190,12 @@ class HostCases:
 
     def test_threads(self):
         self.run_case("threads")
+
+    def test_jobs(self):
+        self.run_case("jobs")
+
+    def test_a_job_uses_the_translator_of_its_start(self):
+        self.run_case("jobTranslators")
 
     def test_whole_pdf(self):
         self.run_case("wholePdf", conversion="whole")
@@ -193,6 +218,10 @@ class HostCases:
     def test_cancelled_and_disposed_while_the_converter_runs(self):
         self.addCleanup((self.folder / "go").touch)
         self.run_case("cancellation", conversion="waiting")
+
+    def test_a_job_is_cancelled_alone(self):
+        self.addCleanup((self.folder / "go").touch)
+        self.run_case("cancelledJob", conversion="waiting")
 
 
 CASE_NAMES = set(re.findall(r'run_case\("(\w+)"', Path(__file__).read_text(encoding="utf-8")))

@@ -85,7 +85,7 @@ fn panic_of<T>(call: impl FnOnce() -> T) -> String {
     }
 }
 
-pub fn check_raising_translator() {
+pub fn check_throwing_translator() {
     set_hook(Box::new(|_| ()));
     let calls = Arc::new(Mutex::new(0));
     let counter = calls.clone();
