@@ -59,24 +59,26 @@ namespace StrataRepgenlib
             Marshal.WriteInt64(handle, Size);
         }
 
-        /// <summary>Throws the exception of a failed call. The values are those of the call, so that
-        /// the exception can name a wrong one.</summary>
+        /// <summary>Throws the exception of a failed call.</summary>
         internal void Check(int status, IReadOnlyList<Value> values = null)
         {
             if (status < 0) throw ToException(values);
         }
 
-        internal ReportException ToException(IReadOnlyList<Value> values = null)
+        /// <summary>The exception of a failed call. The entries are those of the call, pairs first,
+        /// so that the exception can name a wrong one.</summary>
+        internal ReportException ToException(IReadOnlyList<Value> entries = null, int pairs = 0)
         {
             RgenhError record = (RgenhError)Marshal.PtrToStructure(handle, typeof(RgenhError));
-            bool hasEntry = values != null && record.entry < (ulong)values.Count;
+            bool hasEntry = entries != null && record.entry < (ulong)entries.Count;
+            int first = record.entryIsPair != 0 ? 0 : pairs;
             return ReportException.Create(new ReportFailure
             {
                 Kind = (ReportErrorKind)record.kind,
                 Status = record.status,
                 SystemError = record.systemError,
                 Argument = record.argument,
-                Key = hasEntry ? values[(int)record.entry].Name : null,
+                Key = hasEntry ? entries[first + (int)record.entry].Name : null,
                 Path = NativeTexts.FromUtf8(record.path),
                 Message = NativeTexts.FromUtf8(record.message),
             });

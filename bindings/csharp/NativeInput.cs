@@ -88,7 +88,7 @@ namespace StrataRepgenlib
                 RgenhRequestParts parts = input.Parts(request, output);
                 parts.outputMode = mode;
                 RequestHandle handle = RgenNative.rgenh_newRequest(ref parts, error);
-                if (handle.IsInvalid) throw error.ToException(input.values);
+                if (handle.IsInvalid) throw error.ToException(input.values, request.Pairs.Count);
                 return handle;
             }
         }
@@ -119,6 +119,7 @@ namespace StrataRepgenlib
             int path = AddEnded(output, "the output path");
             int converterBase = AddEnded(request.ConverterBase, "the base");
             IntPtr array = Pin();
+            int pairs = request.Pairs.Count;
             IntPtr start = pinnedBlock.AddrOfPinnedObject();
             return new RgenhRequestParts
             {
@@ -128,8 +129,10 @@ namespace StrataRepgenlib
                 outputPath = start + path,
                 converterBase = start + converterBase,
                 skipExternalConversion = request.Convert ? 0UL : 1UL,
-                values = array,
-                valueCount = (ulong)records.Length,
+                values = array + pairs * Marshal.SizeOf(typeof(RgenhValue)),
+                valueCount = (ulong)(records.Length - pairs),
+                pairs = array,
+                pairCount = (ulong)pairs,
             };
         }
 

@@ -47,7 +47,7 @@ namespace StrataRepgenlib
     {
         private readonly ReportFailure failure;
 
-        internal ReportException(ReportFailure failure) : base(Describe(failure))
+        internal ReportException(ReportFailure failure) : base(failure.Message)
         {
             this.failure = failure;
         }
@@ -121,12 +121,6 @@ namespace StrataRepgenlib
                 default: return new ReportException(failure);
             }
         }
-
-        private static string Describe(ReportFailure failure)
-        {
-            if (failure.Key == null) return failure.Message;
-            return "\"" + failure.Key + "\": " + failure.Message;
-        }
     }
 
     /// <summary>The library returned a negative status.</summary>
@@ -178,7 +172,7 @@ namespace StrataRepgenlib
                 Status = RgenStatus.RGEN_E_BAD_PARAMETER,
                 Key = key,
                 Path = "",
-                Message = message,
+                Message = (key == null ? "" : "\"" + key + "\": ") + message,
             });
         }
     }

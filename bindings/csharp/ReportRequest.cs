@@ -205,8 +205,7 @@ namespace StrataRepgenlib
             set { converterBase = value ?? throw new ArgumentNullException(nameof(value)); }
         }
 
-        /// <summary>Pairs and values as one list, in which a later entry replaces an earlier one of
-        /// the same name.</summary>
+        /// <summary>First the pairs, then the values.</summary>
         internal List<Value> AllValues()
         {
             if (Pairs.Count == 0) return Values;

@@ -154,7 +154,7 @@ namespace StrataRepgenlib
         public int status;
         public long systemError;
         public int argument;
-        public int reserved;
+        public int entryIsPair;
         public ulong entry;
         [MarshalAs(UnmanagedType.ByValArray, SizeConst = RgenNative.RGENH_PATH_SIZE)]
         public byte[] path;

@@ -62,6 +62,7 @@ struct Failure {
     system_error: i64,
     argument: i32,
     entry: u64,
+    entry_is_pair: bool,
     key: Option<String>,
     path: PathBuf,
     message: String,
@@ -127,16 +128,18 @@ impl Error {
             system_error: 0,
             argument: 0,
             entry: RGENH_NO_ENTRY,
+            entry_is_pair: false,
             key: None,
             path: PathBuf::new(),
             message: message.into(),
         }))
     }
 
-    /// The same error with the name of the wrong value.
-    pub(crate) fn with_key(mut self, key: &str) -> Error {
-        self.0.key = Some(key.to_string());
-        self
+    /// A wrong value with a name.
+    pub(crate) fn about(key: &str, message: &str) -> Error {
+        let mut error = Error::argument_error(format!("\"{key}\": {message}"));
+        error.0.key = Some(key.to_string());
+        error
     }
 
     /// The same error about a value inside an object or list with a name.
@@ -149,21 +152,30 @@ impl Error {
         self
     }
 
-    /// The same error with the name of the entry that the library found wrong.
-    pub(crate) fn with_key_of<'a>(self, name_of: impl FnOnce(usize) -> Option<&'a str>) -> Error {
-        let entry = usize::try_from(self.0.entry).ok();
-        match entry.and_then(name_of) {
-            Some(name) => self.with_key(name),
+    /// The same error with its key in the message.
+    #[cfg(feature = "serde")]
+    pub(crate) fn named(self) -> Error {
+        match self.key() {
+            Some(key) => Error::about(key, &self.0.message),
             None => self,
         }
+    }
+
+    /// The same error with the name of the entry that the library found wrong. The function gets
+    /// its index, and whether it is a pair.
+    pub(crate) fn with_key_of<'a>(
+        mut self,
+        name_of: impl FnOnce(usize, bool) -> Option<&'a str>,
+    ) -> Error {
+        let entry = usize::try_from(self.0.entry).ok();
+        let name = entry.and_then(|entry| name_of(entry, self.0.entry_is_pair));
+        self.0.key = name.map(str::to_string);
+        self
     }
 }
 
 impl fmt::Display for Error {
     fn fmt(&self, formatter: &mut fmt::Formatter<'_>) -> fmt::Result {
-        if let Some(key) = self.key() {
-            write!(formatter, "\"{key}\": ")?;
-        }
         formatter.write_str(&self.0.message)
     }
 }
@@ -195,6 +207,7 @@ fn error_of(record: &RgenhError) -> Error {
         system_error: record.systemError,
         argument: record.argument,
         entry: record.entry,
+        entry_is_pair: record.entryIsPair != 0,
         key: None,
         path: PathBuf::from(field_text(&record.path)),
         message: field_text(&record.message),

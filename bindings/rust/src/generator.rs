@@ -12,7 +12,7 @@ use crate::error::{call, call_for, Error};
 use crate::guid::Guid;
 use crate::job::Job;
 use crate::records::{
-    bytes_of, native_path, texts_of, value_record, values_of, NativeRequest, Owned,
+    bytes_of, native_path, texts_of, value_records, values_of, NativeRequest, Owned,
 };
 use crate::request::{Request, Value};
 use crate::rgen_native::*;
@@ -171,13 +171,12 @@ impl Generator {
         report_type: &Guid,
         values: &[(String, Value)],
     ) -> Result<(), Error> {
-        let records = values.iter().map(|(name, value)| value_record(name, value));
-        let records = records.collect::<Result<Vec<RgenhValue>, Error>>()?;
+        let records = value_records(values)?;
         let (guid, array, count) = (&report_type.0, records.as_ptr(), records.len() as u64);
         call(|error| unsafe {
             rgenh_setPersistentValues(self.handle.as_ptr(), guid, array, count, error)
         })
-        .map_err(|error| error.with_key_of(|entry| Some(values.get(entry)?.0.as_str())))?;
+        .map_err(|error| error.with_key_of(|entry, _| Some(values.get(entry)?.0.as_str())))?;
         Ok(())
     }
 

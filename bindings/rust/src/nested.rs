@@ -122,8 +122,11 @@ fn add_members(
 ) -> Result<(), Error> {
     for (key, node) in members {
         if key.is_empty() {
-            let error = Error::argument_error("a member has an empty name");
-            return Err(if name.is_empty() { error } else { error.with_key(name) });
+            let message = "a member has an empty name";
+            return Err(match name {
+                "" => Error::argument_error(message),
+                _ => Error::about(name, message),
+            });
         }
         let full = if level == 1 { key.clone() } else { format!("{name}.{key}") };
         add(full, node, level, found)?;
@@ -140,7 +143,7 @@ fn add(
 ) -> Result<(), Error> {
     let is_nested = matches!(node, Node::List(_) | Node::Object(_));
     if is_nested && level == DEEPEST_LEVEL {
-        return Err(Error::argument_error("more than 32 levels").with_key(&name));
+        return Err(Error::about(&name, "more than 32 levels"));
     }
     match node {
         Node::Missing => Ok(()),

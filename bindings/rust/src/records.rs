@@ -8,7 +8,7 @@ use std::ptr::{self, NonNull};
 use std::slice;
 
 use crate::error::{call_for, Error};
-use crate::request::{Hint, Request, Value};
+use crate::request::{Hint, Pair, Request, Value};
 use crate::rgen_native::*;
 
 /// The latest time that a report can show: the end of the year 3000.
@@ -62,13 +62,8 @@ impl NativeRequest {
         let format = terminated(request.format.as_str(), "the format")?;
         let path = native_path(output)?;
         let base = terminated(request.converter_base.as_str(), "the base")?;
-        // Values replace pairs of the same name, as later entries do earlier ones.
-        let pairs = request.pairs.iter().map(|pair| {
-            let kind = if pair.is_markup { RGENH_TYPE_MARKUP } else { RGEN_TYPE_STRING };
-            Ok(text_record(&pair.name, &pair.text, kind))
-        });
-        let values = request.values.iter().map(|(name, value)| value_record(name, value));
-        let records = pairs.chain(values).collect::<Result<Vec<RgenhValue>, Error>>()?;
+        let pairs: Vec<RgenhValue> = request.pairs.iter().map(pair_record).collect();
+        let values = value_records(&request.values)?;
         let parts = RgenhRequestParts {
             size: std::mem::size_of::<RgenhRequestParts>() as u64,
             reportType: ptr::null(),
@@ -78,14 +73,14 @@ impl NativeRequest {
             converterBase: base.as_ptr().cast(),
             outputMode: mode,
             skipExternalConversion: u64::from(!request.convert),
-            values: records.as_ptr(),
-            valueCount: records.len() as u64,
-            pairs: ptr::null(),
-            pairCount: 0,
+            values: values.as_ptr(),
+            valueCount: values.len() as u64,
+            pairs: pairs.as_ptr(),
+            pairCount: pairs.len() as u64,
         };
         call_for(|error| unsafe { rgenh_newRequest(&parts, error) })
             .map(NativeRequest)
-            .map_err(|error| error.with_key_of(|entry| name_of(request, entry)))
+            .map_err(|error| error.with_key_of(|entry, is_pair| name_of(request, entry, is_pair)))
     }
 
     pub(crate) fn handle(&self) -> *const RgenhRequest {
@@ -103,11 +98,11 @@ impl Drop for NativeRequest {
     }
 }
 
-/// The name of an entry of pairs and values.
-fn name_of(request: &Request, entry: usize) -> Option<&str> {
-    let pair = request.pairs.get(entry).map(|pair| pair.name.as_str());
-    let value = || request.values.get(entry - request.pairs.len()).map(|(name, _)| name.as_str());
-    pair.or_else(value)
+fn name_of(request: &Request, entry: usize, is_pair: bool) -> Option<&str> {
+    if is_pair {
+        return Some(&request.pairs.get(entry)?.name);
+    }
+    Some(&request.values.get(entry)?.0)
 }
 
 fn record(name: &str, kind: u64) -> RgenhValue {
@@ -129,14 +124,22 @@ fn text_record(name: &str, text: &str, kind: u64) -> RgenhValue {
 fn integer_record(name: &str, number: i64, hint: Hint) -> Result<RgenhValue, Error> {
     let is_time = matches!(hint, Hint::Time | Hint::Date | Hint::DateTime);
     if is_time && !(0..=LAST_TIME).contains(&number) {
-        let error = Error::argument_error("a report can show times of the years 1970 to 3000 only");
-        return Err(error.with_key(name));
+        return Err(Error::about(name, "a report can show times of the years 1970 to 3000 only"));
     }
     Ok(RgenhValue { number, hint: hint as u64, ..record(name, RGEN_TYPE_INT64) })
 }
 
-/// The record of a value, which points into it.
-pub(crate) fn value_record(name: &str, value: &Value) -> Result<RgenhValue, Error> {
+fn pair_record(pair: &Pair) -> RgenhValue {
+    let kind = if pair.is_markup { RGENH_TYPE_MARKUP } else { RGEN_TYPE_STRING };
+    text_record(&pair.name, &pair.text, kind)
+}
+
+/// Records of values, which point into them.
+pub(crate) fn value_records(values: &[(String, Value)]) -> Result<Vec<RgenhValue>, Error> {
+    values.iter().map(|(name, value)| value_record(name, value)).collect()
+}
+
+fn value_record(name: &str, value: &Value) -> Result<RgenhValue, Error> {
     match value {
         Value::Text(text) => Ok(text_record(name, text, RGEN_TYPE_STRING)),
         Value::Markup(content) => Ok(text_record(name, content, RGENH_TYPE_MARKUP)),

@@ -221,6 +221,6 @@ impl Request {
         &mut self,
         object: &impl serde::Serialize,
     ) -> Result<&mut Request, Error> {
-        self.add_nested(&crate::serialize::node_of(object)?)
+        self.add_nested(&crate::serialize::node_of(object).map_err(Error::named)?)
     }
 }

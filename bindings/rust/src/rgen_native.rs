@@ -219,7 +219,7 @@ pub struct RgenhError {
     pub status: RgenStatus,
     pub systemError: i64,
     pub argument: i32,
-    pub reserved: i32,
+    pub entryIsPair: i32,
     pub entry: u64,
     pub path: [u8; RGENH_PATH_SIZE],
     pub message: [u8; RGENH_MESSAGE_SIZE],

@@ -1,6 +1,6 @@
 """Runs the suites of the declarations and hosts in other languages.
 
-Usage: run_declaration_tests.py [SUITE...]    these suites, all of them by default
+Usage: run_language_tests.py [SUITE...]    these suites, all of them by default
 
 The last line is "all tests ran to the end" when no case was left out.
 

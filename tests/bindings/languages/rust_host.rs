@@ -3,9 +3,13 @@
 // SPDX-License-Identifier: MIT
 #[path = "rust_host_calls.rs"]
 mod calls;
+#[path = "rust_host_failures.rs"]
+mod failures;
+#[path = "rust_host_jobs.rs"]
+mod jobs;
 
 use strata_repgenlib::rgen_native::*;
-use strata_repgenlib::{status_text, Error, Generator, Guid, Hint, Pair, Request, Value};
+use strata_repgenlib::*;
 
 pub const TYPE: Guid = Guid::new(0xDEADBABE, 0, 0, [0; 8]);
 
@@ -14,18 +18,23 @@ fn main() {
     let case = match name.as_str() {
         "statuses" => check_statuses,
         "values" => check_values,
+        "wrongValues" => failures::check_wrong_values,
+        "nested" => calls::check_nested,
         "escaping" => check_escaping,
         "outputs" => calls::check_outputs,
         "openFile" => calls::check_open_file,
         "translation" => calls::check_translation,
         "throwingTranslator" => calls::check_throwing_translator,
-        "failures" => calls::check_failures,
-        "refusals" => calls::check_refusals,
+        "reentered" => failures::check_reentered,
+        "failures" => failures::check_failures,
+        "refusals" => failures::check_refusals,
         "persistentData" => calls::check_persistent_data,
         "persistentLimits" => calls::check_persistent_limits,
         "dumpAndSimulation" => calls::check_dump_and_simulation,
         "memory" => calls::check_memory,
         "threads" => calls::check_threads,
+        "jobs" => jobs::check_jobs,
+        "jobTranslators" => jobs::check_job_translators,
         "wholePdf" => calls::check_whole_pdf,
         "missingPdf" => calls::check_missing_pdf,
         "brokenPdf" => calls::check_broken_pdf,
@@ -33,6 +42,7 @@ fn main() {
         "notedBefore" => calls::check_noted_before,
         "noConverter" => calls::check_no_converter,
         "cancellation" => calls::check_cancellation,
+        "cancelledJob" => jobs::check_cancelled_job,
         _ => panic!("no case {name}"),
     };
     case();
@@ -66,27 +76,41 @@ pub fn listing(lines: &[&str]) -> String {
     format!("Values\nEnd\n{}", rows.concat())
 }
 
-pub fn expect_status<T>(status: RgenStatus, result: Result<T, Error>) {
-    match result {
-        Err(Error::Status(error)) => {
-            assert_eq!(Some(error.name()), status_name(status));
-            assert!(!error.text().is_empty());
-        }
-        Err(error) => panic!("another error: {error}"),
-        Ok(_) => panic!("no error"),
-    }
+pub fn one() -> Request {
+    text_request(vec![("a", Value::from(1))])
 }
 
-pub fn expect_text_error<T>(result: Result<T, Error>) {
-    assert!(matches!(result, Err(Error::Text(_))));
+pub fn expect_kind<T>(kind: ErrorKind, result: Result<T, Error>) -> Error {
+    let error = result.err().expect("an error");
+    assert_eq!(kind, error.kind(), "{error}");
+    assert!(!error.to_string().is_empty());
+    error
+}
+
+pub fn expect_status<T>(status: RgenStatus, result: Result<T, Error>) {
+    let error = expect_kind(ErrorKind::Status, result);
+    assert_eq!(status, error.status());
+    assert_eq!(status_name(status), error.name());
+    assert_eq!(status_text(status), error.text());
+    assert_eq!(status_next_step(status), error.next_step());
+}
+
+pub fn expect_argument<T>(result: Result<T, Error>) -> Error {
+    expect_kind(ErrorKind::Argument, result)
 }
 
 // ---- Statuses, values, texts -------------------------------------------------------------------
 
 fn check_statuses() {
-    assert_eq!(Some("RGEN_OK"), status_name(0));
-    assert_eq!(Some("RGEN_CANCELED"), status_name(0x80000001_u32 as i32));
-    assert_eq!(None, status_name(1));
+    assert_eq!("RGEN_OK", status_name(0));
+    assert_eq!("RGEN_CANCELED", status_name(0x80000001_u32 as i32));
+    assert_eq!("", status_name(1));
+    assert!(status_causes(1).is_empty());
+    assert!(!status_causes(RGEN_E_TEMPLATE_NOT_FOUND).is_empty());
+    assert!(!status_next_step(RGEN_E_TEMPLATE_NOT_FOUND).is_empty());
+    let loaded = versions().expect("versions");
+    assert_eq!(loaded.library, loaded.host);
+    assert!(loaded.library_path.is_file() && loaded.host_path.is_file());
     assert_eq!("Template is not found in folder", status_text(RGEN_E_TEMPLATE_NOT_FOUND));
     assert_eq!("Undescribed error", status_text(0xC0990000_u32 as i32));
     assert_eq!(TYPE, guid("{DEADBABE-0000-0000-0000-000000000000}"));
@@ -94,6 +118,9 @@ fn check_statuses() {
     assert_eq!(other, guid(other).to_string());
     let types = std::collections::HashSet::from([TYPE, guid(other), TYPE]);
     assert_eq!((2, true), (types.len(), types.contains(&guid(other))));
+    let iso = Value::time("2026-03-09T08:14:07-04:00", Hint::DateTime).expect("a time");
+    assert_eq!(Value::Integer(1773058447, Hint::DateTime), iso);
+    expect_argument(Value::time("1969-01-01T00:00:00Z", Hint::Date));
     for text in ["", "deadbabe", "+eadbabe-0000-0000-0000-000000000000", "{deadbabe-0000}"] {
         assert!(text.parse::<Guid>().is_err());
     }

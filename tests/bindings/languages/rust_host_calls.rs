@@ -1,19 +1,16 @@
-// The cases of the host in Rust about outputs, translators, failures and stored data.
+// The cases of the host in Rust about outputs, translators, stored data and the converter.
 //
 // SPDX-License-Identifier: MIT
 use std::collections::BTreeMap;
 use std::fs;
-use std::io::{ErrorKind, Read, Seek, SeekFrom};
+use std::io::{Read, Seek, SeekFrom};
 use std::panic::{catch_unwind, set_hook, AssertUnwindSafe};
 use std::path::Path;
 use std::sync::{Arc, Mutex};
 use std::thread;
+use std::time::Duration;
 
 use super::*;
-
-fn one() -> Request {
-    text_request(vec![("a", Value::from(1))])
-}
 
 // ---- Outputs -----------------------------------------------------------------------------------
 
@@ -42,31 +39,35 @@ pub fn check_translation() {
     let asked = Arc::new(Mutex::new(Vec::new()));
     let list = asked.clone();
     let mut generator = open();
-    generator.set_translator(move |text| {
-        list.lock().expect("a list").push(text.to_string());
-        if text == "End" {
-            text.to_string()
-        } else {
-            "Größe & <слово>".to_string()
-        }
-    });
+    generator
+        .set_translator(move |text| {
+            list.lock().expect("a list").push(text.to_string());
+            if text == "End" {
+                text.to_string()
+            } else {
+                "Größe & <слово>".to_string()
+            }
+        })
+        .expect("a translator");
     let generator = Box::new(generator);
     assert_eq!("Größe & <слово>\nEnd\n[a=1]\n", text_report(&generator, &one()));
     assert_eq!(vec!["Values", "End"], *asked.lock().expect("a list"));
     let mut generator = *generator;
-    generator.set_markup_translator(|_| "&#65;".to_string());
+    generator.set_markup_translator(|_| "&#65;".to_string()).expect("a translator");
     assert_eq!("A\nA\n[a=1]\n", text_report(&generator, &one()));
-    generator.set_translator(|text| format!("]]>\u{7}&nbsp;{text}"));
+    generator.set_translator(|text| format!("]]>\u{7}&nbsp;{text}")).expect("a translator");
     let expected = "]]>\u{FFFD}&nbsp;Values\n]]>\u{FFFD}&nbsp;End\n[a=1]\n";
     assert_eq!(expected, text_report(&generator, &one()));
-    generator.clear_translator();
+    generator.clear_translator().expect("no translator");
     assert_eq!(listing(&["a=1"]), text_report(&generator, &one()));
     assert_eq!(1, Arc::strong_count(&asked));
     let list = asked.clone();
-    generator.set_translator(move |text| {
-        list.lock().expect("a list").push(text.to_string());
-        "it's & 'so'".to_string()
-    });
+    generator
+        .set_translator(move |text| {
+            list.lock().expect("a list").push(text.to_string());
+            "it's & 'so'".to_string()
+        })
+        .expect("a translator");
     let mut request = Request::new(guid("22222222-3333-4444-5555-666666666666"), "txt");
     request.add("a", 1);
     let page = text_report(&generator, &request);
@@ -90,92 +91,84 @@ pub fn check_throwing_translator() {
     let calls = Arc::new(Mutex::new(0));
     let counter = calls.clone();
     let mut generator = open();
-    generator.set_translator(move |_| {
+    let panicking = move |_: &str| -> String {
         *counter.lock().expect("a number") += 1;
         panic!("on purpose")
-    });
+    };
+    generator.set_translator(panicking).expect("a translator");
     assert_eq!("on purpose", panic_of(|| generator.generate_bytes(&one())));
     assert_eq!(1, *calls.lock().expect("a number"));
     assert_eq!("on purpose", panic_of(|| generator.generate_open_file(&one(), "x.txt")));
-    generator.set_markup_translator(|_| "a&nbsp;b".to_string());
-    assert!(panic_of(|| generator.generate_bytes(&one())).contains("unknown reference"));
-    // A panic in the translator of one generator does not reach that of another.
+    let job = generator.start_bytes(&one()).expect("a job");
+    assert_eq!("on purpose", panic_of(|| job.take()));
+    drop(generator.start_bytes(&one()).expect("a job"));
+    generator.set_markup_translator(|_| "a&nbsp;b".to_string()).expect("a translator");
+    expect_kind(ErrorKind::Callback, generator.generate_bytes(&one()));
+    // A failure in the translator of one generator does not reach that of another.
     let mut inner = open();
-    inner.set_translator(|_| "a\0b".to_string());
-    generator.set_translator(move |text| {
-        assert!(panic_of(|| inner.generate_bytes(&one())).contains("zero byte"));
+    inner.set_translator(|_| "a\0b".to_string()).expect("a translator");
+    let calling = move |text: &str| {
+        let error = expect_argument(inner.generate_bytes(&one()));
+        assert_eq!("a translation contains a zero byte", error.to_string());
         text.to_string()
-    });
+    };
+    generator.set_translator(calling).expect("a translator");
     assert_eq!(listing(&["a=1"]), text_report(&generator, &one()));
 }
 
-// ---- Failures ----------------------------------------------------------------------------------
+// ---- Objects and lists -------------------------------------------------------------------------
 
-pub fn check_failures() {
-    expect_status(RGEN_E_DIR_NOT_FOUND, Generator::new("nothing here"));
-    expect_text_error(Generator::new(""));
-    let generator = open();
-    expect_status(RGEN_E_EMPTY_INPUT, generator.generate_bytes(&text_request(vec![])));
-    let mut request = Request::new(guid("11111111-2222-3333-4444-555555555555"), "txt");
-    request.add("a", 1);
-    expect_status(RGEN_E_TEMPLATE_NOT_FOUND, generator.generate_bytes(&request));
-    let unknown = guid("66666666-7777-8888-9999-aaaaaaaaaaaa");
-    expect_status(RGEN_E_GUID_NOT_IN_CONFIG, generator.persistent_data(&unknown));
-    expect_status(RGEN_E_OVERWRITE_OUTPUT, generator.generate_file(&one(), "data"));
-    let error = generator.generate_file(&one(), "gone/x.txt").expect_err("no folder");
-    assert_eq!(
-        "gone/x.txt: Cannot create output file (0xC000000C RGEN_E_CREATE_OUTPUT)",
-        error.to_string()
-    );
-    assert_eq!(Some(RGEN_E_CREATE_OUTPUT), error.status());
-    let zero = text_request(vec![("a", "zero \0 inside".into())]);
-    expect_text_error(generator.generate_bytes(&zero));
-    expect_text_error(generator.generate_bytes(&text_request(vec![("a\0b", 1.into())])));
-    expect_text_error(generator.generate_file(&Request::new(TYPE, "pdf"), "a \" quote.pdf"));
-    use std::os::unix::ffi::OsStrExt;
-    let no_utf8 = std::ffi::OsStr::from_bytes(b"a \xFF b");
-    expect_text_error(generator.generate_file(&one(), no_utf8));
-    expect_text_error(generator.generate_file(&one(), "a\0b"));
-    expect_text_error(generator.simulated_input("a\0b"));
-    expect_text_error(Generator::new("a\0b"));
+pub fn check_nested() {
+    let mut request = text_request(vec![]);
+    let long = Node::from(Duration::from_millis(1500));
+    let object = Node::object([
+        ("Device", Node::object([("Model", Node::from("T & 1")), ("On", true.into())])),
+        ("Err", Node::list([Node::object([("Address", 16)]), Node::object([("Address", 32)])])),
+        ("Row", Node::list([Node::list([7, 8]), Node::list([9])])),
+        ("Note", Node::list([Some("a"), None, Some("c")])),
+        ("Ten", Node::object([("10", Value::Integer(16, Hint::Address))])),
+        ("Empty", Node::List(vec![])),
+        ("None", Node::Missing),
+        ("NaN", f64::NAN.try_into().expect("nothing")),
+        ("Small", 1.5e-7_f64.try_into().expect("a number")),
+        ("Tenth", 0.1_f32.try_into().expect("a number")),
+        ("Long", long),
+        ("Longer", Duration::from_secs(120).into()),
+        ("Bytes", vec![1_u8, 0xAB].into()),
+        ("a.b", 3.into()),
+    ]);
+    request.add_nested(&object).expect("values");
+    let lines = [
+        "Bytes=01 AB ",
+        "Device.Model=T & 1",
+        "Device.On=true",
+        "Err.1.Address=16",
+        "Err.2.Address=32",
+        "Long=1.5",
+        "Longer=120",
+        "Note.1=a",
+        "Note.3=c",
+        "Row.1.1=7",
+        "Row.1.2=8",
+        "Row.2.1=9",
+        "Small=0.00000015",
+        "Ten.10=0x10",
+        "Tenth=0.1",
+        "a.b=3",
+    ];
+    assert_eq!(listing(&lines), text_report(&open(), &request));
+    check_wrong_nesting(&mut request);
 }
 
-fn expect_io<T>(result: Result<T, Error>) -> ErrorKind {
-    match result {
-        Err(Error::Io(error)) => error.kind(),
-        Err(error) => panic!("another error: {error}"),
-        Ok(_) => panic!("no error"),
+fn check_wrong_nesting(request: &mut Request) {
+    let deep = (0..32).fold(Node::from(1), |node, _| Node::list([node]));
+    let levels = "a".to_string() + &".1".repeat(31);
+    for (node, key) in [(Node::object([("", 1)]), "a"), (deep, levels.as_str())] {
+        let error = expect_argument(request.add_nested(&Node::object([("a", node)])));
+        assert_eq!(Some(key), error.key());
     }
-}
-
-/// Each of these calls would end the process inside the library.
-pub fn check_refusals() {
-    let denied = ErrorKind::PermissionDenied;
-    assert_eq!(denied, expect_io(Generator::new("closed/inside")));
-    let mut generator = open();
-    assert_eq!(denied, expect_io(generator.generate_file(&one(), "closed/report.txt")));
-    expect_io(generator.generate_file(&one(), "x".repeat(300)));
-    assert_eq!(denied, expect_io(generator.simulated_input("closed/data.xml")));
-    assert_eq!(denied, expect_io(generator.dump(&one().values, "closed/dump.xml")));
-    for folder in ["closed", "sealed", "hidden"] {
-        generator.set_data_dir(folder).expect("a folder");
-        assert_eq!(denied, expect_io(generator.generate_bytes(&one())));
-    }
-    assert_eq!(denied, expect_io(generator.persistent_data(&TYPE)));
-    let odd = ["file", "fifo", "link", "circle", "circled configuration"];
-    for folder in odd.map(|name| format!("with {name}")).iter().chain(&["whole.bin".to_string()]) {
-        generator.set_data_dir(folder).expect("a folder or file");
-        expect_io(generator.generate_bytes(&one()));
-    }
-    expect_io(generator.generate_file(&one(), "circle.txt"));
-    generator.set_data_dir("linked").expect("a folder");
-    assert_eq!(listing(&["a=1"]), text_report(&generator, &one()));
-    fs::create_dir("short-lived").expect("a folder");
-    std::env::set_current_dir("short-lived").expect("a folder");
-    generator.set_data_dir(".").expect("a folder");
-    fs::remove_dir("../short-lived").expect("no folder");
-    assert_eq!(ErrorKind::NotFound, expect_io(generator.generate_bytes(&one())));
-    expect_io(Generator::new("."));
+    expect_argument(request.add_nested(&Node::list([1])));
+    expect_argument(Node::try_from(f64::INFINITY));
 }
 
 // ---- Stored data -------------------------------------------------------------------------------
@@ -227,21 +220,23 @@ pub fn check_persistent_limits() {
     assert_eq!("\u{FFFD}&\u{FFFD}", stored_text(&generator, "b\u{FFFD}"));
     for content in ["&foo;", "&f oo;", "a & b; c"] {
         let unknown = ("b".to_string(), Value::Markup(content.to_string()));
-        expect_text_error(generator.set_persistent_values(&TYPE, &[unknown]));
+        expect_argument(generator.set_persistent_values(&TYPE, &[unknown]));
     }
     let text = "&".to_string() + &"x".repeat(LONGEST - 5);
     let texts = [("long", text.as_str()), ("other", "x & y")];
     generator.set_persistent_data(&TYPE, texts).expect("stored");
     assert!(text == stored_text(&generator, "long"));
     let longer = text.clone() + "x";
-    expect_text_error(generator.set_persistent_data(&TYPE, [("long", longer.as_str())]));
+    expect_argument(generator.set_persistent_data(&TYPE, [("long", longer.as_str())]));
     for (name, value) in [
         ("long".to_string(), Value::Text(longer)),
         ("long".to_string(), Value::Markup("x".repeat(LONGEST + 1))),
         ("long".to_string(), Value::Bytes(vec![0; LONGEST / 3 + 1])),
         ("n".repeat(1_000_001), Value::from(1)),
     ] {
-        expect_text_error(generator.set_persistent_values(&TYPE, &[(name, value)]));
+        let error =
+            expect_argument(generator.set_persistent_values(&TYPE, &[(name.clone(), value)]));
+        assert_eq!(Some(name.as_str()), error.key());
     }
     assert!(text == stored_text(&generator, "long"));
     let name = "\"".repeat(1_000_000);
@@ -283,7 +278,7 @@ pub fn check_memory() {
         if i == 10 {
             before = resident_pages();
         }
-        generator.set_translator(|_| "t".repeat(1 << 18));
+        generator.set_translator(|_| "t".repeat(1 << 18)).expect("a translator");
         generator.set_persistent_data(&TYPE, [("d", "z".repeat(1 << 18))]).expect("stored");
         generator.persistent_data(&TYPE).expect("texts");
         generator.generate_bytes(&request).expect("a report");
@@ -294,7 +289,7 @@ pub fn check_memory() {
 
 pub fn check_threads() {
     let mut generator = open();
-    generator.set_translator(|text| text.to_string());
+    generator.set_translator(|text| text.to_string()).expect("a translator");
     thread::scope(|scope| {
         for number in 0..4 {
             let generator = &generator;
@@ -326,14 +321,11 @@ pub fn check_whole_pdf() {
 }
 
 pub fn check_missing_pdf() {
-    match make_pdf("missing.pdf", true).expect_err("no pdf") {
-        Error::Conversion(error) => {
-            assert_eq!("no engine is there", error.reason());
-            let text = "missing.pdf: the converter made no file: no engine is there";
-            assert_eq!(text, error.to_string());
-        }
-        error => panic!("another error: {error}"),
-    }
+    let error = expect_kind(ErrorKind::Conversion, make_pdf("missing.pdf", true));
+    assert_eq!(Some(Path::new("missing.pdf")), error.path());
+    assert_eq!(RGEN_E_EXTERNAL_FAILED, error.status());
+    let text = "missing.pdf: the converter made no file: no engine is there";
+    assert_eq!(text, error.to_string());
 }
 
 pub fn check_broken_pdf() {
@@ -366,12 +358,10 @@ pub fn check_cancellation() {
         while !Path::new("started.log").exists() {
             thread::yield_now();
         }
-        generator.cancel_type(&guid("66666666-7777-8888-9999-aaaaaaaaaaaa"));
-        generator.cancel_type(&TYPE);
-        match running.join().expect("no panic").expect_err("cancelled") {
-            Error::Status(error) => assert!(error.is_cancellation()),
-            error => panic!("another error: {error}"),
-        }
+        generator.cancel_type(&guid("66666666-7777-8888-9999-aaaaaaaaaaaa")).expect("done");
+        generator.cancel_type(&TYPE).expect("done");
+        let error = running.join().expect("no panic").expect_err("cancelled");
+        assert!(error.is_cancellation());
     });
-    generator.cancel();
+    generator.cancel().expect("done");
 }
