@@ -17,7 +17,7 @@ const std::string wholePdf = "%PDF-1.7 x %%EOF";
 TEST_F(WrapperTest, AStatusErrorSaysAllOfIt) {
     try {
         own.generateFile({type, "txt", {{"v", 1}}}, folder.file("report.txt"));
-        FAIL() << "nothing was raised";
+        FAIL() << "nothing was thrown";
     } catch (const repgen::StatusError& error) {
         EXPECT_EQ(statusHex(RGEN_E_TEMPLATE_NOT_FOUND), statusHex(error.status()));
         EXPECT_EQ("RGEN_E_TEMPLATE_NOT_FOUND", error.name());
@@ -27,10 +27,10 @@ TEST_F(WrapperTest, AStatusErrorSaysAllOfIt) {
                       ": Template is not found in folder (0xC0000009 RGEN_E_TEMPLATE_NOT_FOUND)",
                   error.what());
     }
-    EXPECT_STREQ("Template is not found in folder", own.statusText(RGEN_E_TEMPLATE_NOT_FOUND));
+    EXPECT_STREQ("Template is not found in folder", repgen::statusText(RGEN_E_TEMPLATE_NOT_FOUND));
 }
 
-TEST_F(WrapperTest, EveryOperationRaisesItsStatus) {
+TEST_F(WrapperTest, EveryOperationThrowsItsStatus) {
     const repgen::Guid unknown("ffffffff-0000-0000-0000-000000000000");
     const std::string missing = folder.file("missing/file");
     EXPECT_EQ("RGEN_E_DIR_NOT_FOUND", statusOf([&] { own.setDataDir(missing); }));
@@ -59,23 +59,57 @@ TEST_F(WrapperTest, EveryOperationRaisesItsStatus) {
 
 TEST_F(WrapperTest, TextsThatWouldBeCutAreRefused) {
     const std::string cut("a\0b", 3);
-    EXPECT_THROW(reportTextOf(cut), std::invalid_argument);
-    EXPECT_THROW(reportText({type, "html", {{cut, 1}}}), std::invalid_argument);
-    EXPECT_THROW(reportText({type, "html", {}, {{cut, "x"}}}), std::invalid_argument);
-    EXPECT_THROW(reportText({type, "html", {}, {{"v", cut}}}), std::invalid_argument);
-    EXPECT_THROW(reportText({type, cut, {{"v", 1}}}), std::invalid_argument);
-    EXPECT_THROW(own.setPersistentData(type, {{"v", cut}}), std::invalid_argument);
+    EXPECT_THROW(reportTextOf(cut), repgen::ArgumentError);
+    EXPECT_THROW(reportText({type, "html", {{cut, 1}}}), repgen::ArgumentError);
+    EXPECT_THROW(reportText({type, "html", {}, {{cut, "x"}}}), repgen::ArgumentError);
+    EXPECT_THROW(reportText({type, "html", {}, {{"v", cut}}}), repgen::ArgumentError);
+    EXPECT_THROW(reportText({type, cut, {{"v", 1}}}), repgen::ArgumentError);
+    EXPECT_THROW(own.setPersistentData(type, {{"v", cut}}), repgen::ArgumentError);
     EXPECT_EQ("[x]", reportTextOf("x"));
 }
 
-TEST_F(WrapperTest, ExceptionsOfTheLibraryPass) {
-    EXPECT_THROW(own.setDataDir("\xFF"), std::range_error);
-    EXPECT_THROW(own.generateFile({type, "html", {{"v", 1}}}, "\xFF"), std::range_error);
-    EXPECT_THROW(own.dump({}, "\xFF"), std::range_error);
-    EXPECT_THROW(own.simulatedInput("\xFF"), std::range_error);
-    repgen::Generator withoutFolder;
-    EXPECT_THROW(withoutFolder.generateBytes({type, "html", {{"v", 1}}}), std::runtime_error);
+TEST_F(WrapperTest, PathsThatAreNotUtf8AreEncodingErrors) {
+    EXPECT_THROW(own.setDataDir("\xFF"), repgen::EncodingError);
+    EXPECT_THROW(own.generateFile({type, "html", {{"v", 1}}}, "\xFF"), repgen::EncodingError);
+    EXPECT_THROW(own.dump({}, "\xFF"), repgen::EncodingError);
+    EXPECT_THROW(own.simulatedInput("\xFF"), repgen::EncodingError);
     EXPECT_EQ("[x]", reportTextOf("x"));
+}
+
+TEST_F(WrapperTest, AFileErrorSaysWhichPath) {
+    const std::string path = folder.file(std::string(300, 'x'));
+    try {
+        own.setDataDir(path);
+        FAIL() << "nothing was thrown";
+    } catch (const repgen::FileError& error) {
+        EXPECT_EQ(RGENH_ERROR_FILE_SYSTEM, error.kind());
+        EXPECT_EQ(path, error.path());
+        EXPECT_NE(0, error.systemError());
+        EXPECT_EQ("RGEN_E_UNKNOWN", error.name());
+    }
+}
+
+TEST_F(WrapperTest, EveryErrorIsAnError) {
+    const auto kindOf = [](const auto& call) {
+        try {
+            call();
+        } catch (const repgen::Error& error) {
+            EXPECT_STRNE("", error.what());
+            EXPECT_FALSE(error.text().empty() || error.hint().empty());
+            return error.kind();
+        }
+        return 0;
+    };
+    repgen::Generator withoutFolder;
+    const repgen::Request request{type, "html", {{"v", 1}}};
+    EXPECT_EQ(RGENH_ERROR_STATUS, kindOf([&] { own.generateBytes({type}); }));
+    EXPECT_EQ(RGENH_ERROR_ENCODING, kindOf([&] { own.setDataDir("\xFF"); }));
+    EXPECT_EQ(RGENH_ERROR_FILE_SYSTEM, kindOf([&] { withoutFolder.generateBytes(request); }));
+    EXPECT_EQ(RGENH_ERROR_ARGUMENT, kindOf([&] {
+                  own.generateBytes({type, "html", {{"a", std::string("\0", 1)}}});
+              }));
+    EXPECT_EQ(RGENH_ERROR_ARGUMENT, kindOf([] { repgen::Guid("none"); }));
+    EXPECT_EQ("[1]", reportText(request));
 }
 
 class WrapperConversion : public ConversionTest {
@@ -131,10 +165,10 @@ TEST_F(WrapperConversion, TheTextOfAnEarlierFailureIsForgotten) {
 
 TEST_F(WrapperConversion, DoubleQuotesAreRefusedWhereTheConverterWouldSeeThem) {
     const std::string quoted = output + "\"";
-    EXPECT_THROW(own.generateFile(pdf, quoted), std::invalid_argument);
+    EXPECT_THROW(own.generateFile(pdf, quoted), repgen::ArgumentError);
     repgen::Request based = pdf;
     based.converterBase = "a\"b";
-    EXPECT_THROW(own.generateFile(based, output), std::invalid_argument);
+    EXPECT_THROW(own.generateFile(based, output), repgen::ArgumentError);
     based.convert = false;
     own.generateFile(based, output);
     EXPECT_EQ(bytes, readFile(output));
