@@ -123,11 +123,27 @@ public:
     Record* get() noexcept { return &record_; }
     Record& operator*() noexcept { return record_; }
     Record* operator->() noexcept { return &record_; }
+    const Record* operator->() const noexcept { return &record_; }
     ///@}
 
 private:
     Record record_{};
 };
+
+/**
+ * Calls a function of rgen_host.h that this header does not wrap; its last argument, the error
+ * record, is left out. Returns its result, or throws the error.
+ *
+ *     Owned<RgenAnsiString> text;
+ *     call(rgenh_unescapeText, content.data(), content.size(), text.get());
+ */
+template <typename Function, typename... Arguments>
+std::int32_t call(Function function, Arguments... arguments) {
+    detail::ErrorRecord error;
+    const std::int32_t result = function(arguments..., &error.record);
+    if (result < 0) error.raise();
+    return result;
+}
 
 /** The open file of Generator::generateOpenFile. Movable, not copyable. */
 class OpenFile {
@@ -332,16 +348,16 @@ template <typename Result>
 class Job {
 public:
     /** Waits until the report has ended. */
-    void wait() const { detail::call(rgenh_waitForJob, state_->handle.get(), -1); }
+    void wait() const { call(rgenh_waitForJob, state_->handle.get(), -1); }
 
     /** Waits for at most that time; returns whether the report has ended. */
     bool waitFor(std::chrono::milliseconds time) const {
         const std::int64_t limit = (std::max)(std::int64_t{time.count()}, std::int64_t{0});
-        return detail::call(rgenh_waitForJob, state_->handle.get(), limit) != 0;
+        return call(rgenh_waitForJob, state_->handle.get(), limit) != 0;
     }
 
     /** Asks this report to stop, and no other one; see rgenh_cancelJob. */
-    void cancel() const { detail::call(rgenh_cancelJob, state_->handle.get()); }
+    void cancel() const { call(rgenh_cancelJob, state_->handle.get()); }
 
     /** Waits for the report. Returns its result, or throws its error; to be called once. */
     Result get() {
@@ -381,7 +397,7 @@ public:
 
     /** Sets the existing folder that contains the data directory ".rgen". */
     void setDataDir(const Path& folder) {
-        detail::call(rgenh_setDataDirPath, handle(), folder.utf8().c_str());
+        call(rgenh_setDataDirPath, handle(), folder.utf8().c_str());
     }
 
     /**
@@ -447,14 +463,14 @@ public:
      * whose isCancellation() is true, unless they are past their last check. For a thread other
      * than the generating ones; waits while a transformation runs.
      */
-    void cancel() { detail::call(rgenh_cancel, handle(), nullptr); }
+    void cancel() { call(rgenh_cancel, handle(), nullptr); }
     /** As cancel(), for the reports of one report type. */
-    void cancel(const Guid& type) { detail::call(rgenh_cancel, handle(), &type.record()); }
+    void cancel(const Guid& type) { call(rgenh_cancel, handle(), &type.record()); }
 
     /** Reads the persistent data of a report type; see rgenh_getPersistentTexts. */
     std::map<std::string, std::string> persistentData(const Guid& type) const {
         Owned<RgenCAnsiStringPairSet> pairs;
-        detail::call(rgenh_getPersistentTexts, handle(), &type.record(), pairs.get());
+        call(rgenh_getPersistentTexts, handle(), &type.record(), pairs.get());
         std::map<std::string, std::string> texts;
         for (std::uint64_t i = 0; i < pairs->count; ++i)
             texts[detail::textOf(pairs->keys[i])] = detail::textOf(pairs->values[i]);
@@ -475,8 +491,8 @@ public:
         parts.values = entries.data();
         parts.valueCount = entries.size();
         const auto request = detail::create(rgenh_newRequest, &parts);
-        detail::call(rgenh_dumpRawInputDataToFile, handle(), rgenh_getRequestInput(request.get()),
-                     output.utf8().c_str());
+        call(rgenh_dumpRawInputDataToFile, handle(), rgenh_getRequestInput(request.get()),
+             output.utf8().c_str());
     }
 
     /**
@@ -485,7 +501,7 @@ public:
      */
     Values simulatedInput(const Path& input) const {
         Owned<RgenCVariantSet> set;
-        detail::call(rgenh_getSimulatedRawDataFromFile, handle(), input.utf8().c_str(), set.get());
+        call(rgenh_getSimulatedRawDataFromFile, handle(), input.utf8().c_str(), set.get());
         Values values;
         for (std::uint64_t i = 0; i < set->count; ++i) {
             const RgenCVariant& record = set->items[i];
@@ -546,8 +562,8 @@ private:
     template <typename Item>
     void store(const Guid& type, const Named<Item>& items) {
         const std::vector<RgenhValue> entries = detail::entriesOf(items);
-        detail::call(rgenh_setPersistentValues, handle(), &type.record(), entries.data(),
-                     std::uint64_t{entries.size()});
+        call(rgenh_setPersistentValues, handle(), &type.record(), entries.data(),
+             std::uint64_t{entries.size()});
     }
 
     std::unique_ptr<detail::GeneratorState> state_;

@@ -156,15 +156,6 @@ struct ErrorRecord {
     RgenhError record;
 };
 
-/// Calls a function of rgen_host.h whose last argument is the error record; throws its error.
-template <typename Function, typename... Arguments>
-std::int32_t call(Function function, Arguments... arguments) {
-    ErrorRecord error;
-    const std::int32_t result = function(arguments..., &error.record);
-    if (result < 0) error.raise();
-    return result;
-}
-
 /// char in C++17, char8_t from C++20 on.
 using Utf8Letter = std::decay_t<decltype(u8""[0])>;
 using Utf8View = std::basic_string_view<Utf8Letter>;

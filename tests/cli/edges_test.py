@@ -148,7 +148,7 @@ class Sizes(CliCase):
         self.write_json("data.json", {"B": TOO_LONG})
         result = self.rgen("persist", "set", "-d", "case", "--data", "data.json")
         self.assertEqual(2, result.code, result)
-        self.assertIn("at most 10,000,000 bytes", result.err)
+        self.assertIn("of 10000000 bytes", result.err)
         self.assertEqual(before, self.read(STORE))
         self.assertNotIn(STORE + ".kept", self.names())
 

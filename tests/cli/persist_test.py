@@ -149,8 +149,15 @@ class Ampersands(PersistCase):
 
 class WhatTheLibraryDoesNotKeep(PersistCase):
 
-    def test_edges_are_cut(self):
-        result = self.persist("set", "Name= x ", "Inside=a  b")
+    def test_edges_stay(self):
+        texts = {"Name": " x ", "Inside": "a  b", "Lines": "\n\ta\r\n", "Blank": " "}
+        self.expect_notes(self.persist("set", *(f"{name}={text}" for name, text in texts.items())))
+        self.assertEqual(texts, self.stored())
+        self.expect_notes(self.persist("set", "More=1"))
+        self.assertEqual({**texts, "More": "1"}, self.stored())
+
+    def test_edges_of_raw_texts_are_cut(self):
+        result = self.persist("set", "--raw", "Name= x ", "Inside=a  b")
         self.expect_notes(result, '"Name": the library stored "x" instead of " x "')
         self.assertEqual({"Name": "x", "Inside": "a  b"}, self.stored())
 
@@ -166,7 +173,7 @@ class WhatTheLibraryDoesNotKeep(PersistCase):
         self.store("Empty=old", "Full=1")
         self.write("nothing", "")
         before = self.contents()
-        for value in ("Empty=", "Empty= \n", "Empty:bytes=", "Empty:bytes=@nothing", " Empty ="):
+        for value in ("Empty=", "Empty:bytes=", "Empty:bytes=@nothing", " Empty ="):
             with self.subTest(value=value):
                 self.expect_error_like(
                     self.persist("set", "More=2", value), 2,
@@ -187,7 +194,7 @@ class WhatTheLibraryDoesNotKeep(PersistCase):
         self.assertEqual({"Full": "1", "More": "2"}, self.stored())
 
     def test_long_texts_are_cut_in_the_note(self):
-        result = self.persist("set", "Name=" + "ж" * 60 + " ", "B=1")
+        result = self.persist("set", "--raw", "Name=" + "ж" * 60 + " ", "B=1")
         text = "ж" * 40
         self.assertEqual(1, len(result.notes), result)
         self.assertRegex(result.notes[0], f'^"Name": the library stored "ж{{37,40}}\\.\\.\\." '
@@ -195,7 +202,7 @@ class WhatTheLibraryDoesNotKeep(PersistCase):
         self.assertNotIn(text + "ж", result.notes[0])
 
     def test_notes_are_in_the_document(self):
-        document = json.loads(self.persist("set", "--json", "-q", "A= x ", "B=1").text)
+        document = json.loads(self.persist("set", "--json", "-q", "--raw", "A= x ", "B=1").text)
         self.assertEqual(2, document["stored"])
         self.assertEqual(['"A": the library stored "x" instead of " x "'], document["notes"])
 
@@ -206,7 +213,7 @@ class WhatTheLibraryCannotKeep(PersistCase):
         self.store("Other=AT&T")
         for raw in ((), ("--raw",)):
             result = self.persist("set", *raw, "A=\ufffex\uffff", "N\ufffe=1", "B=\uffef")
-            self.expect_notes(result, '"A": characters that XML cannot hold, such as U+FFFE, are '
+            self.expect_notes(result, '"A": the text contains U+FFFE at byte 0; such characters are '
                               "stored as U+FFFD",
                               '"N\ufffe": the library stored it as "N\ufffd"')
             self.assertEqual({"A": "\ufffdx\ufffd", "B": "\uffef", "N\ufffd": "1",
@@ -217,10 +224,9 @@ class WhatTheLibraryCannotKeep(PersistCase):
         self.expect_done(self.persist("replace", "--data", "data.json"))
         before = self.contents()
         self.write("bytes", b"\0" * 3_333_334)
-        rows = (({"A": "&" + "x" * 9_999_996}, 'persistent texts hold at most 10,000,000 bytes, '
-                 '"&" counted as "&amp;"; shorten it'),
-                ({"A:bytes": "@bytes"}, "persistent texts hold at most 10,000,000 bytes, each byte "
-                 "counted as three; shorten it"))
+        rows = (({"A": "&" + "x" * 9_999_996}, "the text is too long for persistent data: 10000001 of "
+                 "10000000 bytes; shorten it"),
+                ({"A:bytes": "@bytes"}, "a byte array is too long for persistent data; shorten it"))
         for data, message in rows:
             self.write_json("data.json", data)
             before = self.contents()
@@ -236,7 +242,7 @@ class WhatTheLibraryCannotKeep(PersistCase):
         self.write_json("data.json", {"n" * 1_000_001: "a"})
         self.expect_error_like(
             self.persist("replace", "--data", "data.json"), 2,
-            r'^rgen: "n+\.\.\.": names of persistent data hold at most 1,000,000 bytes; shorten it$')
+            'the name is too long for persistent data: 1000001 of 1000000 bytes; shorten it$')
 
 
 class Failures(PersistCase):

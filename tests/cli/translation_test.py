@@ -230,7 +230,7 @@ class TranslationsLeaveTheTemplateWhole(TranslationCase):
     def test_originals_with_markup(self):
         template = self.places["content"]
         rows = [("R&amp;D", "A&T &foo; &amp; &#8364;", "A&T &foo; & €"),
-                ("R&amp;D", "&#xD800; &#1;", "&#xD800; &#1;"), ("a > b", "c > ]]> d", "c > ]]> d"),
+                ("R&amp;D", "&#xD800; &#1;", "\ufffd \ufffd"), ("a > b", "c > ]]> d", "c > ]]> d"),
                 ("a > b", "<![CDATA[x]]>", "<![CDATA[x]]>"),
                 ("<xsl:text>a</xsl:text>", "<xsl:text>]]></xsl:text>", "]]>"),
                 ("<xsl:text>a</xsl:text>", "<![CDATA[<b>]]>", "<b>"),
@@ -251,8 +251,8 @@ class TranslationsLeaveTheTemplateWhole(TranslationCase):
                     before = self.contents()
                     self.expect_error(
                         self.report("--set", "A=1", "--lang", "de.po", *raw), 2,
-                        f"rgen: de.po:2:1: the translation holds {name}, which XML "
-                        "cannot; correct the catalogue")
+                        f"rgen: de.po:2:1: the translation cannot be XML: the text contains "
+                        f"{name} at byte 1; correct the catalogue")
                     self.assertEqual(before, self.contents())
 
     def test_in_texts_that_no_report_shows_they_do_no_harm(self):

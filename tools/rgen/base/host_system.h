@@ -43,16 +43,6 @@ private:
 /// Closes the handle of a delete-on-close file, which removes the file; returns the size it had.
 std::uint64_t closeDeleteOnCloseFile(void* handle);
 
-struct LoadedLibrary {
-    /// UTF-8 path of the file.
-    std::string path;
-    /// "1.2.3", or "unknown" when the file does not tell.
-    std::string version;
-};
-
-/// The report library that this process has loaded.
-LoadedLibrary loadedLibrary();
-
 /// Adds the folder of rgen to the end of PATH. Windows searches it without that.
 void addProgramFolderToPath();
 

@@ -1,7 +1,6 @@
 // The operating system for rgen on Linux.
 //
 // SPDX-License-Identifier: MIT
-#include <dlfcn.h>
 #include <fcntl.h>
 #include <pthread.h>
 #include <signal.h>
@@ -16,7 +15,6 @@
 
 #include "base/host_system.h"
 #include "process/this_process.h"
-#include "strata_repgenlib/rgen.h"
 
 namespace cli {
 namespace {
@@ -24,14 +22,6 @@ namespace {
 bool isIgnored(int signalNumber) {
     struct sigaction action = {};
     return sigaction(signalNumber, nullptr, &action) == 0 && action.sa_handler == SIG_IGN;
-}
-
-/// "libname.so.1.2.3" gives "1.2.3".
-std::string versionInFileName(const std::filesystem::path& path) {
-    constexpr const char* mark = ".so.";
-    const std::string name = path.filename().string();
-    const std::size_t at = name.find(mark);
-    return at == std::string::npos ? "unknown" : name.substr(at + 4);
 }
 
 }  // namespace
@@ -97,16 +87,6 @@ std::uint64_t closeDeleteOnCloseFile(void* handle) {
     const bool known = fstat(descriptor, &facts) == 0;
     close(descriptor);
     return known ? static_cast<std::uint64_t>(facts.st_size) : 0;
-}
-
-LoadedLibrary loadedLibrary() {
-    Dl_info info = {};
-    const auto address = reinterpret_cast<const void*>(&rgen_newReportGenerator);
-    if (dladdr(address, &info) == 0 || info.dli_fname == nullptr) return {"", "unknown"};
-    std::error_code failure;
-    const std::filesystem::path path = std::filesystem::canonical(info.dli_fname, failure);
-    if (failure) return {info.dli_fname, "unknown"};
-    return {path.string(), versionInFileName(path)};
 }
 
 void addProgramFolderToPath() {

@@ -9,12 +9,8 @@
 #include <cerrno>
 #include <cstdio>
 #include <cstdlib>
-#include <filesystem>
-#include <string>
-#include <vector>
 
 #include "base/host_system.h"
-#include "strata_repgenlib/rgen.h"
 
 namespace cli {
 namespace {
@@ -31,36 +27,6 @@ UINT consoleCodePage = 0;
 
 void restoreCodePage() {
     SetConsoleOutputCP(consoleCodePage);
-}
-
-std::wstring moduleFileName(HMODULE module) {
-    std::wstring name(MAX_PATH, L'\0');
-    for (;;) {
-        const DWORD length =
-            GetModuleFileNameW(module, name.data(), static_cast<DWORD>(name.size()));
-        if (length < name.size()) {
-            name.resize(length);
-            return name;
-        }
-        name.resize(name.size() * 2);
-    }
-}
-
-std::string versionOfFile(const std::wstring& fileName) {
-    DWORD unused = 0;
-    const DWORD size = GetFileVersionInfoSizeW(fileName.c_str(), &unused);
-    std::vector<char> resource(size);
-    void* block = nullptr;
-    UINT blockSize = 0;
-    if (size == 0 || GetFileVersionInfoW(fileName.c_str(), 0, size, resource.data()) == 0 ||
-        VerQueryValueW(resource.data(), L"\\", &block, &blockSize) == 0 ||
-        blockSize < sizeof(VS_FIXEDFILEINFO)) {
-        return "unknown";
-    }
-    const auto* info = static_cast<const VS_FIXEDFILEINFO*>(block);
-    return std::to_string(HIWORD(info->dwFileVersionMS)) + "." +
-           std::to_string(LOWORD(info->dwFileVersionMS)) + "." +
-           std::to_string(HIWORD(info->dwFileVersionLS));
 }
 
 }  // namespace
@@ -124,13 +90,6 @@ std::uint64_t closeDeleteOnCloseFile(void* handle) {
     const bool known = GetFileSizeEx(handle, &size) != 0;
     CloseHandle(handle);
     return known ? static_cast<std::uint64_t>(size.QuadPart) : 0;
-}
-
-LoadedLibrary loadedLibrary() {
-    HMODULE module = GetModuleHandleW(L"strata_repgenlib.dll");
-    if (module == nullptr) return {"", "unknown"};
-    const std::wstring fileName = moduleFileName(module);
-    return {std::filesystem::path(fileName).u8string(), versionOfFile(fileName)};
 }
 
 void addProgramFolderToPath() {}

@@ -1,4 +1,4 @@
-// The listener runs on a thread of host_system. It never calls the library itself: rgen_cancel
+// The listener runs on a thread of host_system. It never calls the library itself: rgenh_cancel
 // waits for a running template, and the listener must react to the next Ctrl-C during that time.
 //
 // SPDX-License-Identifier: MIT
@@ -43,14 +43,6 @@ void removeQuietly(const std::string& path) {
 /// The parent of a TemporaryFolder without a target.
 std::string systemFolder() {
     return std::filesystem::temp_directory_path().u8string();
-}
-
-void cancelAll(RgenReportGenerator* generator) {
-    try {
-        rgen_cancel(generator, nullptr);
-    } catch (...) {
-        // Memory is exhausted; the next round tries again.
-    }
 }
 
 void handleInterrupt(bool mustEnd) {
@@ -124,7 +116,7 @@ void InterruptGuard::cancelWhenInterrupted() {
     }
     while (!over_) {
         lock.unlock();
-        cancelAll(generator_);
+        rgenh_cancel(generator_, nullptr, nullptr);
         lock.lock();
         shared.changed.wait_for(lock, pause, [&] { return over_; });
     }

@@ -11,7 +11,7 @@
 #include <thread>
 
 #include "base/part_folder.h"
-#include "strata_repgenlib/rgen.h"
+#include "strata_repgenlib/rgen_host.h"
 
 namespace cli {
 

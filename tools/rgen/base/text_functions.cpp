@@ -29,6 +29,13 @@ std::string lowerCase(std::string text) {
     return text;
 }
 
+std::string trimmed(const std::string& text) {
+    constexpr const char* whiteSpace = " \t\n\v\f\r";
+    const std::size_t first = text.find_first_not_of(whiteSpace);
+    if (first == std::string::npos) return {};
+    return text.substr(first, text.find_last_not_of(whiteSpace) - first + 1);
+}
+
 std::string countText(std::uint64_t count, const std::string& word) {
     return std::to_string(count) + " " + word + (count == 1 ? "" : "s");
 }

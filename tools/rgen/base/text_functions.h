@@ -18,6 +18,9 @@ std::vector<std::string> split(std::string_view text, char separator);
 /// A to Z in lower case, whatever the locale.
 std::string lowerCase(std::string text);
 
+/// `text` without white space at its edges.
+std::string trimmed(const std::string& text);
+
 /// "12345 bytes", "1 byte".
 std::string countText(std::uint64_t count, const std::string& word);
 

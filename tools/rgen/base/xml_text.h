@@ -1,4 +1,4 @@
-// Escaping and unescaping of texts in XML content.
+// Texts as XML content, by the rules of the library.
 //
 // SPDX-License-Identifier: MIT
 #pragma once
@@ -6,40 +6,35 @@
 #include <optional>
 #include <string>
 
+#include "strata_repgenlib/rgen.hpp"
+
 namespace cli {
 
-/// `text` with "&amp;" for each "&", so that the library shows the text unchanged.
-std::string escapedAmpersands(const std::string& text);
+namespace repgen = strata::repgen;
 
-/// The same, but keeps references that are valid in every XML file.
-std::string escapedPlainAmpersands(const std::string& text);
+/// The XML content that a report shows as this text.
+std::string contentOf(const repgen::Text& text);
 
-/// Replaces the five named references and the numeric ones; everything else stays.
+/// The content that persistent data returns for this text. Throws a repgen::ArgumentError for a
+/// text that persistent data cannot contain.
+std::string storedContentOf(const repgen::Text& text);
+
+/// A plain translation as part of a template.
+std::string translationContent(const std::string& original, const std::string& translation);
+
+/// Replaces the references by their characters; everything else stays.
 std::string unescaped(const std::string& content);
 
 /// Tells whether an "&" does not begin a reference.
 bool hasPlainAmpersand(const std::string& content);
 
-/// A character that XML does not allow: control characters other than tab, line feed and carriage
-/// return, U+FFFE, U+FFFF, and bytes that are not UTF-8. A file that contains one is not XML;
-/// libxml2 in recovery mode drops the references after it.
-struct InvalidCharacter {
-    /// Of its first byte in the text.
-    std::size_t offset;
-    /// "U+0007", or "the byte 0xFF".
-    std::string name;
-};
-
-/// The first such character of `text`, if any.
-std::optional<InvalidCharacter> findInvalidCharacter(const std::string& text);
-
-/// `text` with U+FFFD for each such character.
-std::string withInvalidCharactersReplaced(const std::string& text);
-
-/// The first "&...;" in XML content that is not a reference valid in every XML file.
+/// The first "&...;" in XML content that is not a reference to a character of XML.
 std::optional<std::string> findUnknownReference(const std::string& content);
 
-/// `text` without the white space at its edges that the library removes.
-std::string trimmed(const std::string& text);
+/// `text` with U+FFFD for each character that XML cannot contain.
+std::string withInvalidCharactersReplaced(const std::string& text);
+
+/// Why XML cannot contain the text: "the text contains U+0007 at byte 3"; empty if it can.
+std::string invalidCharacterIn(const std::string& text);
 
 }  // namespace cli

@@ -30,7 +30,7 @@ public:
           context_{generator_, openDataDirectory(arguments.dataDir), console,
                    arguments.values.raw} {
         addDataDirectoryFiles(context_.directory, context_.inputs);
-        generator_.setDataDir(context_.directory.folder);
+        setDataDir(generator_, context_.directory.folder);
     }
 
     void run();
@@ -50,7 +50,7 @@ private:
 
     const Arguments& arguments_;
     Console& console_;
-    Generator generator_;
+    repgen::Generator generator_;
     ReportContext context_;
     /// The data files whose "@FILE" paths have been added to the inputs.
     std::set<std::string> dataFiles_;

@@ -8,18 +8,16 @@
 #include <optional>
 #include <system_error>
 
-#include "base/host_system.h"
 #include "base/paths.h"
 #include "base/rgen_version.h"
 #include "base/text_functions.h"
-#include "base/xml_text.h"
 #include "commands/commands.h"
 #include "data/config_check.h"
 #include "data/persistent_store.h"
 #include "data/report_type.h"
 #include "data/xml_documents.h"
 #include "library/error_json.h"
-#include "library/generator.h"
+#include "library/library_calls.h"
 #include "process/child_process.h"
 #include "process/this_process.h"
 #include "report/report_generation.h"
@@ -76,15 +74,21 @@ void writeFile(const std::string& path, const std::string& content) {
     std::ofstream(fs::u8path(path), std::ios::binary) << content;
 }
 
-void checkLibrary(Checks& checks) {
-    const LoadedLibrary library = loadedLibrary();
-    const std::string text = library.version + " (" + library.path + ")";
-    if (library.version == rgenVersion()) {
-        checks.add("library", Result::Fine, text);
+void checkLibrary(const std::string& name, const std::string& version, const std::string& path,
+                  Checks& checks) {
+    const std::string text = version + " (" + path + ")";
+    if (version == rgenVersion()) {
+        checks.add(name, Result::Fine, text);
     } else {
-        checks.add("library", Result::Note,
+        checks.add(name, Result::Note,
                    text + "; rgen is " + rgenVersion() + ", install both of one version");
     }
+}
+
+void checkLibraries(Checks& checks) {
+    const RgenhVersions loaded = loadedLibraries();
+    checkLibrary("library", loaded.library, loaded.libraryPath, checks);
+    checkLibrary("host library", loaded.host, loaded.hostPath, checks);
 }
 
 /// A report from a data directory of its own; the expected text comes back in "found".
@@ -101,19 +105,12 @@ bool makesReport(std::string& found) {
               "xmlns:xsl=\"http://www.w3.org/1999/XSL/Transform\"><xsl:output method=\"text\"/>"
               "<xsl:template match=\"/\"><xsl:value-of select=\"//property\"/></xsl:template>"
               "</xsl:stylesheet>");
-    Generator generator;
-    generator.setDataDir(folder);
-    Value value;
-    value.name = "Check";
-    value.content = "fine";
-    LibraryRequest request;
-    request.setValues({value});
-    request.record.templateGuid = findReportType({folder}, guid).guid;
+    repgen::Generator generator(folder);
     ReportOutput output({folder + "/check.txt", Delivery::File, false, ""});
-    RgenStatus status = output.generate(generator, request, "txt");
-    if (status >= 0) status = output.prepare();
+    output.generate(generator, {findReportType({folder}, guid).guid, "txt", {{"Check", "fine"}}});
+    const RgenStatus status = output.prepare();
     if (status < 0) {
-        found = generator.statusText(status) + " (" + Generator::statusWord(status) + ")";
+        found = statusSentence(status);
         return false;
     }
     output.deliver();
@@ -147,10 +144,10 @@ void checkPersistentData(const DataDirectory& directory, const ReportType& type,
         checks.add(name, Result::Failed, errorText(error));
         return;
     }
-    Generator generator;
-    generator.setDataDir(directory.folder);
+    repgen::Generator generator;
+    setDataDir(generator, directory.folder);
     RgenStatus status = RGEN_OK;
-    const std::size_t values = generator.persistentData(type.guid, status).size();
+    const std::size_t values = persistentValues(generator, type.guid, status).size();
     const std::string path = directory.path(type.persistDataFile);
     std::error_code ignored;
     const bool isFile = fs::is_regular_file(fs::u8path(path), ignored);
@@ -163,8 +160,7 @@ void checkPersistentData(const DataDirectory& directory, const ReportType& type,
         checks.add(name, Result::Note, "none yet; rgen persist set stores some");
     } else {
         checks.add(name, status == RGEN_E_OPEN_PERSIST ? Result::Failed : Result::Note,
-                   "\"" + path + "\": " + generator.statusText(status) + " (" +
-                       Generator::statusWord(status) + ")");
+                   "\"" + path + "\": " + statusSentence(status));
     }
 }
 
@@ -274,7 +270,7 @@ void checkConverter(Checks& checks) {
 
 ExitCode runDoctor(const Arguments& arguments, Console& console, JsonDocument& document) {
     Checks checks(arguments, console);
-    checkLibrary(checks);
+    checkLibraries(checks);
     checkReport(checks);
     checkDirectory(arguments, checks);
     checkConverter(checks);

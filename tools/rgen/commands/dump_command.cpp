@@ -11,21 +11,21 @@
 #include "commands/commands.h"
 #include "commands/values_file.h"
 #include "data/report_input.h"
-#include "library/generator.h"
+#include "library/library_calls.h"
 #include "report/report_generation.h"
 
 namespace cli {
 namespace {
 
 /// The folder that the library writes a dump to.
-std::unique_ptr<TemporaryFolder> folderFor(const std::string& output, const Generator& generator) {
+std::unique_ptr<TemporaryFolder> folderFor(const std::string& output) {
     if (output == "-") return std::make_unique<TemporaryFolder>();
     try {
         return std::make_unique<TemporaryFolder>(output);
     } catch (const std::system_error& error) {
         if (isFullDisk(error.code())) throw unwritable(output, error);
-        throw generator.failure(output, RGEN_E_CREATE_PERSIST,
-                                "check that the folder exists and may be written");
+        throw statusFailure(output, RGEN_E_CREATE_PERSIST,
+                            "check that the folder exists and may be written");
     }
 }
 
@@ -33,7 +33,7 @@ std::unique_ptr<TemporaryFolder> folderFor(const std::string& output, const Gene
 
 ExitCode runDump(const Arguments& arguments, Console& console, JsonDocument& document) {
     requireOneOutput(arguments);
-    Generator generator;
+    repgen::Generator generator;
     const ValueSet values = requiredValues(arguments, generator, console);
     const std::string& output = arguments.report.output;
     if (isSpecialFile(output)) {
@@ -41,14 +41,15 @@ ExitCode runDump(const Arguments& arguments, Console& console, JsonDocument& doc
                            "cannot write \"" + output + "\": it is no ordinary file",
                            "write to - and lead standard output there");
     }
-    const std::unique_ptr<TemporaryFolder> folder = folderFor(output, generator);
+    const std::unique_ptr<TemporaryFolder> folder = folderFor(output);
     const std::string file = folder->file("dump.xml");
-    const RgenStatus status = generator.dump(inOrder(values), file);
-    if (status < 0) {
+    try {
+        generator.dump(libraryValues(values), file);
+    } catch (const repgen::StatusError& failure) {
         CommandError error =
-            generator.failure(outputName(output), status,
-                              "check that the folder exists, may be written and has room");
-        if (status == RGEN_E_CREATE_PERSIST) error.exitCode = ExitCode::Unverified;
+            statusFailure(outputName(output), failure.status(),
+                          "check that the folder exists, may be written and has room");
+        if (failure.status() == RGEN_E_CREATE_PERSIST) error.exitCode = ExitCode::Unverified;
         throw error;
     }
     if (output == "-") {

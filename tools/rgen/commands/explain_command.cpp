@@ -3,11 +3,11 @@
 // SPDX-License-Identifier: MIT
 #include <cerrno>
 #include <cstdlib>
+#include <optional>
 
 #include "base/suggestion.h"
 #include "commands/commands.h"
-#include "library/generator.h"
-#include "library/status_table.h"
+#include "library/library_calls.h"
 
 namespace cli {
 namespace {
@@ -19,15 +19,24 @@ std::string upperCase(std::string text) {
     return text;
 }
 
+/// In the order of rgen_status.h.
+std::vector<RgenStatus> allStatuses() {
+    std::vector<RgenStatus> statuses;
+    RgenStatus status = RGEN_OK;
+    while (rgenh_getStatusAt(statuses.size(), &status) != 0)
+        statuses.push_back(status);
+    return statuses;
+}
+
 /// "RGEN_E_XSLT_APPLY", "E_XSLT_APPLY" or "XSLT_APPLY".
-const StatusExplanation* findName(const std::string& word) {
+std::optional<RgenStatus> statusNamed(const std::string& word) {
     const std::string name = upperCase(word);
-    for (const StatusExplanation& entry : statusTable()) {
+    for (const RgenStatus status : allStatuses()) {
         for (const char* prefix : {"", "RGEN_", "RGEN_E_"}) {
-            if (prefix + name == entry.name) return &entry;
+            if (prefix + name == repgen::statusName(status)) return status;
         }
     }
-    return nullptr;
+    return std::nullopt;
 }
 
 /// "0xC0020002", "C0020002", "-1073610750", "3221356546", "0".
@@ -45,8 +54,8 @@ bool readStatus(const std::string& word, RgenStatus& status) {
 
 [[noreturn]] void failUnknown(const std::string& word) {
     std::vector<std::string> names;
-    for (const StatusExplanation& entry : statusTable())
-        names.emplace_back(entry.name);
+    for (const RgenStatus status : allStatuses())
+        names.emplace_back(repgen::statusName(status));
     const std::string nearest = nearestWord(word, names);
     const std::string lists = "\"rgen explain\" lists all of them";
     const std::string ending = nearest.empty() ? didYouMean("RGEN_E_" + word, names, lists)
@@ -54,48 +63,52 @@ bool readStatus(const std::string& word, RgenStatus& status) {
     throw usageErrorOf("explain", "there is no status \"" + word + "\"", ending);
 }
 
-const StatusExplanation& wantedStatus(const std::string& word) {
-    if (const StatusExplanation* const named = findName(word)) return *named;
+RgenStatus wantedStatus(const std::string& word) {
+    if (const auto named = statusNamed(word)) return *named;
     RgenStatus status = RGEN_OK;
-    const StatusExplanation* const known = readStatus(word, status) ? findStatus(status) : nullptr;
-    if (known == nullptr) failUnknown(word);
-    return *known;
+    if (!readStatus(word, status) || repgen::statusName(status).empty()) failUnknown(word);
+    return status;
 }
 
-void describe(const StatusExplanation& entry, const std::string& text, JsonDocument& document) {
-    std::vector<std::string> causes(entry.causes.begin(), entry.causes.end());
-    document.set("status", Generator::statusHex(entry.status));
-    document.set("name", std::string(entry.name));
-    document.set("text", text);
-    document.set("causes", causes);
-    document.set("next", std::string(entry.next));
+std::vector<std::string> causesOf(RgenStatus status) {
+    std::vector<std::string> causes;
+    while (const char* const cause = rgenh_getStatusCause(status, causes.size()))
+        causes.emplace_back(cause);
+    return causes;
 }
 
-std::string explanation(const StatusExplanation& entry, const std::string& text) {
-    std::string lines = Generator::statusWord(entry.status) + "\n" + text + "\n\nLikely causes:\n";
-    for (const std::string_view cause : entry.causes)
-        lines += "  - " + std::string(cause) + "\n";
-    return lines + "\nNext: " + std::string(entry.next) + "\n";
+void describe(RgenStatus status, JsonDocument& document) {
+    document.set("status", statusHex(status));
+    document.set("name", std::string(repgen::statusName(status)));
+    document.set("text", repgen::statusText(status));
+    document.set("causes", causesOf(status));
+    document.set("next", rgenh_getStatusNextStep(status));
+}
+
+std::string explanation(RgenStatus status) {
+    std::string lines =
+        statusWord(status) + "\n" + repgen::statusText(status) + "\n\nLikely causes:\n";
+    for (const std::string& cause : causesOf(status))
+        lines += "  - " + cause + "\n";
+    return lines + "\nNext: " + rgenh_getStatusNextStep(status) + "\n";
 }
 
 }  // namespace
 
 ExitCode runExplain(const Arguments& arguments, Console&, JsonDocument& document) {
-    const Generator generator;
     if (!arguments.operands.empty()) {
-        const StatusExplanation& entry = wantedStatus(arguments.operands.front());
-        const std::string text = generator.statusText(entry.status);
-        describe(entry, text, document);
-        if (!arguments.json) printData(explanation(entry, text));
+        const RgenStatus status = wantedStatus(arguments.operands.front());
+        describe(status, document);
+        if (!arguments.json) printData(explanation(status));
         return ExitCode::Done;
     }
     std::vector<JsonDocument> all;
-    for (const StatusExplanation& entry : statusTable()) {
-        const std::string text = generator.statusText(entry.status);
+    for (const RgenStatus status : allStatuses()) {
         JsonDocument one;
-        describe(entry, text, one);
+        describe(status, one);
         all.push_back(std::move(one));
-        if (!arguments.json) printData(Generator::statusWord(entry.status) + "  " + text + "\n");
+        if (!arguments.json)
+            printData(statusWord(status) + "  " + repgen::statusText(status) + "\n");
     }
     document.set("statuses", all);
     return ExitCode::Done;

@@ -17,7 +17,7 @@
 #include "data/report_input.h"
 #include "data/report_type.h"
 #include "data/xml_documents.h"
-#include "library/generator.h"
+#include "library/library_calls.h"
 #include "report/report_generation.h"
 
 namespace cli {
@@ -29,7 +29,7 @@ class PersistentData {
 public:
     PersistentData(const Arguments& arguments, Console& console)
         : console_(console), directory_(openDataDirectory(arguments.dataDir)) {
-        generator_.setDataDir(directory_.folder);
+        setDataDir(generator_, directory_.folder);
         type_ = findReportType(directory_, arguments.type);
     }
 
@@ -43,13 +43,13 @@ public:
         restoreKeptData(path(), console_);
     }
 
-    Generator& generator() { return generator_; }
+    const repgen::Generator& generator() const { return generator_; }
     std::string path() const { return directory_.path(type_.persistDataFile); }
 
     /// No data, or no file yet, is an empty set; a file that cannot be read is an error.
     std::vector<Value> read() const {
         RgenStatus status = RGEN_OK;
-        std::vector<Value> values = generator_.persistentData(type_.guid, status);
+        std::vector<Value> values = persistentValues(generator_, type_.guid, status);
         const bool hasStore = !type_.persistDataFile.empty() && hasFile();
         if (hasStore) requireUndamaged();
         const bool isEmpty = status == RGEN_E_NO_PERSIST_VALUES ||
@@ -64,9 +64,8 @@ public:
     /// returns the number of stored values.
     std::size_t write(const ValueSet& values, const ValueSet& wanted) {
         const InterruptGuard guard;
-        const StagedStore stage(path(), type_.guid, type_.guidText);
-        const RgenStatus written = stage.write(inOrder(values));
-        if (written < 0) failToStage(written);
+        StagedStore stage(path(), type_.guid, type_.guidText);
+        writeTo(stage, values);
         const std::map<std::string, std::string> stored = checked(stage);
         throwIfInterrupted();
         stage.deliver();
@@ -99,7 +98,7 @@ private:
     void requireStore() const {
         if (type_.persistDataFile.empty()) {
             RgenStatus status = RGEN_OK;
-            generator_.persistentData(type_.guid, status);
+            persistentValues(generator_, type_.guid, status);
             fail(status < 0 ? status : RGEN_E_GUID_NOT_IN_CONFIG);
         }
         std::error_code ignored;
@@ -120,7 +119,7 @@ private:
         RgenStatus status = RGEN_OK;
         std::map<std::string, std::string> stored;
         for (const Value& value : stage.read(status))
-            stored[value.name] = value.content;
+            stored[value.name] = value.content.text();
         if (status == RGEN_E_OPEN_PERSIST) fail(status);
         return stored;
     }
@@ -140,16 +139,21 @@ private:
             isUnknown ? "\"rgen types\" lists the report types of \"" + directory_.folder + "\""
             : status == RGEN_E_OPEN_PERSIST
                 ? "correct the file, or replace all of it with rgen persist replace"
-                : "\"rgen explain " + Generator::statusHex(status) + "\" says more";
-        throw generator_.failure(isUnknown ? directory_.configPath() : path(), status, advice);
+                : "\"rgen explain " + statusHex(status) + "\" says more";
+        throw statusFailure(isUnknown ? directory_.configPath() : path(), status, advice);
     }
 
     /// The library does not report why it cannot create a file. The folder is writable, so the disk
     /// is full.
-    [[noreturn]] void failToStage(RgenStatus status) const {
-        if (status != RGEN_E_CREATE_PERSIST) fail(status);
-        CommandError error = generator_.failure(
-            path(), status, "check that the disk of \"" + folderOf(path()) + "\" has room");
+    void writeTo(StagedStore& stage, const ValueSet& values) const try {
+        stage.write(values);
+    } catch (const repgen::ArgumentError& failure) {
+        throw usageError(failure.what(), "shorten it");
+    } catch (const repgen::StatusError& failure) {
+        if (failure.status() != RGEN_E_CREATE_PERSIST) fail(failure.status());
+        CommandError error =
+            statusFailure(path(), failure.status(),
+                          "check that the disk of \"" + folderOf(path()) + "\" has room");
         error.exitCode = ExitCode::Unverified;
         throw error;
     }
@@ -158,10 +162,11 @@ private:
         const std::string name = "\"" + shortened(wanted.name) + "\": the library stor";
         const auto found = stored.find(wanted.name);
         if (found != stored.end()) {
-            const std::string text = unescaped(wanted.content);
-            if (wanted.type != RGEN_TYPE_STRING || found->second == text) return;
+            if (!wanted.isText()) return;
+            const std::string content = storedContentOf(wanted.content.markedText());
+            if (found->second == content) return;
             console_.note(name + "ed \"" + shortened(unescaped(found->second)) +
-                          "\" instead of \"" + shortened(unescaped(text)) + "\"");
+                          "\" instead of \"" + shortened(unescaped(content)) + "\"");
         } else if (trimmed(wanted.name).empty()) {
             console_.note(name + "es no value without a name");
         } else {
@@ -171,67 +176,53 @@ private:
 
     Console& console_;
     DataDirectory directory_;
-    Generator generator_;
+    repgen::Generator generator_;
     ReportType type_;
     std::optional<StoreLock> lock_;
 };
 
-/// Escapes values that the library returned, so that storing them again does not change them.
+/// XML content that is read once becomes content that is read twice, as persistent data is. Plain
+/// texts are escaped by the library.
+void prepareForStore(Value& value) {
+    if (!value.isText()) return;
+    const repgen::Text& text = value.content.markedText();
+    if (text.form() == repgen::TextForm::Plain) return;
+    value.content = repgen::Text::markup(contentOf(repgen::Text(text.content())));
+}
+
+/// Values that the library returned, so that storing them again does not change them.
 ValueSet storedAgain(std::vector<Value> values) {
     ValueSet set;
     for (Value& value : values) {
-        value.content = escapedAmpersands(value.content);
+        prepareForStore(value);
         set.replace(std::move(value));
     }
     return set;
 }
 
-/// Refuses values that the library would store but read only in part. A name is stored in an
-/// attribute, where a character can take six bytes.
-void requireStorable(const Value& value) {
-    constexpr std::size_t longestText = 10000000;
-    constexpr std::size_t longestName = 1000000;
-    const std::string name = "\"" + shortened(value.name) + "\": ";
-    if (value.name.size() > longestName) {
-        throw usageError(name + "names of persistent data hold at most 1,000,000 bytes",
-                         "shorten it");
-    }
-    // Bytes are stored as a hex dump, which has three characters for each.
-    const bool isText = value.type == RGEN_TYPE_STRING;
-    const std::size_t size = isText ? unescaped(value.content).size() : 3 * value.bytes.size();
-    if (size <= longestText) return;
-    throw usageError(name + "persistent texts hold at most 10,000,000 bytes" +
-                         (isText ? ", \"&\" counted as \"&amp;\"" : ", each byte counted as three"),
-                     "shorten it");
-}
-
 /// An unknown reference makes the file invalid XML and damages all other values. One that appears
-/// only after reading does the same to a report. Only raw texts can contain them.
-void requireKnownReferences(const Value& value, bool raw) {
-    std::optional<std::string> unknown = findUnknownReference(value.content);
-    if (!unknown && raw) unknown = findUnknownReference(unescaped(value.content));
+/// only after reading does the same to a report.
+void requireKnownReferences(const std::string& content, const std::string& subject) {
+    std::optional<std::string> unknown = findUnknownReference(content);
+    if (!unknown) unknown = findUnknownReference(unescaped(content));
     if (!unknown) return;
-    throw usageError("\"" + shortened(value.name) + "\": persistent data cannot hold \"" +
-                         shortened(*unknown) + "\"",
+    throw usageError(subject + ": persistent data cannot hold \"" + shortened(*unknown) + "\"",
                      "write \"&amp;amp;\" for a plain \"&\", or leave out --raw");
 }
 
-/// Replaces characters that XML does not allow, with a note. White space at the edges, which the
-/// library removes anyway, can contain such characters too.
-std::string storable(const std::string& text, const std::string& subject, Console& console) {
-    if (!findInvalidCharacter(text)) return text;
-    const std::string inner = trimmed(text);
-    const std::optional<InvalidCharacter> unfit = findInvalidCharacter(inner);
-    console.note(subject + (unfit ? ": characters that XML cannot hold, such as " + unfit->name +
-                                        ", are stored as U+FFFD"
-                                  : ": blanks at its edges are cut"));
-    return withInvalidCharactersReplaced(inner);
-}
-
-void makeStorable(Value& value, bool raw, Console& console) {
-    value.content = storable(value.content, "\"" + shortened(value.name) + "\"", console);
-    requireKnownReferences(value, raw);
-    requireStorable(value);
+/// Refuses texts that persistent data cannot contain, and notes what it replaces.
+void checkText(const Value& value, bool raw, Console& console) {
+    const std::string subject = "\"" + shortened(value.name) + "\"";
+    if (raw) requireKnownReferences(value.content.text(), subject);
+    try {
+        storedContentOf(value.content.markedText());
+    } catch (const repgen::ArgumentError& error) {
+        throw usageError(subject + ": " + error.what(), "shorten it");
+    }
+    const std::string replaced = invalidCharacterIn(value.content.text());
+    if (!replaced.empty()) {
+        console.note(subject + ": " + replaced + "; such characters are stored as U+FFFD");
+    }
 }
 
 /// The name as the library stores it.
@@ -243,15 +234,15 @@ void makeNameStorable(Value& value, Console& console) {
     value.name = name;
 }
 
-/// The new values from the arguments. Texts are escaped a second time, because they are read twice.
-ValueSet newValues(const Arguments& arguments, PersistentData& data, Console& console) {
+ValueSet newValues(const Arguments& arguments, const PersistentData& data, Console& console) {
+    const bool raw = arguments.values.raw;
     ReportInput input = collectInput(arguments.values, data.generator(), console);
-    addAssignments(arguments.operands, "value", arguments.values.raw, input.values);
-    noteLosses(input, arguments.values.raw, console, Readings::Twice);
+    addAssignments(arguments.operands, "value", raw, input.values);
+    noteLosses(input, raw, console, Readings::Twice);
     ValueSet set;
-    for (Value value : inOrder(input.values)) {
-        if (!arguments.values.raw) value.content = escapedAmpersands(value.content);
-        makeStorable(value, arguments.values.raw, console);
+    for (auto [name, value] : input.values.values()) {
+        if (!raw) prepareForStore(value);
+        if (value.isText()) checkText(value, raw, console);
         makeNameStorable(value, console);
         set.add(std::move(value));
     }
@@ -259,15 +250,17 @@ ValueSet newValues(const Arguments& arguments, PersistentData& data, Console& co
     return set;
 }
 
-/// The library ignores values without a text, so setting one would remove the existing value.
+/// Tells whether the library would store nothing, so that setting it would remove the old value.
+bool isWithoutText(const repgen::Value& content) {
+    if (content.type() == repgen::ValueType::ByteArray) return content.bytes().empty();
+    if (content.type() != repgen::ValueType::Text) return false;
+    const bool isPlain = content.markedText().form() == repgen::TextForm::Plain;
+    return isPlain ? content.text().empty() : trimmed(unescaped(content.text())).empty();
+}
+
 void requireTexts(const ValueSet& values) {
     for (const auto& [name, value] : values.values()) {
-        const bool isText = value.type == RGEN_TYPE_STRING;
-        const bool isBytes = value.type == RGEN_TYPE_BYTE_ARRAY;
-        if ((!isText || !trimmed(unescaped(value.content)).empty()) &&
-            (!isBytes || !value.bytes.empty())) {
-            continue;
-        }
+        if (!isWithoutText(value.content)) continue;
         throw usageError("\"" + shortened(name) + "\": persistent data keeps no empty text",
                          "remove the value with: rgen persist unset \"" + shortened(name) + "\"");
     }
@@ -315,7 +308,7 @@ ExitCode runPersistGet(const Arguments& arguments, Console& console, JsonDocumen
     }
     std::map<std::string, std::string> texts;
     for (const std::string& name : names) {
-        const std::string& content = findValue(values, name).content;
+        const std::string& content = findValue(values, name).content.text();
         texts[name] = arguments.values.raw ? content : unescaped(content);
     }
     data.describeType(document);

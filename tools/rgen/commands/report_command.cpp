@@ -26,8 +26,8 @@ void checkTogether(const Arguments& arguments) {
     }
 }
 
-void showData(const Arguments& arguments, const Generator& generator, const ReportRequest& request,
-              Console& console, JsonDocument& document) {
+void showData(const Arguments& arguments, repgen::Generator& generator,
+              const ReportRequest& request, Console& console, JsonDocument& document) {
     const std::vector<ValueRow> values = valueRows(generator, request.type, request.input);
     if (!arguments.json) {
         const std::string table = valueTable(values);
@@ -76,11 +76,11 @@ ExitCode runReport(const Arguments& arguments, Console& console, JsonDocument& d
     const auto passed = [start] {
         return std::chrono::duration<double, std::milli>(Clock::now() - start).count();
     };
-    Generator generator;
+    repgen::Generator generator;
     ReportContext context{generator, openDataDirectory(arguments.dataDir), console,
                           arguments.values.raw};
     addDataDirectoryFiles(context.directory, context.inputs);
-    generator.setDataDir(context.directory.folder);
+    setDataDir(generator, context.directory.folder);
     const ReportType type = findReportType(context.directory, arguments.type);
     recoverForReading(context.directory, type, console);
     const ReportRequest request{type, arguments.report,

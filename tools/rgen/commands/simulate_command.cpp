@@ -6,30 +6,36 @@
 
 #include "base/interruption.h"
 #include "base/safe_files.h"
+#include "base/text_functions.h"
 #include "base/xml_text.h"
 #include "commands/commands.h"
 #include "commands/values_file.h"
 #include "data/xml_documents.h"
-#include "library/generator.h"
+#include "library/library_calls.h"
 #include "report/report_output.h"
 
 namespace cli {
 namespace {
 
+bool hasNoText(const Value& value, const std::string& content) {
+    const bool isBytes = value.content.type() == repgen::ValueType::ByteArray;
+    return (value.isText() && trimmed(content).empty()) ||
+           (isBytes && value.content.bytes().empty());
+}
+
 /// Says what the library finds in the file that differs from what was to be written.
-void noteDifferences(const ValueSet& wanted, const Generator& generator, const std::string& path,
-                     Console& console) {
+void noteDifferences(const ValueSet& wanted, const repgen::Generator& generator,
+                     const std::string& path, Console& console) {
     std::map<std::string, Value> read;
-    for (Value& value : generator.simulatedInput(path)) {
+    for (Value& value : simulatedValues(generator, path)) {
         std::string name = value.name;
         read[std::move(name)] = std::move(value);
     }
     for (const auto& [name, value] : wanted.values()) {
         const std::string subject = "\"" + shortened(name) + "\": simulated input carries ";
         const auto found = read.find(name);
-        const bool isEmpty =
-            trimmed(name).empty() || (value.bytes.empty() && value.type != RGEN_TYPE_INT64 &&
-                                      trimmed(value.content).empty());
+        const std::string content = value.isText() ? contentOf(value.content.markedText()) : "";
+        const bool isEmpty = trimmed(name).empty() || hasNoText(value, content);
         if (found == read.end()) {
             const bool isRenamed = name != trimmed(name) && read.count(trimmed(name)) > 0;
             if (!isEmpty && !isRenamed) {
@@ -40,9 +46,9 @@ void noteDifferences(const ValueSet& wanted, const Generator& generator, const s
             console.note(subject + (isRenamed ? "it as \"" + shortened(trimmed(name)) + "\""
                                     : trimmed(name).empty() ? "no value without a name"
                                                             : "no value without a text"));
-        } else if (value.type == RGEN_TYPE_STRING && found->second.content != value.content) {
-            console.note(subject + "\"" + shortened(unescaped(found->second.content)) +
-                         "\" instead of \"" + shortened(unescaped(value.content)) + "\"");
+        } else if (value.isText() && found->second.content.text() != content) {
+            console.note(subject + "\"" + shortened(unescaped(found->second.content.text())) +
+                         "\" instead of \"" + shortened(unescaped(content)) + "\"");
         }
     }
 }
@@ -60,7 +66,7 @@ void writeCopy(const std::string& path, const std::string& bytes) {
 
 ExitCode runSimulate(const Arguments& arguments, Console& console, JsonDocument& document) {
     requireOneOutput(arguments);
-    Generator generator;
+    repgen::Generator generator;
     const ValueSet values = requiredValues(arguments, generator, console);
     const std::string bytes = simulatedInputDocument(values.values());
     const std::string& output = arguments.report.output;

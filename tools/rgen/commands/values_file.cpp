@@ -3,7 +3,6 @@
 
 #include "base/text_functions.h"
 #include "data/report_input.h"
-#include "library/generator.h"
 #include "report/report_generation.h"
 
 namespace cli {
@@ -14,7 +13,8 @@ void requireOneOutput(const Arguments& arguments) {
                        "the file itself is on standard output");
 }
 
-ValueSet requiredValues(const Arguments& arguments, Generator& generator, Console& console) {
+ValueSet requiredValues(const Arguments& arguments, const repgen::Generator& generator,
+                        Console& console) {
     ReportInput input = collectInput(arguments.values, generator, console);
     noteLosses(input, arguments.values.raw, console);
     if (!input.values.empty()) return std::move(input.values);

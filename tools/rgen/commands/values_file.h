@@ -13,13 +13,12 @@
 
 namespace cli {
 
-class Generator;
-
 /// Throws a CommandError when file and document would both be written to standard output.
 void requireOneOutput(const Arguments& arguments);
 
 /// Throws a CommandError when there are no values.
-ValueSet requiredValues(const Arguments& arguments, Generator& generator, Console& console);
+ValueSet requiredValues(const Arguments& arguments, const repgen::Generator& generator,
+                        Console& console);
 
 CommandError unwritable(const std::string& path, const std::system_error& error);
 

@@ -9,11 +9,11 @@
 #include <map>
 
 #include "base/console.h"
-#include "base/guid_text.h"
 #include "base/suggestion.h"
-#include "base/xml_text.h"
+#include "base/text_functions.h"
 #include "data/xml_documents.h"
 #include "data/xml_nodes.h"
+#include "strata_repgenlib/rgen.hpp"
 
 namespace cli {
 namespace {
@@ -25,7 +25,7 @@ std::string inBrackets(const std::string& name) {
     return "<" + shortened(name) + ">";
 }
 
-std::string quoted(const std::string& text) {
+std::string inQuotes(const std::string& text) {
     return "\"" + shortened(text) + "\"";
 }
 
@@ -35,7 +35,7 @@ bool isElement(const xmlNode* node) {
 
 /// Says why the text is not a valid GUID.
 std::string guidMistake(const std::string& guid) {
-    const std::string subject = "the guid " + quoted(guid) + " ";
+    const std::string subject = "the guid " + inQuotes(guid) + " ";
     const std::size_t bad = guid.find_first_not_of("0123456789abcdefABCDEF-");
     if (guid.empty()) return "the guid is empty";
     if (bad != std::string::npos) {
@@ -156,12 +156,13 @@ private:
             }
             add(type,
                 other.empty() ? "this <type> has no guid"
-                              : quoted(other) + " is not known in <type>",
+                              : inQuotes(other) + " is not known in <type>",
                 "write guid=\"xxxxxxxx-xxxx-xxxx-xxxx-xxxxxxxxxxxx\"");
             return;
         }
         const std::string written = attribute(type, "guid");
-        const std::string guid = guidTextOf(written);
+        const auto parsed = strata::repgen::Guid::parse(written);
+        const std::string guid = parsed ? parsed->text() : std::string();
         if (guid.size() != written.size() || guid.empty()) {
             add(type, guidMistake(written),
                 guid.empty() ? guidAdvice : "write guid=\"" + guid + "\"");

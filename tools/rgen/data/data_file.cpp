@@ -17,7 +17,7 @@
 #include "base/paths.h"
 #include "base/xml_text.h"
 #include "data/xml_documents.h"
-#include "library/generator.h"
+#include "library/library_calls.h"
 
 namespace cli {
 namespace {
@@ -208,18 +208,17 @@ void noteSkipped(const std::string& path, const std::set<std::string>& taken, Co
                  " skipped by the library: " + skipped);
 }
 
-std::vector<Value> readSimulatedInput(const std::string& path, Generator& generator,
+std::vector<Value> readSimulatedInput(const std::string& path, const repgen::Generator& generator,
                                       Console& console) {
-    std::vector<Value> values = generator.simulatedInput(path);
+    std::vector<Value> values = simulatedValues(generator, path);
     if (values.empty()) {
         throw usageError("\"" + path + "\": the library finds no values in it",
                          "write JSON, or XML as \"rgen simulate\" does");
     }
     std::set<std::string> taken;
-    for (Value& value : values) {
-        value.source = path;
+    for (const Value& value : values) {
         taken.insert(value.name);
-        if (value.type != RGEN_TYPE_STRING || !hasPlainAmpersand(value.content)) continue;
+        if (!value.isText() || !hasPlainAmpersand(value.content.text())) continue;
         console.note("\"" + shortened(value.name) +
                      "\": a plain \"&\" in simulated input is lost; " +
                      "write \"&amp;amp;\" in \"" + path + "\"");
@@ -259,8 +258,8 @@ std::vector<std::string> filesNamedIn(const std::string& path) {
     return files;
 }
 
-std::vector<Value> readDataFile(const std::string& path, bool raw, Generator& generator,
-                                Console& console) {
+std::vector<Value> readDataFile(const std::string& path, bool raw,
+                                const repgen::Generator& generator, Console& console) {
     const std::string content = readInputFile(path, "check the path given to --data");
     if (path != "-" && looksLikeXml(content)) return readSimulatedInput(path, generator, console);
     ValueReadOptions reading;

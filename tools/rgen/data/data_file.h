@@ -10,13 +10,11 @@
 
 namespace cli {
 
-class Generator;
-
 /// Reads a data file of either kind; the first character decides which. "-" is JSON from standard
 /// input. Raises a CommandError with line and column for what is wrong in a JSON file, notes what
 /// the library skips of simulated input.
-std::vector<Value> readDataFile(const std::string& path, bool raw, Generator& generator,
-                                Console& console);
+std::vector<Value> readDataFile(const std::string& path, bool raw,
+                                const repgen::Generator& generator, Console& console);
 
 /// The files that "@FILE" names in a JSON data file, without opening them. Of a file with a mistake
 /// those before it; none of a pipe, which can be read once.

@@ -133,7 +133,7 @@ StoreLock::StoreLock(const std::string& path, Console& console) : lock_(lockFile
     }
 }
 
-StagedStore::StagedStore(const std::string& path, const RgenGuid& guid,
+StagedStore::StagedStore(const std::string& path, const repgen::Guid& guid,
                          const std::string& guidText) try
     : path_(path), stage_(placeOf(path).u8string()), guid_(guid) {
     makeStage(stage_.file(".rgen"), guidText);
@@ -148,16 +148,15 @@ std::string StagedStore::inside(const std::string& name) const {
 }
 
 /// The owner can read and change the file, whatever the umask, because rgen reads it right after.
-RgenStatus StagedStore::write(const std::vector<Value>& values) const {
-    const RgenStatus status = generator_.setPersistentData(guid_, values);
+void StagedStore::write(const ValueSet& values) {
+    generator_.setPersistentValues(guid_, libraryValues(values));
     std::error_code ignored;
     fs::permissions(fs::u8path(inside("data.xml")), fs::perms::owner_read | fs::perms::owner_write,
                     fs::perm_options::add, ignored);
-    return status;
 }
 
 std::vector<Value> StagedStore::read(RgenStatus& status) const {
-    return generator_.persistentData(guid_, status);
+    return persistentValues(generator_, guid_, status);
 }
 
 std::string StagedStore::damage() const {

@@ -15,7 +15,7 @@
 #include "base/file_lock.h"
 #include "base/interruption.h"
 #include "data/report_type.h"
-#include "library/generator.h"
+#include "library/library_calls.h"
 
 namespace cli {
 
@@ -36,9 +36,10 @@ private:
 class StagedStore {
 public:
     /// Throws a CommandError when the folder cannot be created.
-    StagedStore(const std::string& path, const RgenGuid& guid, const std::string& guidText);
+    StagedStore(const std::string& path, const repgen::Guid& guid, const std::string& guidText);
 
-    RgenStatus write(const std::vector<Value>& values) const;
+    /// Throws a repgen::Error.
+    void write(const ValueSet& values);
     std::vector<Value> read(RgenStatus& status) const;
 
     /// What is wrong with the file; empty when it is well-formed.
@@ -52,8 +53,8 @@ private:
 
     std::string path_;
     TemporaryFolder stage_;
-    RgenGuid guid_;
-    Generator generator_;
+    repgen::Guid guid_;
+    repgen::Generator generator_;
 };
 
 /// An earlier version of rgen renamed the old data to "<file>.kept" while the library wrote. If

@@ -108,13 +108,6 @@ private:
     std::string value_;
 };
 
-std::string replaceAll(const std::string& text, char letter, const char* replacement) {
-    std::string result;
-    for (const char each : text)
-        result += each == letter ? replacement : std::string(1, each);
-    return result;
-}
-
 /// Escapes a "]]>" that does not end a CDATA section of the text itself, also if the template
 /// contributes its first characters.
 std::string withoutSectionEnds(const std::string& text) {
@@ -137,28 +130,18 @@ std::string withoutSectionEnds(const std::string& text) {
     return result;
 }
 
-/// A translation is inserted into the template. Markup in it is treated as markup only if the
-/// original contains markup as well. Characters that would make the template invalid XML are always
-/// escaped: the library would read such a template without the references after them.
-std::string asMarkup(const std::string& original, const std::string& translation) {
-    const auto isInOriginal = [&original](const std::string& markup) {
-        return original.find(markup) != std::string::npos;
-    };
-    std::string markup =
-        isInOriginal("&") ? escapedPlainAmpersands(translation) : escapedAmpersands(translation);
-    if (!isInOriginal("<")) markup = replaceAll(markup, '<', "&lt;");
-    if (!isInOriginal("<") && !isInOriginal(">")) markup = replaceAll(markup, '>', "&gt;");
-    markup = withoutSectionEnds(markup);
-    // A marker in an attribute is between single quotes and contains no "<".
-    if (!isInOriginal("'") && !isInOriginal("<")) markup = replaceAll(markup, '\'', "&#39;");
-    return markup;
+/// If the original has elements, the translation may have attributes in single quotes: a marker
+/// with "<" is not in an attribute itself.
+std::string translationMarkup(const std::string& original, const std::string& translation) {
+    if (original.find('<') == std::string::npos) return translationContent(original, translation);
+    return withoutSectionEnds(translationContent(original + "'>", translation));
 }
 
 /// Without markup in the original everything in the translation is escaped. If the original is not
 /// well-formed itself (half of an element), the translation need not be either.
 std::string wellFormedMarkup(const std::string& original, const std::string& translation,
                              const PoReader& reader) {
-    std::string markup = asMarkup(original, translation);
+    std::string markup = translationMarkup(original, translation);
     if (original.find('<') == std::string::npos) return markup;
     const std::string mistake = mistakeInContent(markup);
     if (!mistake.empty() && mistakeInContent(original).empty()) {
@@ -183,8 +166,8 @@ void checkHeader(const std::string& header, const PoReader& reader) {
 
 /// Such a character would make the template invalid XML, and only the author knows what was meant.
 void requireFitCharacters(const std::string& translation, const PoReader& reader) {
-    const std::optional<InvalidCharacter> unfit = findInvalidCharacter(translation);
-    if (unfit) reader.failAtKeyword("the translation holds " + unfit->name + ", which XML cannot");
+    const std::string reason = invalidCharacterIn(translation);
+    if (!reason.empty()) reader.failAtKeyword("the translation cannot be XML: " + reason);
 }
 
 }  // namespace

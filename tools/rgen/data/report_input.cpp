@@ -7,7 +7,6 @@
 #include "base/console.h"
 #include "base/xml_text.h"
 #include "data/data_file.h"
-#include "library/generator.h"
 
 namespace cli {
 namespace {
@@ -27,7 +26,7 @@ bool losesAmpersand(const std::string& content, Readings readings) {
 void notePlainAmpersands(const ValueSet& values, Readings readings, Console& console) {
     const std::string good = readings == Readings::Twice ? "&amp;amp;" : "&amp;";
     for (const auto& [name, value] : values.values()) {
-        if (value.type != RGEN_TYPE_STRING || !losesAmpersand(value.content, readings)) continue;
+        if (!value.isText() || !losesAmpersand(value.content.text(), readings)) continue;
         console.note("\"" + shortened(name) + "\": with --raw a plain \"&\" is lost; write \"" +
                      good + "\"");
     }
@@ -41,7 +40,8 @@ void addAssignments(const std::vector<std::string>& assignments, const std::stri
         values.add(readAssignment(assignment, option, readingFor(option, raw)));
 }
 
-ReportInput collectInput(const ValueArguments& arguments, Generator& generator, Console& console) {
+ReportInput collectInput(const ValueArguments& arguments, const repgen::Generator& generator,
+                         Console& console) {
     ReportInput input;
     if (std::count(arguments.data.begin(), arguments.data.end(), "-") > 1) {
         throw usageError("--data - is given more than once", "standard input can be read once");
@@ -61,13 +61,6 @@ void noteLosses(const ReportInput& input, bool raw, Console& console, Readings r
         set->noteRepeated(console);
         if (raw) notePlainAmpersands(*set, readings, console);
     }
-}
-
-std::vector<Value> inOrder(const ValueSet& set) {
-    std::vector<Value> values;
-    for (const auto& [name, value] : set.values())
-        values.push_back(value);
-    return values;
 }
 
 }  // namespace cli

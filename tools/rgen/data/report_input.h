@@ -10,15 +10,14 @@
 
 namespace cli {
 
-class Generator;
-
 struct ReportInput {
     ValueSet values;
     ValueSet pairs;
 };
 
 /// Reads the data files first, then the options, so that options take precedence.
-ReportInput collectInput(const ValueArguments& arguments, Generator& generator, Console& console);
+ReportInput collectInput(const ValueArguments& arguments, const repgen::Generator& generator,
+                         Console& console);
 
 /// Notes names that were given more than once and, with `raw`, texts that lose a plain "&".
 /// Persistent data is read twice before a report shows it.
@@ -29,8 +28,5 @@ void noteLosses(const ReportInput& input, bool raw, Console& console,
 /// Reads "NAME[:HINT]=VALUE" arguments into `values`. `option` names them in messages.
 void addAssignments(const std::vector<std::string>& assignments, const std::string& option,
                     bool raw, ValueSet& values);
-
-/// The values in the order of their names.
-std::vector<Value> inOrder(const ValueSet& set);
 
 }  // namespace cli

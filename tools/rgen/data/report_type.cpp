@@ -10,7 +10,6 @@
 #include "base/arguments.h"
 #include "base/command_error.h"
 #include "base/file_set.h"
-#include "base/guid_text.h"
 #include "base/paths.h"
 #include "base/suggestion.h"
 #include "base/text_functions.h"
@@ -29,7 +28,7 @@ bool isFolder(const std::string& path) {
 
 ReportType typeOf(const ConfiguredType& configured) {
     ReportType type;
-    type.guid = guidOf(configured.guid);
+    type.guid = strata::repgen::Guid(configured.guid);
     type.guidText = configured.guid;
     type.templateFile = configured.reportTypeFile;
     type.persistDataFile = configured.persistDataFile;
@@ -53,17 +52,17 @@ bool looksLikeLanguage(const std::string& text) {
            std::all_of(text.begin(), text.begin() + static_cast<std::ptrdiff_t>(end), isLetter);
 }
 
-ReportType typeWithGuid(const DataDirectory& directory, const std::string& guidText) {
+ReportType typeWithGuid(const DataDirectory& directory, const strata::repgen::Guid& guid) {
     try {
         for (const ReportType& type : reportTypes(directory)) {
-            if (type.guidText == guidText) return type;
+            if (type.guid == guid) return type;
         }
     } catch (const CommandError&) {
         // The library reports what is wrong with the configuration.
     }
     ReportType unknown;
-    unknown.guidText = guidText;
-    unknown.guid = guidOf(guidText);
+    unknown.guidText = guid.text();
+    unknown.guid = guid;
     return unknown;
 }
 
@@ -155,8 +154,8 @@ std::vector<ReportType> reportTypes(const DataDirectory& directory) {
 
 ReportType findReportType(const DataDirectory& directory,
                           const std::optional<std::string>& wanted) {
-    const std::string guidText = guidTextOf(wanted.value_or(""));
-    if (!guidText.empty()) return typeWithGuid(directory, guidText);
+    const auto guid = strata::repgen::Guid::parse(wanted.value_or(""));
+    if (guid) return typeWithGuid(directory, *guid);
     const std::vector<ReportType> types = reportTypes(directory);
     return wanted ? typeNamed(directory, types, *wanted) : onlyType(directory, types);
 }

@@ -7,7 +7,7 @@
 #include <string>
 #include <vector>
 
-#include "strata_repgenlib/rgen.h"
+#include "strata_repgenlib/rgen.hpp"
 
 namespace cli {
 
@@ -23,7 +23,7 @@ struct DataDirectory {
 };
 
 struct ReportType {
-    RgenGuid guid = {};
+    strata::repgen::Guid guid;
     std::string guidText;
     /// The template's file name without its ending; empty when the configuration lacks the GUID.
     std::string name;

@@ -10,7 +10,7 @@
 #include <optional>
 
 #include "base/command_error.h"
-#include "base/guid_text.h"
+#include "base/text_functions.h"
 #include "base/xml_text.h"
 #include "data/xml_nodes.h"
 
@@ -64,25 +64,26 @@ std::string byteList(const std::vector<std::uint8_t>& bytes) {
     return text;
 }
 
-const char* libraryHintName(ValueHint hint) {
+const char* libraryHintName(repgen::Hint hint) {
     static constexpr const char* names[] = {"",     "Generic", "Time",  "Date", "DateTime",
                                             "Size", "Address", "Speed", "Dump"};
-    return names[hint];
+    return names[static_cast<std::size_t>(hint)];
 }
 
 void addProperty(xmlNode* list, const Value& value) {
-    const bool isText = value.type == RGEN_TYPE_STRING;
-    const bool isNumber = value.type == RGEN_TYPE_INT64;
-    const std::string text = isText     ? value.content
-                             : isNumber ? std::to_string(value.number)
-                                        : byteList(value.bytes);
-    // The text is XML content already; as text of a property it is escaped again.
+    const repgen::Value& content = value.content;
+    const bool isText = value.isText();
+    const bool isNumber = content.type() == repgen::ValueType::Integer;
+    const std::string text = isText     ? contentOf(content.markedText())
+                             : isNumber ? std::to_string(content.integer())
+                                        : byteList(content.bytes());
+    // The text is XML content; as text of a property it is escaped again.
     xmlNode* property = xmlNewTextChild(list, nullptr, xmlText("property"), xmlText(text.c_str()));
     if (property == nullptr) throw std::bad_alloc();
     const char* const type = isText ? "string" : isNumber ? "int64" : "byte_array";
     xmlNewProp(property, xmlText("name"), xmlText(value.name.c_str()));
     xmlNewProp(property, xmlText("type"), xmlText(type));
-    xmlNewProp(property, xmlText("hint"), xmlText(libraryHintName(value.hint)));
+    xmlNewProp(property, xmlText("hint"), xmlText(libraryHintName(content.hint())));
 }
 
 }  // namespace
@@ -97,14 +98,14 @@ std::vector<ConfiguredType> readConfiguration(const std::string& path) {
     std::map<std::string, ConfiguredType> types;
     for (xmlNode* element : entries(document.get(), "config", "reportTypes", "type")) {
         const std::string written = attribute(element, "guid");
-        const std::string guid = guidTextOf(written);
+        const auto guid = repgen::Guid::parse(written);
         const std::optional<std::string> persistDataFile = childText(element, "persistDataFile");
         const std::optional<std::string> reportTypeFile = childText(element, "reportTypeFile");
         // The library does not accept braces.
-        const bool isGuid = !guid.empty() && guid.size() == written.size();
+        const bool isGuid = guid && written.size() == RGENH_GUID_TEXT_SIZE - 1;
         if (!isGuid || !persistDataFile || !reportTypeFile) continue;
-        ConfiguredType& type = types[guid];
-        type.guid = guid;
+        ConfiguredType& type = types[guid->text()];
+        type.guid = guid->text();
         if (!persistDataFile->empty()) type.persistDataFile = *persistDataFile;
         if (!reportTypeFile->empty()) type.reportTypeFile = *reportTypeFile;
     }

@@ -7,7 +7,7 @@
 
 #include "base/command_error.h"
 #include "base/input_file.h"
-#include "base/xml_text.h"
+#include "base/text_functions.h"
 
 namespace cli {
 

@@ -1,8 +1,7 @@
 // SPDX-License-Identifier: MIT
 #include "library/error_json.h"
 
-#include "library/generator.h"
-#include "library/status_table.h"
+#include "library/library_calls.h"
 
 namespace cli {
 
@@ -12,10 +11,9 @@ JsonDocument errorDetails(const CommandError& error) {
     details.set("hint", error.hint);
     details.set("exitCode", std::int64_t{static_cast<int>(error.exitCode)});
     if (error.status) {
-        const StatusExplanation* const known = findStatus(*error.status);
-        details.set("status", Generator::statusHex(*error.status));
-        details.set("statusName", known == nullptr ? std::string() : std::string(known->name));
-        details.set("statusText", Generator().statusText(*error.status));
+        details.set("status", statusHex(*error.status));
+        details.set("statusName", std::string(repgen::statusName(*error.status)));
+        details.set("statusText", repgen::statusText(*error.status));
     }
     return details;
 }

@@ -27,23 +27,21 @@ double millisecondsSince(Clock::time_point start) {
     return std::chrono::duration<double, std::milli>(Clock::now() - start).count();
 }
 
-const char* RGEN_CALL sameText(const char* text, void*) {
-    return text;
-}
-
-/// Sets the translate callback for one report; the destructor replaces it by one without effect.
+/// Sets the translate callback for one report; the destructor removes it.
 class TranslationScope {
 public:
-    TranslationScope(const Generator& generator, const std::string& cataloguePath, bool raw,
+    TranslationScope(const repgen::Generator& generator, const std::string& cataloguePath, bool raw,
                      Console& console)
         : generator_(generator) {
         if (cataloguePath.empty()) return;
         catalogue_ = std::make_unique<PoCatalogue>(cataloguePath, raw, console);
         translator_ = std::make_unique<Translator>(*catalogue_);
-        rgen_setTranslateFunction(generator_.handle(), Translator::translate, translator_.get());
+        repgen::call(rgenh_setTranslateFunction, generator_.handle(), Translator::translate,
+                     translator_.get());
     }
     ~TranslationScope() {
-        if (translator_) rgen_setTranslateFunction(generator_.handle(), sameText, nullptr);
+        if (!translator_) return;
+        rgenh_setTranslateFunction(generator_.handle(), nullptr, nullptr, nullptr);
     }
     TranslationScope(const TranslationScope&) = delete;
     TranslationScope& operator=(const TranslationScope&) = delete;
@@ -53,7 +51,7 @@ public:
     }
 
 private:
-    const Generator& generator_;
+    const repgen::Generator& generator_;
     std::unique_ptr<PoCatalogue> catalogue_;
     std::unique_ptr<Translator> translator_;
 };
@@ -139,38 +137,33 @@ std::string adviceFor(RgenStatus status, const ReportContext& context, const Rep
         case RGEN_E_NO_VALID_TYPE_MAP:
             return "look at \"" + context.directory.configPath() + "\"";
         default:
-            return "\"rgen explain " + Generator::statusHex(status) + "\" says more";
+            return "\"rgen explain " + statusHex(status) + "\" says more";
     }
 }
 
 [[noreturn]] void fail(RgenStatus status, const ReportContext& context,
                        const ReportRequest& request, const ReportOutput& output,
                        const std::string& format) {
-    CommandError error =
-        context.generator.failure(outputName(request.arguments.output), status,
-                                  adviceFor(status, context, request, output, format));
+    CommandError error = statusFailure(outputName(request.arguments.output), status,
+                                       adviceFor(status, context, request, output, format));
     if (status == RGEN_E_RUN_EXTERNAL) error.exitCode = ExitCode::Environment;
     const bool isWriting = status == RGEN_E_WRITE_OUTPUT || status == RGEN_E_WRITE_ALL_OUTPUT;
     if (isWriting) error.exitCode = ExitCode::Unverified;
     throw error;
 }
 
-/// The library throws for failures that have no status.
+/// Throws a CommandError for failures that have no status, such as those of the file system.
 RgenStatus callLibrary(const ReportContext& context, const ReportRequest& request,
                        ReportOutput& output, const std::string& format) {
-    LibraryRequest libraryRequest;
-    libraryRequest.setValues(inOrder(request.input.values));
-    libraryRequest.setPairs(inOrder(request.input.pairs));
-    libraryRequest.record.templateGuid = request.type.guid;
+    repgen::Request libraryRequest{request.type.guid, format, libraryValues(request.input.values),
+                                   libraryTexts(request.input.pairs)};
     try {
-        return output.generate(context.generator, libraryRequest, format);
-    } catch (const std::bad_alloc&) {
-        throw;
-    } catch (const CommandError&) {
-        throw;
-    } catch (const std::exception& exception) {
+        return output.generate(context.generator, libraryRequest);
+    } catch (const repgen::StatusError& error) {
+        return error.status();
+    } catch (const repgen::Error& error) {
         throw CommandError(ExitCode::Environment,
-                           outputName(request.arguments.output) + ": " + exception.what(),
+                           outputName(request.arguments.output) + ": " + error.what(),
                            "check the access rights of the data directory");
     }
 }

@@ -12,7 +12,7 @@
 #include "base/file_set.h"
 #include "data/report_input.h"
 #include "data/report_type.h"
-#include "library/generator.h"
+#include "library/library_calls.h"
 
 namespace cli {
 
@@ -21,7 +21,7 @@ class JsonDocument;
 
 /// What all reports of a run share.
 struct ReportContext {
-    const Generator& generator;
+    repgen::Generator& generator;
     DataDirectory directory;
     Console& console;
     /// Translations are inserted unchanged.

@@ -13,7 +13,7 @@
 #include "base/input_file.h"
 #include "base/paths.h"
 #include "base/safe_files.h"
-#include "base/xml_text.h"
+#include "base/text_functions.h"
 #include "pdf/pdf_file.h"
 #include "process/this_process.h"
 #include "report/converter.h"
@@ -41,25 +41,20 @@ CommandError unwritable(const std::string& target, const std::error_code& reason
 
 ReportOutput::ReportOutput(OutputPlan plan) : plan_(std::move(plan)) {}
 
-RgenStatus ReportOutput::generate(const Generator& generator, LibraryRequest& request,
-                                  const std::string& format) {
-    request.record.outputMode = RGEN_OUTPUT_BYTES;
-    request.record.skipExternalConversion = 1;
-    if (plan_.delivery == Delivery::DeleteOnClose) {
-        request.record.outputMode = RGEN_OUTPUT_DELETE_ON_CLOSE;
-        // A folder or device in its place is left to the library.
-        path_ = plan_.target;
-        const RgenStatus status = isSpecialFile(path_) ? RGEN_OK : makeFolder("report");
-        if (status < 0) return status;
+RgenStatus ReportOutput::generate(repgen::Generator& generator, const repgen::Request& request) {
+    if (plan_.delivery != Delivery::DeleteOnClose) {
+        bytes_ = generator.generateBytes(request);
+        return RGEN_OK;
     }
-    request.setTexts(format, path_, plan_.converterBase);
-    return rgen_generateReport(generator.handle(), &request.record, &result_);
+    // A folder or device in its place is left to the library.
+    path_ = plan_.target;
+    const RgenStatus status = isSpecialFile(path_) ? RGEN_OK : makeFolder("report");
+    if (status >= 0) file_ = generator.generateOpenFile(request, path_);
+    return status;
 }
 
 std::string_view ReportOutput::bytes() const {
-    if (result_.type != RGEN_TYPE_BYTE_ARRAY || result_.value.byteArrayValue.size == 0) return {};
-    const RgenByteArray& array = result_.value.byteArrayValue;
-    return {reinterpret_cast<const char*>(array.data), array.size};
+    return {reinterpret_cast<const char*>(bytes_.data()), bytes_.size()};
 }
 
 RgenStatus ReportOutput::prepare() {
@@ -127,7 +122,7 @@ void ReportOutput::verifyPdf(const std::string& said) const {
 
 std::uint64_t ReportOutput::deliver() {
     if (plan_.delivery == Delivery::DeleteOnClose) {
-        return closeDeleteOnCloseFile(result_.value.handleValue);
+        return closeDeleteOnCloseFile(file_.release());
     }
     std::error_code ignored;
     const std::uint64_t size =

@@ -32,11 +32,11 @@ std::string tableRow(const std::string& name, const std::string& source, const s
 
 }  // namespace
 
-std::vector<ValueRow> valueRows(const Generator& generator, const ReportType& type,
+std::vector<ValueRow> valueRows(repgen::Generator& generator, const ReportType& type,
                                 const ReportInput& input) {
     RgenStatus status = RGEN_OK;
     ValueSet merged;
-    for (Value& value : generator.persistentData(type.guid, status))
+    for (Value& value : persistentValues(generator, type.guid, status))
         merged.replace(std::move(value));
     for (const ValueSet* set : {&input.pairs, &input.values}) {
         for (const auto& [name, value] : set->values())
@@ -45,8 +45,11 @@ std::vector<ValueRow> valueRows(const Generator& generator, const ReportType& ty
     if (merged.empty()) return {};
     const TemporaryFolder folder;
     const std::string dump = folder.file("values.xml");
-    const RgenStatus dumped = generator.dump(inOrder(merged), dump);
-    if (dumped < 0) throw generator.failure(dump, dumped, "check the temporary folder");
+    try {
+        generator.dump(libraryValues(merged), dump);
+    } catch (const repgen::StatusError& error) {
+        throw statusFailure(dump, error.status(), "check the temporary folder");
+    }
     std::map<std::string, std::string> texts = readDump(dump);
     std::vector<ValueRow> shown;
     for (const auto& [name, value] : merged.values())

@@ -8,7 +8,7 @@
 
 #include "data/report_input.h"
 #include "data/report_type.h"
-#include "library/generator.h"
+#include "library/library_calls.h"
 
 namespace cli {
 
@@ -20,7 +20,7 @@ struct ValueRow {
 
 /// Persistent data, pairs and values merged like in the library, sorted by name. The texts are
 /// those of the library, from a raw input dump.
-std::vector<ValueRow> valueRows(const Generator& generator, const ReportType& type,
+std::vector<ValueRow> valueRows(repgen::Generator& generator, const ReportType& type,
                                 const ReportInput& input);
 
 /// The table with columns name, source, hint and text.

@@ -3,25 +3,23 @@
 // SPDX-License-Identifier: MIT
 #include "values/literal_parser.h"
 
-#include <algorithm>
 #include <cerrno>
 #include <cstdlib>
 #include <ctime>
-#include <optional>
 #include <string_view>
 
 #include "base/command_error.h"
 #include "base/console.h"
-#include "base/xml_text.h"
+#include "base/text_functions.h"
+#include "strata_repgenlib/rgen.hpp"
 
 namespace cli {
 namespace {
 
-constexpr std::int64_t secondsOfDay = 86400;
 /// The last second that the library can show.
 constexpr std::int64_t latestTime = 32535215999;
 
-std::string quoted(const std::string& text) {
+std::string inQuotes(const std::string& text) {
     return "\"" + shortened(text) + "\"";
 }
 
@@ -42,115 +40,22 @@ bool isHexadecimal(const std::string& text) {
     return isNumber(text, "0x", digits) || isNumber(text, "0X", digits);
 }
 
-CommandError notATime(const std::string& text) {
-    return usageError(quoted(text) + " is not a time",
-                      "write seconds since 1970, 2026-03-09T08:14:07Z or now");
+CommandError notShown(const std::string& text) {
+    return usageError(inQuotes(text) + " cannot be shown as a time",
+                      "the library shows times from 1970 to 3000");
 }
 
-/// Days since 1970 of a date in the Gregorian calendar.
-std::int64_t daysFromDate(int year, int month, int day) {
-    const int shifted = month <= 2 ? year - 1 : year;
-    const std::int64_t era = shifted / 400;
-    const std::int64_t yearOfEra = shifted - era * 400;
-    const std::int64_t dayOfYear = (153 * (month + (month > 2 ? -3 : 9)) + 2) / 5 + day - 1;
-    return era * 146097 + yearOfEra * 365 + yearOfEra / 4 - yearOfEra / 100 + dayOfYear - 719468;
-}
-
-bool isDate(int year, int month, int day) {
-    if (month < 1 || month > 12 || day < 1) return false;
-    const int next = month == 12 ? 1 : month + 1;
-    const std::int64_t length =
-        daysFromDate(month == 12 ? year + 1 : year, next, 1) - daysFromDate(year, month, 1);
-    return day <= length;
-}
-
-struct DateTime {
-    int year, month, day, hour, minute, second;
-};
-
-/// -1 for times that the system cannot convert.
-std::int64_t localSeconds(const DateTime& time) {
-    std::tm brokenDown = {};
-    brokenDown.tm_year = time.year - 1900;
-    brokenDown.tm_mon = time.month - 1;
-    brokenDown.tm_mday = time.day;
-    brokenDown.tm_hour = time.hour;
-    brokenDown.tm_min = time.minute;
-    brokenDown.tm_sec = time.second;
-    brokenDown.tm_isdst = -1;
-    const std::time_t seconds = std::mktime(&brokenDown);
+std::int64_t readCalendarTime(const std::string& time, const std::string& text) {
+    std::int64_t seconds = 0;
+    try {
+        strata::repgen::call(rgenh_parseTime, time.data(), std::uint64_t{time.size()}, &seconds);
+    } catch (const strata::repgen::ArgumentError& error) {
+        const std::string_view reason = error.what();
+        if (reason.find("cannot be shown") != std::string_view::npos) throw notShown(text);
+        throw usageError(inQuotes(text) + " is not a time",
+                         "write seconds since 1970, 2026-03-09T08:14:07Z or now");
+    }
     return seconds;
-}
-
-/// Parses a text from left to right; after the first mismatch every further step fails.
-class TimeScanner {
-public:
-    explicit TimeScanner(const std::string& text) : text_(text) {}
-
-    /// The number in the next digits, exactly that many.
-    int number(std::size_t digits) {
-        const std::string part = text_.substr(std::min(at_, text_.size()), digits);
-        fits_ =
-            fits_ && part.size() == digits && isDecimal(part) && part[0] != '-' && part[0] != '+';
-        at_ += digits;
-        return fits_ ? std::stoi(part) : 0;
-    }
-
-    void require(char letter) { fits_ = accept(letter) && fits_; }
-
-    bool accept(char letter) {
-        const bool isThere = at_ < text_.size() && text_[at_] == letter;
-        if (isThere) ++at_;
-        return isThere;
-    }
-
-    bool isAtEnd() const { return at_ >= text_.size(); }
-    bool fits() const { return fits_; }
-
-private:
-    const std::string& text_;
-    std::size_t at_ = 0;
-    bool fits_ = true;
-};
-
-/// "T08:14" or "T08:14:07", or a blank instead of the "T".
-void scanTimeOfDay(TimeScanner& scanner, DateTime& time) {
-    if (!scanner.accept('T') && !scanner.accept(' ')) return;
-    time.hour = scanner.number(2);
-    scanner.require(':');
-    time.minute = scanner.number(2);
-    if (scanner.accept(':')) time.second = scanner.number(2);
-}
-
-/// "Z", "+01:00" or "-0530" as seconds east of UTC; nothing for local time.
-std::optional<std::int64_t> scanOffset(TimeScanner& scanner) {
-    if (scanner.accept('Z') || scanner.accept('z')) return 0;
-    const bool isWest = scanner.accept('-');
-    if (!isWest && !scanner.accept('+')) return std::nullopt;
-    const std::int64_t hours = scanner.number(2);
-    scanner.accept(':');
-    const std::int64_t seconds = (hours * 60 + scanner.number(2)) * 60;
-    return isWest ? -seconds : seconds;
-}
-
-std::int64_t readCalendarTime(const std::string& text) {
-    TimeScanner scanner(text);
-    DateTime time = {};
-    time.year = scanner.number(4);
-    scanner.require('-');
-    time.month = scanner.number(2);
-    scanner.require('-');
-    time.day = scanner.number(2);
-    scanTimeOfDay(scanner, time);
-    const std::optional<std::int64_t> offset = scanOffset(scanner);
-    if (!scanner.fits() || !scanner.isAtEnd() || !isDate(time.year, time.month, time.day) ||
-        time.hour > 23 || time.minute > 59 || time.second > 59) {
-        throw notATime(text);
-    }
-    if (!offset) return localSeconds(time);
-    const std::int64_t minutes = std::int64_t{time.hour} * 60 + time.minute;
-    return daysFromDate(time.year, time.month, time.day) * secondsOfDay + minutes * 60 +
-           time.second - *offset;
 }
 
 /// The value of a hexadecimal digit, -1 for another character.
@@ -162,7 +67,7 @@ int hexDigit(char letter) {
 }
 
 CommandError noByteDump(const std::string& text) {
-    return usageError(quoted(text) + " is no byte dump", "write 01 AB FF or 01ABFF");
+    return usageError(inQuotes(text) + " is no byte dump", "write 01 AB FF or 01ABFF");
 }
 
 }  // namespace
@@ -171,7 +76,7 @@ std::int64_t parseInteger(const std::string& text, bool takesUnsigned) {
     const std::string digits = trimmed(text);
     const bool isHex = isHexadecimal(digits);
     if (!isHex && !isDecimal(digits)) {
-        throw usageError(quoted(text) + " is not a whole number");
+        throw usageError(inQuotes(text) + " is not a whole number");
     }
     errno = 0;
     const std::int64_t number = std::strtoll(digits.c_str(), nullptr, isHex ? 16 : 10);
@@ -181,17 +86,16 @@ std::int64_t parseInteger(const std::string& text, bool takesUnsigned) {
         const std::uint64_t bits = std::strtoull(digits.c_str(), nullptr, isHex ? 16 : 10);
         if (errno != ERANGE) return static_cast<std::int64_t>(bits);
     }
-    throw usageError(quoted(text) + " does not fit into 64 bits");
+    throw usageError(inQuotes(text) + " does not fit into 64 bits");
 }
 
 std::int64_t parseTime(const std::string& text) {
     const std::string time = trimmed(text);
     if (time == "now") return std::time(nullptr);
-    const std::int64_t seconds =
-        isDecimal(time) ? parseInteger(time, false) : readCalendarTime(time);
-    if (seconds >= 0 && seconds <= latestTime) return seconds;
-    throw usageError(quoted(text) + " cannot be shown as a time",
-                     "the library shows times from 1970 to 3000");
+    if (!isDecimal(time)) return readCalendarTime(time, text);
+    const std::int64_t seconds = parseInteger(time, false);
+    if (seconds < 0 || seconds > latestTime) throw notShown(text);
+    return seconds;
 }
 
 std::vector<std::uint8_t> parseBytes(const std::string& text) {

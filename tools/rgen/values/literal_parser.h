@@ -13,8 +13,8 @@ namespace cli {
 /// with the same bits. Throws a CommandError.
 std::int64_t parseInteger(const std::string& text, bool takesUnsigned);
 
-/// Seconds since 1970: a whole number, "2026-03-09T08:14:07" with "Z", an offset or in local time,
-/// "2026-03-09", or "now". Throws a CommandError.
+/// Seconds since 1970: a whole number, a time that rgenh_parseTime reads, or "now". Throws a
+/// CommandError.
 std::int64_t parseTime(const std::string& text);
 
 /// "01 AB FF", "01ABFF" or "0x01, 0xAB, 0xFF". Throws a CommandError.

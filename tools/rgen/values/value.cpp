@@ -13,7 +13,6 @@
 #include "base/paths.h"
 #include "base/suggestion.h"
 #include "base/text_functions.h"
-#include "base/xml_text.h"
 #include "values/literal_parser.h"
 
 namespace cli {
@@ -21,23 +20,26 @@ namespace {
 
 struct NamedHint {
     const char* name;
-    ValueType type;
-    ValueHint hint;
+    repgen::ValueType type;
+    repgen::Hint hint;
 };
+
+using repgen::Hint;
+using repgen::ValueType;
 
 // If a hint has several names, the first one is printed.
 constexpr NamedHint hints[] = {
-    {"text", RGEN_TYPE_STRING, RGEN_HINT_GENERIC},
-    {"int", RGEN_TYPE_INT64, RGEN_HINT_GENERIC},
-    {"size", RGEN_TYPE_INT64, RGEN_HINT_SIZE},
-    {"speed", RGEN_TYPE_INT64, RGEN_HINT_SPEED},
-    {"address", RGEN_TYPE_INT64, RGEN_HINT_ADDRESS},
-    {"time", RGEN_TYPE_INT64, RGEN_HINT_TIME},
-    {"date", RGEN_TYPE_INT64, RGEN_HINT_DATE},
-    {"datetime", RGEN_TYPE_INT64, RGEN_HINT_DATE_TIME},
-    {"bytes", RGEN_TYPE_BYTE_ARRAY, RGEN_HINT_DUMP},
-    {"generic", RGEN_TYPE_INT64, RGEN_HINT_GENERIC},
-    {"dump", RGEN_TYPE_BYTE_ARRAY, RGEN_HINT_DUMP},
+    {"text", ValueType::Text, Hint::Generic},
+    {"int", ValueType::Integer, Hint::Generic},
+    {"size", ValueType::Integer, Hint::Size},
+    {"speed", ValueType::Integer, Hint::Speed},
+    {"address", ValueType::Integer, Hint::Address},
+    {"time", ValueType::Integer, Hint::Time},
+    {"date", ValueType::Integer, Hint::Date},
+    {"datetime", ValueType::Integer, Hint::DateTime},
+    {"bytes", ValueType::ByteArray, Hint::Dump},
+    {"generic", ValueType::Integer, Hint::Generic},
+    {"dump", ValueType::ByteArray, Hint::Dump},
 };
 
 const NamedHint* findHint(const std::string& text) {
@@ -47,11 +49,11 @@ const NamedHint* findHint(const std::string& text) {
     return found == std::end(hints) ? nullptr : found;
 }
 
-bool isTimeHint(ValueHint hint) {
-    return hint == RGEN_HINT_TIME || hint == RGEN_HINT_DATE || hint == RGEN_HINT_DATE_TIME;
+bool isTimeHint(Hint hint) {
+    return hint == Hint::Time || hint == Hint::Date || hint == Hint::DateTime;
 }
 
-std::vector<std::uint8_t> bytesOf(const std::string& text, const ValueReadOptions& options) {
+repgen::Bytes bytesOf(const std::string& text, const ValueReadOptions& options) {
     if (text.empty() || text[0] != '@') return parseBytes(text);
     const std::string path = text.substr(1);
     const bool isWhole = path.empty() || std::filesystem::u8path(path).has_root_path();
@@ -67,12 +69,12 @@ std::vector<std::uint8_t> bytesOf(const std::string& text, const ValueReadOption
     return {content.begin(), content.end()};
 }
 
-std::string contentOf(const std::string& text, const ValueReadOptions& options) {
+repgen::Text textOf(const std::string& text, const ValueReadOptions& options) {
     if (!isPlainUtf8(text)) {
         throw usageError("the text is not valid UTF-8, or holds a zero character",
                          "bytes of any kind are values with the hint bytes");
     }
-    return options.raw ? text : escapedAmpersands(text);
+    return options.raw ? repgen::Text::markup(text) : repgen::Text(text);
 }
 
 /// The name and text of "NAME=TEXT", and the beginning of error messages about it.
@@ -133,6 +135,20 @@ void ValueSet::replace(Value value) {
     values_[std::move(name)] = std::move(value);
 }
 
+repgen::Values libraryValues(const ValueSet& set) {
+    repgen::Values values;
+    for (const auto& [name, value] : set.values())
+        values.add(name, value.content);
+    return values;
+}
+
+repgen::Texts libraryTexts(const ValueSet& set) {
+    repgen::Texts texts;
+    for (const auto& [name, value] : set.values())
+        texts.add(name, value.content.markedText());
+    return texts;
+}
+
 std::vector<std::string> hintNames() {
     std::vector<std::string> all;
     for (const NamedHint& hint : hints)
@@ -142,9 +158,9 @@ std::vector<std::string> hintNames() {
 
 std::string hintName(const Value& value) {
     for (const NamedHint& hint : hints) {
-        if (hint.type == value.type && (hint.hint == value.hint || value.type != RGEN_TYPE_INT64)) {
-            return hint.name;
-        }
+        const bool isInteger = hint.type == ValueType::Integer;
+        const bool isHint = !isInteger || hint.hint == value.content.hint();
+        if (hint.type == value.content.type() && isHint) return hint.name;
     }
     return "int";
 }
@@ -168,19 +184,15 @@ Value readValue(const std::string& nameAndHint, const std::string& text,
         throw usageError("the name is not valid UTF-8, or holds a zero character");
     }
     const NamedHint* hint = findHint(parts.hint.empty() ? defaultHint : parts.hint);
-    Value value;
-    value.name = parts.name;
-    value.source = options.source;
-    value.type = hint->type;
-    value.hint = hint->hint;
-    if (hint->type == RGEN_TYPE_STRING) {
-        value.content = contentOf(text, options);
-    } else if (hint->type == RGEN_TYPE_BYTE_ARRAY) {
-        value.bytes = bytesOf(text, options);
+    Value value{parts.name, {}, options.source};
+    if (hint->type == ValueType::Text) {
+        value.content = textOf(text, options);
+    } else if (hint->type == ValueType::ByteArray) {
+        value.content = bytesOf(text, options);
     } else if (isTimeHint(hint->hint)) {
-        value.number = parseTime(text);
+        value.content = {parseTime(text), hint->hint};
     } else {
-        value.number = parseInteger(text, hint->hint == RGEN_HINT_ADDRESS);
+        value.content = {parseInteger(text, hint->hint == Hint::Address), hint->hint};
     }
     return value;
 }

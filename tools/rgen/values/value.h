@@ -9,26 +9,21 @@
 #include <string>
 #include <vector>
 
-#include "strata_repgenlib/rgen.h"
+#include "strata_repgenlib/rgen.hpp"
 
 namespace cli {
 
 class Console;
 
-using ValueType = RgenVariantType;
-using ValueHint = RgenHint;
+namespace repgen = strata::repgen;
 
 struct Value {
     std::string name;
-    /// Text, integer or bytes.
-    ValueType type = RGEN_TYPE_STRING;
-    ValueHint hint = RGEN_HINT_GENERIC;
-    /// XML content as the library expects it: "&" is already escaped.
-    std::string content;
-    std::int64_t number = 0;
-    std::vector<std::uint8_t> bytes;
+    repgen::Value content;
     /// "--set", "--pair", "persistent data" or the path of a data file.
     std::string source;
+
+    bool isText() const { return content.type() == repgen::ValueType::Text; }
 };
 
 /// Values by name; if a name is added twice, the last value is used.
@@ -48,14 +43,20 @@ private:
     std::set<std::string> repeated_;
 };
 
+/// The values for the library.
+repgen::Values libraryValues(const ValueSet& set);
+/// The same of a set of texts.
+repgen::Texts libraryTexts(const ValueSet& set);
+
 /// The hints that the command line and JSON data files accept.
 std::vector<std::string> hintNames();
 
 /// The hint that rgen prints for the type and hint of a value.
 std::string hintName(const Value& value);
 
-/// How texts are converted to XML content, and where "@FILE" is searched.
+/// How texts are read, and where "@FILE" is searched.
 struct ValueReadOptions {
+    /// Texts are XML content.
     bool raw = false;
     std::string source;
     std::string folder = ".";
