@@ -204,9 +204,9 @@ class FailingLines(BatchCase):
                                 f'cannot read "missing.json": {NO_SUCH_FILE}; ')
 
     def test_a_broken_data_file(self):
-        self.write("broken.json", '{\n"A": true}')
+        self.write("broken.json", '{\n"A:int": true}')
         self.expect_one_failure({"output": "b.txt", "data": "broken.json"},
-                                r"broken\.json:2:6: true is no value")
+                                r'broken\.json:2:10: "A": "true" is not a whole number')
 
     def test_an_unknown_type(self):
         self.expect_one_failure({"output": "b.txt", "type": "acquisiton", "set": {"A": "1"}},

@@ -57,6 +57,52 @@ class JsonFiles(CliCase):
         values = self.values("--data", "-", stdin='{"Ä": "ж", "N": 5}'.encode())
         self.assertEqual({"Ä": "ж", "N": "5"}, values)
 
+    def test_objects_and_lists(self):
+        self.expect_values({
+            "Device.Model": "Tarnholm TH500-S7", "Device.Capacity": "500107862016",
+            "Err.1.Address": "0x186a8e0000", "Err.1.Sectors": "8",
+            "Err.2.Address": "0x18f2000000", "Err.2.Sectors": "24",
+            "Log.Offsets.1": "0x1000", "Log.Offsets.2": "0x2000",
+            "Note.1": "Checked twice", "Note.3": "Sent back"}, """{
+          "Device": {"Model": "Tarnholm TH500-S7", "Capacity:size": 500107862016},
+          "Err": [
+            {"Address:address": "0x186a8e0000", "Sectors": 8},
+            {"Address:address": "0x18f2000000", "Sectors": 24}
+          ],
+          "Log.Offsets:address": [4096, 8192],
+          "Note": ["Checked twice", null, "Sent back"]
+        }""")
+
+    def test_lists_in_lists_share_their_hint(self):
+        self.expect_values({"Row.1.1": "0x7", "Row.1.2": "0x8", "Row.2.1": "0x9", "Z.a.1": "1"},
+                           '{"Row:address": [[7, 8], [9]], "Z": {"a": [1]}}')
+
+    def test_empty_objects_and_lists_are_no_values(self):
+        self.expect_values({"Z": "1"}, '{"A": {}, "B": [], "C": [[], {}], "D": null, "Z": 1}')
+
+    def test_numbers_that_do_not_begin_at_1(self):
+        self.expect_values({"Err.10.Address": "16"}, '{"Err": {"10": {"Address": 16}}}')
+
+    def test_fractions_and_truth_values_are_texts(self):
+        self.expect_values({"A": "12.50", "B": "-0.0", "C": "true", "D": "false", "E.1": "1.5",
+                            "F": "true", "G": "0.1"},
+                           '{"A": 12.50, "B": -0.0, "C": true, "D": false, "E": [1.5], '
+                           '"F:text": true, "G:text": 0.1}')
+
+    def test_31_levels_in_the_outermost_object(self):
+        self.expect_values({"A" + 31 * ".1": "x"}, '{"A": ' + 31 * "[" + '"x"' + 31 * "]" + "}")
+
+    def test_of_a_nested_name_that_occurs_twice_the_last_counts(self):
+        self.write("data.json", '{"A": {"B": 1}, "A.B": 2, "C": [1, 2], "C": [3]}')
+        result = self.report("--data", "data.json")
+        self.expect_notes(result, '"A.B" is given more than once; data.json counts',
+                          '"C.1" is given more than once; data.json counts')
+        self.assertEqual({"A.B": "2", "C.1": "3", "C.2": "2"}, self.listed(self.read("report.txt")))
+
+    def test_bytes_in_a_list_of_files(self):
+        self.write("one.bin", b"\x01")
+        self.expect_values({"S.1": "01 ", "S.2": "AB CD "}, '{"S:bytes": ["@one.bin", "AB CD"]}')
+
     def test_of_a_name_that_occurs_twice_the_last_counts(self):
         self.write("data.json", '{"A": "first", "B": "b", "A:int": 2}')
         result = self.report("--data", "data.json")
@@ -79,31 +125,25 @@ class JsonErrors(CliCase):
 
     def test_values_that_are_none(self):
         rows = {
-            "1.5": "1.5 is not a whole number; write it in quotes to hand it over as text",
-            "18446744073709551616": "18446744073709551616 does not fit into 64 bits; write it in "
-                                    "quotes to hand it over as text",
-            "9223372036854775808": "9223372036854775808 does not fit into 64 bits; write it in "
-                                   "quotes to hand it over as text",
-            "true": "true is no value; write a text in quotes or a whole number",
-            "false": "false is no value; write a text in quotes or a whole number",
-            "null": "null is no value; write a text in quotes or a whole number",
-            "[1]": "an array is no value; write a text in quotes or a whole number",
-            '{"a": 1}': "an object is no value; write a text in quotes or a whole number",
+            "1.5e3": "1.5e3 has an exponent",
+            "5E-1": "5E-1 has an exponent",
+            "18446744073709551616": "18446744073709551616 does not fit into 64 bits",
+            "9223372036854775808": "9223372036854775808 does not fit into 64 bits",
         }
         for value, message in rows.items():
             with self.subTest(value=value):
-                self.expect_refusal('{\n  "Name": "x",\n  "Device.Size": ' + value + "\n}\n",
-                                    "3:18", message)
+                self.expect_refusal('{\n  "Name": "x",\n  "Device.Size": ' + value + "\n}\n", "3:18",
+                                    f'"Device.Size": {message}; write it in quotes to hand it over as '
+                                    "text")
 
     def test_columns_count_characters(self):
-        self.expect_refusal('{"Größe": "ж", "B": 1.5}', "1:21",
-                            "1.5 is not a whole number; write it in quotes to hand it over as text")
-        self.expect_refusal('{\r\n"\U0001f600": true}', "2:6",
-                            "true is no value; write a text in quotes or a whole number")
+        self.expect_refusal('{"Größe": "ж", "B:int": 1.5}', "1:25",
+                            '"B": "1.5" is not a whole number')
+        self.expect_refusal('{\r\n"\U0001f600:int": true}', "2:10",
+                            '"\U0001f600": "true" is not a whole number')
 
     def test_a_byte_order_mark_is_no_column(self):
-        self.expect_refusal('\ufeff{"A": null}', "1:7",
-                            "null is no value; write a text in quotes or a whole number")
+        self.expect_refusal('\ufeff{"A:int": true}', "1:11", '"A": "true" is not a whole number')
 
     def test_something_else_than_an_object(self):
         for content in ("[1, 2]", '"text"', "5"):
@@ -140,9 +180,30 @@ class JsonErrors(CliCase):
                 result = self.report("--data", "data.json")
                 self.expect_error_like(result, 2, r"^rgen: data\.json:2:\d+: ")
 
-    def test_deeply_nested_arrays(self):
-        self.expect_refusal('{"A": ' + "[" * 200_000, "1:7",
-                            "an array is no value; write a text in quotes or a whole number")
+    def test_deeply_nested_lists_and_objects(self):
+        advice = 'more than 32 levels of objects and lists; write flat names: "A.1.B"'
+        self.expect_refusal('{"A": ' + "[" * 200_000, "1:38", '"A' + 19 * ".1" + f'....": {advice}')
+        self.expect_refusal('{"A": ' * 200_000, "1:193", '"A' + 19 * ".A" + f'....": {advice}')
+
+    def test_names_that_are_empty_at_every_level(self):
+        rows = {'{"": 1}': "1:2", '{"A": {"": 1}}': "1:8", '{"A": [{":int": 1}]}': "1:9"}
+        for content, place in rows.items():
+            with self.subTest(content=content):
+                self.expect_refusal(content, place, 'a name is empty in ".*"; name every value',
+                                    is_pattern=True)
+
+    def test_objects_take_no_hint(self):
+        self.expect_refusal('{"Err:address": [16, {"A": 1}]}', "1:22",
+                            '"Err.2": an object takes no hint; write "address" after the names of its '
+                            "members")
+        self.expect_refusal('{"Err:size": {}}', "1:14", '"Err": an object takes no hint; write "size" '
+                            "after the names of its members")
+
+    def test_errors_in_lists_name_the_value(self):
+        self.expect_refusal('{"Err": [{"Address:address": "0x10"},\n  {"Address:address": "x"}]}',
+                            "2:23", '"Err.2.Address": "x" is not a whole number')
+        self.expect_refusal('{"Row:size": [[1], [2, 3.5]]}', "1:24",
+                            '"Row.2.2": "3.5" is not a whole number')
 
     def test_a_number_where_a_text_is_wanted(self):
         self.write("data.json", '{"A:bytes": 5}')
@@ -150,8 +211,8 @@ class JsonErrors(CliCase):
 
     def test_standard_input(self):
         result = self.rgen("report", "-d", "case", "-o", "a.txt", "--data", "-",
-                           stdin=b'{\n"A": true}')
-        self.expect_error_like(result, 2, r"^rgen: .*:2:6: true is no value; ")
+                           stdin=b'{\n"A:int": true}')
+        self.expect_error_like(result, 2, r'^rgen: .*:2:10: "A": "true" is not')
 
 
 class UnreadableFiles(CliCase):

@@ -106,9 +106,9 @@ class Failure(CliCase):
                 self.assertNotIn("status", error)
 
     def test_a_broken_data_file(self):
-        self.write("data.json", '{\n "A": "x",\n "Ä": 1.5}')
+        self.write("data.json", '{\n "A": "x",\n "Ä:int": 1.5}')
         error = self.failure(2, "report", "-d", "case", "-o", "a.txt", "--data", "data.json")
-        self.assertIn("data.json:3:7: ", error["message"])
+        self.assertIn("data.json:3:11: ", error["message"])
 
     def test_surroundings(self):
         for arguments in (["report", "-o", "a.txt"], ["persist", "get"], ["types"]):

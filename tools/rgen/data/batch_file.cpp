@@ -7,18 +7,24 @@
 #include <nlohmann/json.hpp>
 #include <set>
 #include <utility>
+#include <vector>
 
 #include "base/command_error.h"
+#include "base/console.h"
 #include "base/input_file.h"
 #include "base/json_error_text.h"
 #include "base/suggestion.h"
 #include "data/report_type.h"
+#include "data/value_names.h"
 
 namespace cli {
 namespace {
 
 /// Members keep their order: if a name occurs twice, the last value is used.
 using Json = nlohmann::ordered_json;
+
+/// Keys, and numbers of list entries, from the line itself to a member.
+using Path = std::vector<std::string>;
 
 const std::vector<std::string> members = {"output", "format", "type", "data", "set",
                                           "pair",   "lang",   "mode", "base"};
@@ -41,9 +47,9 @@ public:
     bool start_array(std::size_t) override { return open(Json::array()); }
     bool end_array() override { return close(); }
     bool key(string_t& value) override {
-        const std::string parent = keys_.size() > 1 ? keys_[keys_.size() - 2] : "";
-        if (open_.back()->contains(value)) repeated.insert({parent, value});
-        keys_.back() = value;
+        Level& level = open_.back();
+        level.key = value;
+        if (level.container->contains(value)) repeated.insert(pathOfEntry());
         return true;
     }
     bool parse_error(std::size_t place, const std::string&,
@@ -54,8 +60,8 @@ public:
     }
 
     Json object;
-    /// Repeated members, each as a pair of the enclosing member and its name.
-    std::set<std::pair<std::string, std::string>> repeated;
+    /// The paths of members that are repeated in their object.
+    std::set<Path> repeated;
     /// What is wrong with the text, and where.
     std::string failure;
     std::size_t offset = 0;
@@ -66,28 +72,125 @@ private:
         return true;
     }
 
+    struct Level {
+        Json* container;
+        /// Of the current entry of an object.
+        std::string key;
+    };
+
     bool open(Json value) {
-        open_.push_back(&place(std::move(value)));
-        keys_.emplace_back();
+        open_.push_back({&place(std::move(value)), {}});
         return true;
     }
 
     bool close() {
         open_.pop_back();
-        keys_.pop_back();
         return true;
     }
 
     Json& place(Json value) {
         if (open_.empty()) return object = std::move(value);
-        Json& parent = *open_.back();
-        if (parent.is_object()) return parent[keys_.back()] = std::move(value);
+        Json& parent = *open_.back().container;
+        if (parent.is_object()) return parent[open_.back().key] = std::move(value);
         parent.push_back(std::move(value));
         return parent.back();
     }
 
-    std::vector<Json*> open_;
-    std::vector<std::string> keys_;
+    /// The path of the current entry of the innermost container, which is an object.
+    Path pathOfEntry() const {
+        Path path;
+        for (const auto& [container, key] : open_)
+            path.push_back(container->is_object() ? key : std::to_string(container->size() - 1));
+        return path;
+    }
+
+    std::vector<Level> open_;
+};
+
+/// Reads the values of "set" or the texts of "pair", objects and lists included. Throws
+/// CommandErrors without the place of the line.
+class NestedValues {
+public:
+    NestedValues(const std::string& member, const std::set<Path>& repeated,
+                 const ValueReadOptions& reading, std::vector<Value>& target)
+        : isSet_(member == "set"),
+          repeated_(repeated),
+          reading_(reading),
+          target_(target),
+          path_{member},
+          names_(isSet_) {}
+
+    void take(const Json& value) {
+        if (value.is_object()) {
+            takeObject(value);
+        } else if (value.is_array()) {
+            takeList(value);
+        } else {
+            names_.beginEntry();
+            if (!value.is_null()) takeValue(value);
+        }
+    }
+
+private:
+    void takeObject(const Json& object) {
+        names_.openObject();
+        for (const auto& [key, value] : object.items()) {
+            setKey(key);
+            takeEntry(key, value);
+        }
+        names_.close();
+    }
+
+    void takeList(const Json& list) {
+        names_.openList();
+        std::size_t index = 0;
+        for (const Json& value : list)
+            takeEntry(std::to_string(index++), value);
+        names_.close();
+    }
+
+    void takeEntry(const std::string& key, const Json& value) {
+        path_.push_back(key);
+        take(value);
+        path_.pop_back();
+    }
+
+    void setKey(const std::string& key) try {
+        names_.setKey(key);
+    } catch (const CommandError& error) {
+        throw usageError("\"" + shortened(key) + "\": " + error.what(), error.hint);
+    }
+
+    void takeValue(const Json& value) try {
+        if (!isSet_ && !value.is_string()) throw usageError("a text is expected", inQuotes);
+        const std::string text = value.is_string() ? value.get<std::string>() : textOf(value);
+        const bool isInteger =
+            !value.is_string() && !value.is_boolean() && text.find('.') == std::string::npos;
+        const std::string name = isSet_ ? names_.nameAndHint() : names_.name() + ":text";
+        target_.push_back(readValue(name, text, isInteger ? "int" : "text", reading_));
+        // Adding the value twice makes ValueSet note the repeated name.
+        if (repeated_.count(path_) > 0) target_.push_back(target_.back());
+    } catch (const CommandError& error) {
+        throw CommandError(error.exitCode, "\"" + shortened(names_.name()) + "\": " + error.what(),
+                           error.hint);
+    }
+
+    /// The digits of a number that is not a 64-bit integer are bytes.
+    static std::string textOf(const Json& value) {
+        if (!value.is_binary()) return value.dump();
+        std::string digits(value.get_binary().begin(), value.get_binary().end());
+        if (digits.find_first_of("eE") == std::string::npos) return digits;
+        throw usageError(digits + " has an exponent", inQuotes);
+    }
+
+    static constexpr const char* inQuotes = "write it in quotes to hand it over as text";
+
+    bool isSet_;
+    const std::set<Path>& repeated_;
+    const ValueReadOptions& reading_;
+    std::vector<Value>& target_;
+    Path path_;
+    ValueNames names_;
 };
 
 class LineReader {
@@ -124,9 +227,10 @@ private:
 
     /// A member of the line itself must not be given twice.
     void requireOnce() const {
-        for (const auto& [parent, name] : repeated_) {
-            if (parent.empty())
-                fail("\"" + name + "\" is given more than once", "keep one of them");
+        for (const Path& path : repeated_) {
+            if (path.size() == 1) {
+                fail("\"" + path[0] + "\" is given more than once", "keep one of them");
+            }
         }
     }
 
@@ -185,52 +289,25 @@ private:
             line_.values.data.push_back(textOf("data", file));
     }
 
-    [[noreturn]] void failAtValue(const std::string& member, const std::string& name) const {
-        fail("\"" + member + "\": \"" + name + "\" must be a text or a whole number",
-             "put it in quotes");
-    }
-
-    /// The digits of a number that is not a 64-bit integer.
-    std::string digitsOf(const std::string& member, const std::string& name,
-                         const Json& value) const {
-        const std::string digits(value.get_binary().begin(), value.get_binary().end());
-        if (digits.find_first_of(".eE") == std::string::npos) return digits;
-        fail("\"" + member + "\": \"" + name + "\": " + digits + " is not a whole number",
-             "write it in quotes to hand it over as text");
-    }
-
     void takeValues(const std::string& member, const Json& object, std::vector<Value>& target) {
         if (!object.is_object())
             fail("\"" + member + "\" must be an object", "write { \"NAME\": ... }");
         ValueReadOptions reading;
         reading.raw = raw_;
-        reading.source = member == "set" ? "\"set\"" : "\"pair\"";
+        reading.source = "\"" + member + "\"";
         reading.filesNamed = filesNamed_;
-        for (const auto& [name, value] : object.items()) {
-            const bool isOtherNumber = value.is_binary() && member == "set";
-            const bool isNumber = isOtherNumber || (value.is_number() && member == "set");
-            if (!isNumber && !value.is_string()) {
-                failAtValue(member, name);
-            }
-            const std::string text = isOtherNumber ? digitsOf(member, name, value)
-                                     : isNumber    ? value.dump()
-                                                   : value.get<std::string>();
-            const std::string written = member == "set" ? name : name + ":text";
-            try {
-                target.push_back(readValue(written, text, isNumber ? "int" : "text", reading));
-                // Adding the value twice makes ValueSet note the repeated name.
-                if (repeated_.count({member, name}) > 0) target.push_back(target.back());
-            } catch (const CommandError& error) {
-                throw CommandError(error.exitCode, place_ + " \"" + name + "\": " + error.what(),
-                                   error.hint);
-            }
+        NestedValues values(member, repeated_, reading, target);
+        try {
+            values.take(object);
+        } catch (const CommandError& error) {
+            throw CommandError(error.exitCode, place_ + " " + error.what(), error.hint);
         }
     }
 
     std::string place_;
     bool raw_;
     std::vector<std::string>* filesNamed_;
-    std::set<std::pair<std::string, std::string>> repeated_;
+    std::set<Path> repeated_;
     BatchLine line_;
 };
 

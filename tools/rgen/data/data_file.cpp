@@ -16,6 +16,7 @@
 #include "base/json_error_text.h"
 #include "base/paths.h"
 #include "base/xml_text.h"
+#include "data/value_names.h"
 #include "data/xml_documents.h"
 #include "library/library_calls.h"
 
@@ -61,32 +62,31 @@ public:
     ValueEvents(const std::string& text, const std::string& place, const ValueReadOptions& reading)
         : furthest(text.data()), text_(text), place_(place), reading_(reading) {}
 
-    bool null() override { return noValue("null is"); }
-    bool boolean(bool value) override { return noValue(value ? "true is" : "false is"); }
+    bool null() override {
+        requireObject();
+        names_.beginEntry();
+        return true;
+    }
+    bool boolean(bool value) override { return add(value ? "true" : "false", "text", 't'); }
     bool number_integer(number_integer_t value) override { return number(std::to_string(value)); }
     bool number_unsigned(number_unsigned_t value) override { return number(std::to_string(value)); }
     bool number_float(number_float_t, const string_t& digits) override { return number(digits); }
-    bool string(string_t& value) override {
-        requireObject();
-        add(value, "text", start('"'));
-        return true;
-    }
+    bool string(string_t& value) override { return add(value, "text", '"'); }
     bool binary(binary_t&) override { return false; }
     bool start_object(std::size_t) override {
-        if (isOpen_) return noValue("an object is");
-        isOpen_ = true;
-        return true;
+        return open([this] { names_.openObject(); });
     }
-    bool end_object() override { return true; }
-    bool start_array(std::size_t) override { return noValue("an array is"); }
-    bool end_array() override { return true; }
+    bool end_object() override { return close(); }
+    bool start_array(std::size_t) override {
+        requireObject();
+        return open([this] { names_.openList(); });
+    }
+    bool end_array() override { return close(); }
     bool key(string_t& value) override {
-        name_ = value;
-        nameStart_ = start('"');
         try {
-            splitNameAndHint(name_);
+            names_.setKey(value);
         } catch (const CommandError& error) {
-            throw usageError(at(nameStart_) + error.what() + " in \"" + shortened(name_) + "\"",
+            throw usageError(at(start('"')) + error.what() + " in \"" + shortened(value) + "\"",
                              error.hint);
         }
         return true;
@@ -141,41 +141,54 @@ private:
     }
 
     void requireObject() const {
-        if (!isOpen_) {
-            throw usageError(at(0) + "a JSON object is expected",
-                             "write { \"NAME\": \"TEXT\", ... }");
-        }
+        if (names_.isOpen()) return;
+        throw usageError(at(0) + "a JSON object is expected", "write { \"NAME\": \"TEXT\", ... }");
     }
 
-    [[noreturn]] bool noValue(const std::string& what) const {
-        requireObject();
-        const bool isBracket = what.rfind("an ", 0) == 0;
-        const std::size_t offset = isBracket ? offsetOfFurthest() - 1 : start('t');
-        throw usageError(at(offset) + what + " no value",
-                         "write a text in quotes or a whole number");
-    }
-
-    bool number(const std::string& digits) {
-        requireObject();
-        const std::size_t offset = start('n');
-        if (digits.find_first_of(".eE") != std::string::npos) {
-            throw usageError(at(offset) + digits + " is not a whole number", inQuotes);
+    template <typename Open>
+    bool open(Open openLevel) {
+        try {
+            openLevel();
+        } catch (const CommandError& error) {
+            throw usageError(at(offsetOfFurthest() - 1) + error.what(), error.hint);
         }
-        add(digits, "int", offset);
         return true;
     }
 
-    void add(const std::string& text, const std::string& defaultHint, std::size_t offset) {
+    bool close() {
+        names_.close();
+        return true;
+    }
+
+    /// A fraction is a text.
+    bool number(const std::string& digits) {
+        if (digits.find_first_of("eE") == std::string::npos) {
+            return add(digits, digits.find('.') == std::string::npos ? "int" : "text", 'n');
+        }
+        requireObject();
+        names_.beginEntry();
+        throw usageError(placeOfEntry(start('n')) + digits + " has an exponent", inQuotes);
+    }
+
+    /// `token` is a quote for a text.
+    bool add(const std::string& text, const std::string& defaultHint, char token) {
+        requireObject();
+        names_.beginEntry();
         try {
-            values.push_back(readValue(name_, text, defaultHint, reading_));
+            values.push_back(readValue(names_.nameAndHint(), text, defaultHint, reading_));
         } catch (const CommandError& error) {
             const std::string what = error.what();
             const bool isTooLarge = what.find("does not fit into 64 bits") != std::string::npos;
-            throw CommandError(
-                error.exitCode,
-                at(offset) + (isTooLarge ? text + " does not fit into 64 bits" : what),
-                isTooLarge ? inQuotes : error.hint);
+            throw CommandError(error.exitCode,
+                               placeOfEntry(start(token)) +
+                                   (isTooLarge ? text + " does not fit into 64 bits" : what),
+                               isTooLarge ? inQuotes : error.hint);
         }
+        return true;
+    }
+
+    std::string placeOfEntry(std::size_t offset) const {
+        return at(offset) + "\"" + shortened(names_.name()) + "\": ";
     }
 
     static constexpr const char* inQuotes = "write it in quotes to hand it over as text";
@@ -183,9 +196,7 @@ private:
     const std::string& text_;
     const std::string& place_;
     const ValueReadOptions& reading_;
-    bool isOpen_ = false;
-    std::string name_;
-    std::size_t nameStart_ = 0;
+    ValueNames names_{/*haveHints=*/true};
 };
 
 bool looksLikeXml(const std::string& content) {
