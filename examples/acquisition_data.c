@@ -35,15 +35,14 @@ enum { SectorSize = 512, SpeedSampleDistance = 20 };
 const RgenGuid acquisitionGuid = {
     0x5a0c6f1e, 0x3b74, 0x4e59, {0x9d, 0x21, 0x7c, 0x8e, 0x0f, 0x6a, 0x41, 0xb2}};
 
-/* Persistent texts are parsed as XML twice: when they are stored and when they are used. */
 static const TextEntry persistentTexts[] = {
-    {"Lab.Name", "Brackwater &amp;amp; Lindqvell Data Forensics"},
+    {"Lab.Name", "Brackwater & Lindqvell Data Forensics"},
     {"Lab.Address", "14 Tannery Quay, 3rd floor, Port Ellery"},
     {"Lab.Phone", "+1 555 0142"},
     {"Lab.Mail", "imaging@brackwater.example"},
     {"Case.Number", "2026-0117"},
-    {"Case.Title", "Orrin &amp;amp; Vale Logistics: dispatch server"},
-    {"Case.Client", "Orrin &amp;amp; Vale Logistics, legal department"},
+    {"Case.Title", "Orrin & Vale Logistics: dispatch server"},
+    {"Case.Client", "Orrin & Vale Logistics, legal department"},
     {"Case.Reference", "OV-LEG/4471"},
     {"Examiner.Name", "Marta Ellingrove"},
     {"Reviewer.Name", "Tomas Wendelkamp"},
@@ -52,14 +51,14 @@ static const TextEntry persistentTexts[] = {
 static const TextEntry pairTexts[] = {
     {"Report.Number", "AR-2026-0117-03"},
     {"Evidence.Item", "03"},
-    {"Evidence.Description", "3.5-inch disk from bay 2, label \"A&amp;B archive\""},
+    {"Evidence.Description", "3.5-inch disk from bay 2, label \"A&B archive\""},
     {"Evidence.Seal", "00418, intact on receipt"},
     {"Evidence.Condition", "Case scratched, connector clean, no unusual noise"},
     {"Note.10.Lang", "en"},
     {"Note.10.Text",
      "The device was received in a sealed antistatic bag. Six small areas stayed unreadable after "
      "several attempts each; none of them touches the partition table. The label reads "
-     "\"A&amp;B archive, do not erase\"."},
+     "\"A&B archive, do not erase\"."},
     {"Note.20.Lang", "de"},
     {"Note.20.Text",
      "Das Gerät lief ohne auffällige Geräusche, höchste Temperatur 41 °C. Die nicht lesbaren "
@@ -119,105 +118,103 @@ static const BadArea badAreas[] = {
     {712903168, 256, 5, "not-found"},    {901775360, 48, 3, "uncorrectable"},
 };
 
-/* Adds values one by one and remembers a failure, so that one check at the end is enough. */
-typedef struct ValueWriter {
-    RgenCVariantSet* set;
-    uint64_t used;
-    int failed;
-} ValueWriter;
+enum {
+    NumberedNames = 2 * LENGTH_OF(speeds) + 5 * LENGTH_OF(badAreas),
+    MostValues = LENGTH_OF(valueTexts) + LENGTH_OF(valueNumbers) + NumberedNames + 1
+};
 
-static void addNumber(ValueWriter* writer, const char* name, int64_t number, uint64_t hint) {
-    RgenCVariant* target = &writer->set->items[writer->used++];
-    if (!rgen_createRgenCVariantInt64(name, number, hint, target)) {
-        writer->failed = 1;
-    }
+/* The values of a request, and what they point to. */
+typedef struct Values {
+    RgenhValue items[MostValues];
+    uint64_t count;
+    char names[NumberedNames][24];
+    unsigned usedNames;
+    uint8_t sector[FirstSectorSize];
+} Values;
+
+static void addNumber(Values* values, const char* name, int64_t number, uint64_t hint) {
+    values->items[values->count++] = rgenh_integerValue(name, number, hint);
 }
 
-static void addText(ValueWriter* writer, const char* name, const char* text) {
-    RgenCVariant* target = &writer->set->items[writer->used++];
-    if (!rgen_createRgenCVariantString(name, text, RGEN_HINT_GENERIC, target)) {
-        writer->failed = 1;
-    }
+static void addText(Values* values, const char* name, const char* text) {
+    values->items[values->count++] = rgenh_textValue(name, text);
 }
 
-static void addSpeeds(ValueWriter* writer) {
+/* "Err.5.Address" */
+static const char* listName(Values* values, const char* list, unsigned number, const char* member) {
+    char* name = values->names[values->usedNames++];
+    snprintf(name, sizeof(values->names[0]), "%s.%u.%s", list, number, member);
+    return name;
+}
+
+static void addSpeeds(Values* values) {
     for (unsigned i = 0; i < LENGTH_OF(speeds); ++i) {
         const int64_t position = INT64_C(1000000000) * SpeedSampleDistance * i;
-        char name[32];
-        snprintf(name, sizeof(name), "Speed.%03u.Position", (i + 1) * 10);
-        addNumber(writer, name, position, RGEN_HINT_ADDRESS);
-        snprintf(name, sizeof(name), "Speed.%03u.Value", (i + 1) * 10);
-        addNumber(writer, name, speeds[i] * 1000, RGEN_HINT_SPEED);
+        const unsigned number = (i + 1) * 10;
+        addNumber(values, listName(values, "Speed", number, "Position"), position,
+                  RGEN_HINT_ADDRESS);
+        addNumber(values, listName(values, "Speed", number, "Value"), speeds[i] * 1000,
+                  RGEN_HINT_SPEED);
     }
 }
 
 /* The numbers 5, 10, 15, ... leave room for areas that are found later. */
-static void addBadAreas(ValueWriter* writer) {
+static void addBadAreas(Values* values) {
     for (unsigned i = 0; i < LENGTH_OF(badAreas); ++i) {
         const BadArea* area = &badAreas[i];
         const unsigned number = (i + 1) * 5;
-        char name[32];
-        snprintf(name, sizeof(name), "Err.%u.Address", number);
-        addNumber(writer, name, area->sector * SectorSize, RGEN_HINT_ADDRESS);
-        snprintf(name, sizeof(name), "Err.%u.Sector", number);
-        addNumber(writer, name, area->sector, RGEN_HINT_GENERIC);
-        snprintf(name, sizeof(name), "Err.%u.Sectors", number);
-        addNumber(writer, name, area->sectors, RGEN_HINT_GENERIC);
-        snprintf(name, sizeof(name), "Err.%u.Attempts", number);
-        addNumber(writer, name, area->attempts, RGEN_HINT_GENERIC);
-        snprintf(name, sizeof(name), "Err.%u.Cause", number);
-        addText(writer, name, area->cause);
+        addNumber(values, listName(values, "Err", number, "Address"), area->sector * SectorSize,
+                  RGEN_HINT_ADDRESS);
+        addNumber(values, listName(values, "Err", number, "Sector"), area->sector,
+                  RGEN_HINT_GENERIC);
+        addNumber(values, listName(values, "Err", number, "Sectors"), area->sectors,
+                  RGEN_HINT_GENERIC);
+        addNumber(values, listName(values, "Err", number, "Attempts"), area->attempts,
+                  RGEN_HINT_GENERIC);
+        addText(values, listName(values, "Err", number, "Cause"), area->cause);
     }
 }
 
-static void addFirstSector(ValueWriter* writer) {
-    uint8_t sector[FirstSectorSize];
-    RgenCVariant* target = &writer->set->items[writer->used++];
-    makeFirstSector(sector);
-    if (!rgen_createRgenCVariantByteArray("Sector.First", sector, sizeof(sector), RGEN_HINT_DUMP,
-                                          target)) {
-        writer->failed = 1;
-    }
-}
-
-static int fillValues(RgenCVariantSet* set) {
-    const uint64_t count = LENGTH_OF(valueTexts) + LENGTH_OF(valueNumbers) + 2 * LENGTH_OF(speeds) +
-                           5 * LENGTH_OF(badAreas) + 1;
-    ValueWriter writer = {set, 0, 0};
-    if (!rgen_createRgenCVariantSet(set, count)) {
-        return 0;
-    }
+static void fillValues(Values* values) {
     for (unsigned i = 0; i < LENGTH_OF(valueTexts); ++i) {
-        addText(&writer, valueTexts[i].name, valueTexts[i].text);
+        addText(values, valueTexts[i].name, valueTexts[i].text);
     }
     for (unsigned i = 0; i < LENGTH_OF(valueNumbers); ++i) {
-        addNumber(&writer, valueNumbers[i].name, valueNumbers[i].number, valueNumbers[i].hint);
+        addNumber(values, valueNumbers[i].name, valueNumbers[i].number, valueNumbers[i].hint);
     }
-    addSpeeds(&writer);
-    addBadAreas(&writer);
-    addFirstSector(&writer);
-    return !writer.failed;
+    addSpeeds(values);
+    addBadAreas(values);
+    makeFirstSector(values->sector);
+    values->items[values->count++] =
+        rgenh_bytesValue("Sector.First", values->sector, sizeof(values->sector));
 }
 
-static int fillPairs(RgenCAnsiStringPairSet* set, const TextEntry* entries, uint64_t count) {
-    if (!rgen_createRgenCAnsiStringpairSet(set, count)) {
-        return 0;
+static void fillTexts(RgenhValue* target, const TextEntry* entries, unsigned count) {
+    for (unsigned i = 0; i < count; ++i) {
+        target[i] = rgenh_textValue(entries[i].name, entries[i].text);
     }
-    for (uint64_t i = 0; i < count; ++i) {
-        if (!rgen_createRgenAnsiString(entries[i].name, &set->keys[i]) ||
-            !rgen_createRgenAnsiString(entries[i].text, &set->values[i])) {
-            return 0;
-        }
-    }
-    return 1;
 }
 
-int fillAcquisitionPersistentData(RgenCAnsiStringPairSet* pairs) {
-    return fillPairs(pairs, persistentTexts, LENGTH_OF(persistentTexts));
+RgenStatus storeAcquisitionData(RgenReportGenerator* generator, RgenhError* error) {
+    RgenhValue texts[LENGTH_OF(persistentTexts)];
+    fillTexts(texts, persistentTexts, LENGTH_OF(persistentTexts));
+    return rgenh_setPersistentValues(generator, &acquisitionGuid, texts, LENGTH_OF(texts), error);
 }
 
-int fillAcquisitionRequest(RgenCInputParams* request) {
-    request->templateGuid = acquisitionGuid;
-    return fillPairs(&request->pairs, pairTexts, LENGTH_OF(pairTexts)) &&
-           fillValues(&request->variants);
+RgenhRequest* newAcquisitionRequest(const char* format, uint64_t mode, const char* path,
+                                    RgenhError* error) {
+    RgenhValue pairs[LENGTH_OF(pairTexts)];
+    Values values = {.count = 0};
+    RgenhRequestParts parts = {.size = sizeof(RgenhRequestParts)};
+    fillTexts(pairs, pairTexts, LENGTH_OF(pairTexts));
+    fillValues(&values);
+    parts.templateGuid = acquisitionGuid;
+    parts.format = format;
+    parts.outputMode = mode;
+    parts.outputPath = path;
+    parts.values = values.items;
+    parts.valueCount = values.count;
+    parts.pairs = pairs;
+    parts.pairCount = LENGTH_OF(pairs);
+    return rgenh_newRequest(&parts, error);
 }

@@ -6,26 +6,30 @@
 #ifndef ACQUISITION_DATA_H
 #define ACQUISITION_DATA_H
 
-#include "strata_repgenlib/rgen.h"
+#include "strata_repgenlib/rgen_host.h"
 
 /* The report type "acquisition" of templates/acquisition/config.xml. */
 extern const RgenGuid acquisitionGuid;
 
 /**
- * Fills a set with the data that is the same for all reports: laboratory, case, people.
+ * Stores the data that is the same for all reports: laboratory, case, people.
  *
- * @param pairs  An empty record; free it with rgen_freeRgenCAnsiStringSet, also after a failure.
- * @return       1, or 0 when memory is exhausted.
+ * @param generator  A generator with a data directory.
+ * @param error      May be null.
+ * @return           The status of rgenh_setPersistentValues.
  */
-int fillAcquisitionPersistentData(RgenCAnsiStringPairSet* pairs);
+RgenStatus storeAcquisitionData(RgenReportGenerator* generator, RgenhError* error);
 
 /**
- * Fills a request with the values of one acquisition; format, mode and path remain empty.
+ * Makes a request with the values of one acquisition.
  *
- * @param request  A zero-filled record; free it with rgen_freeRgenCInputParams, also after a
- *                 failure.
- * @return         1, or 0 when memory is exhausted.
+ * @param format  "html", "pdf" or "txt".
+ * @param mode    One of RgenOutputMode.
+ * @param path    The output file in modes 0 and 1.
+ * @param error   May be null.
+ * @return        The request, to be freed with rgenh_freeRequest; null if it cannot be made.
  */
-int fillAcquisitionRequest(RgenCInputParams* request);
+RgenhRequest* newAcquisitionRequest(const char* format, uint64_t mode, const char* path,
+                                    RgenhError* error);
 
 #endif

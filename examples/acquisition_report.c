@@ -1,6 +1,6 @@
 /*
  * Generates the acquisition report as html and txt in three languages and proves that the bytes of
- * mode 2 are the bytes of the file that mode 0 writes. Uses rgen.h and the C library only.
+ * mode 2 are the bytes of the file that mode 0 writes. Uses rgen_host.h and the C library only.
  *
  * The first argument is a folder that contains a data directory: copy templates/acquisition there
  * and name it ".rgen". The library reads its configuration and the templates there and stores the
@@ -14,7 +14,7 @@
 
 #include "acquisition_data.h"
 #include "acquisition_texts.h"
-#include "strata_repgenlib/rgen.h"
+#include "strata_repgenlib/rgen_host.h"
 
 static const char* const outputFormats[] = {"html", "txt"};
 
@@ -23,6 +23,7 @@ typedef struct Demo {
     RgenReportGenerator* generator;
     const char* outputDir;
     AcquisitionTranslator translator;
+    RgenhError error;
 } Demo;
 
 static int fail(const char* what, const char* reason) {
@@ -30,9 +31,8 @@ static int fail(const char* what, const char* reason) {
     return 0;
 }
 
-static int failWithStatus(const Demo* demo, const char* what, RgenStatus status) {
-    fprintf(stderr, "acquisition_report: %s: %s (0x%08X)\n", what,
-            rgen_getStatusCodeDescription(demo->generator, status), (unsigned)status);
+static int failWithError(const Demo* demo) {
+    fprintf(stderr, "acquisition_report: %s\n", demo->error.message);
     return 0;
 }
 
@@ -40,55 +40,24 @@ static int failWithStatus(const Demo* demo, const char* what, RgenStatus status)
 static int makeOutputPath(const Demo* demo, const char* format, char* path, size_t size) {
     const int length = snprintf(path, size, "%s/acquisition-%s.%s", demo->outputDir,
                                 demo->translator.language->code, format);
-    return length > 0 && (size_t)length < size;
-}
-
-static int storePersistentData(const Demo* demo) {
-    RgenCAnsiStringPairSet pairs = {0};
-    int done = 0;
-    if (!fillAcquisitionPersistentData(&pairs)) {
-        fail("persistent data", "out of memory");
-    } else {
-        const RgenStatus status =
-            rgen_setPersistentDataFromAnsiStringPairSet(demo->generator, &acquisitionGuid, &pairs);
-        done = status >= 0 || failWithStatus(demo, "persistent data", status);
+    if (length > 0 && (size_t)length < size) {
+        return 1;
     }
-    rgen_freeRgenCAnsiStringSet(&pairs);
-    return done;
+    return fail(demo->outputDir, "the path is too long");
 }
 
 /* Generates one report; in mode 2 the caller must free the result. */
 static int generate(Demo* demo, const char* format, uint64_t mode, const char* path,
                     RgenCVariant* result) {
-    RgenCInputParams request = {0};
-    int done = 0;
-    request.outputMode = mode;
-    if (!fillAcquisitionRequest(&request) ||
-        !rgen_createRgenAnsiString(format, &request.outputFormat) ||
-        !rgen_createRgenAnsiString(path, &request.outputPath)) {
-        fail(path, "out of memory");
-    } else {
-        const RgenStatus status = rgen_generateReport(demo->generator, &request, result);
-        done = status >= 0 || failWithStatus(demo, path, status);
+    RgenhRequest* request = newAcquisitionRequest(format, mode, path, &demo->error);
+    const int done =
+        request && rgenh_generateReport(demo->generator, rgenh_getRequestInput(request), result,
+                                        &demo->error) >= 0;
+    rgenh_freeRequest(request);
+    if (!done) {
+        return failWithError(demo);
     }
-    rgen_freeRgenCInputParams(&request);
-    if (done && demo->translator.missing > 0) {
-        done = fail(path, "some texts have no translation");
-    }
-    return done;
-}
-
-static int generateFile(Demo* demo, const char* format) {
-    char path[1024];
-    RgenCVariant result = {0};
-    if (!makeOutputPath(demo, format, path, sizeof(path))) {
-        return fail(demo->outputDir, "the path is too long");
-    }
-    if (!generate(demo, format, RGEN_OUTPUT_FILE, path, &result)) {
-        return 0;
-    }
-    printf("%s\n", path);
-    return 1;
+    return demo->translator.missing == 0 || fail(path, "some texts have no translation");
 }
 
 /* Returns whether the file has exactly this content. */
@@ -104,15 +73,17 @@ static int fileHasBytes(const char* path, const uint8_t* bytes, size_t size) {
     return same;
 }
 
-/* Generates the report again in mode 2 and compares it with the file. */
-static int compareBytes(Demo* demo, const char* format) {
+/* Generates the report as a file and once more in mode 2, and compares them. */
+static int generateBoth(Demo* demo, const char* format) {
     char path[1024];
     RgenCVariant result = {0};
     int same = 0;
     if (!makeOutputPath(demo, format, path, sizeof(path)) ||
-        !generate(demo, format, RGEN_OUTPUT_BYTES, path, &result)) {
+        !generate(demo, format, RGEN_OUTPUT_FILE, path, &result) ||
+        !generate(demo, format, RGEN_OUTPUT_BYTES, NULL, &result)) {
         return 0;
     }
+    printf("%s\n", path);
     if (result.type == RGEN_TYPE_BYTE_ARRAY) {
         const RgenByteArray* bytes = &result.value.byteArrayValue;
         same = fileHasBytes(path, bytes->data, bytes->size);
@@ -127,24 +98,23 @@ static int compareBytes(Demo* demo, const char* format) {
 /* All formats in one language. English needs no callback. */
 static int generateLanguage(Demo* demo, const AcquisitionLanguage* language) {
     demo->translator.language = language;
-    if (language->column > 0) {
-        rgen_setTranslateFunction(demo->generator, translateAcquisitionText, &demo->translator);
+    if (language->column > 0 &&
+        rgenh_setTranslateFunction(demo->generator, translateAcquisitionText, &demo->translator,
+                                   &demo->error) < 0) {
+        return failWithError(demo);
     }
     for (size_t i = 0; i < sizeof(outputFormats) / sizeof(outputFormats[0]); ++i) {
-        if (!generateFile(demo, outputFormats[i])) {
+        if (!generateBoth(demo, outputFormats[i])) {
             return 0;
         }
     }
-    return compareBytes(demo, outputFormats[0]) && compareBytes(demo, outputFormats[1]);
+    return 1;
 }
 
 static int runDemo(Demo* demo, const char* dataDir) {
-    const RgenStatus status = rgen_setDataDirPath(demo->generator, dataDir);
-    if (status < 0) {
-        return failWithStatus(demo, dataDir, status);
-    }
-    if (!storePersistentData(demo)) {
-        return 0;
+    if (rgenh_setDataDirPath(demo->generator, dataDir, &demo->error) < 0 ||
+        storeAcquisitionData(demo->generator, &demo->error) < 0) {
+        return failWithError(demo);
     }
     for (int i = 0; i < AcquisitionLanguageCount; ++i) {
         if (!generateLanguage(demo, &acquisitionLanguages[i])) {
@@ -163,18 +133,14 @@ static int printUsage(void) {
 }
 
 int main(int argc, char** argv) {
-    Demo demo = {0};
+    Demo demo = {.error = {.size = sizeof(RgenhError)}};
     int done = 0;
     if (argc != 3) {
         return printUsage();
     }
-    demo.generator = rgen_newReportGenerator();
-    if (!demo.generator) {
-        fail("generator", "out of memory");
-        return 1;
-    }
     demo.outputDir = argv[2];
-    done = runDemo(&demo, argv[1]);
-    rgen_freeReportGenerator(demo.generator);
+    demo.generator = rgenh_newReportGenerator(&demo.error);
+    done = demo.generator ? runDemo(&demo, argv[1]) : failWithError(&demo);
+    rgenh_freeReportGenerator(demo.generator, NULL);
     return done ? 0 : 1;
 }

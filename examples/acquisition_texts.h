@@ -26,7 +26,7 @@ typedef struct AcquisitionTranslator {
 } AcquisitionTranslator;
 
 /**
- * Translates one text; to be passed to rgen_setTranslateFunction.
+ * Translates one text; to be passed to rgenh_setTranslateFunction.
  *
  * @param text     The marked text of the template.
  * @param context  An AcquisitionTranslator.

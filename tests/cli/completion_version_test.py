@@ -105,25 +105,28 @@ class Version(CliCase):
         self.assertIn("strata_repgenlib", path.name)
         self.assertTrue(path.resolve().parent.samefile(folder), text)
 
-    def test_two_lines(self):
+    def test_three_lines(self):
         result = self.rgen("--version")
         self.assertEqual((0, ""), (result.code, result.err))
         lines = result.text.splitlines()
         self.assertRegex(lines[0], r"^rgen \d+\.\d+\.\d+$")
-        self.assertRegex(lines[1], r"strata_repgenlib.*\d+\.\d+\.\d+")
-        path = re.search(r"([A-Za-z]:\\|/).*strata_repgenlib[\w.]*", lines[1] if len(lines) == 2
-                         else "\n".join(lines[1:]))
-        self.expect_library(path.group(0), PROGRAM.parent)
+        self.assertEqual(3, len(lines))
+        for line, name in zip(lines[1:], ("strata_repgenlib", "strata_repgenlib_host")):
+            path = re.fullmatch(name + r" \d+\.\d+\.\d+ \((.+)\)", line)
+            self.expect_library(path.group(1), PROGRAM.parent)
 
     def test_the_document(self):
         document = self.rgen("--version", "--json").document
         self.assertTrue(document["ok"])
         self.assertRegex(document["rgen"], r"^\d+\.\d+\.\d+$")
         self.assertRegex(document["library"], r"\d+\.\d+\.\d+")
+        self.assertEqual(document["library"], document["host"])
         self.expect_library(document["path"], PROGRAM.parent)
+        self.expect_library(document["hostPath"], PROGRAM.parent)
 
     def test_a_copy_in_a_folder_of_any_name_finds_its_own_library(self):
         copy = copy_program(self.folder / "программа für alle")
         document = self.rgen("--version", "--json", program=copy).document
         self.expect_library(document["path"], copy.parent)
+        self.expect_library(document["hostPath"], copy.parent)
         self.assertEqual(ON_WINDOWS, "\\" in document["path"])

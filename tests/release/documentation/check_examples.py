@@ -37,8 +37,9 @@ def windows_package(folder):
     """Makes the part of the Windows package that cross compilers need; returns its folder."""
     shutil.copytree(ROOT / "include", folder / "include")
     (folder / "lib").mkdir()
-    subprocess.run(["x86_64-w64-mingw32-dlltool", "-d", ROOT / "src/api/exports.def",
-                    "-l", folder / "lib/libstrata_repgenlib.dll.a"], check=True)
+    for source, library in (("src", "strata_repgenlib"), ("host", "strata_repgenlib_host")):
+        subprocess.run(["x86_64-w64-mingw32-dlltool", "-d", ROOT / source / "api/exports.def",
+                        "-l", folder / f"lib/lib{library}.dll.a"], check=True)
     return folder
 
 
@@ -55,7 +56,7 @@ def installed(cmake, build_folder, prefix):
         PKG_CONFIG_PATH=str(library / "pkgconfig"), CMAKE_PREFIX_PATH=str(prefix),
         LD_LIBRARY_PATH=str(library), PYTHONPATH=str(share / "bindings/python"),
         PYTHONDONTWRITEBYTECODE="1")
-    return Surroundings(environment, [prefix / "include", share / "examples"], share / "bindings",
+    return Surroundings(environment, [prefix / "include"], share / "bindings",
                         Path(build_folder).resolve())
 
 

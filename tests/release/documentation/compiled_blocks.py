@@ -5,9 +5,9 @@ SPDX-License-Identifier: MIT
 
 PRELUDES = {
     "c": "#include <stdio.h>\n#include <string.h>\n"
-         "#include <strata_repgenlib/rgen.h>\n#include <guarded_calls.h>\n",
+         "#include <strata_repgenlib/rgen_host.h>\n",
     "cpp": "#include <iostream>\n#include <string>\n#include <vector>\n"
-           "#include <strata_repgenlib/rgen.h>\n#include <guarded_calls.h>\n",
+           "#include <strata_repgenlib/rgen.hpp>\n",
     "csharp": "using System;\nusing StrataRepgenlib;\n",
     "rust": "use std::time::SystemTime;\nuse strata_repgenlib::*;\n",
 }

@@ -60,8 +60,8 @@ inline constexpr Option version = {
     "--version",
     "",
     "Print the versions of rgen and of the library",
-    "Without a command: print the version of `rgen`, then the version and the path of the loaded "
-    "library.",
+    "Without a command: print the version of `rgen`, then the versions and the paths of the loaded "
+    "libraries.",
     [](Arguments& to) -> bool& { return to.version; },
 };
 
