@@ -67,13 +67,19 @@ void* runThread(void* start) {
     return nullptr;
 }
 
-/// Blocks all signals; a new thread inherits that.
+/// Blocks the signals that terminals, timers and other processes send; a new thread inherits that.
+/// The rest stays as it is: language runtimes send SIGPWR, SIGURG, real-time signals and others to
+/// single threads, to stop them during garbage collections, and would wait for ever.
 class BlockedSignals {
 public:
     BlockedSignals() noexcept {
-        sigset_t all;
-        sigfillset(&all);
-        pthread_sigmask(SIG_SETMASK, &all, &previous_);
+        sigset_t blocked;
+        sigemptyset(&blocked);
+        for (const int number : {SIGHUP, SIGINT, SIGQUIT, SIGTERM, SIGALRM, SIGCHLD, SIGTSTP,
+                                 SIGWINCH, SIGIO, SIGUSR1}) {
+            sigaddset(&blocked, number);
+        }
+        pthread_sigmask(SIG_BLOCK, &blocked, &previous_);
     }
     ~BlockedSignals() { pthread_sigmask(SIG_SETMASK, &previous_, nullptr); }
     BlockedSignals(const BlockedSignals&) = delete;

@@ -11,7 +11,7 @@ namespace rgenh {
 namespace {
 
 constexpr std::size_t alignment = 16;
-constexpr std::size_t blockSize = 64 * 1024;
+constexpr std::size_t blockSize = std::size_t{64} * 1024;
 
 }  // namespace
 

@@ -526,7 +526,9 @@ typedef void(RGEN_CALL* RgenhJobEndFunction)(RgenhJob* job, void* context);
  * generator of its own: jobs run at the same time, wait for no other report, and are cancelled one
  * by one. Pdfs are verified as in rgenh_generateReport.
  *
- * Linux: all signals are blocked on the thread.
+ * Linux: signals that terminals, timers and other processes send (SIGHUP, SIGINT, SIGQUIT, SIGTERM,
+ * SIGALRM, SIGCHLD, SIGTSTP, SIGWINCH, SIGIO, SIGUSR1) are blocked on the thread. Others are not:
+ * language runtimes stop their threads with them.
  *
  * @param generator  A handle of rgenh_newReportGenerator with a data directory set by
  *                   rgenh_setDataDirPath. A relative data directory or output path is read against
