@@ -1,5 +1,5 @@
-// Owners of what the library creates: each frees it when it is disposed or collected, after the last
-// call that uses it.
+// Owners of what the library creates. Each frees it when it is disposed or collected, after the
+// last call that uses it.
 //
 // SPDX-License-Identifier: MIT
 using System;

@@ -58,8 +58,8 @@ namespace StrataRepgenlib
         }
     }
 
-    /// <summary>All bytes are in one block, since pinning each text would cost more than the rest of
-    /// the call. Records contain positions in the block until it is pinned.</summary>
+    /// <summary>All bytes are in one block, since pinning each text would cost more than the rest
+    /// of the call. Records contain positions in the block until it is pinned.</summary>
     internal sealed class NativeInput : IDisposable
     {
         // The times that a report can show.

@@ -45,8 +45,9 @@ namespace StrataRepgenlib
             return found;
         }
 
-        private static void AddMembers(string name, IEnumerable<KeyValuePair<string, object>> members,
-                                       int level, List<Value> found)
+        private static void AddMembers(string name,
+                                       IEnumerable<KeyValuePair<string, object>> members, int level,
+                                       List<Value> found)
         {
             if (level > DeepestLevel) throw Refused(name, "more than 32 levels");
             foreach (KeyValuePair<string, object> member in members)
@@ -143,7 +144,8 @@ namespace StrataRepgenlib
         }
 
         /// <summary>The members of an object; null for anything else.</summary>
-        private static IEnumerable<KeyValuePair<string, object>> MembersOf(object value, string name)
+        private static IEnumerable<KeyValuePair<string, object>> MembersOf(object value,
+                                                                           string name)
         {
             if (value is IEnumerable<KeyValuePair<string, object>> members) return members;
             return value is IDictionary dictionary ? MembersOf(dictionary, name) : null;

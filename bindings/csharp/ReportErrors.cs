@@ -95,8 +95,8 @@ namespace StrataRepgenlib
             get { return failure.Key; }
         }
 
-        /// <summary>The position of the wrong argument of the library's function in rgen_host.h, from
-        /// 1 on; 0 if no single argument is wrong.</summary>
+        /// <summary>The position of the wrong argument of the library's function in rgen_host.h,
+        /// from 1 on; 0 if no single argument is wrong.</summary>
         public int Argument
         {
             get { return failure.Argument; }

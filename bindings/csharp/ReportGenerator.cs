@@ -70,8 +70,9 @@ namespace StrataRepgenlib
             RgenNative.rgen_freeRgenCVariant(ref result);
         }
 
-        /// <summary>Like GenerateFile, on a thread of the library; no other thread waits for it. The
-        /// token cancels this report only. The result is the path.</summary>
+        /// <summary>Like GenerateFile, on a thread of the library, for which no other thread waits.
+        /// Relative paths are read against the current folder at the time it runs. The token
+        /// cancels this report only. The result is the path.</summary>
         public Task<string> GenerateFileAsync(Request request, string output,
                                               CancellationToken token = default(CancellationToken))
         {
@@ -119,9 +120,9 @@ namespace StrataRepgenlib
             Call(error => RgenNative.rgenh_cancel(handle, guid, error));
         }
 
-        /// <summary>The persistent data of a report type, as passed to SetPersistentData; characters
-        /// that XML cannot contain are returned as U+FFFD. Throws a StatusException with
-        /// RGEN_E_OPEN_PERSIST if nothing was stored yet.</summary>
+        /// <summary>The persistent data of a report type, as passed to SetPersistentData.
+        /// Characters that XML cannot contain are returned as U+FFFD. Throws a StatusException
+        /// with RGEN_E_OPEN_PERSIST if nothing was stored yet.</summary>
         public Dictionary<string, string> GetPersistentData(Guid type)
         {
             RgenCAnsiStringPairSet pairs = new RgenCAnsiStringPairSet();
@@ -151,9 +152,9 @@ namespace StrataRepgenlib
             SetPersistentValues(type, values);
         }
 
-        /// <summary>Replaces the persistent data of a report type by the texts that reports show for
-        /// values; types and hints are not stored. Markup with a reference that XML does not know is
-        /// a ReportArgumentException.</summary>
+        /// <summary>Replaces the persistent data of a report type by the texts that reports show
+        /// for values; types and hints are not stored. Markup with a reference that XML does not
+        /// know is a ReportArgumentException.</summary>
         public void SetPersistentValues(Guid type, IReadOnlyList<Value> values)
         {
             Require(values, nameof(values));

@@ -52,7 +52,7 @@ namespace StrataRepgenlib
             HostPath = NativeTexts.FromUtf8(versions.hostPath);
         }
 
-        /// <summary>The version of strata_repgenlib, such as "0.1.0".</summary>
+        /// <summary>The version of strata_repgenlib.</summary>
         public string Library { get; }
 
         /// <summary>The version of strata_repgenlib_host.</summary>

@@ -1,5 +1,5 @@
-// The C interface as this binding uses it, from rgen_host.h, rgen.h and rgen_status.h, which document
-// it. A test compares all sizes, offsets, numbers and parameters with those of the C compiler.
+// The C interface as this binding uses it; rgen_host.h, rgen.h and rgen_status.h document it. All
+// sizes, offsets, numbers and parameters are compared with those of the C compiler by a test.
 //
 // SPDX-License-Identifier: MIT
 using System;

@@ -1,5 +1,5 @@
-// The translators of a generator: the delegates that the library calls, the texts that they returned
-// last, and their exceptions.
+// The translators of a generator: the delegates that the library calls, the texts that they
+// returned last, and their exceptions.
 //
 // SPDX-License-Identifier: MIT
 using System;

@@ -14,9 +14,7 @@ LONGEST_COMMENT_LINE = 100
 COMMENT_LINE = re.compile(r"\s*(//|/\*| \*)")
 WITHOUT_LIMIT = {"include/strata_repgenlib/rgen.h", "include/strata_repgenlib/rgen.hpp",
                  "include/strata_repgenlib/rgen_values.hpp",
-                 "include/strata_repgenlib/rgen_host.h",
-                 "bindings/csharp/RgenNative.cs",
-                 "bindings/rust/src/rgen_native.rs"}
+                 "include/strata_repgenlib/rgen_host.h"}
 BINDING_ENDINGS = {".cs", ".rs"}
 CONDITIONAL = re.compile(r"^\s*#\s*(if|ifdef|ifndef|elif)\b(.*)$", re.M)
 OS_NAME = re.compile(r"\b(_WIN32|_WIN64|WIN32|__MINGW\w+|__linux__|__unix__|__GNUC__|_MSC_VER"

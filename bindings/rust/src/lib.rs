@@ -22,8 +22,8 @@
 //! ```
 //!
 //! The contract of rgen.h applies. Texts are shown in a report as they are; [`Value::Markup`],
-//! [`Pair::markup`] and [`Generator::set_markup_translator`] pass XML content. Failures are values of
-//! the type [`Error`], whatever fails. [`rgen_native`] has the C interface that the crate uses.
+//! [`Pair::markup`] and [`Generator::set_markup_translator`] pass XML content. Every failure is an
+//! [`Error`]. [`rgen_native`] has the C interface that the crate uses.
 
 mod error;
 mod generator;

@@ -1,5 +1,5 @@
-// What calls of the library take and return: pointers into the host's values, and owners for records
-// that the library filled.
+// What calls of the library take and return: pointers into the host's values, and owners for
+// records that the library filled.
 //
 // SPDX-License-Identifier: MIT
 use std::ffi::{CString, OsStr};

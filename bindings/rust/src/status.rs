@@ -37,7 +37,7 @@ unsafe fn static_text(text: *const CChar) -> &'static str {
 /// The versions and files of the libraries that the process has loaded.
 #[derive(Debug, Clone, PartialEq, Eq)]
 pub struct Versions {
-    /// The version of strata_repgenlib, such as "0.1.0".
+    /// The version of strata_repgenlib.
     pub library: String,
     /// The version of strata_repgenlib_host.
     pub host: String,

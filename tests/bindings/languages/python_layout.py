@@ -11,9 +11,10 @@ import sys
 from pathlib import Path
 
 ROOT = Path(__file__).resolve().parents[3]
-sys.path.insert(0, str(ROOT / "tests" / "support"))
+HEADERS = ROOT / "include" / "strata_repgenlib"
+sys.path.insert(0, str(ROOT / "tests" / "abi"))
 
-from public_headers import constants_of  # It is in the folder that was added.
+from public_constants import constants_of  # It is in the folder that was added.
 
 
 def module_of(path):
@@ -35,7 +36,8 @@ def tell_records(native):
 
 def tell_constants(native):
     """The package leaves out the prefix."""
-    known = {name for _, name in constants_of(ROOT / "include")}
+    headers = [HEADERS / name for name in ("rgen.h", "rgen_host.h")]
+    known = {name.split()[1] for name in constants_of(headers)}
     for name, number in vars(native).items():
         if name.isupper() and isinstance(number, int):
             full = {f"RGEN_{name}", f"RGENH_{name}"} & known

@@ -13,10 +13,10 @@ from pathlib import Path
 
 ROOT = Path(__file__).resolve().parents[3]
 PAGE = ROOT / "docs/statuses.md"
-sys.path[:0] = [str(ROOT / "tests/structure"), str(ROOT / "tests/support")]
+sys.path[:0] = [str(ROOT / "tests/structure"), str(ROOT / "tests/abi")]
 
 from project_files import finish, problem  # In tests/structure.
-from public_headers import constants_of, numbers_of  # In tests/support.
+from public_constants import constants_of  # In tests/abi.
 
 HARD_BLANK = "\0"
 HEAD = """# Statuses
@@ -62,10 +62,9 @@ def page_text(statuses):
 
 def check_order(statuses):
     """The statuses that the program explains are those of the header, in the same order."""
-    include = ROOT / "include"
-    names = [name for kind, name in constants_of(include) if kind == "RgenStatus"]
-    wanted = [(name, f"0x{number & 0xFFFFFFFF:08X}")
-              for name, number in numbers_of(include, names).items()]
+    header = ROOT / "include/strata_repgenlib/rgen_status.h"
+    wanted = [(name.removeprefix("RgenStatus "), number)
+              for name, number in constants_of([header]).items()]
     if wanted != [(status["name"], status["status"]) for status in statuses]:
         problem("\"rgen explain\" does not have the statuses of rgen_status.h in their order")
 
