@@ -111,6 +111,16 @@ namespace StrataRepgenlib
             return FileOf(Generate(request, RgenNative.RGEN_OUTPUT_DELETE_ON_CLOSE, output, token));
         }
 
+        /// <summary>Like GenerateOpenFile, on a thread of the library.</summary>
+        public Task<OpenFile> GenerateOpenFileAsync(
+            Request request, string output, CancellationToken token = default(CancellationToken))
+        {
+            Require(request, nameof(request));
+            Require(output, nameof(output));
+            return GenerateAsync(request, RgenNative.RGEN_OUTPUT_DELETE_ON_CLOSE, output, token,
+                                 FileOf);
+        }
+
         /// <summary>Asks the running reports of a type to stop; without an argument, those of all
         /// types. They end with a StatusException whose IsCancellation is true. Reports with a
         /// CancellationToken are stopped by it alone.</summary>

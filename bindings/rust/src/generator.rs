@@ -123,6 +123,15 @@ impl Generator {
         self.start(request, RGEN_OUTPUT_BYTES, Path::new(""), bytes)
     }
 
+    /// Starts `generate_open_file` on a thread of the library.
+    pub fn start_open_file(
+        &self,
+        request: &Request,
+        output: impl AsRef<Path>,
+    ) -> Result<Job<File>, Error> {
+        self.start(request, RGEN_OUTPUT_DELETE_ON_CLOSE, output.as_ref(), open_file)
+    }
+
     /// Asks all running reports to stop, but no jobs. They end with an error whose
     /// `is_cancellation` is true. Call it on another thread than the generating one; it waits while
     /// a transformation runs.

@@ -243,6 +243,7 @@ internal static partial class CSharpHost
                 generator.SetPersistentData(Type, texts);
                 generator.GetPersistentData(Type);
                 generator.GenerateBytes(request);
+                generator.GenerateBytesAsync(request).Wait();
             }
         }
         long growth = ResidentPages() - before;

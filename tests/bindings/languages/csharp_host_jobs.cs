@@ -28,9 +28,13 @@ internal static partial class CSharpHost
         Equal(Listing("a=1"),
               Encoding.UTF8.GetString(generator.GenerateBytes(request, source.Token)));
         using (OpenFile file = generator.GenerateOpenFile(request, "open.txt", source.Token))
+        using (OpenFile other = await generator.GenerateOpenFileAsync(request, "other.txt"))
         {
-            string descriptor = "/proc/self/fd/" + file.DangerousGetHandle();
-            Equal(Listing("a=1"), File.ReadAllText(descriptor));
+            foreach (OpenFile open in new[] { file, other })
+            {
+                string descriptor = "/proc/self/fd/" + open.DangerousGetHandle();
+                Equal(Listing("a=1"), File.ReadAllText(descriptor));
+            }
         }
         StatusThrown(RgenStatus.RGEN_E_EMPTY_INPUT,
                      () => generator.GenerateBytesAsync(TextRequest()).GetAwaiter().GetResult());
@@ -90,11 +94,23 @@ internal static partial class CSharpHost
     {
         Request request = new Request(Type, "pdf");
         request.Values.Add(new Value("a", 1));
+        string template = Path.Combine("data", ".rgen", "templates", "pdf", "listing.xsl");
+        string marked = "<p>QT_TRANSLATE_NOOP(\"QObject\", \"Title\")</p><p>";
+        File.WriteAllText(template, File.ReadAllText(template).Replace("<p>", marked));
         using (ReportGenerator generator = new ReportGenerator("data"))
         using (CancellationTokenSource source = new CancellationTokenSource())
         {
+            bool isTranslated = false;
+            generator.SetTranslator(text =>
+            {
+                isTranslated = true;
+                return text;
+            });
             Task<string> task = generator.GenerateFileAsync(request, "never.pdf", source.Token);
             while (!File.Exists("started.log")) Thread.Yield();
+            // The runtime knows the thread of the job by now, and has to stop it.
+            Equal(true, isTranslated);
+            GC.Collect();
             // Another report of the generator, which is not cancelled with it.
             Task<byte[]> other = generator.GenerateBytesAsync(TextRequest(new Value("a", 1)));
             source.Cancel();

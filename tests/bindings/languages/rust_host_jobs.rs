@@ -2,6 +2,7 @@
 //
 // SPDX-License-Identifier: MIT
 use std::fs;
+use std::io::{Read, Seek, SeekFrom};
 use std::path::Path;
 use std::sync::mpsc::channel;
 use std::thread;
@@ -34,6 +35,13 @@ pub fn check_jobs() {
         let text = thread::spawn(|| text_of(job)).join().expect("no panic");
         assert_eq!(listing(&[&format!("a={number}")]), text);
     }
+    let mut file =
+        generator.start_open_file(&one(), "open.txt").expect("a job").take().expect("a file");
+    file.seek(SeekFrom::Start(0)).expect("a start");
+    let mut text = String::new();
+    file.read_to_string(&mut text).expect("a text");
+    assert_eq!(listing(&["a=1"]), text);
+    drop(generator.start_open_file(&one(), "open.txt").expect("a job"));
     let empty = generator.start_bytes(&text_request(vec![])).expect("a job");
     expect_status(RGEN_E_EMPTY_INPUT, empty.take());
     // A job keeps what it uses.

@@ -88,6 +88,14 @@ class Compilers(unittest.TestCase):
                 rustc(compiler, "--extern", f"strata_repgenlib={crate}", "-o",
                       self.folder / "host", FOLDER / "rust_host.rs")
 
+    def test_the_programs_of_the_documentation(self):
+        crate = build_crate(DEBIAN_COMPILER, self.folder)
+        subprocess.run(["/usr/bin/rustdoc", "--test", "--edition", "2021", "-L", LIBRARY_FOLDER,
+                        "--crate-name", "strata_repgenlib", "--extern",
+                        f"strata_repgenlib={crate}", CRATE / "src" / "lib.rs"], check=True,
+                       stdout=subprocess.DEVNULL,
+                       env={**os.environ, "LD_LIBRARY_PATH": str(LIBRARY_FOLDER)})
+
     def test_values_that_serde_serializes(self):
         serde = build_serde(self.folder)
         crate = build_crate(DEBIAN_COMPILER, self.folder, "--cfg", 'feature="serde"',
