@@ -123,8 +123,7 @@ RgenStatus RGEN_CALL rgenh_cancel(RgenReportGenerator* generator, const RgenGuid
 RgenStatus RGEN_CALL rgenh_generateReport(RgenReportGenerator* generator,
                                           const RgenCInputParams* input, RgenCVariant* result,
                                           RgenhError* error) noexcept {
-    const RgenCInputParams empty = {};
-    const RgenCInputParams& texts = input == nullptr ? empty : *input;
+    const RgenCInputParams texts = input == nullptr ? RgenCInputParams{} : *input;
     const PassedText passed[] = {{2, "the output path", texts.outputPath.data},
                                  {2, "the format", texts.outputFormat.data},
                                  {2, "the converter base", texts.converterBaseArg.data},

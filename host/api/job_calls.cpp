@@ -43,7 +43,7 @@ RgenhJob* RGEN_CALL rgenh_startReport(RgenReportGenerator* generator, const Rgen
         }
         // The job may end, and the host free its handle, before start() returns.
         const std::shared_ptr<ReportJob> job = makeJob(generator, *request);
-        std::unique_ptr<RgenhJob> next(new RgenhJob{job});
+        auto next = std::make_unique<RgenhJob>(job);
         job->start(next.get(), ended, context);
         handle = std::move(next);
         return RGEN_OK;

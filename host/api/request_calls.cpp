@@ -46,7 +46,7 @@ RgenhRequest* RGEN_CALL rgenh_newRequest(const RgenhRequestParts* parts,
             return record.failArgument(1);
         }
         record.setArgument(1);
-        result.reset(new RgenhRequest{makeRequest(*parts)});
+        result = std::make_unique<RgenhRequest>(makeRequest(*parts));
         record.setArgument(0);
         return RGEN_OK;
     });

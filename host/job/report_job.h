@@ -6,6 +6,7 @@
 #include <cstdint>
 #include <memory>
 #include <string>
+#include <utility>
 
 #include "error/error_record.h"
 #include "generator/generator_settings.h"
@@ -82,5 +83,7 @@ private:
 
 /// A host's reference to a job.
 struct RgenhJob {
-    std::shared_ptr<rgenh::ReportJob> job;
+    explicit RgenhJob(std::shared_ptr<rgenh::ReportJob> shared) : job(std::move(shared)) {}
+
+    const std::shared_ptr<rgenh::ReportJob> job;
 };

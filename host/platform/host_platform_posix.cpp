@@ -61,9 +61,8 @@ struct ThreadStart {
 };
 
 void* runThread(void* start) {
-    const ThreadStart copy = *static_cast<ThreadStart*>(start);
-    delete static_cast<ThreadStart*>(start);
-    copy.run(copy.argument);
+    const std::unique_ptr<ThreadStart> owned(static_cast<ThreadStart*>(start));
+    owned->run(owned->argument);
     return nullptr;
 }
 
@@ -190,14 +189,15 @@ void Monitor::notifyAll() noexcept {
 bool Thread::start(void (*run)(void*), void* argument, std::size_t stackBytes) noexcept {
     pthread_attr_t attributes;
     if (pthread_attr_init(&attributes) != 0) return false;
-    auto* const start = new (std::nothrow) ThreadStart{run, argument};
+    std::unique_ptr<ThreadStart> start(new (std::nothrow) ThreadStart{run, argument});
     pthread_t thread = {};
     if (start != nullptr && pthread_attr_setstacksize(&attributes, stackBytes) == 0) {
         const BlockedSignals blocked;
-        isJoinable_ = pthread_create(&thread, &attributes, runThread, start) == 0;
+        isJoinable_ = pthread_create(&thread, &attributes, runThread, start.get()) == 0;
     }
     pthread_attr_destroy(&attributes);
-    if (!isJoinable_) delete start;
+    // The thread frees it.
+    if (isJoinable_) static_cast<void>(start.release());
     handle_ = thread;
     return isJoinable_;
 }

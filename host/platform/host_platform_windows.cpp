@@ -31,9 +31,8 @@ struct ThreadStart {
 };
 
 unsigned __stdcall runThread(void* start) {
-    const ThreadStart copy = *static_cast<ThreadStart*>(start);
-    delete static_cast<ThreadStart*>(start);
-    copy.run(copy.argument);
+    const std::unique_ptr<ThreadStart> owned(static_cast<ThreadStart*>(start));
+    owned->run(owned->argument);
     return 0;
 }
 
@@ -119,12 +118,13 @@ void Monitor::notifyAll() noexcept {
 }
 
 bool Thread::start(void (*run)(void*), void* argument, std::size_t stackBytes) noexcept {
-    auto* const start = new (std::nothrow) ThreadStart{run, argument};
+    std::unique_ptr<ThreadStart> start(new (std::nothrow) ThreadStart{run, argument});
     if (start == nullptr) return false;
-    handle_ = _beginthreadex(nullptr, static_cast<unsigned>(stackBytes), runThread, start,
+    handle_ = _beginthreadex(nullptr, static_cast<unsigned>(stackBytes), runThread, start.get(),
                              STACK_SIZE_PARAM_IS_A_RESERVATION, nullptr);
     isJoinable_ = handle_ != 0;
-    if (!isJoinable_) delete start;
+    // The thread frees it.
+    if (isJoinable_) static_cast<void>(start.release());
     return isJoinable_;
 }
 

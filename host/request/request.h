@@ -5,6 +5,7 @@
 
 #include <memory>
 #include <string_view>
+#include <utility>
 
 #include "request/arena.h"
 #include "strata_repgenlib/rgen_host.h"
@@ -27,5 +28,8 @@ std::shared_ptr<const Request> makeRequest(const RgenhRequestParts& parts);
 
 /// A host's reference to a request; jobs have references of their own.
 struct RgenhRequest {
-    std::shared_ptr<const rgenh::Request> request;
+    explicit RgenhRequest(std::shared_ptr<const rgenh::Request> shared)
+        : request(std::move(shared)) {}
+
+    const std::shared_ptr<const rgenh::Request> request;
 };
