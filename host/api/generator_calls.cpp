@@ -25,9 +25,10 @@ void setTranslation(RgenReportGenerator* generator, std::shared_ptr<Translator> 
                             ArgumentError::noEntry);
     }
     auto next = std::make_unique<TranslatorUse>(generator, std::move(translator));
-    const std::lock_guard<platform::Monitor> lock(settings->change);
+    const std::lock_guard<platform::Monitor> change(settings->change);
     next->connect();
     // No report uses the previous one any more: the library has waited for its transformation.
+    const std::lock_guard<platform::Monitor> fields(settings->fields);
     std::swap(settings->translation, next);
 }
 
@@ -83,12 +84,16 @@ RgenStatus RGEN_CALL rgenh_setDataDirPath(RgenReportGenerator* generator, const 
             std::string copy = path;
             record.setPath(path);
             const std::shared_ptr<GeneratorSettings> settings = settingsOf(generator);
-            std::unique_lock<platform::Monitor> lock;
-            if (settings) lock = std::unique_lock<platform::Monitor>(settings->change);
+            std::unique_lock<platform::Monitor> change;
+            if (settings) change = std::unique_lock<platform::Monitor>(settings->change);
             const RgenStatus status = rgen_setDataDirPath(generator, path);
-            if (status >= 0) record.setPath("");
-            if (status >= 0 && settings) settings->dataDirPath.swap(copy);
-            return checkedStatus(record, path, status);
+            if (status < 0) return checkedStatus(record, path, status);
+            record.setPath("");
+            if (settings) {
+                const std::lock_guard<platform::Monitor> fields(settings->fields);
+                settings->dataDirPath.swap(copy);
+            }
+            return status;
         });
 }
 

@@ -20,7 +20,7 @@ std::shared_ptr<ReportJob> makeJob(RgenReportGenerator* generator, const RgenhRe
         throw ArgumentError("the generator is not one of rgenh_newReportGenerator", 1,
                             ArgumentError::noEntry);
     }
-    const std::lock_guard<platform::Monitor> lock(settings->change);
+    const std::lock_guard<platform::Monitor> fields(settings->fields);
     return std::make_shared<ReportJob>(*settings, request.request);
 }
 
@@ -41,6 +41,7 @@ RgenhJob* RGEN_CALL rgenh_startReport(RgenReportGenerator* generator, const Rgen
         if (hasNull({{generator, "generator"}, {request, "request"}}, record)) {
             return RGEN_E_BAD_PARAMETER;
         }
+        if (ActiveCall::of(generator) != nullptr) return failReentered(record);
         // The job may end, and the host free its handle, before start() returns.
         const std::shared_ptr<ReportJob> job = makeJob(generator, *request);
         auto next = std::make_unique<RgenhJob>(job);

@@ -17,12 +17,13 @@ struct GeneratorSettings {
         : generator(handle), translation(std::make_unique<TranslatorUse>(handle, nullptr)) {}
 
     RgenReportGenerator* const generator;
-    /// Held while a setting is stored, so that the library and this object agree. The library's
-    /// lock may be waited for meanwhile.
+    /// Held while a setting is stored in the library and here, so that both agree. The library's lock
+    /// may be waited for meanwhile, so jobs do not take this one.
     platform::Monitor change;
-    /// Guarded by `change`. Empty until a data directory is set.
+    /// Guards the fields below, for moments.
+    platform::Monitor fields;
+    /// Empty until a data directory is set.
     std::string dataDirPath;
-    /// Guarded by `change`.
     std::unique_ptr<TranslatorUse> translation;
 };
 

@@ -28,7 +28,7 @@
  *   (see EXCEPTIONS) before its file is touched. Two output paths are not checked: that of mode 2,
  *   which is ignored, and that of mode 1 on Windows, which is in the ANSI code page. A null text
  *   pointer inside a record is the empty text; a null buffer of a byte array is an empty array; a
- *   null array is an empty set.
+ *   null array is an empty set, whatever its count says (rgen_dumpRawInputDataToFile refuses it).
  *
  *   The text of a value or pair is read as XML content: "&" starts an entity or character
  *   reference, so a plain "&" must be written "&amp;". "<" and ">" are safe. Names are used

@@ -537,7 +537,7 @@ typedef void(RGEN_CALL* RgenhJobEndFunction)(RgenhJob* job, void* context);
  * @param ended      Called when the job has ended, once; may be null.
  * @param context    Passed to `ended`; may be null.
  * @param error      May be null.
- * @return           The job, or null (kinds argument and memory).
+ * @return           The job, or null (kinds argument, memory and re-entered).
  *
  * Ownership: the caller frees the job with rgenh_freeJob.
  * Threads: any; waits for nothing.

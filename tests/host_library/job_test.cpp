@@ -4,6 +4,7 @@
 #include <atomic>
 #include <condition_variable>
 #include <mutex>
+#include <thread>
 
 #include "host_library/host_library_fixture.h"
 #include "support/host_state.h"
@@ -116,6 +117,36 @@ TEST_F(Jobs, UseTheSettingsOfTheirStart) {
     RgenhJob* const job = start(HostRequest({rgenh_textValue("v", "x")}));
     ASSERT_EQ(RGEN_OK, rgenh_setTranslateFunction(host, nullptr, nullptr, &error));
     EXPECT_EQ("pa", finish(job));
+}
+
+// The setting waits for the transformation, in whose callback the job starts on another thread.
+TEST_F(Jobs, StartWhileASettingWaits) {
+    putTemplate(textStylesheet("QT_TRANSLATE_NOOP(\"QObject\", \"a\")"));
+    const HostRequest request({rgenh_textValue("v", "x")});
+    struct Context {
+        RgenReportGenerator* generator;
+        const RgenhRequest* request;
+        std::thread setting;
+        RgenhJob* job = nullptr;
+    } context = {host, request.get(), {}, nullptr};
+    const auto translate = [](const char* text, void* pointer) RGEN_CALL -> const char* {
+        auto& inside = *static_cast<Context*>(pointer);
+        if (inside.job != nullptr) return text;
+        inside.setting = std::thread([&inside] {
+            EXPECT_EQ(RGEN_OK, rgenh_setTranslator(inside.generator, nullptr, nullptr, RGENH_PLAIN,
+                                                   nullptr));
+        });
+        std::thread([&inside] {
+            inside.job =
+                rgenh_startReport(inside.generator, inside.request, nullptr, nullptr, nullptr);
+        }).join();
+        return text;
+    };
+    ASSERT_EQ(RGEN_OK, rgenh_setTranslateFunction(host, translate, &context, &error));
+    EXPECT_EQ("a", bytesOf(request.get()));
+    context.setting.join();
+    ASSERT_NE(nullptr, context.job);
+    EXPECT_EQ("a", finish(context.job));
 }
 
 TEST_F(Jobs, NeedADataDirectory) {

@@ -62,6 +62,8 @@ TEST_F(ReenteredCalls, ThatNeedTheLockAreRefused) {
         expectReentered(rgenh_setPersistentDataFromCVariantSet(host, &guid, values.get(), &inner));
         expectReentered(rgenh_setPersistentValues(host, &guid, nullptr, 0, &inner));
         expectReentered(rgenh_freeReportGenerator(host, &inner));
+        EXPECT_EQ(nullptr, rgenh_startReport(host, request.get(), nullptr, nullptr, &inner));
+        expectReentered(inner.status);
     });
 }
 
