@@ -56,6 +56,12 @@ if(RGEN_SANITIZER)
     add_link_options(-fsanitize=${RGEN_SANITIZER})
 endif()
 
+# Every symbol of a shared library must be defined. Clang adds the sanitizers' functions to programs only.
+set(rgen_no_undefined LINKER:--no-undefined)
+if(RGEN_SANITIZER AND CMAKE_CXX_COMPILER_ID STREQUAL "Clang")
+    set(rgen_no_undefined "")
+endif()
+
 # rgen_harden(TARGET...): makes released binaries check stack frames, the sizes of copies and, where
 # the processor supports it, return addresses. Linux only: with MinGW the stack guard comes from
 # libssp, which loads the system's cryptography while the DLL is loaded, and GCC does not support
