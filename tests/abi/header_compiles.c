@@ -1,6 +1,6 @@
 /*
- * The public headers in C: compiled as C99 and as C11, both pedantic. Nothing is included before them,
- * they are included twice, and every kind of declaration in them is used.
+ * The public headers in C: compiled as C99 and as C11, both pedantic. Nothing is included before
+ * them, they are included twice, and every kind of declaration in them is used.
  *
  * SPDX-License-Identifier: MIT
  */

@@ -1,7 +1,7 @@
-// The public headers in C++, compiled as C++11, 14, 17 and 20. Nothing is included before them, they
-// are included twice, and the functions keep their plain names. The statuses are constants of type
-// RgenStatus that a host may use with every warning switched on. The functions of the host library
-// do not throw, and the compiler knows it.
+// The public headers in C++, compiled as C++11, 14, 17 and 20. Nothing is included before them,
+// they are included twice, and the functions keep their plain names. The statuses are constants of
+// type RgenStatus that a host may use with every warning switched on. The functions of the host
+// library do not throw, and the compiler knows it.
 //
 // SPDX-License-Identifier: MIT
 #include "strata_repgenlib/rgen_host.h"

@@ -1,5 +1,5 @@
-// Sizes and offsets of the records of the host library: its binary interface. The assertions are the
-// compiler's. Records with a size may grow at their ends; then their sizes here change.
+// Sizes and offsets of the records of the host library: its binary interface. The assertions are
+// the compiler's. Records with a size may grow at their ends; then their sizes here change.
 //
 // SPDX-License-Identifier: MIT
 #include <gtest/gtest.h>

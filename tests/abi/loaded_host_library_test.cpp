@@ -1,5 +1,5 @@
-// The host library as a host without its import library uses it: loaded by the name of its file alone,
-// with the first library from the same folder, and unloaded again after jobs have run.
+// The host library as a host without its import library uses it: loaded by the name of its file
+// alone, with the first library from the same folder, and unloaded again after jobs have run.
 //
 // SPDX-License-Identifier: MIT
 #include <gtest/gtest.h>
@@ -41,8 +41,8 @@ struct HostFunctions {
     decltype(&rgenh_getVersions) getVersions;
 };
 
-/// The status of a report of a job. The folder has no template, so the job fails with an exception of
-/// its own or a status, and everything is freed.
+/// The status of a report of a job. The folder has no report type, so the job fails; everything is
+/// freed.
 RgenStatus jobStatus(const HostFunctions& host, const TempFolder& folder) {
     const RgenhValue value = rgenh_textValue("Device", "Disk");
     RgenhRequestParts parts = {};
