@@ -3,20 +3,30 @@
     from strata_repgenlib import Generator, Hint, Hinted, Request
 
     with Generator("reports") as generator:
-        request = Request("5a0c6f1e-3b74-4e59-9d21-7c8e0f6a41b2", "html",
-                          {"Device": "Disk 1 & 2", "Capacity": Hinted(500107862016, Hint.SIZE)})
+        request = Request("disk", "html",
+                          {"Device": "Disk 1 & 2", "Capacity": Hinted(500107862016, Hint.SIZE),
+                           "Err": [{"Address": Hinted(4096, Hint.ADDRESS)}]})
         generator.generate_file(request, "report.html")
+
+Failures of the library are exceptions that derive from ReportError.
 
 SPDX-License-Identifier: MIT
 """
 
-from .errors import Cancelled, ConversionError, LibraryNotFoundError, StatusError
+from .errors import (AccessDeniedError, ArgumentError, Cancelled, ConversionError, EncodingError,
+                     FileSystemError, LibraryNotFoundError, LibraryVersionError, OutOfMemoryError,
+                     ReenteredError, ReportError, StatusError, TranslatorError,
+                     UnknownReportTypeError)
 from .generator import Generator
-from .library import Library, load_library
+from .loading import Library, load_library
+from .report_types import ReportTypeInfo
 from .status import Status
-from .values import Handle, Hint, Hinted, Markup, Request, Value
+from .values import Handle, Hint, Hinted, Markup, Request, Value, Values
 from .version import __version__
 
-__all__ = ["Cancelled", "ConversionError", "Generator", "Handle", "Hint", "Hinted", "Library",
-           "LibraryNotFoundError", "Markup", "Request", "Status", "StatusError", "Value",
-           "__version__", "load_library"]
+__all__ = ["AccessDeniedError", "ArgumentError", "Cancelled", "ConversionError", "EncodingError",
+           "FileSystemError", "Generator", "Handle", "Hint", "Hinted", "Library",
+           "LibraryNotFoundError", "LibraryVersionError", "Markup", "OutOfMemoryError",
+           "ReenteredError", "ReportError", "ReportTypeInfo", "Request", "Status", "StatusError",
+           "TranslatorError", "UnknownReportTypeError", "Value", "Values", "__version__",
+           "load_library"]

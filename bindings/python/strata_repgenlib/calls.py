@@ -1,160 +1,253 @@
-"""Runs calls of the library: exceptions of translators, Ctrl-C, and closing while calls run.
+"""What runs while a report is generated: translators, jobs, and what Ctrl-C may interrupt.
+
+A KeyboardInterrupt comes between two steps of the interpreter, on the main thread only. So whatever
+owns something of the library there gets and frees it inside one call of a function that is written
+in C: `store` and `each`.
 
 SPDX-License-Identifier: MIT
 """
 
 from __future__ import annotations
 
+import asyncio
+import atexit
 import contextvars
 import ctypes
 import threading
-from contextlib import contextmanager, suppress
-from typing import Callable, Iterator, Optional, TypeVar
+import time
+from collections import deque
+from ctypes import c_void_p
+from functools import partial
+from itertools import count, repeat, starmap
+from typing import Any, Callable, Iterable, Optional
 
-from .library import TranslateFunction
-from .texts import as_markup, checked_markup, decoded
+from . import native
+from .loading import Library
 
-Result = TypeVar("Result")
 Translate = Callable[[str], str]
+Slots = dict[int, c_void_p]
+
+# How long a wait of the main thread keeps Python from handling Ctrl-C.
+_SLICE_MILLISECONDS = 50
+
+_keys = count(1)
+# The reports that run, by the context of their translators; for those that run on a thread of the
+# caller the negative number of the thread.
+running: dict[int, Run] = {}
+# Jobs that a second Ctrl-C left running, with what they need.
+_abandoned: list[tuple[Library, c_void_p, JobRun]] = []
 
 
-class Raised:
-    """Exceptions of translators, by the thread that generates."""
+def store(slot: c_void_p, function: Callable[..., Any], *arguments: Any) -> None:
+    """Stores the result of a function, a pointer, in a slot."""
+    any(map(partial(setattr, slot, "value"), starmap(function, (arguments,))))
+
+
+def each(function: Callable[..., Any], *arguments: Iterable[Any]) -> None:
+    """Calls a function for all items. Other threads of Python do not run meanwhile if the function
+    keeps the global lock."""
+    deque(map(function, *arguments), maxlen=0)
+
+
+class Run:
+    """One report that is generated."""
 
     def __init__(self) -> None:
-        self._by_thread: dict[int, BaseException] = {}
+        self.key = 0
+        self.exception: Optional[BaseException] = None
+        self.context: Optional[contextvars.Context] = None
+        self.buffer: Optional[ctypes.Array[ctypes.c_char]] = None
+        # It must live as long as the report.
+        self.translation: Optional[Translation] = None
 
-    def keep(self, exception: BaseException) -> None:
-        self._by_thread[threading.get_ident()] = exception
+    def call(self, translate: Translate, text: str) -> str:
+        return self.context.run(translate, text) if self.context else translate(text)
 
-    def take(self) -> Optional[BaseException]:
-        return self._by_thread.pop(threading.get_ident(), None)
 
-    def is_any(self) -> bool:
-        return threading.get_ident() in self._by_thread
+class DirectRun(Run):
+    """A report on the calling thread, which is not the main thread."""
+
+    def __init__(self) -> None:
+        super().__init__()
+        self.key = -threading.get_ident()
+
+    def __enter__(self) -> DirectRun:
+        # A translator may use other generators: their reports are inside this one.
+        self._outer = running.get(self.key)
+        running[self.key] = self
+        return self
+
+    def __exit__(self, *_: object) -> None:
+        if self._outer is None:
+            del running[self.key]
+        else:
+            running[self.key] = self._outer
+
+
+class JobRun(Run):
+    """A report on a thread of the library. `slots` has its job while it may be cancelled."""
+
+    _ended = native.JobEndFunction()
+
+    def __init__(self, library: Library, slots: Slots) -> None:
+        super().__init__()
+        self.key = next(_keys)
+        self.context = contextvars.copy_context()
+        self.job = c_void_p()
+        # Null when the job is abandoned: its translator still needs it.
+        self.registered: Optional[int] = self.key
+        self.library = library
+        self.slots = slots
+
+    def start(self, generator: c_void_p, request: c_void_p, error: native.RgenhError) -> None:
+        """Starts the job; `job` stays null if that fails."""
+        _free_abandoned(0)
+        running[self.key] = self
+        self.slots[self.key] = self.job
+        store(self.job, self.library.rgenh_startReport, generator, request, self._ended, self.key,
+              ctypes.byref(error))
+
+    def cancel(self) -> None:
+        self.library.rgenh_cancelJob(self.job, None)
+
+    def wait(self) -> None:
+        """Waits for the end on the main thread. Ctrl-C cancels the job and waits until it has
+        ended; a second one does not wait any more."""
+        try:
+            try:
+                self._wait_in_slices()
+            except BaseException:
+                self.cancel()
+                self._wait_in_slices()
+                raise
+        except BaseException:
+            if not self.library.rgenh_waitForJob(self.job, 0, None):
+                self._abandon()
+            raise
+
+    def _abandon(self) -> None:
+        owned = self.job
+        self.job, self.registered = c_void_p(), None
+        _abandoned.append((self.library, owned, self))
+
+    def _wait_in_slices(self) -> None:
+        while not self.library.rgenh_waitForJob(self.job, _SLICE_MILLISECONDS, None):
+            pass
+
+
+class AsyncRun(JobRun):
+    """A job that ends a future of an event loop."""
+
+    def __init__(self, library: Library, slots: Slots, take: Callable[[AsyncRun], Any]) -> None:
+        super().__init__(library, slots)
+        self.loop = asyncio.getrunning_loop()
+        self.future: asyncio.Future[Any] = self.loop.create_future()
+        # Nobody has to ask for the outcome: its task may be cancelled.
+        self.future.add_done_callback(lambda future: future.cancelled() or future.exception())
+        self._take = take
+        self._outcome: Any = None
+
+    def end(self) -> None:
+        """Called on the job's thread."""
+        try:
+            self._outcome = self._take(self)
+        except BaseException as exception:
+            self.exception = exception
+        # From here on nobody cancels the job, which is freed.
+        self.slots.pop(self.key, None)
+        job, self.job = self.job, c_void_p()
+        self.library.rgenh_freeJob(job)
+        try:
+            self.loop.call_soon_threadsafe(self._tell)
+        except RuntimeError:
+            pass  # The loop is closed.
+
+    def cancel(self) -> None:
+        # The slot is empty after the end. Nothing else runs between the look and the call.
+        each(self.library.rgenh_cancelJob, filter(None, map(self.slots.get, (self.key,))),
+             repeat(None))
+
+    @native.JobEndFunction
+    def _ended(_job: Optional[int], key: int) -> None:
+        """The last statement lets the process end: see _wait_for_all."""
+        run = running[key]
+        assert isinstance(run, AsyncRun)
+        run.end()
+        del run
+        del running[key]
+
+    def _tell(self) -> None:
+        if self.exception is None:
+            self.future.set_result(self._outcome)
+        else:
+            self.future.set_exception(self.exception)
+
 
 
 class Translation:
-    """A translator with the signature of the library's callback. It must live until the next one is
-    set. The text that it returned lives until the next call; the library has copied it by then."""
+    """A translator with the signature of the library's callback. The text that it returned lives
+    until the next call for the same report; the library has copied it by then."""
 
-    def __init__(self, translate: Translate, is_markup: bool, raised: Raised) -> None:
-        buffer: Optional[ctypes.Array[ctypes.c_char]] = None
+    def __init__(self, translate: Optional[Translate], markup: bool, inside: set[int]) -> None:
+        """`inside` has the threads on which a translator of the generator runs."""
+        self._translate = translate
+        self._inside = inside
+        self._turn = threading.Lock()
+        self.form = native.MARKUP if markup else native.PLAIN
+        self.function = (native.TranslateFunction(self._call) if translate
+                         else native.TranslateFunction())
 
-        def call(text: int, _context: object) -> int:
-            nonlocal buffer
-            try:
-                if raised.is_any():
-                    return text
-                original = decoded(ctypes.string_at(text))
-                translated = translate(original)
-                if not isinstance(translated, str):
-                    raise TypeError(f"a translation must be a str, not {translated!r}")
-                if "\0" in translated:
-                    raise ValueError(f"a translation holds a zero byte: {translated!r}")
-                if translated == original:
-                    return text
-                translated = (checked_markup(translated, "a translation") if is_markup
-                              else as_markup(original, translated))
-                buffer = ctypes.create_string_buffer(translated.encode("utf-8"))
-                return ctypes.addressof(buffer)
-            # An exception must not leave the callback; it is raised after the call.
-            except BaseException as exception:
-                raised.keep(exception)
-                return text
+    def __bool__(self) -> bool:
+        return self._translate is not None
 
-        self.function = TranslateFunction(call)
-
-
-class Calls:
-    """Counts the running calls, so that a handle is freed only after the last one."""
-
-    def __init__(self) -> None:
-        self._changed = threading.Condition()
-        self._running = 0
-        self._is_closed = False
-
-    @contextmanager
-    def one(self) -> Iterator[None]:
-        with self._changed:
-            if self._is_closed:
-                raise ValueError("the generator is closed")
-            self._running += 1
+    def _call(self, text: int, context: Optional[int]) -> Optional[int]:
+        thread = threading.get_ident()
+        run = running[context or -thread]
+        self._inside.add(thread)
         try:
-            yield
-        finally:
-            with self._changed:
-                self._running -= 1
-                self._changed.notify_all()
-
-    def close(self) -> bool:
-        """Refuses new calls and waits for the running ones; False if it was already closed."""
-        with self._changed:
-            was_closed = self._is_closed
-            self._is_closed = True
-            self._changed.wait_for(lambda: self._running == 0)
-        return not was_closed
-
-
-def interruptible(function: Callable[[], Result], interrupt: Callable[[], None]) -> Result:
-    """Calls the function and returns its result. Python handles Ctrl-C only on the main thread, and
-    not inside the library: so the main thread runs the function on another thread. After a
-    KeyboardInterrupt it calls `interrupt` until the function ends, and raises the exception; after
-    a second one it raises at once."""
-    if threading.current_thread() is not threading.main_thread():
-        return function()
-    results: list[Result] = []
-    raised: list[BaseException] = []
-    done = threading.Event()
-    # Acquired first by the call or by its interruption: Ctrl-C may come at any time.
-    decision = threading.Lock()
-
-    def run() -> None:
-        if not decision.acquire(blocking=False):
-            return
-        try:
-            results.append(function())
+            with self._turn:
+                return self._translated(text, run)
+        # An exception must not leave the callback; it is raised after the report.
         except BaseException as exception:
-            raised.append(exception)
+            run.exception = exception
+            return None
         finally:
-            done.set()
+            self._inside.discard(thread)
 
-    # The other thread has the context variables of the caller.
-    context = contextvars.copy_context()
-    try:
-        threading.Thread(target=context.run, args=(run,), name="strata_repgenlib").start()
-        _wait(done)
-    except KeyboardInterrupt:
-        if decision.acquire(blocking=False):
-            raise
-        # On another thread, since `interrupt` may have to wait for a running template.
-        threading.Thread(target=_interrupt, args=(interrupt, done),
-                         name="strata_repgenlib_interrupt").start()
-        _wait(done)
-        for unwanted in results:
-            _discard(unwanted)
-        raise
-    if raised:
-        raise raised[0]
-    return results[0]
+    def _translated(self, text: int, run: Run) -> int:
+        assert self._translate is not None
+        original = ctypes.string_at(text).decode("utf-8", "surrogateescape")
+        translated = run.call(self._translate, original)
+        if not isinstance(translated, str):
+            raise TypeError(f"a translation must be a str, not {translated!r:.80}")
+        if translated == original:
+            return text
+        if "\0" in translated:
+            raise ValueError(f"a translation contains a zero byte: {translated!r:.80}")
+        run.buffer = ctypes.create_string_buffer(translated.encode("utf-8", "surrogateescape"))
+        return ctypes.addressof(run.buffer)
 
 
-def _interrupt(interrupt: Callable[[], None], done: threading.Event) -> None:
-    """Repeats the interrupt: the library ignores it before the call is registered."""
-    with suppress(ValueError):  # The generator may have been closed.
-        while not done.is_set():
-            interrupt()
-            done.wait(0.1)
+def is_main_thread() -> bool:
+    return threading.get_ident() == threading.main_thread().ident
 
 
-def _discard(result: object) -> None:
-    """Closes the file of an abandoned call."""
-    close = getattr(result, "close", None)
-    if close is not None:
-        close()
+def _free_abandoned(milliseconds: int) -> None:
+    """Frees the abandoned jobs that end in this time; a negative number waits for all."""
+    for entry in tuple(_abandoned):
+        library, job, run = entry
+        if library.rgenh_waitForJob(job, milliseconds, None):
+            _abandoned.remove(entry)
+            running.pop(run.key, None)
+            library.rgenh_freeJob(job)
 
 
-def _wait(done: threading.Event) -> None:
-    """Waits in short steps: on Windows Ctrl-C does not end a wait without a timeout."""
-    while not done.wait(0.5):
-        pass
+@atexit.register
+def _wait_for_all() -> None:
+    """Cancels the jobs that still run when the process ends, and waits: they call Python."""
+    for run in tuple(running.values()):
+        if isinstance(run, AsyncRun):
+            run.cancel()
+    _free_abandoned(-1)
+    while any(isinstance(run, AsyncRun) for run in tuple(running.values())):
+        time.sleep(0.01)

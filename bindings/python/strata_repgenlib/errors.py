@@ -1,94 +1,134 @@
-"""The exceptions of this package.
+"""The exceptions of the package. All derive from ReportError, and from the built-in exception that
+fits.
 
 SPDX-License-Identifier: MIT
 """
 
 from __future__ import annotations
 
-import os
-from contextlib import suppress
+import sys
+from typing import TYPE_CHECKING, Sequence
 
+from . import native
 from .status import Status
 
-
-def status_name(status: int) -> str:
-    """The symbolic name of a status, "RGEN_E_BAD_PARAMETER"; empty for a number without one."""
-    try:
-        return Status(status).name
-    except ValueError:
-        return ""
+if TYPE_CHECKING:
+    from .loading import Library
 
 
-class StatusError(RuntimeError):
-    """A failure that the library reported.
+class ReportError(Exception):
+    """A failure of the library; the base of all exceptions of this package.
 
-    `status` is the number (compare it with Status), `name` its symbolic name, `text` the library's
-    description, `subject` what the call was about.
+    status    its status, a negative number; see Status
+    name      the name of the status, "RGEN_E_EMPTY_INPUT"; empty for a number without one
+    text      the library's description of the status
+    path      the path that the failure is about; empty if there is none
+    argument  the value or argument that is wrong, 'value "Started"'; empty if none is
+    hint      what to do about it, one sentence; may be empty
     """
 
-    def __init__(self, subject: str, status: int, text: str) -> None:
-        self.subject = subject
-        self.status = status
-        self.name = status_name(status)
-        self.text = text
-        super().__init__(subject, status, text)
+    status: int = Status.RGEN_E_UNKNOWN
+    name: str = "RGEN_E_UNKNOWN"
+    text: str = ""
+    path: str = ""
+    argument: str = ""
+    hint: str = ""
 
-    def __str__(self) -> str:
-        number = f"0x{self.status & 0xFFFFFFFF:08X}"
-        return f"{self.subject}: {self.text} ({' '.join(filter(None, (number, self.name)))})"
+
+class StatusError(ReportError, RuntimeError):
+    """The library returned a negative status."""
 
 
 class Cancelled(StatusError):
-    """The generation was cancelled."""
+    """The report was cancelled."""
 
 
-class ConversionError(RuntimeError):
-    """The library reported success, but the converter made no pdf, or not a complete one.
+class ConversionError(ReportError, RuntimeError):
+    """The converter made no pdf, or not a complete one."""
 
-    `path` is the requested file, `reason` the text of "<path>.error.txt", empty when the
-    converter left none.
-    """
 
-    def __init__(self, path: str, problem: str, reason: str) -> None:
-        self.path = path
-        self.problem = problem
-        self.reason = reason
-        super().__init__(path, problem, reason)
+class FileSystemError(ReportError, OSError):
+    """The file system refused; `errno`, `strerror` and `filename` are those of OSError."""
 
     def __str__(self) -> str:
-        return ": ".join(filter(None, (self.path, self.problem, self.reason)))
+        return str(self.strerror)
 
 
-class LibraryNotFoundError(OSError):
-    """The shared library was not found, or cannot be loaded."""
+class AccessDeniedError(FileSystemError, PermissionError):
+    """The file system refused for lack of rights."""
 
 
-def forget_reason(path: str) -> None:
-    """Removes the text of an earlier failure, so that it is not mistaken for a new one. A file that
-    cannot be removed stays."""
-    with suppress(OSError):
-        os.remove(path + ".error.txt")
+class EncodingError(ReportError, ValueError):
+    """A path or another text is not valid UTF-8."""
 
 
-def verify_pdf(path: str) -> None:
-    """Checks the pdf of a successful generation: the library ignores the converter's exit code."""
-    reason = None
-    if os.path.isfile(path + ".error.txt"):
-        with open(path + ".error.txt", encoding="utf-8", errors="replace") as file:
-            reason = file.read(65536).strip()
-    if not os.path.exists(path):
-        raise ConversionError(path, "the converter made no file", reason or "")
-    if not _is_whole_pdf(path):
-        raise ConversionError(path, "the converter's file is not a whole pdf", reason or "")
-    # The pdf is then a page about the failure; an older text was removed before the conversion.
-    if reason is not None:
-        raise ConversionError(path, "the converter failed", reason)
+class ArgumentError(ReportError, ValueError):
+    """A value or argument is wrong, such as a text with a zero byte."""
 
 
-def _is_whole_pdf(path: str) -> bool:
-    if not os.path.isfile(path):
-        return False
-    with open(path, "rb") as file:
-        start = file.read(5)
-        file.seek(max(0, os.path.getsize(path) - 1024))
-        return start == b"%PDF-" and b"%%EOF" in file.read()
+class OutOfMemoryError(ReportError, MemoryError):
+    """Memory or threads are exhausted."""
+
+
+class ReenteredError(ReportError, RuntimeError):
+    """A translator called its own generator."""
+
+
+class TranslatorError(ReportError, ValueError):
+    """A translation cannot be used."""
+
+
+class UnknownReportTypeError(ReportError, LookupError):
+    """The data directory has no report type of this name, or several."""
+
+
+class LibraryNotFoundError(ReportError, OSError):
+    """The shared libraries were not found, or cannot be loaded."""
+
+
+class LibraryVersionError(LibraryNotFoundError):
+    """The loaded libraries have another version than this package."""
+
+
+_KINDS: dict[int, type[ReportError]] = {
+    native.ERROR_STATUS: StatusError, native.ERROR_MEMORY: OutOfMemoryError,
+    native.ERROR_ENCODING: EncodingError, native.ERROR_FILE_SYSTEM: FileSystemError,
+    native.ERROR_REENTERED: ReenteredError, native.ERROR_CONVERSION: ConversionError,
+    native.ERROR_ARGUMENT: ArgumentError, native.ERROR_CALLBACK: TranslatorError}
+
+
+def _file_system_error(number: int, message: str, path: str) -> ReportError:
+    # Python derives errno from the number of Windows, and the class of OSError itself only.
+    known = (OSError(None, message, path, number) if sys.platform == "win32"
+             else OSError(number, message, path))
+    kind = AccessDeniedError if isinstance(known, PermissionError) else FileSystemError
+    if sys.platform == "win32":
+        return kind(None, message, path or None, number)
+    return kind(number, message, path or None)
+
+
+def described(library: Library, failure: ReportError, status: int) -> ReportError:
+    """The exception with the texts of its status."""
+    failure.status = status
+    failure.name = library.rgenh_getStatusName(status).decode()
+    failure.text = library.rgenh_getStatusText(status).decode()
+    failure.hint = library.rgenh_getStatusNextStep(status).decode()
+    return failure
+
+
+def failure_of(library: Library, error: native.RgenhError,
+               names: Sequence[str] = ()) -> ReportError:
+    """The exception for an error record; `names` are those of the values of the call."""
+    message = error.message.decode("utf-8", "replace")
+    path = error.path.decode("utf-8", "surrogateescape")
+    argument = f'value "{names[error.entry]}"' if error.entry < len(names) else ""
+    if argument:
+        message = f"{argument}: {message}"
+    if error.kind == native.ERROR_FILE_SYSTEM:
+        failure = _file_system_error(error.systemError, message, path)
+    elif error.status == Status.RGEN_CANCELED:
+        failure = Cancelled(message)
+    else:
+        failure = _KINDS.get(error.kind, ReportError)(message)
+    failure.path, failure.argument = path, argument
+    return described(library, failure, error.status)

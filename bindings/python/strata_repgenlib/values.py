@@ -6,10 +6,12 @@ SPDX-License-Identifier: MIT
 from __future__ import annotations
 
 import datetime
+import decimal
 import enum
+import os
 import uuid
 from dataclasses import dataclass
-from typing import Iterable, Iterator, Mapping, Tuple, TypeVar, Union
+from typing import Any, Iterable, Iterator, Mapping, Optional, Protocol, Sequence, Tuple, Union
 
 
 class Hint(enum.IntEnum):
@@ -28,9 +30,13 @@ class Hint(enum.IntEnum):
 
 @dataclass(frozen=True)
 class Hinted:
-    """An integer or moment with a hint: Hinted(4096, Hint.ADDRESS), Hinted(now, Hint.TIME)."""
+    """An integer or moment with a hint.
 
-    number: Union[int, datetime.datetime]
+    >>> Hinted(4096, Hint.ADDRESS).number
+    4096
+    """
+
+    number: Union[int, datetime.date]
     hint: Hint
 
 
@@ -38,8 +44,7 @@ class Hinted:
 class Markup:
     """A text that is XML content already: Markup("&#8364;") is a euro sign, a plain "&" is lost.
 
-    In persistent data such a text is decoded twice before a report shows it; a reference that XML
-    does not know is refused there.
+    Persistent data refuses a reference that XML does not know.
     """
 
     content: str
@@ -58,30 +63,43 @@ class Handle:
             raise OverflowError(f"{self.number} does not fit into 64 bits")
 
 
-# A text, a text as XML content, a number, seconds with a hint, a date and time, a date, bytes, a
-# handle. A bool is none: it has no display of its own.
-Value = Union[str, Markup, int, Hinted, datetime.datetime, datetime.date, bytes, bytearray,
-              memoryview, Handle]
-Text = Union[str, Markup]
+class Records(Protocol):
+    """A table of records, such as a DataFrame."""
 
-Item = TypeVar("Item", covariant=True)
-Entries = Union[Mapping[str, Item], Iterable[Tuple[str, Item]]]
+    def to_dict(self, orient: Any) -> Any: ...
+
+
+# A value without others inside; docs/values.md describes all of them.
+Plain = Union[str, Markup, int, bool, float, decimal.Decimal, Hinted, datetime.datetime,
+              datetime.date, datetime.time, datetime.timedelta, bytes, bytearray, memoryview,
+              "os.PathLike[str]", Handle, None]
+# A mapping or list may contain values of all kinds, also others of its kind.
+Value = Union[Plain, Mapping[Any, Any], Sequence[Any], Records]
+Values = Union[Mapping[str, Any], Iterable[Tuple[str, Any]]]
+
+Text = Union[str, Markup]
+Texts = Union[Mapping[str, Text], Iterable[Tuple[str, Text]]]
 ReportType = Union[uuid.UUID, str]
 
 
 @dataclass
 class Request:
-    """The input of a report; it can be reused, also by several threads at once."""
+    """The input of a report; it can be reused, also by several threads at once.
 
-    # The GUID of the report type.
-    type: ReportType
+    >>> Request("acquisition", "txt", {"Device": {"Model": "TH500"}, "Note": ["one", "two"]}).format
+    'txt'
+    """
+
+    # The report type: its GUID, or its name, the file name of its template without the ending. May
+    # be None if the data directory has only one.
+    type: Optional[ReportType] = None
     # "html", "pdf" or "txt"; also names the template's folder.
     format: str = "html"
-    # Typed values; they override pairs and persistent data of the same name. A mapping, or pairs of
-    # a name and a value; later ones override earlier ones of the same name.
-    values: Entries[Value] = ()
-    # Name/text pairs; they override persistent data of the same name.
-    pairs: Entries[Text] = ()
+    # Values by name; they override pairs and persistent data of the same name. A mapping, or pairs
+    # of a name and a value; later ones override earlier ones of the same name.
+    values: Values = ()
+    # Texts by name; they override persistent data of the same name.
+    pairs: Texts = ()
     # False: a "pdf" report is written as the template made it, without the converter.
     convert: bool = True
     # Passed to the converter as its base. It must not contain a double quote.
@@ -93,29 +111,3 @@ class Request:
             self.values = list(self.values)
         if isinstance(self.pairs, Iterator):
             self.pairs = list(self.pairs)
-
-
-def as_guid(report_type: ReportType) -> uuid.UUID:
-    """A GUID from a UUID or its text; ValueError for another text."""
-    return report_type if isinstance(report_type, uuid.UUID) else uuid.UUID(report_type)
-
-
-def as_dict(entries: Entries[Item]) -> dict[str, Item]:
-    return dict(entries)
-
-
-def as_integer(number: Union[int, datetime.date], hint: Hint) -> int:
-    """The signed 64-bit number for the library; OverflowError if it does not fit."""
-    if isinstance(number, datetime.datetime):
-        seconds = int(number.timestamp() // 1)
-    elif isinstance(number, datetime.date):
-        seconds = int(datetime.datetime.combine(number, datetime.time()).timestamp() // 1)
-    elif isinstance(number, int) and not isinstance(number, bool):
-        seconds = number
-    else:
-        raise TypeError(f"{number!r} is no integer and no moment")
-    if hint == Hint.ADDRESS and 1 << 63 <= seconds < 1 << 64:
-        return seconds - (1 << 64)
-    if not -(1 << 63) <= seconds < 1 << 63:
-        raise OverflowError(f"{seconds} does not fit into 64 bits")
-    return seconds
