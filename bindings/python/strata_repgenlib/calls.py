@@ -19,7 +19,7 @@ from collections import deque
 from ctypes import c_void_p
 from functools import partial
 from itertools import count, repeat, starmap
-from typing import Any, Callable, Iterable, Optional
+from typing import Any, Callable, ClassVar, Iterable, Optional
 
 from . import native
 from .loading import Library
@@ -87,15 +87,15 @@ class DirectRun(Run):
 class JobRun(Run):
     """A report on a thread of the library. `slots` has its job while it may be cancelled."""
 
-    _ended = native.JobEndFunction()
+    _ended: ClassVar[native.JobEnd] = native.NO_JOB_END
 
     def __init__(self, library: Library, slots: Slots) -> None:
         super().__init__()
         self.key = next(_keys)
         self.context = contextvars.copy_context()
         self.job = c_void_p()
-        # Null when the job is abandoned: its translator still needs it.
-        self.registered: Optional[int] = self.key
+        # 0 when the job is abandoned: its translator still needs it.
+        self.registered = self.key
         self.library = library
         self.slots = slots
 
@@ -127,7 +127,7 @@ class JobRun(Run):
 
     def _abandon(self) -> None:
         owned = self.job
-        self.job, self.registered = c_void_p(), None
+        self.job, self.registered = c_void_p(), 0
         _abandoned.append((self.library, owned, self))
 
     def _wait_in_slices(self) -> None:
@@ -140,7 +140,7 @@ class AsyncRun(JobRun):
 
     def __init__(self, library: Library, slots: Slots, take: Callable[[AsyncRun], Any]) -> None:
         super().__init__(library, slots)
-        self.loop = asyncio.getrunning_loop()
+        self.loop = asyncio.get_running_loop()
         self.future: asyncio.Future[Any] = self.loop.create_future()
         # Nobody has to ask for the outcome: its task may be cancelled.
         self.future.add_done_callback(lambda future: future.cancelled() or future.exception())
@@ -167,21 +167,27 @@ class AsyncRun(JobRun):
         each(self.library.rgenh_cancelJob, filter(None, map(self.slots.get, (self.key,))),
              repeat(None))
 
-    @native.JobEndFunction
-    def _ended(_job: Optional[int], key: int) -> None:
-        """The last statement lets the process end: see _wait_for_all."""
-        run = running[key]
-        assert isinstance(run, AsyncRun)
-        run.end()
-        del run
-        del running[key]
-
     def _tell(self) -> None:
         if self.exception is None:
             self.future.set_result(self._outcome)
-        else:
-            self.future.set_exception(self.exception)
+            return
+        exception = self.exception
+        if isinstance(exception, StopIteration):  # A future cannot have it.
+            exception = RuntimeError(f"a translator raised {exception!r}")
+        self.future.set_exception(exception)
 
+
+
+def _job_ended(_job: Optional[int], key: int) -> None:
+    """The last statement lets the process end: see _wait_for_all."""
+    run = running[key]
+    assert isinstance(run, AsyncRun)
+    run.end()
+    del run
+    del running[key]
+
+
+AsyncRun._ended = native.JobEndFunction(_job_ended)
 
 
 class Translation:
@@ -195,7 +201,7 @@ class Translation:
         self._turn = threading.Lock()
         self.form = native.MARKUP if markup else native.PLAIN
         self.function = (native.TranslateFunction(self._call) if translate
-                         else native.TranslateFunction())
+                         else native.NO_TRANSLATOR)
 
     def __bool__(self) -> bool:
         return self._translate is not None

@@ -232,7 +232,7 @@ class Generator:
             self._handles.require_open()
             self._handles.check(self.library.rgenh_setPersistentValues(
                 self._handles.direct, byref(guid), packed.address, packed.count, byref(error)),
-                error, packed.names)
+                error, tuple(packed.names))
 
     def dump(self, values: Values, path: StrPath) -> None:
         """Writes values as an XML file of names and display texts; replaces an existing file."""

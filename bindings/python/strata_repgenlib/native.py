@@ -83,6 +83,9 @@ class RgenhVersions(ctypes.Structure):
 # Results of callbacks are addresses, so that ctypes neither frees nor copies the text.
 TranslateFunction = ctypes.CFUNCTYPE(c_void_p, c_void_p, c_void_p)
 JobEndFunction = ctypes.CFUNCTYPE(None, c_void_p, c_void_p)
+JobEnd = Any  # An instance of it.
+NO_TRANSLATOR: Any = ctypes.cast(c_void_p(), TranslateFunction)
+NO_JOB_END: JobEnd = ctypes.cast(c_void_p(), JobEndFunction)
 
 _HANDLE = c_void_p  # A generator, a request, a job, a record of a request.
 _STATUS = c_int32
