@@ -97,6 +97,16 @@ _KINDS: dict[int, type[ReportError]] = {
     native.ERROR_ARGUMENT: ArgumentError, native.ERROR_CALLBACK: TranslatorError}
 
 
+# The next step of the status is about a status that the library has returned.
+_HINTS: dict[int, str] = {
+    native.ERROR_MEMORY: "Make smaller reports, or fewer at the same time.",
+    native.ERROR_ENCODING: "Pass valid UTF-8.",
+    native.ERROR_FILE_SYSTEM: "Check the path and the rights to it.",
+    native.ERROR_REENTERED: "Use another generator in the translator.",
+    native.ERROR_ARGUMENT: "Correct the value.",
+    native.ERROR_CALLBACK: "Correct the translation."}
+
+
 def _file_system_error(number: int, message: str, path: str) -> ReportError:
     # Python derives errno from the number of Windows, and the class of OSError itself only.
     known = (OSError(None, message, path, number) if sys.platform == "win32"
@@ -107,12 +117,13 @@ def _file_system_error(number: int, message: str, path: str) -> ReportError:
     return kind(number, message, path or None)
 
 
-def described(library: Library, failure: ReportError, status: int) -> ReportError:
-    """The exception with the texts of its status."""
+def described(library: Library, failure: ReportError, status: int,
+              kind: int = native.ERROR_STATUS) -> ReportError:
+    """The exception with the texts of its status and kind."""
     failure.status = status
     failure.name = library.rgenh_getStatusName(status).decode()
     failure.text = library.rgenh_getStatusText(status).decode()
-    failure.hint = library.rgenh_getStatusNextStep(status).decode()
+    failure.hint = _HINTS.get(kind) or library.rgenh_getStatusNextStep(status).decode()
     return failure
 
 
@@ -131,4 +142,4 @@ def failure_of(library: Library, error: native.RgenhError,
     else:
         failure = _KINDS.get(error.kind, ReportError)(message)
     failure.path, failure.argument = path, argument
-    return described(library, failure, error.status)
+    return described(library, failure, error.status, error.kind)

@@ -12,8 +12,9 @@ from typing import Optional
 
 from . import native
 from .calls import JobRun, Translate, Translation, each, store
-from .errors import ReenteredError, failure_of
+from .errors import ReenteredError, described, failure_of
 from .loading import Library
+from .status import Status
 
 
 class Handles:
@@ -46,7 +47,8 @@ class Handles:
         """The lock for a call on this thread."""
         thread = threading.get_ident()
         if thread in self._inside:
-            raise ReenteredError("a translator called its own generator")
+            raise described(self.library, ReenteredError("a translator called its own generator"),
+                            Status.RGEN_E_UNKNOWN, native.ERROR_REENTERED)
         return self._turns.get(thread) or self._turns.setdefault(thread, threading.RLock())
 
     def require_open(self) -> None:

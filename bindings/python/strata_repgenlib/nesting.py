@@ -8,12 +8,15 @@ from __future__ import annotations
 from collections.abc import Iterable, Mapping, Sequence
 from typing import Any, Iterator
 
-from .values import Values
+from .values import Hinted, Values
 
 _DEEPEST = 32
 # Sequences that are values themselves.
 _TEXTS_AND_BYTES = (str, bytes, bytearray, memoryview)
 _KEYS = (str, int)
+_PLAIN_NAMES = {str}
+# The usual kinds without others inside; the check of all other kinds is slower.
+_PLAIN_KINDS = {str, int, bytes, bool, float, Hinted}
 
 
 def flat(values: Values) -> dict[str, Any]:
@@ -22,10 +25,11 @@ def flat(values: Values) -> dict[str, Any]:
     >>> flat({"Err": [{"Address": 16}, {"Address": 32}], "Device": {"Model": "TH500"}})
     {'Err.1.Address': 16, 'Err.2.Address': 32, 'Device.Model': 'TH500'}
     """
-    by_name: dict[str, Any] = dict(values)
-    if set(map(type, by_name)) <= {str} and "" not in by_name \
-            and not any(map(_is_nested, set(map(type, by_name.values())))):
-        return by_name
+    by_name: dict[str, Any] = values if type(values) is dict else dict(values)
+    if {*map(type, by_name)} <= _PLAIN_NAMES and "" not in by_name:
+        kinds = {*map(type, by_name.values())}
+        if kinds <= _PLAIN_KINDS or not any(map(_is_nested, kinds)):
+            return by_name
     found: dict[str, Any] = {}
     for name, value in _members("", by_name, 1):
         # The last of several values of one name is also the last one in order.
@@ -56,7 +60,7 @@ def _entries(name: str, value: Any, depth: int) -> Iterator[tuple[str, Any]]:
     if not _is_nested(type(value)):
         yield name, value
         return
-    if depth > _DEEPEST:
+    if depth >= _DEEPEST:
         raise ValueError(f'value "{name}": more than {_DEEPEST} levels of objects and lists')
     if isinstance(value, Mapping):
         yield from _members(name + ".", value, depth + 1)

@@ -24,6 +24,10 @@ _MASK = (1 << 64) - 1
 # The last second that a report can show: the year 3000.
 _LATEST = 32535215999
 _FIELDS = 7  # Of RgenhValue, eight bytes each.
+# Plain numbers: members of an enumeration cost more than the packing of a value.
+_STRING, _INT64, _GENERIC = native.TYPE_STRING, native.TYPE_INT64, int(Hint.GENERIC)
+_ADDRESS = int(Hint.ADDRESS)
+_LEAST, _GREATEST = -(1 << 63), (1 << 63) - 1
 _TIMES = (Hint.TIME, Hint.DATE, Hint.DATE_TIME)
 
 # Type, hint, number and content of a value.
@@ -32,14 +36,13 @@ Packed = tuple[int, int, int, Content]
 
 
 def _text(value: str) -> Packed:
-    return native.TYPE_STRING, Hint.GENERIC, 0, value.encode()
+    return _STRING, _GENERIC, 0, value.encode()
 
 
-def _number(value: int, hint: int = Hint.GENERIC) -> Packed:
-    is_bits = hint == Hint.ADDRESS and 1 << 63 <= value <= _MASK
-    if not -(1 << 63) <= value < 1 << 63 and not is_bits:
+def _number(value: int, hint: int = _GENERIC) -> Packed:
+    if not _LEAST <= value <= (_MASK if hint == _ADDRESS else _GREATEST):
         raise OverflowError(f"{value} does not fit into 64 bits")
-    return native.TYPE_INT64, hint, value & _MASK, b""
+    return _INT64, hint, value & _MASK, b""
 
 
 def _seconds(moment: datetime.date) -> int:
@@ -47,7 +50,7 @@ def _seconds(moment: datetime.date) -> int:
         moment = datetime.datetime.combine(moment, datetime.time())
     try:
         return math.floor(moment.timestamp())
-    except (OverflowError, OSError):
+    except (OverflowError, ValueError, OSError):
         return -1  # Far outside of what can be shown.
 
 
@@ -99,7 +102,7 @@ def _bytes(value: Content) -> Packed:
 
 
 def _handle(value: Handle) -> Packed:
-    return native.TYPE_HANDLE, Hint.GENERIC, value.number & _MASK, b""
+    return native.TYPE_HANDLE, _GENERIC, value.number & _MASK, b""
 
 
 # The first class that a value is an instance of; a bool is an int, a datetime a date.
@@ -110,7 +113,7 @@ _PACKERS: dict[type, Callable[[Any], Optional[Packed]]] = {
     float: _fraction,
     decimal.Decimal: _fraction,
     Hinted: _hinted,
-    Markup: lambda value: (native.TYPE_MARKUP, Hint.GENERIC, 0, value.content.encode()),
+    Markup: lambda value: (native.TYPE_MARKUP, _GENERIC, 0, value.content.encode()),
     datetime.datetime: lambda value: _time(value, Hint.DATE_TIME),
     datetime.date: lambda value: _time(value, Hint.DATE),
     datetime.time: _time_of_day,
@@ -145,40 +148,50 @@ def named(error: Exception, name: str) -> Exception:
 class PackedValues:
     """An array of RgenhValue for a call of the library; it must live until the call returns."""
 
+    __slots__ = ("names", "count", "address", "_block", "_records")
+
     def __init__(self, by_name: dict[str, Any]) -> None:
         self.names: list[str] = []
+        self.count = 0
+        self.address: Optional[int] = None
+        if by_name:
+            self._pack(by_name)
+
+    def _pack(self, by_name: dict[str, Any]) -> None:
         contents: list[Content] = []
-        records: list[Packed] = []
-        packers, fallback = _PACKERS, _packed_as_subclass
+        fields: list[int] = []
+        add, extend = contents.append, fields.extend
+        left_out: set[str] = set()
         name = ""
         try:
             for name, value in by_name.items():
-                record = packers.get(type(value), fallback)(value)
+                packer = _PACKERS.get(type(value))
+                record = packer(value) if packer else _packed_as_subclass(value)
                 if record is None:
+                    left_out.add(name)
                     continue
-                contents.append(name.encode())
-                contents.append(record[3])
-                records.append(record)
-                self.names.append(name)
+                kind, hint, number, content = record
+                encoded_name = name.encode()
+                add(encoded_name)
+                add(content)
+                # The addresses follow when the block has its place.
+                extend((0, len(encoded_name), kind, hint, number, 0, len(content)))
         except (TypeError, ValueError, OverflowError) as error:
             raise named(error, name) from None
+        self.names = [name for name in by_name if name not in left_out]
+        self.count = len(self.names)
         self._block = b"".join(contents)
-        self._records = _record_array(self._block, contents, records)
-        self.count = len(records)
-        self.address = self._records.buffer_info()[0] if records else None
+        self._records = array.array("Q", fields)
+        self._set_addresses()
+        self.address = self._records.buffer_info()[0] if self.names else None
 
-
-def _record_array(block: bytes, contents: list[Content], records: list[Packed]) -> array.array[int]:
-    """The fields of RgenhValue, column by column."""
-    base = ctypes.cast(ctypes.c_char_p(block), ctypes.c_void_p).value or 0
-    sizes = array.array("Q", map(len, contents))
-    starts = array.array("Q", accumulate(sizes, initial=base))
-    fields = array.array("Q", bytes(8 * _FIELDS * len(records)))
-    fields[0::_FIELDS], fields[1::_FIELDS] = starts[:-1:2], sizes[0::2]
-    for field in range(3):
-        fields[2 + field::_FIELDS] = array.array("Q", map(operator.itemgetter(field), records))
-    fields[5::_FIELDS], fields[6::_FIELDS] = starts[1::2], sizes[1::2]
-    return fields
+    def _set_addresses(self) -> None:
+        records = self._records
+        base = ctypes.cast(ctypes.c_char_p(self._block), ctypes.c_void_p).value or 0
+        sizes = array.array("Q", bytes(16 * self.count))
+        sizes[0::2], sizes[1::2] = records[1::_FIELDS], records[6::_FIELDS]
+        starts = array.array("Q", accumulate(sizes, initial=base))
+        records[0::_FIELDS], records[5::_FIELDS] = starts[:-1:2], starts[1::2]
 
 
 def packed_values(values: Values) -> PackedValues:
@@ -186,7 +199,7 @@ def packed_values(values: Values) -> PackedValues:
 
 
 def _packed_pairs(pairs: Texts) -> PackedValues:
-    by_name = dict(pairs)
+    by_name = dict(pairs) if pairs else {}
     for name, text in by_name.items():
         if not isinstance(text, (str, Markup)):
             raise TypeError(f'pair "{name}": a text must be a str or Markup, not {text!r:.80}')

@@ -3,22 +3,23 @@
 SPDX-License-Identifier: MIT
 """
 
+import asyncio
 import contextvars
 import gc
+import itertools
 import os
 import signal
 import subprocess
 import sys
 import threading
-import time
 import unittest
 import weakref
 from concurrent.futures import ThreadPoolExecutor
 from unittest import mock
 
-from binding_case import LIBRARY, ROOT, TYPE, BindingCase, marked, value_of
-from strata_repgenlib import Cancelled, Generator, Request
-from strata_repgenlib.calls import interruptible
+from binding_case import LIBRARY, ROOT, TYPE, BindingCase, descriptors, marked, value_of
+from strata_repgenlib import (Cancelled, Generator, ReenteredError, Request, TranslatorError,
+                              calls)
 
 HOST = """
 import sys
@@ -76,7 +77,7 @@ class Translators(BindingCase):
         self.assertEqual("\ufffd \ufffd A|< & >", self.report())
         for markup in ("&foo;", "a & b; c", "&nbsp;"):
             self.own.set_translator(lambda text: markup, markup=True)
-            with self.assertRaisesRegex(ValueError, "a translation holds the unknown reference"):
+            with self.assertRaisesRegex(TranslatorError, "a translation cannot be used"):
                 self.report()
 
     def test_a_text_that_comes_back_unchanged_stays_as_it_is(self):
@@ -115,10 +116,10 @@ class Translators(BindingCase):
         for function, arguments in ((self.own.generate_bytes, ()),
                                     (self.own.generate_file, (path,)),
                                     (self.own.open_report, (self.folder / "other",))):
-            before = sorted(os.listdir("/proc/self/fd"))
+            before = descriptors()
             with self.assertRaisesRegex(LookupError, "a"):
                 function(request, *arguments)
-            self.assertEqual(before, sorted(os.listdir("/proc/self/fd")))
+            self.assertEqual(before, descriptors())
         self.assertEqual(["a"] * 3, calls)
         self.assertEqual("a|b < c", path.read_text())
         for wrong, kind in ((None, TypeError), (b"x", TypeError), ("a\0b", ValueError),
@@ -143,6 +144,31 @@ class Translators(BindingCase):
         with self.assertRaises(SystemExit):
             self.report()
 
+    def test_one_that_calls_its_own_generator_gets_an_error(self):
+        own, request = self.own, Request(TYPE, values={"v": 1})
+        methods = (lambda: own.generate_bytes(request), own.close, own.cancel,
+                   lambda: own.persistent_data(TYPE), lambda: own.set_translator(None),
+                   lambda: own.set_folder(self.folder),
+                   lambda: asyncio.run(own.generate_bytes_async(request)))
+        for call in methods:
+            own.set_translator(lambda text, call=call: str(call()))
+            with self.assertRaises(ReenteredError) as raised:
+                self.report()
+            self.assertIsInstance(raised.exception, RuntimeError)
+            with ThreadPoolExecutor(1) as pool, self.assertRaises(ReenteredError):
+                pool.submit(own.generate_bytes, request).result()
+            with self.assertRaises(ReenteredError):
+                asyncio.run(own.generate_bytes_async(request))
+        own.set_translator(None)
+        self.assertEqual("a|b < c", self.report())
+
+    def test_one_may_use_another_generator(self):
+        with Generator(self.folder, translate=str.upper, library=LIBRARY) as other:
+            self.own.set_translator(
+                lambda text: other.generate_bytes(Request(TYPE, values={"v": 1})).decode())
+            self.put_template(marked("a"))
+            self.assertEqual("A", self.report())
+
     def test_they_live_until_the_next_is_set_and_no_longer(self):
         class Catalogue:
             def translate(self, text):
@@ -165,63 +191,6 @@ class Translators(BindingCase):
         del generator
         gc.collect()
         self.assertIsNone(watched())
-
-
-def interrupted_start(entered=None):
-    """Ctrl-C comes while the thread of a call is started: when the call has begun, or too early."""
-    class Interrupted(threading.Thread):
-        def start(self):
-            if self.name != "strata_repgenlib":
-                super().start()
-                return
-            if entered:
-                super().start()
-                entered.wait(60)
-            raise KeyboardInterrupt
-
-    return mock.patch("strata_repgenlib.calls.threading.Thread", Interrupted)
-
-
-class Interrupts(BindingCase):
-    def test_a_call_that_has_begun_is_cancelled_until_it_ends(self):
-        entered, cancelled = threading.Event(), threading.Event()
-        calls = []
-
-        def function():
-            entered.set()
-            calls.append(cancelled.wait(60))
-
-        def cancel():
-            calls.append("cancel")
-            if calls == ["cancel", "cancel"]:
-                cancelled.set()
-
-        with interrupted_start(entered), self.assertRaises(KeyboardInterrupt):
-            interruptible(function, cancel)
-        self.assertEqual(["cancel", "cancel", True], calls[:3])
-
-    def test_a_call_that_has_not_begun_never_does(self):
-        called = []
-        with interrupted_start(), self.assertRaises(KeyboardInterrupt):
-            interruptible(lambda: called.append("function"), lambda: called.append("cancel"))
-        self.assertEqual([], called)
-
-    def test_an_open_report_that_nobody_takes_is_closed(self):
-        main = threading.main_thread().ident
-        interrupted = threading.Event()
-
-        def translate(text):
-            signal.pthread_kill(main, signal.SIGINT)
-            return str(interrupted.wait(60))
-
-        self.put_template(marked("a"))
-        self.own.set_translator(translate)
-        before = sorted(os.listdir("/proc/self/fd"))
-        # The generation is not cancelled, so that it returns a file.
-        with mock.patch.object(self.own, "cancel", lambda _type: interrupted.set()), \
-                self.assertRaises(KeyboardInterrupt):
-            self.own.open_report(Request(TYPE, values={"v": 1}), self.folder / "report.html")
-        self.assertEqual(before, sorted(os.listdir("/proc/self/fd")))
 
 
 class Threads(BindingCase):
@@ -282,21 +251,6 @@ class Threads(BindingCase):
 
 
 class Cancellation(BindingCase):
-    def wait_for(self, path):
-        limit = time.monotonic() + 60
-        while not path.exists():
-            self.assertLess(time.monotonic(), limit, f"{path.name} never came")
-            time.sleep(0.01)
-
-    def park_converter(self, *then):
-        started = self.folder / "started"
-        self.addCleanup(self.release_converter)
-        self.use_converter(("mark", started), ("await", self.folder / "released"), *then)
-        return started
-
-    def release_converter(self):
-        (self.folder / "released").write_text("")
-
     def test_another_type_does_not_concern_it(self):
         output = self.folder / "report.pdf"
         started = self.park_converter(("write", output, "%PDF-1.7 %%EOF"))
@@ -318,7 +272,112 @@ class Cancellation(BindingCase):
                 report.result()
         self.assertEqual("RGEN_CANCELED", raised.exception.name)
 
-    def test_ctrl_c_ends_a_waiting_call(self):
+    def test_another_thread_cancels_the_main_thread(self):
+        started = self.park_converter()
+        for report_type in (TYPE, None):
+            with ThreadPoolExecutor(1) as pool:
+                pool.submit(lambda: (self.wait_for(started), self.own.cancel(report_type)))
+                with self.assertRaises(Cancelled):
+                    self.own.generate_file(Request(TYPE, "pdf", {"v": 1}), self.folder / "r.pdf")
+            started.unlink()
+
+
+class Interrupts(BindingCase):
+    """Ctrl-C, which Python handles on its main thread."""
+
+    def interrupt(self):
+        signal.pthread_kill(threading.main_thread().ident, signal.SIGINT)
+
+    def test_it_ends_the_report_of_the_main_thread_and_no_other(self):
+        output, page = self.folder / "other.pdf", Request(TYPE, "pdf", {"v": 1})
+        started = self.park_converter(("write", output, "%PDF-1.7 %%EOF"))
+        with ThreadPoolExecutor(2) as pool:
+            other = pool.submit(self.own.generate_file, page, output)
+            self.wait_for(started)
+            started.unlink()
+            pool.submit(lambda: (self.wait_for(started), self.interrupt()))
+            with self.assertRaises(KeyboardInterrupt):
+                self.own.generate_file(page, self.folder / "report.pdf")
+            self.release_converter()
+            self.assertEqual(output, other.result())
+        self.assertEqual([], [run for run in calls.running.values()])
+
+    def test_a_second_one_does_not_wait_for_a_template(self):
+        self.put_template(marked("a"))
+        entered, left = threading.Event(), threading.Event()
+        self.own.set_translator(lambda text: entered.set() or str(left.wait(60)))
+
+        def interrupt_twice():
+            entered.wait(60)
+            self.interrupt()
+            # The first one has been handled when the job is cancelled.
+            while not cancelled.wait(0.01):
+                pass
+            self.interrupt()
+
+        cancelled = threading.Event()
+        cancel = calls.JobRun.cancel
+        with mock.patch.object(calls.JobRun, "cancel",
+                               lambda run: (cancel(run), cancelled.set())), \
+                ThreadPoolExecutor(1) as pool:
+            pool.submit(interrupt_twice)
+            with self.assertRaises(KeyboardInterrupt):
+                self.own.generate_bytes(Request(TYPE, values={"v": 1}))
+        self.assertEqual(1, len(calls._abandoned))
+        self.own.close()
+        left.set()
+        calls._free_abandoned(-1)
+        self.assertEqual(({}, []), (calls.running, calls._abandoned))
+
+    def test_an_open_report_that_nobody_takes_is_closed(self):
+        self.put_template(marked("a"))
+        before = descriptors()
+        self.own.set_translator(lambda text: self.interrupt() or text)
+        with self.assertRaises(KeyboardInterrupt):
+            self.own.open_report(Request(TYPE, values={"v": 1}), self.folder / "report.html")
+        self.assertEqual(before, descriptors())
+
+    def test_at_any_moment_it_leaks_nothing_and_closing_ends(self):
+        """A signal comes before each of the interpreter's steps of a call in turn."""
+        before = descriptors()
+        request = Request(TYPE, values={"v": 1})
+        functions = (lambda own: own.generate_bytes(request),
+                     lambda own: own.open_report(request, self.folder / "r.html").close(),
+                     lambda own: own.set_persistent_data(TYPE, {"a": "b"}),
+                     lambda own: own.persistent_data(TYPE), lambda own: own.cancel())
+        for function in functions:
+            with Generator(self.folder, library=LIBRARY) as own:
+                self.own.set_persistent_data(TYPE, {"a": "b"})
+                count = self.interrupted_everywhere(function, own)
+                self.assertGreater(count, 10)
+            self.assertEqual(before, descriptors())
+            self.assertEqual({}, calls.running)
+        self.assertEqual("[1]", self.report_of(1))
+
+    def interrupted_everywhere(self, function, own):
+        """Calls the function until it is not interrupted; returns the number of calls."""
+        for count in itertools.count():
+            steps = itertools.count()
+
+            def trace(frame, _event, _argument):
+                frame.f_trace_opcodes = True
+                if "strata_repgenlib" in frame.f_code.co_filename and next(steps) == count:
+                    # Handled by the interpreter when it handles signals.
+                    signal.raise_signal(signal.SIGINT)
+                return trace
+
+            try:
+                sys.settrace(trace)
+                try:
+                    function(own)
+                finally:
+                    sys.settrace(None)
+            except KeyboardInterrupt:
+                gc.collect()
+                continue
+            return count
+
+    def test_ctrl_c_ends_a_waiting_host(self):
         started = self.park_converter()
         environment = {**os.environ, "PYTHONPATH": str(ROOT / "bindings/python")}
         host = subprocess.Popen([sys.executable, "-c", HOST, self.folder, LIBRARY, TYPE],

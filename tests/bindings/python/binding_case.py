@@ -1,6 +1,7 @@
 """A folder with a data directory and a generator for each case of the Python package.
 
-RGEN_BINDINGS_LIBRARY     the shared library
+RGEN_BINDINGS_LIBRARY     the main library; the host library is next to it
+RGEN_BINDINGS_COMPILER    the C compiler
 RGEN_BINDINGS_CONVERTER   the folder of the stand-in converter
 RGEN_BINDINGS_HOSTS       the example hosts in C and C++, separated by colons; empty when not built
 RGEN_BINDINGS_LAUNCHER    the words in front of their command
@@ -10,6 +11,7 @@ SPDX-License-Identifier: MIT
 
 import os
 import tempfile
+import time
 import unittest
 from pathlib import Path
 from unittest import mock
@@ -18,6 +20,7 @@ from strata_repgenlib import Generator, Request
 
 ROOT = Path(__file__).resolve().parents[3]
 LIBRARY = os.environ["RGEN_BINDINGS_LIBRARY"]
+COMPILER = os.environ["RGEN_BINDINGS_COMPILER"]
 CONVERTER = os.environ["RGEN_BINDINGS_CONVERTER"]
 
 TYPE = "0a1b2c3d-4e5f-6071-8293-a4b5c6d7e8f9"
@@ -67,3 +70,24 @@ class BindingCase(unittest.TestCase):
         patch = mock.patch.dict(os.environ, {"PATH": path, "STAND_IN_CONTROL": str(control)})
         patch.start()
         self.addCleanup(patch.stop)
+
+    def wait_for(self, path):
+        limit = time.monotonic() + 60
+        while not path.exists():
+            self.assertLess(time.monotonic(), limit, f"{path.name} never came")
+            time.sleep(0.01)
+
+    def park_converter(self, *then):
+        """The stand-in converter makes the file that is returned, and waits until it is released or
+        the case ends."""
+        started = self.folder / "started"
+        self.addCleanup(self.release_converter)
+        self.use_converter(("mark", started), ("await", self.folder / "released"), *then)
+        return started
+
+    def release_converter(self):
+        (self.folder / "released").write_text("")
+
+
+def descriptors():
+    return sorted(os.listdir("/proc/self/fd"))

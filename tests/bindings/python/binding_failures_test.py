@@ -1,18 +1,20 @@
-"""Failures through the Python package: statuses, what is refused beforehand, conversions.
+"""Failures through the Python package: each is an exception, the process lives, and nothing leaks.
 
 SPDX-License-Identifier: MIT
 """
 
-import datetime
+import asyncio
+import errno
 import os
-import tempfile
+import subprocess
+import sys
 import unittest
-from pathlib import Path
+from concurrent.futures import ThreadPoolExecutor
 
-from binding_case import LIBRARY, TYPE, BindingCase
-from strata_repgenlib import (ConversionError, Generator, Handle, Hint, Hinted, Request, Status,
-                              StatusError)
-from strata_repgenlib.errors import verify_pdf
+import strata_repgenlib
+from binding_case import LIBRARY, ROOT, TYPE, BindingCase, descriptors
+from strata_repgenlib import (AccessDeniedError, ConversionError, FileSystemError, Generator,
+                              ReportError, Request, Status, StatusError)
 
 ONE = {"v": 1}
 LONG = "x" * 300
@@ -34,6 +36,8 @@ class Statuses(BindingCase):
                          "(0xC0000009 RGEN_E_TEMPLATE_NOT_FOUND)", str(error))
         self.assertEqual("Template is not found in folder", error.text)
         self.assertEqual(error.text, self.own.status_text(error.status))
+        self.assertEqual((path, ""), (error.path, error.argument))
+        self.assertIn("put the template into the folder", error.hint)
 
     def test_every_operation_raises_its_status(self):
         unknown = "ffffffff-0000-0000-0000-000000000000"
@@ -46,87 +50,104 @@ class Statuses(BindingCase):
             self.expect_status(Status.RGEN_E_CREATE_OUTPUT, function, Request(TYPE, values=ONE),
                                missing)
         self.expect_status(Status.RGEN_E_OPEN_PERSIST, own.persistent_data, TYPE)
-        for function in (own.set_persistent_data, own.set_persistent_values):
-            self.expect_status(Status.RGEN_E_GUID_NOT_IN_CONFIG, function, unknown, {"a": "b"})
+        self.expect_status(Status.RGEN_E_GUID_NOT_IN_CONFIG, own.set_persistent_data, unknown,
+                           {"a": "b"})
+        self.expect_status(Status.RGEN_E_DIR_NOT_FOUND, own.set_folder, missing)
         self.expect_status(Status.RGEN_E_CREATE_PERSIST, own.dump, ONE, missing)
 
 
-class Refused(BindingCase):
-    """Most of these would end the process inside the library."""
+class FileSystem(BindingCase):
+    """Failures that leave functions of rgen.h as exceptions."""
 
-    def expect_refused(self, kind, function, *arguments):
-        with self.assertRaises(kind):
+    def setUp(self):
+        super().setUp()
+        (self.folder / "circle").symlink_to("circle")
+
+    def expect(self, kind, function, *arguments):
+        before = descriptors()
+        with self.assertRaises(kind) as raised:
             function(*arguments)
+        self.assertIsInstance(raised.exception, (ReportError, ValueError))
+        self.assertEqual(before, descriptors())
+        return raised.exception
+
+    def expect_all(self, kind):
+        """Every way to make a report fails, also on another thread and in an event loop."""
+        for generate in (self.own.generate_bytes, in_thread(self.own.generate_bytes),
+                         in_loop(self.own.generate_bytes_async)):
+            self.expect(kind, generate, Request(TYPE, values=ONE))
+
+    def rename(self, element, name):
+        path = self.folder / ".rgen/config.xml"
+        text = path.read_text()
+        start = text.index(f"<{element}>") + len(element) + 2
+        path.write_text(text[:start] + name + text[text.index(f"</{element}>"):])
+
+    def test_a_template_name_of_300_bytes(self):
+        self.rename("reportTypeFile", LONG)
+        self.expect_all(FileSystemError)
+
+    def test_a_persistent_file_name_of_300_bytes(self):
+        self.rename("persistDataFile", LONG)
+        self.expect(StatusError, self.own.persistent_data, TYPE)
+        error = self.expect(FileSystemError, self.own.set_persistent_data, TYPE, ONE)
+        self.assertEqual(errno.ENAMETOOLONG, error.errno)
+        self.assertIn(LONG, error.filename)
         self.assertEqual("[1]", self.report_of(1))
 
-    def test_texts_that_are_no_utf_8_or_would_be_cut(self):
-        for kind, text in ((UnicodeEncodeError, "\ud800"), (ValueError, "a\0b")):
-            for request in (Request(TYPE, values={"v": text}), Request(TYPE, values={text: 1}),
-                            Request(TYPE, pairs={"v": text}), Request(TYPE, text, ONE),
-                            Request(TYPE, values=ONE, converter_base=text)):
-                with self.subTest(request=request):
-                    self.expect_refused(kind, self.own.generate_bytes, request)
-            self.expect_refused(kind, self.own.generate_file, Request(TYPE, values=ONE), text)
-            self.expect_refused(kind, self.own.set_folder, text)
-            self.expect_refused(kind, self.own.dump, ONE, text)
-            self.expect_refused(kind, self.own.simulated_input, text)
+    def test_a_circular_link_as_template(self):
+        path = self.folder / ".rgen/templates/html/report.xsl"
+        path.unlink()
+        path.symlink_to(path.name)
+        self.expect_all(ReportError)
 
-    def test_what_is_no_value(self):
-        for value in (True, None, 1.5, [1], Hinted(1.5, Hint.SIZE), Hinted(True, Hint.SIZE)):
-            with self.subTest(value=value):
-                self.expect_refused(TypeError, self.report_of, value)
-        for value in (1 << 63, -(1 << 63) - 1, Hinted(1 << 64, Hint.ADDRESS)):
-            self.expect_refused(OverflowError, self.report_of, value)
-        self.expect_refused(ValueError, self.report_of, Hinted(1, 77))
-        for kind, number in ((TypeError, "x"), (TypeError, None), (OverflowError, 1 << 64)):
-            self.expect_refused(kind, Handle, number)
-        self.expect_refused(ValueError, self.own.generate_bytes, Request("no guid", values=ONE))
-        self.expect_refused(TypeError, self.own.generate_bytes, Request(TYPE, pairs={"v": 1}))
-        self.expect_refused(TypeError, self.own.generate_file, Request(TYPE, values=ONE), 5)
-
-    def test_moments_before_1970_are_numbers_like_others(self):
-        moment = datetime.datetime(1969, 12, 31, 23, 59, 59, 500000, datetime.timezone.utc)
-        self.assertEqual("[ERROR: BAD TIME_T INPUT]", self.report_of(moment))
+    def test_a_circular_link_as_persistent_file(self):
+        path = self.folder / ".rgen/data.xml"
+        path.symlink_to(path.name)
+        self.expect(ReportError, self.own.persistent_data, TYPE)
+        self.expect(ReportError, self.own.set_persistent_data, TYPE, ONE)
+        self.assertEqual("[1]", self.report_of(1))
 
     def test_paths_that_the_file_system_refuses(self):
-        (self.folder / "circle").symlink_to("circle")
-        for name in (LONG, "circle"):
+        for name in (LONG, "circle", "x/" * 2500 + "x"):
             path = self.folder / name
-            self.expect_refused(OSError, self.own.generate_file, Request(TYPE, values=ONE), path)
-            self.expect_refused(OSError, self.own.open_report, Request(TYPE, values=ONE), path)
-            self.expect_refused(OSError, self.own.dump, ONE, path)
-            self.expect_refused(OSError, self.own.simulated_input, path)
-            self.expect_refused(OSError, self.own.set_folder, path)
-        self.expect_refused(OSError, self.own.generate_bytes, Request(TYPE, LONG, ONE))
-        # The output itself fits, the page beside it does not.
-        self.expect_refused(OSError, self.own.generate_file, Request(TYPE, "pdf", ONE),
-                            self.folder / ("x" * 252))
+            with self.subTest(name=name[:10]):
+                for function in (self.own.generate_file, in_thread(self.own.generate_file),
+                                 in_loop(self.own.generate_file_async), self.own.open_report):
+                    self.expect(ReportError, function, Request(TYPE, values=ONE), path)
+                self.expect(ReportError, self.own.dump, ONE, path)
+                self.expect(FileSystemError, self.own.simulated_input, path)
+                self.expect(FileSystemError, self.own.set_folder, path)
+                self.expect(FileSystemError, lambda: Generator(path, library=LIBRARY))
+        self.assertEqual("[1]", self.report_of(1))
 
-    def test_names_that_the_converter_cannot_take(self):
-        for path, base in (('a".pdf', ""), ("a.pdf", '"')):
-            request = Request(TYPE, "pdf", ONE, converter_base=base)
-            self.expect_refused(ValueError, self.own.generate_file, request, self.folder / path)
-        self.expect_refused(ValueError, self.own.generate_file, Request(TYPE, values=ONE), "")
+    def test_a_format_that_is_no_name_of_a_folder(self):
+        for text in (LONG + LONG[:100], "x" * 5000):
+            self.expect(FileSystemError, self.own.generate_bytes, Request(TYPE, text, ONE))
 
-    def test_folders_that_are_none(self):
-        file = self.folder / "file"
-        file.write_text("")
-        for kind, path in ((NotADirectoryError, file), (FileNotFoundError, self.folder / "none"),
-                           (NotADirectoryError, file / "none")):
-            with self.assertRaises(OSError if path.parent == file else kind):
-                Generator(path, library=LIBRARY)
+    def test_a_pdf_whose_page_beside_it_has_too_long_a_name(self):
+        self.expect(StatusError, self.own.generate_file, Request(TYPE, "pdf", ONE),
+                    self.folder / ("x" * 252))
 
     def test_data_directories_that_are_none(self):
-        for make in (lambda path: path.write_text(""), os.mkfifo,
-                     lambda path: path.symlink_to("nothing")):
-            folder = Path(tempfile.mkdtemp(dir=self.folder))
-            self.own.set_folder(folder)
+        for number, make in enumerate((lambda path: path.write_text(""), os.mkfifo,
+                                       lambda path: path.symlink_to("nothing"),
+                                       lambda path: path.symlink_to(".rgen"))):
+            folder = self.folder / str(number)
+            folder.mkdir()
             make(folder / ".rgen")
-            for function, argument in ((self.own.generate_bytes, Request(TYPE, values=ONE)),
-                                       (self.own.persistent_data, TYPE),
-                                       (self.own.set_folder, folder)):
-                with self.assertRaises(NotADirectoryError):
-                    function(argument)
+            self.own.set_folder(folder)
+            self.expect_all(ReportError)
+            self.expect(ReportError, self.own.persistent_data, TYPE)
+
+    def test_a_folder_that_goes_away(self):
+        gone = self.folder / "gone"
+        gone.mkdir()
+        self.own.set_folder(gone)
+        gone.rmdir()
+        self.expect_all(ReportError)
+        self.expect(ReportError, self.own.persistent_data, TYPE)
+        self.expect(ReportError, self.own.set_persistent_data, TYPE, {})
 
     def test_a_relative_folder_stays_the_same(self):
         self.addCleanup(os.chdir, os.getcwd())
@@ -140,44 +161,118 @@ class Refused(BindingCase):
         with self.assertRaises(FileNotFoundError):
             self.own.set_folder(".")
 
-    def test_a_folder_that_goes_away(self):
-        gone = self.folder / "gone"
-        gone.mkdir()
-        self.own.set_folder(gone)
-        gone.rmdir()
-        for function, arguments in ((self.own.generate_bytes, (Request(TYPE, values=ONE),)),
-                                    (self.own.persistent_data, (TYPE,)),
-                                    (self.own.set_persistent_data, (TYPE, {})),
-                                    (self.own.set_persistent_values, (TYPE, {}))):
-            with self.assertRaises(FileNotFoundError):
-                function(*arguments)
-
-    def test_folders_without_rights(self):
-        bare = self.folder / "bare"
-        bare.mkdir()
-        self.own.set_folder(bare)
-        self.folder.chmod(0o755)
-        bare.chmod(0o555)
-        is_root = os.geteuid() == 0
-        if is_root:
+    def test_rights_that_change(self):
+        if os.geteuid() == 0:
+            self.addCleanup(os.seteuid, 0)
+            self.folder.chmod(0o755)
             os.seteuid(65534)
-        try:
-            with self.assertRaises(PermissionError):
-                self.own.generate_bytes(Request(TYPE, values=ONE))
-            with self.assertRaises(PermissionError):
-                self.own.set_folder(bare)
-        finally:
-            if is_root:
-                os.seteuid(0)
-        bare.chmod(0o755)
+        templates = self.folder / ".rgen/templates"
+        for path, mode in ((templates, 0o755), (self.folder / ".rgen", 0o755)):
+            self.assertEqual("[1]", self.report_of(1))
+            self.as_owner(path.chmod, 0)
+            error = self.expect(AccessDeniedError, self.own.generate_bytes,
+                                Request(TYPE, values=ONE))
+            self.assertIsInstance(error, PermissionError)
+            self.assertEqual(errno.EACCES, error.errno)
+            self.expect_all(PermissionError)
+            self.as_owner(path.chmod, mode)
+
+    def as_owner(self, function, *arguments):
+        user = os.geteuid()
+        os.seteuid(os.getuid())
+        function(*arguments)
+        os.seteuid(user)
+
+
+class Arguments(BindingCase):
+    def expect(self, kind, function, *arguments):
+        with self.assertRaises(kind):
+            function(*arguments)
+        self.assertEqual("[1]", self.report_of(1))
+
+    def test_texts_that_are_no_utf_8_or_would_be_cut(self):
+        own = self.own
+        for kind, text in ((UnicodeEncodeError, "\ud800"), (ValueError, "a\0b")):
+            for request in (Request(TYPE, values={"v": text}), Request(TYPE, values={text: 1}),
+                            Request(TYPE, pairs={"v": text}), Request(TYPE, text, ONE),
+                            Request(text, values=ONE),
+                            Request(TYPE, values=ONE, converter_base=text)):
+                with self.subTest(request=request):
+                    self.expect(kind, own.generate_bytes, request)
+            self.expect(kind, own.generate_file, Request(TYPE, values=ONE), text)
+            for function, arguments in ((own.set_folder, (text,)), (own.dump, (ONE, text)),
+                                        (own.simulated_input, (text,)),
+                                        (own.set_persistent_data, (TYPE, {text: "x"}))):
+                self.expect(kind, function, *arguments)
+
+    def test_names_that_the_converter_cannot_take(self):
+        for path, base in (('a".pdf', ""), ("a.pdf", '"')):
+            request = Request(TYPE, "pdf", ONE, converter_base=base)
+            self.expect(ValueError, self.own.generate_file, request, self.folder / path)
+        self.expect(ValueError, self.own.generate_file, Request(TYPE, values=ONE), "")
+        self.expect(TypeError, self.own.generate_file, Request(TYPE, values=ONE), 5)
 
     def test_a_closed_generator(self):
         self.own.close()
         self.own.close()
-        with self.assertRaises(ValueError):
-            self.own.generate_bytes(Request(TYPE, values=ONE))
-        with self.assertRaises(ValueError):
-            self.own.cancel()
+        for function, arguments in ((self.own.generate_bytes, (Request(TYPE, values=ONE),)),
+                                    (self.own.cancel, ()), (self.own.persistent_data, (TYPE,)),
+                                    (self.own.set_translator, (None,)),
+                                    (self.own.set_folder, (self.folder,))):
+            with self.assertRaisesRegex(ValueError, "closed"):
+                function(*arguments)
+
+    def test_errors_have_one_base_and_a_fitting_built_in_one(self):
+        kinds = [kind for name, kind in vars(strata_repgenlib).items() if name.endswith("Error")]
+        self.assertEqual(14, len(kinds) + 1, "with Cancelled")
+        for kind in kinds:
+            self.assertTrue(issubclass(kind, ReportError))
+            self.assertTrue(kind.__doc__)
+
+
+MEMORY_HOST = """
+import resource, sys
+from strata_repgenlib import Generator, ReportError, Request
+generator = Generator(sys.argv[1], library=sys.argv[2])
+request = Request(sys.argv[3], values={"v": "x" * 20_000_000})
+length = len(generator.generate_bytes(request))
+used = int(open("/proc/self/statm").read().split()[0]) * 4096
+failures = set()
+for room in range(1 << 20, 400 << 20, 9 << 20):
+    resource.setrlimit(resource.RLIMIT_AS, (used + room, resource.RLIM_INFINITY))
+    try:
+        # The library leaves out values for which it has no memory.
+        generator.generate_bytes(request)
+    except MemoryError as error:
+        failures.add(isinstance(error, ReportError))
+    except ReportError as error:
+        failures.add(True)
+resource.setrlimit(resource.RLIMIT_AS, (resource.RLIM_INFINITY, resource.RLIM_INFINITY))
+assert len(generator.generate_bytes(request)) == length
+print(sorted(failures))
+"""
+
+
+class Memory(BindingCase):
+    def test_exhausted_memory_is_an_exception_and_later_reports_are_whole(self):
+        run = subprocess.run([sys.executable, "-c", MEMORY_HOST, self.folder, LIBRARY, TYPE],
+                             env={**os.environ, "PYTHONPATH": str(ROOT / "bindings/python")},
+                             capture_output=True, text=True, check=False)
+        self.assertEqual(0, run.returncode, run.stderr)
+        self.assertIn("True", run.stdout)
+
+
+def in_thread(function):
+    def call(*arguments):
+        with ThreadPoolExecutor(1) as pool:
+            return pool.submit(function, *arguments).result()
+    return call
+
+
+def in_loop(function):
+    def call(*arguments):
+        return asyncio.run(function(*arguments))
+    return call
 
 
 class Conversions(BindingCase):
@@ -188,26 +283,25 @@ class Conversions(BindingCase):
         self.use_converter(*((word, str(output) + ending, text) for word, ending, text in commands))
         self.own.generate_file(Request(TYPE, "pdf", ONE), output)
 
-    def expect_problem(self, problem, reason, *commands):
-        with self.assertRaises(ConversionError) as raised:
+    def expect_problem(self, problem, *commands):
+        with self.assertRaisesRegex(ConversionError, problem) as raised:
             self.convert(*commands)
-        self.assertEqual((problem, reason), (raised.exception.problem, raised.exception.reason))
-        expected = f"{self.folder / 'report.pdf'}: {problem}" + (f": {reason}" if reason else "")
-        self.assertEqual(expected, str(raised.exception))
+        self.assertIn(str(self.folder / "report.pdf"), str(raised.exception))
+        self.assertEqual(Status.RGEN_E_EXTERNAL_FAILED, raised.exception.status)
 
     def test_a_whole_pdf_is_taken(self):
         self.convert(("write", "", self.WHOLE))
         self.assertEqual(self.WHOLE, (self.folder / "report.pdf").read_text())
 
     def test_a_missing_or_partial_pdf_is_not(self):
-        self.expect_problem("the converter made no file", "")
+        self.expect_problem("made no file")
         for part in ("", "%PDF-1.7 x", "%%EOF", " %PDF-1.7 %%EOF"):
-            self.expect_problem("the converter's file is not a whole pdf", "", ("write", "", part))
+            self.expect_problem("pdf", ("write", "", part))
 
     def test_the_reason_is_the_converters_text(self):
         note = ("write", ".error.txt", "no engine")
-        self.expect_problem("the converter made no file", "no engine", note)
-        self.expect_problem("the converter failed", "no engine", note, ("write", "", self.WHOLE))
+        self.expect_problem("no engine", note)
+        self.expect_problem("no engine", note, ("write", "", self.WHOLE))
 
     def test_the_reason_of_an_earlier_failure_is_forgotten(self):
         note = self.folder / "report.pdf.error.txt"
@@ -220,8 +314,6 @@ class Conversions(BindingCase):
         (self.folder / "report.pdf/full").mkdir()
         with self.assertRaises((ConversionError, StatusError)):
             self.convert()
-        with self.assertRaises(ConversionError):
-            verify_pdf(str(self.folder / "report.pdf"))
 
     def test_without_conversion_the_page_is_the_report(self):
         path = self.folder / "report.pdf"

@@ -20,66 +20,6 @@ from strata_repgenlib import (Generator, Hint, LibraryNotFoundError, Request, St
                               load_library)
 from strata_repgenlib.errors import status_name
 
-HEADER = (ROOT / "include/strata_repgenlib/rgen.h").read_text()
-STATUS_HEADER = (ROOT / "include/strata_repgenlib/rgen_status.h").read_text()
-CODE = without_comments(HEADER)
-NUMBERS = {"int64_t": ctypes.c_int64, "uint8_t": ctypes.c_uint8, "uint16_t": ctypes.c_uint16,
-           "uint32_t": ctypes.c_uint32, "uint64_t": ctypes.c_uint64}
-RECORDS = [library.RgenGuid, library.RgenAnsiString, library.RgenByteArray,
-           library.RgenCVariantValue, library.RgenCVariant, library.RgenCVariantSet,
-           library.RgenCAnsiStringPairSet, library.RgenCInputParams]
-
-
-class Interface(unittest.TestCase):
-    def test_records_have_the_stated_sizes_and_members(self):
-        stated = re.findall(r"(\d+) bytes\. \*/\s*typedef (?:struct|union) (\w+)", HEADER)
-        sizes = {name: int(size) for size, name in stated}
-        self.assertEqual(sizes, {record.__name__: ctypes.sizeof(record) for record in RECORDS})
-        for record in RECORDS:
-            body = re.search(r"typedef \w+ %s \{(.*?)\}" % record.__name__, CODE, re.S).group(1)
-            members = re.findall(r"(\w+)(\*?) (\w+)(?:\[8\])?;", body)
-            self.assertEqual([name for _, _, name in members],
-                             [name for name, _ in record._fields_])
-            for (stated, pointer, name), (_, kind) in zip(members, record._fields_):
-                if stated in NUMBERS and not pointer:
-                    self.assertIs(NUMBERS[stated], getattr(kind, "_type_", None)
-                                  if issubclass(kind, ctypes.Array) else kind, name)
-
-    def test_every_function_is_declared_with_its_arguments(self):
-        self.assertEqual(header_exports(), set(library.FUNCTIONS))
-        for name, (_, arguments) in library.FUNCTIONS.items():
-            stated = re.search(name + r"\((.*?)\);", CODE, re.S).group(1)
-            count = 0 if stated.strip() == "void" else stated.count(",") + 1
-            self.assertEqual(count, len(arguments), name)
-
-    def test_hints_and_statuses_are_those_of_the_header(self):
-        hints = {name: int(number)
-                 for name, number in re.findall(r"RGEN_HINT_(\w+) = (\d+)", HEADER)}
-        self.assertEqual(hints, {hint.name: hint.value for hint in Hint})
-        stated = {name: int(number, 16) for name, number in
-                  re.findall(r"#define (RGEN_\w+) RGEN_STATUS\((0x\w+)U\)", STATUS_HEADER)}
-        self.assertEqual(37, len(stated))
-        self.assertEqual(stated, {status.name: status & 0xFFFFFFFF for status in Status})
-        self.assertEqual("", status_name(5))
-
-    def test_the_version_is_that_of_the_header(self):
-        parts = re.findall(r"#define RGEN_VERSION_\w+ (\d+)", HEADER)
-        self.assertEqual(".".join(parts), strata_repgenlib.__version__)
-
-    def test_records_are_made_and_freed(self):
-        loaded = load_library(LIBRARY)
-        text, content = library.RgenAnsiString(), library.RgenByteArray()
-        self.assertEqual(1, loaded.rgen_createRgenAnsiString(b"text", ctypes.byref(text)))
-        self.assertEqual(1, loaded.rgen_createRgenByteArray(b"\0\1", 2, ctypes.byref(content)))
-        self.assertEqual((4, 2), (text.length, content.size))
-        self.assertEqual(b"\0\1", ctypes.string_at(content.data, 2))
-        loaded.rgen_freeRgenAnsiString(ctypes.byref(text))
-        loaded.rgen_freeRgenByteArray(ctypes.byref(content))
-        self.assertEqual((None, None), (text.data, content.data))
-        with self.assertRaises(AttributeError):
-            loaded.rgen_unknown
-
-
 class Finding(BindingCase):
     def load_as(self, package):
         code = ("import strata_repgenlib as s\n"

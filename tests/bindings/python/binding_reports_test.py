@@ -3,19 +3,15 @@
 SPDX-License-Identifier: MIT
 """
 
-import contextlib
 import ctypes
-import datetime
-import itertools
 import os
-import time
 import unittest
 import uuid
 from unittest import mock
 
-from binding_case import LIBRARY, TYPE, BindingCase, value_of
-from strata_repgenlib import Generator, Handle, Hint, Hinted, Markup, Request, records
-from strata_repgenlib.texts import checked_markup, without_references
+from binding_case import CONFIG, LIBRARY, TYPE, BindingCase, value_of
+from strata_repgenlib import (ArgumentError, Generator, Handle, Hint, Hinted, Markup, Request,
+                              Status, UnknownReportTypeError, results)
 
 TEXTS = ("a & b", "&amp;", "&#65;", "&lt;b&gt; <b>", "&;", "&", "\u00e4 \u043e \U0001f600", "]]>",
          "a;b")
@@ -32,25 +28,6 @@ class Reports(BindingCase):
 
     def test_markup_is_read_by_the_library(self):
         self.assertEqual("[A & B]", self.report_of(Markup("&#65; &amp; B")))
-
-    def test_values_are_shown_by_type_and_hint(self):
-        utc = datetime.timezone.utc
-        moment = datetime.datetime(2000, 2, 29, 3, 4, 5, 999999, utc)
-        with mock.patch.dict(os.environ, TZ="EST5EDT"):
-            time.tzset()
-            for value, text in (
-                    (255, "255"), (-1, "-1"), (Hinted(255, Hint.ADDRESS), "0xff"),
-                    (Hinted((1 << 64) - 1, Hint.ADDRESS), "0xffffffffffffffff"),
-                    (Hinted(5, Hint.SIZE), "5"), (moment, "28.02.2000 22:04:05"),
-                    (moment.astimezone().replace(tzinfo=None), "28.02.2000 22:04:05"),
-                    (Hinted(moment, Hint.TIME), "22:04:05"),
-                    (datetime.date(2000, 2, 29), "29.02.2000"),
-                    (b"\x01\xab", "01 AB "), (bytearray(b"\0"), "00 "), (memoryview(b"x"), "78 "),
-                    (b"", ""), ("", ""), (Handle(3), "")):
-                with self.subTest(value=value):
-                    request = Request(TYPE, values={"v": value, "other": 1})
-                    self.assertEqual(f"[{text}]", self.own.generate_bytes(request).decode())
-        time.tzset()
 
     def test_a_file_is_written_and_its_path_given(self):
         path = self.folder / "\u043e.html"
@@ -75,7 +52,7 @@ class Reports(BindingCase):
         self.assertEqual([("w", "x")], request.pairs)
 
     def test_contents_of_more_than_2_gib_are_read(self):
-        with mock.patch.object(records, "_GREATEST_INT", 2), \
+        with mock.patch.object(results, "_GREATEST_INT", 2), \
                 mock.patch.object(ctypes, "string_at", side_effect=AssertionError):
             self.assertEqual(b"[xyz]", self.own.generate_bytes(Request(TYPE, values={"v": "xyz"})))
 
@@ -103,16 +80,55 @@ class Reports(BindingCase):
         self.assertEqual({}, self.own.simulated_input(self.folder / "missing.xml"))
 
 
-class PersistentData(BindingCase):
-    def test_references_are_undone_once_and_what_is_none_stays(self):
-        for content, text in (
-                ("&amp;amp;", "&amp;"), ("&lt;&gt;&quot;&apos;", "<>\"'"), ("&#65;&#x41;", "AA"),
-                ("&#x1F600;", "\U0001f600"), ("&nbsp;", "&nbsp;"), ("& ; &", "& ; &"),
-                ("&#0;&#x110000;&#99999999;", "&#0;&#x110000;&#99999999;"),
-                ("&#xD800;&#;&#x;&#X41;", "&#xD800;&#;&#x;&#X41;"), ("&&amp;", "&&")):
-            with self.subTest(content=content):
-                self.assertEqual(text, without_references(content))
+class ReportTypes(BindingCase):
+    OTHER = "11111111-2222-3333-4444-555555555555"
 
+    def configure(self, *types):
+        entries = "".join(f'<type guid="{guid}"><persistDataFile>x.xml</persistDataFile>'
+                          f"<{tag}>{template}</{tag}></type>" for guid, tag, template in types)
+        (self.folder / ".rgen/config.xml").write_text(
+            f"<config><reportTypes>{entries}</reportTypes></config>")
+
+    def report_as(self, report_type):
+        return self.own.generate_bytes(Request(report_type, values={"v": 1}))
+
+    def test_a_guid_or_a_name_chooses_one(self):
+        for report_type in (TYPE, TYPE.upper(), f"{{{TYPE}}}", uuid.UUID(TYPE), "report", None):
+            self.assertEqual(b"[1]", self.report_as(report_type), report_type)
+            self.own.set_persistent_data(report_type, {"a": "b"})
+            self.own.cancel(report_type)
+            self.assertEqual({"a": "b"}, self.own.persistent_data(report_type))
+
+    def test_they_are_read_as_the_library_reads_them(self):
+        self.configure((TYPE, "reportTypeFile", " report.xsl "), ("no guid", "reportTypeFile", "x"),
+                       (f"{{{self.OTHER}}}", "reportTypeFile", "braces.xsl"),
+                       (self.OTHER, "REPORTTYPEFILE", "an.other.xsl"),
+                       (self.OTHER, "reportTypeFile", ""))
+        self.assertEqual([("an.other", uuid.UUID(self.OTHER), "an.other.xsl"),
+                          ("report", uuid.UUID(TYPE), "report.xsl")], self.own.report_types())
+        self.assertEqual(b"[1]", self.report_as("report"))
+
+    def test_unknown_and_ambiguous_names_are_errors(self):
+        self.configure((TYPE, "reportTypeFile", "report.xsl"),
+                       (self.OTHER, "reportTypeFile", "report.txt"))
+        for report_type, message in (("report", "names 2 report types"), (None, "has 2 report types"),
+                                     ("repor", 'did you mean "report"')):
+            with self.assertRaisesRegex(UnknownReportTypeError, message) as raised:
+                self.report_as(report_type)
+            self.assertEqual(Status.RGEN_E_GUID_NOT_IN_CONFIG, raised.exception.status)
+            self.assertIsInstance(raised.exception, LookupError)
+        with self.assertRaises(TypeError):
+            self.report_as(5)
+        (self.folder / ".rgen/config.xml").write_text("<config>")
+        with self.assertRaisesRegex(ValueError, "config.xml cannot be read"):
+            self.report_as("report")
+        (self.folder / ".rgen/config.xml").unlink()
+        with self.assertRaises(FileNotFoundError):
+            self.report_as(None)
+        (self.folder / ".rgen/config.xml").write_text(CONFIG)
+
+
+class PersistentData(BindingCase):
     def test_it_comes_back_as_it_was_and_reports_show_it(self):
         texts = {f"n{index}": text for index, text in enumerate(TEXTS + EDGES)}
         self.own.set_persistent_data(TYPE, texts)
@@ -130,34 +146,18 @@ class PersistentData(BindingCase):
                 Markup("&#xD800;"), Markup("&#00065534;"), Markup("&#1;")]
         texts = {f"a{index}": text for index, text in enumerate(lost)}
         kept = {f"k{index}": " Smith & Sons <b> \ufffc\U0001f600" for index in range(50)}
-        for store in (self.own.set_persistent_data, self.own.set_persistent_values):
-            store(TYPE, {**texts, **kept, "name\uffff": "\x02"})
-            self.assertEqual({**{name: "\ufffd" for name in (*texts, "name\ufffd")}, **kept},
-                             self.own.persistent_data(TYPE))
+        self.own.set_persistent_data(TYPE, {**texts, **kept, "name\uffff": "\x02"})
+        self.assertEqual({**{name: "\ufffd" for name in (*texts, "name\ufffd")}, **kept},
+                         self.own.persistent_data(TYPE))
 
     def test_markup_with_unknown_references_is_refused(self):
         self.own.set_persistent_data(TYPE, {"a": "kept"})
         for content in ("&foo;", "&f oo;", "&nbsp;", "&AMP;", "&1;", "&;", "& amp;", "a & b; c",
                         "&&amp;", "&lt;&foo;", "&a&lt;", "&<b>;", "&amp&#65;"):
-            for store in (self.own.set_persistent_data, self.own.set_persistent_values):
-                with self.subTest(content=content), \
-                        self.assertRaisesRegex(ValueError, "unknown reference"):
-                    store(TYPE, {"a": Markup(content)})
+            with self.subTest(content=content), \
+                    self.assertRaisesRegex(ArgumentError, 'value "a": '):
+                self.own.set_persistent_data(TYPE, {"a": Markup(content)})
         self.assertEqual({"a": "kept"}, self.own.persistent_data(TYPE))
-
-    def test_no_markup_that_is_taken_does_harm(self):
-        """All short sequences of pieces: they are refused, or leave the other entries alone."""
-        pieces = ("&", "amp", ";", "#", "x", "D800", "65", "<", "\x01", "\ufffe", "a")
-        kept = {f"k{index}": "Smith & Sons <b>" for index in range(10)}
-        taken = {}
-        for number, parts in enumerate(itertools.chain.from_iterable(
-                itertools.product(pieces, repeat=length) for length in (1, 2, 3, 4))):
-            with contextlib.suppress(ValueError):
-                taken[f"a{number}"] = Markup(checked_markup("".join(parts), "a text"))
-        self.assertGreater(len(taken), 10_000)
-        self.own.set_persistent_data(TYPE, {**taken, **kept, "z": Markup("&amp;amp;")})
-        stored = self.own.persistent_data(TYPE)
-        self.assertEqual({**kept, "z": "&"}, {name: stored[name] for name in (*kept, "z")})
 
     def test_texts_that_the_store_would_cut_are_refused(self):
         limit = 10_000_000
@@ -166,17 +166,16 @@ class PersistentData(BindingCase):
         self.assertTrue(longest == self.own.persistent_data(TYPE)["a"])
         for name, text in (("a", "x" + longest), ("a", "x" * (limit + 1)),
                            ("a", "\x01" * (limit // 3 + 1)), ("a", Markup("x" * (limit + 1))),
-                           ("x" * (limit // 10 + 1), "x")):
-            for store in (self.own.set_persistent_data, self.own.set_persistent_values):
-                with self.assertRaisesRegex(ValueError, "too long for persistent data"):
-                    store(TYPE, {name: text})
-        with self.assertRaisesRegex(ValueError, "too long for persistent data"):
-            self.own.set_persistent_values(TYPE, {"a": bytes(limit // 3 + 1)})
+                           ("x" * (limit // 10 + 1), "x"), ("a", bytes(limit // 3 + 1))):
+            with self.assertRaisesRegex(ArgumentError, "too long for persistent data"):
+                self.own.set_persistent_data(TYPE, {name: text})
         self.assertEqual(1, len(self.own.persistent_data(TYPE)))
 
     def test_values_are_stored_as_display_texts(self):
-        self.own.set_persistent_values(TYPE, {"a": Hinted(255, Hint.ADDRESS), "b": "x & y"})
-        self.assertEqual({"a": "0xff", "b": "x & y"}, self.own.persistent_data(TYPE))
+        self.own.set_persistent_data(TYPE, {"a": Hinted(255, Hint.ADDRESS), "b": "x & y",
+                                            "list": [1, True], "handle": Handle(1)})
+        self.assertEqual({"a": "0xff", "b": "x & y", "list.1": "1", "list.2": "true"},
+                         self.own.persistent_data(TYPE))
         self.own.set_persistent_data(TYPE, {})
         self.assertEqual({}, self.own.persistent_data(TYPE))
 
