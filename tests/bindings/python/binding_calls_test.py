@@ -6,7 +6,6 @@ SPDX-License-Identifier: MIT
 import asyncio
 import contextvars
 import gc
-import itertools
 import os
 import signal
 import subprocess
@@ -282,6 +281,16 @@ class Cancellation(BindingCase):
             started.unlink()
 
 
+def interrupted_after(microseconds, function, *arguments):
+    """Calls a function, during which the handler of Ctrl-C runs, unless it ends before."""
+    try:
+        signal.setitimer(signal.ITIMER_REAL, microseconds / 1e6)
+        function(*arguments)
+        signal.setitimer(signal.ITIMER_REAL, 0)
+    except KeyboardInterrupt:
+        pass
+
+
 class Interrupts(BindingCase):
     """Ctrl-C, which Python handles on its main thread."""
 
@@ -338,44 +347,23 @@ class Interrupts(BindingCase):
         self.assertEqual(before, descriptors())
 
     def test_at_any_moment_it_leaks_nothing_and_closing_ends(self):
-        """A signal comes before each of the interpreter's steps of a call in turn."""
         before = descriptors()
         request = Request(TYPE, values={"v": 1})
-        functions = (lambda own: own.generate_bytes(request),
-                     lambda own: own.open_report(request, self.folder / "r.html").close(),
-                     lambda own: own.set_persistent_data(TYPE, {"a": "b"}),
-                     lambda own: own.persistent_data(TYPE), lambda own: own.cancel())
-        for function in functions:
+        self.own.set_persistent_data(TYPE, {"a": "b"})
+        self.addCleanup(signal.signal, signal.SIGALRM,
+                        signal.signal(signal.SIGALRM, signal.default_int_handler))
+        for function in (lambda own: own.generate_bytes(request),
+                         lambda own: own.open_report(request, self.folder / "r.html").close(),
+                         lambda own: own.set_persistent_data(TYPE, {"a": "b"}),
+                         lambda own: own.persistent_data(TYPE), lambda own: own.cancel()):
             with Generator(self.folder, library=LIBRARY) as own:
-                self.own.set_persistent_data(TYPE, {"a": "b"})
-                count = self.interrupted_everywhere(function, own)
-                self.assertGreater(count, 10)
+                for microseconds in range(1, 400):
+                    interrupted_after(microseconds, function, own)
             self.assertEqual(before, descriptors())
             self.assertEqual({}, calls.running)
+            self.assertEqual({}, {key: job for jobs in own._jobs.values()
+                                  for key, job in jobs.items()})
         self.assertEqual("[1]", self.report_of(1))
-
-    def interrupted_everywhere(self, function, own):
-        """Calls the function until it is not interrupted; returns the number of calls."""
-        for count in itertools.count():
-            steps = itertools.count()
-
-            def trace(frame, _event, _argument):
-                frame.f_trace_opcodes = True
-                if "strata_repgenlib" in frame.f_code.co_filename and next(steps) == count:
-                    # Handled by the interpreter when it handles signals.
-                    signal.raise_signal(signal.SIGINT)
-                return trace
-
-            try:
-                sys.settrace(trace)
-                try:
-                    function(own)
-                finally:
-                    sys.settrace(None)
-            except KeyboardInterrupt:
-                gc.collect()
-                continue
-            return count
 
     def test_ctrl_c_ends_a_waiting_host(self):
         started = self.park_converter()
