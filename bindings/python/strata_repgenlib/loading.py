@@ -23,7 +23,7 @@ VARIABLE = "STRATA_REPGENLIB_DIR"
 
 _IS_WINDOWS = sys.platform == "win32"
 # The main library and the host library, which needs it.
-_NAMES = (("strata_repgenlib.dll", "strata_repgenlib_host.dll") if _IS_WINDOWS
+NAMES = (("strata_repgenlib.dll", "strata_repgenlib_host.dll") if _IS_WINDOWS
           else ("libstrata_repgenlib.so.0", "libstrata_repgenlib_host.so.0"))
 
 
@@ -32,7 +32,7 @@ class Library:
 
     def __init__(self, folder: str) -> None:
         """Loads both from one folder; from the folders of the system for an empty text."""
-        paths = [os.path.join(folder, name) for name in _NAMES]
+        paths = [os.path.join(folder, name) for name in NAMES]
         with ExitStack() as stack:
             if sys.platform == "win32" and folder:
                 stack.enter_context(os.add_dll_directory(os.path.abspath(folder)))
@@ -93,7 +93,7 @@ def places(package: Path) -> Iterator[str]:
         return
     found = map(str, _folders(package))
     for folder in (*found, *(_along_path() if _IS_WINDOWS else ())):
-        if all(os.path.isfile(os.path.join(folder, name)) for name in _NAMES):
+        if all(os.path.isfile(os.path.join(folder, name)) for name in NAMES):
             yield folder
     if not _IS_WINDOWS:
         yield ""
