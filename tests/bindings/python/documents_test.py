@@ -10,27 +10,49 @@ import subprocess
 import tempfile
 import unittest
 from pathlib import Path
+from unittest import mock
 
 from binding_case import CONVERTER, LIBRARY, ROOT
-from strata_repgenlib import load_library
+import strata_repgenlib
+from strata_repgenlib import generator, nesting, status, values
 
 PACKAGE = ROOT / "bindings/python"
 MYPY = shutil.which("mypy", path="/usr/bin")
 
 
 class Documents(unittest.TestCase):
+    def setUp(self):
+        folder = tempfile.TemporaryDirectory()
+        self.addCleanup(folder.cleanup)
+        shutil.copytree(ROOT / "templates/acquisition", Path(folder.name) / "case/.rgen")
+        self.addCleanup(os.chdir, os.getcwd())
+        os.chdir(folder.name)
+        patch = mock.patch.dict(os.environ, STRATA_REPGENLIB_DIR=str(Path(LIBRARY).parent))
+        patch.start()
+        self.addCleanup(patch.stop)
+
     def test_the_examples_of_the_readme_run(self):
-        here = os.getcwd()
-        self.addCleanup(os.chdir, here)
-        with tempfile.TemporaryDirectory() as folder:
-            shutil.copytree(ROOT / "templates/acquisition", Path(folder) / "case/.rgen")
-            os.chdir(folder)
-            outcome = doctest.testfile(str(PACKAGE / "README.md"), module_relative=False,
-                                       globs={"LIBRARY": LIBRARY},
-                                       optionflags=doctest.ELLIPSIS)
-            os.chdir(here)
+        outcome = doctest.testfile(str(PACKAGE / "README.md"), module_relative=False,
+                                   optionflags=doctest.ELLIPSIS)
         self.assertEqual(0, outcome.failed)
-        self.assertGreater(outcome.attempted, 10)
+        self.assertGreater(outcome.attempted, 15)
+
+    def test_the_examples_of_the_docstrings_run(self):
+        outcomes = [doctest.testmod(module, extraglobs=vars(strata_repgenlib))
+                    for module in (generator, nesting, status, values)]
+        self.assertEqual(0, sum(outcome.failed for outcome in outcomes))
+        self.assertGreater(sum(outcome.attempted for outcome in outcomes), 8)
+
+    def test_what_help_shows_is_described(self):
+        for name in strata_repgenlib.__all__:
+            member = getattr(strata_repgenlib, name)
+            if not isinstance(member, type):
+                continue
+            self.assertTrue(member.__doc__, name)
+            for method, function in vars(member).items():
+                if callable(function) and not method.startswith("_") and member.__module__.endswith(
+                        "generator"):
+                    self.assertTrue(function.__doc__, f"{name}.{method}")
 
     def test_the_types_are_right(self):
         self.assertTrue(MYPY, "mypy is missing; run scripts/setup bindings")
