@@ -128,11 +128,12 @@ def described(library: Library, failure: ReportError, status: int,
 
 
 def failure_of(library: Library, error: native.RgenhError,
-               names: Sequence[str] = ()) -> ReportError:
-    """The exception for an error record; `names` are those of the values of the call."""
+               names: Sequence[str] = (), pairs: Sequence[str] = ()) -> ReportError:
+    """The exception for an error record; with the names of the values and pairs of the call."""
     message = error.message.decode("utf-8", "replace")
     path = error.path.decode("utf-8", "surrogateescape")
-    argument = f'value "{names[error.entry]}"' if error.entry < len(names) else ""
+    what, entries = ("pair", pairs) if error.entryIsPair else ("value", names)
+    argument = f'{what} "{entries[error.entry]}"' if error.entry < len(entries) else ""
     if argument:
         message = f"{argument}: {message}"
     if error.kind == native.ERROR_FILE_SYSTEM:

@@ -117,8 +117,9 @@ class Generator:
         """Sets the function that translates the marked texts of templates; None for none.
 
         Its argument is the text as written in the template; it returns a str, which is escaped: "&",
-        "<", ">" and "'" are, each unless the original text contains it. "{" and "}" are not: in
-        attributes of the template they enclose an XPath expression. With `markup` the translation
+        "<", ">" and "'" are, each unless the original text contains it, the last two also unless
+        it contains "<". "{" and "}" are not: in attributes of the template they enclose an XPath
+        expression. With `markup` the translation
         becomes part of the template without escapes; it must contain no reference that XML does not
         know. In both forms characters that XML does not allow become U+FFFD, and a text that is
         returned unchanged stays as it is.
@@ -287,7 +288,7 @@ class Generator:
         error = _new_error()
         store(request, self.library.rgenh_newRequest, byref(packed.parts), byref(error))
         if not request:
-            raise failure_of(self.library, error, packed.values.names)
+            raise failure_of(self.library, error, packed.values.names, packed.pairs.names)
 
     def _generate(self, request: Request, mode: int, path: str, convert: Convert) -> Any:
         packed, record, start = self._packed(request, mode, path), c_void_p(), time.perf_counter()

@@ -55,7 +55,7 @@ class RgenCAnsiStringPairSet(ctypes.Structure):
 
 class RgenhError(ctypes.Structure):
     _fields_ = [("size", c_uint64), ("kind", c_int32), ("status", c_int32),
-                ("systemError", c_int64), ("argument", c_int32), ("reserved", c_int32),
+                ("systemError", c_int64), ("argument", c_int32), ("entryIsPair", c_int32),
                 ("entry", c_uint64), ("path", c_char * PATH_SIZE),
                 ("message", c_char * MESSAGE_SIZE)]
 

@@ -203,8 +203,6 @@ def _packed_pairs(pairs: Texts) -> PackedValues:
     for name, text in by_name.items():
         if not isinstance(text, (str, Markup)):
             raise TypeError(f'pair "{name}": a text must be a str or Markup, not {text!r:.80}')
-        if "\0" in name or "\0" in (text if isinstance(text, str) else text.content):
-            raise ValueError(f'pair "{name}": a text cannot contain a zero byte')
     return PackedValues(by_name)
 
 
@@ -224,10 +222,10 @@ class PackedRequest:
     def __init__(self, request: Request, guid: native.RgenGuid, mode: int, path: bytes) -> None:
         self.guid = bytes(guid)
         self.values = packed_values(request.values)
-        self._pairs = _packed_pairs(request.pairs)
+        self.pairs = _packed_pairs(request.pairs)
         self._texts = (encoded(request.format, "the format"), path,
                        encoded(request.converter_base, "the converter base"))
         self.parts = native.RgenhRequestParts(
             ctypes.sizeof(native.RgenhRequestParts), None, guid, *self._texts, mode,
             0 if request.convert else 1, self.values.address, self.values.count,
-            self._pairs.address, self._pairs.count)
+            self.pairs.address, self.pairs.count)

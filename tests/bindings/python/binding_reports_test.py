@@ -3,7 +3,9 @@
 SPDX-License-Identifier: MIT
 """
 
+import contextlib
 import ctypes
+import itertools
 import os
 import unittest
 import uuid
@@ -158,6 +160,22 @@ class PersistentData(BindingCase):
                     self.assertRaisesRegex(ArgumentError, 'value "a": '):
                 self.own.set_persistent_data(TYPE, {"a": Markup(content)})
         self.assertEqual({"a": "kept"}, self.own.persistent_data(TYPE))
+
+    def test_no_markup_that_is_taken_does_harm(self):
+        """All short sequences of pieces: they are refused, or leave the other entries alone."""
+        pieces = ("&", "amp", ";", "#", "x", "D800", "65", "<", "\x01", "\ufffe", "a")
+        kept = {f"k{index}": "Smith & Sons <b>" for index in range(10)}
+        taken = {}
+        for number, parts in enumerate(itertools.chain.from_iterable(
+                itertools.product(pieces, repeat=length) for length in (1, 2, 3))):
+            markup = Markup("".join(parts))
+            with contextlib.suppress(ArgumentError):
+                self.own.set_persistent_data(TYPE, {"a": markup})
+                taken[f"a{number}"] = markup
+        self.assertGreater(len(taken), 1000)
+        self.own.set_persistent_data(TYPE, {**taken, **kept, "z": Markup("&amp;amp;")})
+        stored = self.own.persistent_data(TYPE)
+        self.assertEqual({**kept, "z": "&"}, {name: stored[name] for name in (*kept, "z")})
 
     def test_texts_that_the_store_would_cut_are_refused(self):
         limit = 10_000_000
