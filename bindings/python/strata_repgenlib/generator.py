@@ -41,9 +41,9 @@ class Generator:
     `folder` must exist. `translate` is as in `set_translator`. `library` is a result of
     `load_library`, or a path for it.
 
+    >>> request = Request("acquisition", "txt", {"Device": {"Model": "TH500"}})
     >>> with Generator("case") as generator:
-    ...     text = generator.generate_bytes(Request("acquisition", "txt", {"Device.Model": "TH500"}))
-    >>> b"TH500" in text
+    ...     b"TH500" in generator.generate_bytes(request)
     True
     """
 
@@ -116,10 +116,10 @@ class Generator:
     def set_translator(self, translate: Optional[Translate], *, markup: bool = False) -> None:
         """Sets the function that translates the marked texts of templates; None for none.
 
-        Its argument is the text as written in the template; it returns a str, which is escaped: "&",
-        "<", ">" and "'" are, each unless the original text contains it, the last two also unless
-        it contains "<". "{" and "}" are not: in attributes of the template they enclose an XPath
-        expression. With `markup` the translation
+        Its argument is the text as written in the template; it returns a str, which is escaped:
+        "&", "<", ">" and "'" are, each unless the original text contains it, the last two also
+        unless it contains "<". "{" and "}" are not: in attributes of the template they enclose an
+        XPath expression. With `markup` the translation
         becomes part of the template without escapes; it must contain no reference that XML does not
         know. In both forms characters that XML does not allow become U+FFFD, and a text that is
         returned unchanged stays as it is.

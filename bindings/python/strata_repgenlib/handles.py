@@ -32,7 +32,8 @@ class Handles:
         # The threads on which a translator runs.
         self._inside: set[int] = set()
         self._turns: dict[int, threading.RLock] = {}
-        self._changes = threading.Lock()
+        # For each of the two. Changes of the first one may wait for a template, starts never.
+        self._changes, self._starts = threading.Lock(), threading.Lock()
         self._is_translating = False
         self.translation = Translation(None, False, self._inside)
         self.direct, self._starter = c_void_p(), c_void_p()
@@ -60,9 +61,9 @@ class Handles:
             raise failure_of(self.library, error, names)
 
     def set_folder(self, path: str) -> None:
-        with self._changes:
-            for handle in (self.direct, self._starter):
-                error = native.new_error()
+        for handle, lock in ((self.direct, self._changes), (self._starter, self._starts)):
+            error = native.new_error()
+            with lock:
                 self.check(self.library.rgenh_setDataDirPath(handle, path.encode(), byref(error)),
                            error)
 
@@ -77,7 +78,7 @@ class Handles:
     def start(self, run: JobRun, request: c_void_p) -> None:
         """Starts a job, whose translator knows its run."""
         error = native.new_error()
-        with self._changes:
+        with self._starts:
             run.translation = translation = self.translation
             if translation or self._is_translating:
                 self._is_translating = bool(translation)
@@ -95,6 +96,6 @@ class Handles:
         for turn in tuple(self._turns.values()):
             with turn:
                 pass
-        with self._changes:
+        with self._changes, self._starts:
             each(self.library.rgenh_freeReportGenerator,
                  map(self._owned.pop, (-1,) * len(self._owned)), repeat(None))

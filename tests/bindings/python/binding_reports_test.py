@@ -113,7 +113,8 @@ class ReportTypes(BindingCase):
     def test_unknown_and_ambiguous_names_are_errors(self):
         self.configure((TYPE, "reportTypeFile", "report.xsl"),
                        (self.OTHER, "reportTypeFile", "report.txt"))
-        for report_type, message in (("report", "names 2 report types"), (None, "has 2 report types"),
+        for report_type, message in (("report", "names 2 report types"),
+                                     (None, "has 2 report types"),
                                      ("repor", 'did you mean "report"')):
             with self.assertRaisesRegex(UnknownReportTypeError, message) as raised:
                 self.report_as(report_type)
