@@ -1,6 +1,6 @@
-// A host in C++ without any runtime, for compilers that link like Microsoft's. Most of its calls make
-// the library throw; each must come back with an error record. It ends with code 42 if they do, and
-// otherwise with the number of the call.
+// A host in C++ without any runtime, for compilers that link like Microsoft's. Most of its calls
+// make the library throw; each must come back with an error record. It ends with code 42 if they
+// do, and with the number of the call if not.
 //
 // SPDX-License-Identifier: MIT
 #include "strata_repgenlib/rgen_host.h"
