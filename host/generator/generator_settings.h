@@ -17,8 +17,8 @@ struct GeneratorSettings {
         : generator(handle), translation(std::make_unique<TranslatorUse>(handle, nullptr)) {}
 
     RgenReportGenerator* const generator;
-    /// Held while a setting is stored in the library and here, so that both agree. That may wait for
-    /// the library's lock, so jobs do not take this one.
+    /// Held while a setting is stored in the library and here, so that both agree. The holder may
+    /// wait for the library's lock, so jobs do not take this one.
     platform::Monitor change;
     /// Guards the fields below, for moments.
     platform::Monitor fields;
