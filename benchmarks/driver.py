@@ -111,6 +111,9 @@ def measure_linux(measurements, names, short):
     results = {"times": measure_times(measurements, candidates, names),
                "instructions": for_each(counted, "instructions", lambda name:
                                         measurements.instructions(*candidates, name))}
+    step("guarded calls")
+    results["guarded"] = measurements.guarded_cost(
+        candidates[1], Candidate(LINUX / "bin/benchmark_guarded"), "S")
     step("translation pass")
     results["translation_pass"] = measurements.translation_pass(LINUX / "bin/benchmark_translation")
     step("dates")

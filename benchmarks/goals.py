@@ -14,6 +14,7 @@ STACK_BAR_BYTES = 16 * 1024
 SIZE_BAR_BYTES = 1_300_000
 LARGE_TABLE_BAR = 1.6
 DATES_BAR = 1.3
+GUARDED_BAR = 1.01
 KEY_BAR = 0.10
 
 
@@ -81,6 +82,11 @@ def pass_goals(measured):
                "{:,}")
 
 
+def guarded_goals(measured):
+    yield Goal("guarded call at S, instructions, ratio to the plain one", measured["ratio"],
+               GUARDED_BAR, note=f"{measured['guarded']:,} / {measured['library']:,}")
+
+
 def date_goals(measured, where=""):
     seconds = measured["seconds"]
     for name, spread in measured["to_numbers"].items():
@@ -111,7 +117,8 @@ def memory_goals(peaks, growths):
 def all_goals(results):
     """All goals for which there are results."""
     goals = [*time_goals(results["times"]), *instruction_goals(results["instructions"]),
-             *pass_goals(results["translation_pass"]), *date_goals(results["dates"]),
+             *pass_goals(results["translation_pass"]), *guarded_goals(results["guarded"]),
+             *date_goals(results["dates"]),
              *thread_goals(results["two_threads"]),
              *memory_goals(results["peak_memory"], results["growth"]),
              Goal("stripped shared library, bytes", results["library_bytes"], SIZE_BAR_BYTES,

@@ -113,6 +113,13 @@ class Measurements:
                 "own_ratio": costs.own / baseline_costs.total,
                 "layers": {name: cost // reports for name, cost in costs.layers.items()}}
 
+    def guarded_cost(self, library, guarded, workload):
+        """Instructions of one report by a call of each library, and their ratio."""
+        reports = COUNTED_REPORTS[workload]
+        plain, ours = (self._count(candidate, workload, reports).total // reports
+                       for candidate in (library, guarded))
+        return {"library": plain, "guarded": ours, "ratio": ours / plain}
+
     # ---- Memory ---------------------------------------------------------------------------------
 
     def peak_memory(self, candidate, workload):
