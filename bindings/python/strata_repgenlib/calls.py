@@ -1,8 +1,9 @@
 """What runs while a report is generated: translators, jobs, and what Ctrl-C may interrupt.
 
-A KeyboardInterrupt comes between two steps of the interpreter, on the main thread only. So whatever
-owns something of the library there gets and frees it inside one call of a function that is written
-in C: `store` and `each`.
+A KeyboardInterrupt comes on the main thread only: after a call, at the start of a function written
+in Python, and at the end of a round of a loop. So what the library creates there is stored inside
+one call of a function that is written in C, `store` or `each`, and freed by the first call of a
+`finally`. Interpreters before Python 3.11 raise it at other places, too.
 
 SPDX-License-Identifier: MIT
 """

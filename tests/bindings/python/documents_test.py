@@ -59,7 +59,7 @@ class Documents(unittest.TestCase):
         cache = Path(CONVERTER).parents[1] / "mypy_cache"
         for platform in ("linux", "win32"):
             run = subprocess.run(
-                [MYPY, "--strict", "--python-version", "3.9", "--platform", platform, "--cache-dir",
+                [MYPY, "--strict", "--python-version", "3.11", "--platform", platform, "--cache-dir",
                  cache / platform, PACKAGE / "strata_repgenlib"],
                 capture_output=True, text=True, check=False)
             self.assertEqual(0, run.returncode, run.stdout + run.stderr)
