@@ -111,7 +111,9 @@ class Owned {
 public:
     Owned() noexcept = default;
     ~Owned() { detail::Free()(&record_); }
+    /** Moves the record; `other` is empty afterwards. */
     Owned(Owned&& other) noexcept : record_(std::exchange(other.record_, Record{})) {}
+    /** Frees the record, then moves that of `other`. */
     Owned& operator=(Owned&& other) noexcept {
         Owned moved(std::move(other));
         std::swap(record_, moved.record_);
@@ -152,7 +154,9 @@ public:
     /** Takes ownership of the handle. */
     explicit OpenFile(void* handle) noexcept : handle_(handle) {}
     ~OpenFile() { close(); }
+    /** Moves the file; `other` is closed afterwards. */
     OpenFile(OpenFile&& other) noexcept : handle_(std::exchange(other.handle_, std::nullopt)) {}
+    /** Closes the file, then moves that of `other`. */
     OpenFile& operator=(OpenFile&& other) noexcept {
         OpenFile moved(std::move(other));
         std::swap(handle_, moved.handle_);

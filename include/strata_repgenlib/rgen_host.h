@@ -67,10 +67,7 @@
 
 #include "strata_repgenlib/rgen.h"
 
-/*
- * RGENH_API marks an exported function, RGENH_NOEXCEPT says to C++ that it does not throw. Only the
- * build of the library itself defines RGENH_BUILDING.
- */
+/** Marks an exported function. Only the build of the library itself defines RGENH_BUILDING. */
 #if defined(_WIN32)
 #if defined(RGENH_BUILDING)
 #define RGENH_API __declspec(dllexport)
@@ -80,6 +77,7 @@
 #else
 #define RGENH_API __attribute__((visibility("default")))
 #endif
+/** Says to C++ that a function does not throw. */
 #ifdef __cplusplus
 #define RGENH_NOEXCEPT noexcept
 #else

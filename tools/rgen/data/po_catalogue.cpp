@@ -108,40 +108,11 @@ private:
     std::string value_;
 };
 
-/// Escapes a "]]>" that does not end a CDATA section of the text itself, also if the template
-/// contributes its first characters.
-std::string withoutSectionEnds(const std::string& text) {
-    constexpr std::string_view start = "<![CDATA[";
-    constexpr std::string_view end = "]]>";
-    std::string result;
-    std::size_t brackets = 2;
-    for (std::size_t i = 0; i < text.size(); ++i) {
-        const bool isStart = text.compare(i, start.size(), start) == 0;
-        const std::size_t close = isStart ? text.find(end, i + start.size()) : std::string::npos;
-        if (close != std::string::npos) {
-            result += text.substr(i, close + end.size() - i);
-            i = close + end.size() - 1;
-            brackets = 0;
-            continue;
-        }
-        result += text[i] == '>' && brackets >= 2 ? "&gt;" : std::string(1, text[i]);
-        brackets = text[i] == ']' ? brackets + 1 : 0;
-    }
-    return result;
-}
-
-/// If the original has elements, the translation may have attributes in single quotes: a marker
-/// with "<" is not in an attribute itself.
-std::string translationMarkup(const std::string& original, const std::string& translation) {
-    if (original.find('<') == std::string::npos) return translationContent(original, translation);
-    return withoutSectionEnds(translationContent(original + "'>", translation));
-}
-
 /// Without markup in the original everything in the translation is escaped. If the original is not
 /// well-formed itself (half of an element), the translation need not be either.
 std::string wellFormedMarkup(const std::string& original, const std::string& translation,
                              const PoReader& reader) {
-    std::string markup = translationMarkup(original, translation);
+    std::string markup = translationContent(original, translation);
     if (original.find('<') == std::string::npos) return markup;
     const std::string mistake = mistakeInContent(markup);
     if (!mistake.empty() && mistakeInContent(original).empty()) {
