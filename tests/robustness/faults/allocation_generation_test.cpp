@@ -135,13 +135,13 @@ TEST_F(FailingAllocations, ReportThatSortsManyNodes) {
 TEST_F(FailingAllocations, ReportThatAppendsALongText) {
     files.putTemplate(
         "<xsl:stylesheet version=\"1.0\" xmlns:xsl=\"http://www.w3.org/1999/XSL/Transform\">"
-        "<xsl:output method=\"text\"/><xsl:template match=\"/\"><xsl:text>first</xsl:text>"
+        "<xsl:output method=\"text\"/><xsl:template match=\"/\"><xsl:text>first&#10;</xsl:text>"
         "<xsl:value-of select=\"//property\"/><xsl:text>last</xsl:text></xsl:template>"
         "</xsl:stylesheet>",
         "html");
     FaultScenario scenario = generation("report that appends a long text");
     scenario.prepare = [](FaultSubject& subject) {
-        subject.input.variants().addString("v", std::string(300000, 'x'));
+        subject.input.variants().addString("v", std::string(300000, 'x') + "\n");
         subject.input.format("html").output(RGEN_OUTPUT_BYTES);
     };
     sweepAllocations(files, scenario);
