@@ -154,10 +154,10 @@ class AsyncRun(JobRun):
             self._outcome = self._take(self)
         except BaseException as exception:
             self.exception = exception
-        # From here on nobody cancels the job, which is freed.
+        # From here on nobody cancels the job, which is freed. `job` stays: the thread that started
+        # it may look only now whether it was started.
         self.slots.pop(self.key, None)
-        job, self.job = self.job, c_void_p()
-        self.library.rgenh_freeJob(job)
+        self.library.rgenh_freeJob(self.job)
         try:
             self.loop.call_soon_threadsafe(self._tell)
         except RuntimeError:

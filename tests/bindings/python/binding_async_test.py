@@ -10,7 +10,9 @@ import os
 import subprocess
 import sys
 import threading
+import time
 import unittest
+from unittest import mock
 
 from binding_case import LIBRARY, ROOT, TYPE, BindingCase, descriptors, marked, value_of
 from strata_repgenlib import Cancelled, Generator, Request, StatusError, calls
@@ -62,6 +64,18 @@ class Async(BindingCase, unittest.IsolatedAsyncioTestCase):
             self.own.generate_bytes_async(Request(TYPE, values={"v": number}))
             for number in range(100)))
         self.assertEqual([b"[%d]" % number for number in range(100)], reports)
+
+    async def test_one_that_ends_before_its_start_returns_is_whole(self):
+        def store_and_wait(*arguments):
+            store(*arguments)
+            self.assertTrue(calls.running)
+            while calls.running:
+                time.sleep(0.01)
+
+        store = calls.store
+        with mock.patch.object(calls, "store", store_and_wait):
+            report = self.own.generate_bytes_async(Request(TYPE, values=ONE))
+            self.assertEqual(b"[1]", await report)
 
     async def test_failures_are_exceptions(self):
         with self.assertRaises(StatusError):
