@@ -72,6 +72,7 @@ RgenStatus RGEN_CALL rgenh_freeReportGenerator(RgenReportGenerator* generator,
     // The library must not use the translator any more when it is freed.
     const std::shared_ptr<GeneratorSettings> settings = settingsOf(generator);
     removeSettings(generator);
+    if (settings != nullptr) settings->workers->close();
     rgen_freeReportGenerator(generator);
     return RGEN_OK;
 }

@@ -24,11 +24,6 @@ std::shared_ptr<ReportJob> makeJob(RgenReportGenerator* generator, const RgenhRe
     return std::make_shared<ReportJob>(*settings, request.request);
 }
 
-/// A callback that waits for a job of its generator would wait for itself.
-bool wouldWaitForItself(ReportJob& job) {
-    return ActiveCall::of(job.settingsOwner()) != nullptr && !job.wait(0);
-}
-
 }  // namespace
 
 extern "C" {
@@ -56,7 +51,7 @@ int32_t RGEN_CALL rgenh_waitForJob(RgenhJob* job, int64_t milliseconds,
                                    RgenhError* error) noexcept {
     return guarded(error, [&](ErrorRecord& record) -> RgenStatus {
         if (hasNull({{job, "job"}}, record)) return RGEN_E_BAD_PARAMETER;
-        if (wouldWaitForItself(*job->job)) return failReentered(record);
+        if (job->job->wouldWaitForItself()) return failReentered(record);
         return job->job->wait(milliseconds) ? 1 : 0;
     });
 }
@@ -73,7 +68,7 @@ RgenStatus RGEN_CALL rgenh_takeJobResult(RgenhJob* job, RgenCVariant* result,
                                          RgenhError* error) noexcept {
     const RgenStatus ready = guarded(error, [&](ErrorRecord& record) -> RgenStatus {
         if (hasNull({{job, "job"}}, record)) return RGEN_E_BAD_PARAMETER;
-        if (wouldWaitForItself(*job->job)) return failReentered(record);
+        if (job->job->wouldWaitForItself()) return failReentered(record);
         job->job->wait(-1);
         return RGEN_OK;
     });

@@ -7,6 +7,7 @@
 #include <string>
 
 #include "generator/translator.h"
+#include "generator/worker.h"
 #include "platform/host_platform.h"
 #include "strata_repgenlib/rgen.h"
 
@@ -14,9 +15,13 @@ namespace rgenh {
 
 struct GeneratorSettings {
     explicit GeneratorSettings(RgenReportGenerator* handle)
-        : generator(handle), translation(std::make_unique<TranslatorUse>(handle, nullptr)) {}
+        : generator(handle),
+          workers(std::make_shared<WorkerPool>()),
+          translation(std::make_unique<TranslatorUse>(handle, nullptr)) {}
 
     RgenReportGenerator* const generator;
+    /// For the jobs of the generator, which may end after it.
+    const std::shared_ptr<WorkerPool> workers;
     /// Held while a setting is stored in the library and here, so that both agree. The holder may
     /// wait for the library's lock, so jobs do not take this one.
     platform::Monitor change;

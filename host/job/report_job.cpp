@@ -19,14 +19,13 @@ namespace {
 
 using Lock = std::lock_guard<platform::Monitor>;
 
-/// Enough for templates that call one another 3,000 levels deep.
-constexpr std::size_t reportStackBytes = std::size_t{8} * 1024 * 1024;
 constexpr std::size_t cancellerStackBytes = std::size_t{512} * 1024;
 constexpr std::int64_t cancelInterval = 20;
 
 std::string dataDirPathOf(GeneratorSettings& settings) {
     if (settings.dataDirPath.empty()) {
-        throw ArgumentError("the generator has no data directory: call rgenh_setDataDirPath first");
+        throw ArgumentError("the generator has no data directory: call rgenh_setDataDirPath first",
+                            1, ArgumentError::noEntry);
     }
     return settings.dataDirPath;
 }
@@ -37,33 +36,28 @@ ReportJob::ReportJob(GeneratorSettings& settings, std::shared_ptr<const Request>
     : settingsOwner_(settings.generator),
       request_(std::move(request)),
       dataDirPath_(dataDirPathOf(settings)),
-      generator_(newGenerator()),
-      translation_(generator_.get(), settings.translation->translator()) {
+      pool_(settings.workers),
+      worker_(pool_->take()),
+      translation_(worker_->generator(), settings.translation->translator()) {
     error_.size = sizeof error_;
 }
 
 ReportJob::~ReportJob() {
     discardResult(result_);
+    // If it never started.
+    if (task_ == 0 && !pool_->keep(worker_)) worker_->join();
 }
 
-void ReportJob::start(RgenhJob* handle, RgenhJobEndFunction ended, void* context) {
-    // The thread begins by locking, so that everything is stored before it uses it.
+void ReportJob::start(RgenhJob* handle, RgenhJobEndFunction ended, void* context) noexcept {
+    // The worker begins by locking, so that everything is stored before it uses it.
     const Lock lock(state_);
     handle_ = handle;
     ended_ = ended;
     endedContext_ = context;
-    auto owner = std::make_unique<std::shared_ptr<ReportJob>>(shared_from_this());
-    if (!thread_.start(runThread, owner.get(), reportStackBytes)) throw std::bad_alloc();
-    static_cast<void>(owner.release());
+    task_ = worker_->give(shared_from_this());
 }
 
-void ReportJob::runThread(void* job) {
-    const std::unique_ptr<std::shared_ptr<ReportJob>> owner(
-        static_cast<std::shared_ptr<ReportJob>*>(job));
-    (*owner)->run();
-}
-
-void ReportJob::run() {
+void ReportJob::run() noexcept {
     bool isCancelled = false;
     {
         const Lock lock(state_);
@@ -86,40 +80,50 @@ void ReportJob::run() {
 RgenStatus ReportJob::generate(ErrorRecord& record) {
     // For the host, the callback's generator is the one with the settings.
     const ActiveCall call(settingsOwner_);
-    const RgenStatus status = rgen_setDataDirPath(generator_.get(), dataDirPath_.c_str());
+    const RgenStatus status = rgen_setDataDirPath(worker_->generator(), dataDirPath_.c_str());
     if (status < 0) {
         record.setPath(dataDirPath_);
         record.sayStatus(dataDirPath_, status);
         return record.fail(RGENH_ERROR_STATUS, status);
     }
     translation_.connect();
-    return generateReport(generator_.get(), request_->input, result_, record);
+    return generateReport(worker_->generator(), request_->input, result_, record);
 }
 
 void ReportJob::finish() {
     RgenhJob* handle = nullptr;
     {
         const Lock lock(state_);
+        // Before anybody learns of the end, so that the next job finds the worker idle.
+        if (ended_ == nullptr) returnWorker();
         hasEnded_ = true;
         handle = handle_;
         state_.notifyAll();
     }
-    if (ended_ != nullptr && handle != nullptr) ended_(handle, endedContext_);
+    if (ended_ == nullptr) return;
+    if (handle != nullptr) ended_(handle, endedContext_);
+    const Lock lock(state_);
+    returnWorker();
+}
+
+/// Call with the lock held. The worker of a cancelled job ends: the cancel may still come, and must
+/// not reach another job.
+void ReportJob::returnWorker() {
+    isWorkerReturned_ = true;
+    if (isCancelled_) {
+        worker_->stop();
+    } else {
+        isWorkerKept_ = pool_->keep(worker_);
+    }
+    const bool isFreed = handle_ == nullptr;
+    if (isFreed && !isWorkerKept_) worker_->detach();
 }
 
 bool ReportJob::wait(std::int64_t milliseconds) {
-    const std::int64_t start = platform::monotonicMilliseconds();
+    // The worker wakes its waiters once; those of an end function learn of the end before.
+    if (ended_ == nullptr) return worker_->waitFor(task_, milliseconds);
     const Lock lock(state_);
-    while (!hasEnded_) {
-        std::int64_t left = -1;
-        if (milliseconds >= 0) {
-            const std::int64_t passed = platform::monotonicMilliseconds() - start;
-            if (passed >= milliseconds) return false;
-            left = milliseconds - passed;
-        }
-        state_.wait(left);
-    }
-    return true;
+    return state_.waitUntil([this] { return hasEnded_; }, milliseconds);
 }
 
 void ReportJob::cancel() {
@@ -143,7 +147,7 @@ void ReportJob::runCanceller(void* job) {
 void ReportJob::cancelUntilEnd() {
     while (!wait(0)) {
         try {
-            rgen_cancel(generator_.get(), nullptr);
+            rgen_cancel(worker_->generator(), nullptr);
         } catch (const std::exception&) {
             // Memory is exhausted; the next round may have some.
         }
@@ -164,9 +168,16 @@ RgenStatus ReportJob::take(RgenCVariant* result, RgenhError* error) {
     return status_;
 }
 
-bool ReportJob::isOwnThread() {
+bool ReportJob::wouldWaitForItself() {
+    return ActiveCall::of(settingsOwner_) != nullptr && !wait(0);
+}
+
+/// Returns whether it did: not if the worker has returned, which is then joined without delay.
+bool ReportJob::letGoInsideOfIt() {
+    const bool isInCallback = wouldWaitForItself();
     const Lock lock(state_);
-    if (threadNumber_ != platform::currentThread()) return false;
+    const bool isOwnThread = threadNumber_ == platform::currentThread();
+    if (isWorkerReturned_ || !(isOwnThread || isInCallback)) return false;
     handle_ = nullptr;
     return true;
 }
@@ -177,15 +188,13 @@ void ReportJob::release() {
     } catch (const std::bad_alloc&) {
         // Without memory for a thread the report runs to its end.
     }
-    const bool isOwn = isOwnThread();
-    for (platform::Thread* const thread : {&thread_, &canceller_}) {
-        if (!thread->isJoinable()) continue;
-        if (isOwn) {
-            thread->detach();
-        } else {
-            thread->join();
-        }
+    if (letGoInsideOfIt()) {
+        if (canceller_.isJoinable()) canceller_.detach();
+        return;
     }
+    worker_->waitFor(task_, -1);
+    if (!isWorkerKept_) worker_->join();
+    if (canceller_.isJoinable()) canceller_.join();
 }
 
 }  // namespace rgenh

@@ -14,6 +14,9 @@ namespace rgenh::platform {
 /// Identifies the calling thread among the running ones.
 std::uint64_t currentThread() noexcept;
 
+/// Identifies the process. Linux: a forked process has another number than its parent.
+std::uint64_t currentProcess() noexcept;
+
 /// A mutex with one condition. The standard ones leak memory with the Windows compiler: their
 /// destructors do nothing, but their first use allocates.
 class Monitor {
@@ -30,6 +33,11 @@ public:
     /// A negative time has no end.
     void wait(std::int64_t milliseconds) noexcept;
     void notifyAll() noexcept;
+
+    /// Call with the lock held: waits until `condition()` is true, which it returns, or the time is
+    /// over. A negative time has no end.
+    template <typename Condition>
+    bool waitUntil(Condition condition, std::int64_t milliseconds = -1);
 
 private:
     struct State;
@@ -49,6 +57,9 @@ public:
     /// blocks all signals, so that the host's handlers run on the host's threads.
     bool start(void (*run)(void*), void* argument, std::size_t stackBytes) noexcept;
 
+    /// Whether the system has ended the thread in the middle of its work, as Windows ends all other
+    /// threads at the end of a process.
+    bool isTerminated() const noexcept;
     /// Whether start() succeeded and neither join() nor detach() was called.
     bool isJoinable() const noexcept { return isJoinable_; }
     void join() noexcept;
@@ -61,6 +72,21 @@ private:
 
 /// Milliseconds of a clock that never goes back.
 std::int64_t monotonicMilliseconds() noexcept;
+
+template <typename Condition>
+bool Monitor::waitUntil(Condition condition, std::int64_t milliseconds) {
+    const std::int64_t start = milliseconds < 0 ? 0 : monotonicMilliseconds();
+    while (!condition()) {
+        std::int64_t left = -1;
+        if (milliseconds >= 0) {
+            const std::int64_t passed = monotonicMilliseconds() - start;
+            if (passed >= milliseconds) return false;
+            left = milliseconds - passed;
+        }
+        wait(left);
+    }
+    return true;
+}
 
 /// A UTF-8 path as the system takes it. Throws std::range_error if it is not UTF-8.
 boost::filesystem::path nativePath(const std::string& path);

@@ -146,6 +146,10 @@ std::uint64_t currentThread() noexcept {
     return static_cast<std::uint64_t>(pthread_self());
 }
 
+std::uint64_t currentProcess() noexcept {
+    return static_cast<std::uint64_t>(getpid());
+}
+
 struct Monitor::State {
     pthread_mutex_t mutex;
     pthread_cond_t condition;
@@ -200,6 +204,10 @@ bool Thread::start(void (*run)(void*), void* argument, std::size_t stackBytes) n
     if (isJoinable_) static_cast<void>(start.release());
     handle_ = thread;
     return isJoinable_;
+}
+
+bool Thread::isTerminated() const noexcept {
+    return false;
 }
 
 void Thread::join() noexcept {

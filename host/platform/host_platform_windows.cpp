@@ -86,6 +86,10 @@ std::uint64_t currentThread() noexcept {
     return GetCurrentThreadId();
 }
 
+std::uint64_t currentProcess() noexcept {
+    return GetCurrentProcessId();
+}
+
 struct Monitor::State {
     // Zero is the initial state of both.
     SRWLOCK mutex = {};
@@ -126,6 +130,10 @@ bool Thread::start(void (*run)(void*), void* argument, std::size_t stackBytes) n
     // The thread frees it.
     if (isJoinable_) static_cast<void>(start.release());
     return isJoinable_;
+}
+
+bool Thread::isTerminated() const noexcept {
+    return WaitForSingleObject(reinterpret_cast<HANDLE>(handle_), 0) == WAIT_OBJECT_0;
 }
 
 void Thread::join() noexcept {
