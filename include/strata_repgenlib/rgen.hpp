@@ -370,6 +370,8 @@ public:
         const RgenStatus status =
             rgenh_takeJobResult(state_->handle.get(), result.get(), &error.record);
         if (status < 0) {
+            // In a translator of the same generator, which must not wait for the end.
+            if (error.record.kind == RGENH_ERROR_REENTERED) error.raise();
             const std::exception_ptr thrown = state_->thrownInReport.get();
             if (thrown) std::rethrow_exception(thrown);
             error.raise();

@@ -141,6 +141,24 @@ TEST_F(WrapperJob, ATranslatorThatUsesItsGeneratorGetsAnError) {
     EXPECT_EQ("ax & y", textOf(own.generateBytes(request)));
 }
 
+TEST_F(WrapperJob, ATranslatorThatWaitsForItsOwnJobGetsAnError) {
+    putTranslatedTemplate();
+    std::promise<repgen::Job<repgen::Bytes>*> started;
+    int kind = 0;
+    own.setTranslator([&](std::string_view text) {
+        try {
+            started.get_future().get()->get();
+        } catch (const repgen::Error& error) {
+            kind = error.kind();
+        }
+        return text;
+    });
+    repgen::Job<repgen::Bytes> job = own.startBytes(request);
+    started.set_value(&job);
+    EXPECT_EQ("ax & y", textOf(job.get()));
+    EXPECT_EQ(RGENH_ERROR_REENTERED, kind);
+}
+
 class WrapperJobConversion : public ConversionTest {
 protected:
     WrapperJobConversion() : own(folder.path()) {}
