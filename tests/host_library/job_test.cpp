@@ -172,8 +172,11 @@ TEST_F(Jobs, ReportADataDirectoryThatHasVanished) {
 }
 
 TEST_F(Jobs, AreCancelledOneByOne) {
-    converter.obey(waiting({}, {{"write", folder.file("second.pdf"), "%PDF-1.7 %%EOF"}}));
+    // The first converter goes on after its job, and must not write the file of the second one.
+    converter.obey(waiting({}));
     RgenhJob* const first = start(pdfRequest("first.pdf"));
+    ASSERT_TRUE(waitForStarted());
+    converter.obey(waiting({}, {{"write", folder.file("second.pdf"), "%PDF-1.7 %%EOF"}}));
     RgenhJob* const second = start(pdfRequest("second.pdf"));
     ASSERT_TRUE(waitForStarted(2));
     EXPECT_EQ(0, rgenh_waitForJob(first, 0, &error));

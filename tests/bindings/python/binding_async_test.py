@@ -128,6 +128,8 @@ class Async(BindingCase, unittest.IsolatedAsyncioTestCase):
         other = self.start_pdf("other.pdf")
         await self.until(started.exists)
         started.unlink()
+        # Its converter goes on after it, and must not write the file of the other one.
+        self.park_converter()
         report = self.start_pdf()
         await self.until(started.exists)
         report.cancel()

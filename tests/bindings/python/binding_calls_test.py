@@ -304,6 +304,8 @@ class Interrupts(BindingCase):
             other = pool.submit(self.own.generate_file, page, output)
             self.wait_for(started)
             started.unlink()
+            # Its converter goes on after it, and must not write the file of the other one.
+            self.park_converter()
             pool.submit(lambda: (self.wait_for(started), self.interrupt()))
             with self.assertRaises(KeyboardInterrupt):
                 self.own.generate_file(page, self.folder / "report.pdf")
