@@ -35,6 +35,8 @@ _keys = count(1)
 # The reports that run, by the context of their translators; for those that run on a thread of the
 # caller the negative number of the thread.
 running: dict[int, Run] = {}
+# The asynchronous reports that have ended, while their end function runs.
+ending: set[int] = set()
 # Jobs that a second Ctrl-C left running, with what they need.
 _abandoned: list[tuple[Library, c_void_p, JobRun]] = []
 
@@ -178,14 +180,17 @@ class AsyncRun(JobRun):
         self.future.set_exception(exception)
 
 
-
 def _job_ended(_job: Optional[int], key: int) -> None:
-    """The last statement lets the process end: see _wait_for_all."""
-    run = running[key]
-    assert isinstance(run, AsyncRun)
-    run.end()
-    del run
-    del running[key]
+    """The last statement lets the process end: see _wait_for_all. It destroys nothing, since that
+    could run code of the host."""
+    ending.add(key)
+    run = running.pop(key)
+    try:
+        assert isinstance(run, AsyncRun)
+        run.end()
+    finally:
+        del run
+        ending.discard(key)
 
 
 AsyncRun._ended = native.JobEndFunction(_job_ended)
@@ -256,5 +261,5 @@ def _wait_for_all() -> None:
         if isinstance(run, AsyncRun):
             run.cancel()
     _free_abandoned(-1)
-    while any(isinstance(run, AsyncRun) for run in tuple(running.values())):
+    while any(isinstance(run, AsyncRun) for run in tuple(running.values())) or ending:
         time.sleep(0.01)

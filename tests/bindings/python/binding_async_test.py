@@ -66,16 +66,17 @@ class Async(BindingCase, unittest.IsolatedAsyncioTestCase):
         self.assertEqual([b"[%d]" % number for number in range(100)], reports)
 
     async def test_one_that_ends_before_its_start_returns_is_whole(self):
-        def store_and_wait(*arguments):
-            store(*arguments)
-            self.assertTrue(calls.running)
-            while calls.running:
+        def store_and_wait(slot, *arguments):
+            store(slot, *arguments)
+            while calls.running or calls.ending:
                 time.sleep(0.01)
+            stored.append(bool(slot))
 
-        store = calls.store
+        store, stored = calls.store, []
         with mock.patch.object(calls, "store", store_and_wait):
             report = self.own.generate_bytes_async(Request(TYPE, values=ONE))
             self.assertEqual(b"[1]", await report)
+        self.assertEqual([True], stored)
 
     async def test_failures_are_exceptions(self):
         with self.assertRaises(StatusError):
