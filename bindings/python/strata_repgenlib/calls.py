@@ -37,7 +37,8 @@ _keys = count(1)
 running: dict[int, Run] = {}
 # The asynchronous reports that have ended, while their end function runs.
 ending: set[int] = set()
-# Jobs that a second Ctrl-C left running, with what they need.
+# Jobs that a second Ctrl-C left running, with what they need. For the main thread only: two threads
+# could free the same one.
 _abandoned: list[tuple[Library, c_void_p, JobRun]] = []
 
 
@@ -104,7 +105,8 @@ class JobRun(Run):
 
     def start(self, generator: c_void_p, request: c_void_p, error: native.RgenhError) -> None:
         """Starts the job; `job` stays null if that fails."""
-        _free_abandoned(0)
+        if is_main_thread():
+            _free_abandoned(0)
         running[self.key] = self
         self.slots[self.key] = self.job
         store(self.job, self.library.rgenh_startReport, generator, request, self._ended, self.key,

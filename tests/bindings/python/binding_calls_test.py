@@ -340,6 +340,15 @@ class Interrupts(BindingCase):
         calls._free_abandoned(-1)
         self.assertEqual(({}, []), (calls.running, calls._abandoned))
 
+    def test_the_main_thread_frees_what_a_second_one_left(self):
+        library, request = mock.Mock(), Request(TYPE, values={"v": 1})
+        with mock.patch.object(calls, "_abandoned", [(library, None, mock.Mock())]), \
+                ThreadPoolExecutor(1) as pool:
+            pool.submit(asyncio.run, self.own.generate_bytes_async(request)).result()
+            library.rgenh_freeJob.assert_not_called()
+            self.own.generate_bytes(request)
+            library.rgenh_freeJob.assert_called_once()
+
     def test_an_open_report_that_nobody_takes_is_closed(self):
         self.put_template(marked("a"))
         before = descriptors()
