@@ -294,6 +294,12 @@ def interrupted_after(microseconds, function, *arguments):
 class Interrupts(BindingCase):
     """Ctrl-C, which Python handles on its main thread."""
 
+    def setUp(self):
+        super().setUp()
+        # A shell may have started this process with the signal ignored, and so its children.
+        self.addCleanup(signal.signal, signal.SIGINT,
+                        signal.signal(signal.SIGINT, signal.default_int_handler))
+
     def interrupt(self):
         signal.pthread_kill(threading.main_thread().ident, signal.SIGINT)
 
