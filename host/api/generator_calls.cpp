@@ -136,7 +136,7 @@ RgenStatus RGEN_CALL rgenh_generateReport(RgenReportGenerator* generator,
                                  {}};
     return generatorCall(
         error, {{generator, "generator"}, {input, "input"}, {result, "result"}}, passed,
-        [&](ErrorRecord& record) { return generateReport(generator, *input, *result, record); });
+        [&](ErrorRecord& record) { return generateReport(generator, *input, *result, record, 2); });
 }
 
 RgenStatus RGEN_CALL rgenh_getPersistentData(RgenReportGenerator* generator, const RgenGuid* guid,
@@ -144,7 +144,6 @@ RgenStatus RGEN_CALL rgenh_getPersistentData(RgenReportGenerator* generator, con
                                              RgenhError* error) noexcept {
     return generatorCall(error, {{generator, "generator"}, {guid, "guid"}}, nullptr,
                          [&](ErrorRecord& record) {
-                             const ActiveCall call(generator);
                              RgenCAnsiStringPairSet read = {};
                              const RgenStatus status =
                                  rgen_getPersistentData(generator, guid, pairs ? &read : nullptr);

@@ -54,10 +54,8 @@ RgenStatus RGEN_CALL rgenh_getVersions(RgenhVersions* versions, RgenhError* erro
             record.say("the size of versions is too small");
             return record.failArgument(1);
         }
-        const platform::LoadedFile library =
-            platform::loadedFileOf(platform::addressOf(&rgen_newReportGenerator));
-        const platform::LoadedFile host =
-            platform::loadedFileOf(platform::addressOf(&rgenh_getVersions));
+        const platform::LoadedFile library = platform::loadedFileOf(statusText(RGEN_OK));
+        const platform::LoadedFile host = platform::loadedFileOf(&statusAt(0));
         store(library.version, versions->library);
         store(library.path, versions->libraryPath);
         store(host.version, versions->host);

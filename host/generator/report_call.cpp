@@ -7,6 +7,7 @@
 #include <new>
 #include <string_view>
 
+#include "error/exception_report.h"
 #include "generator/active_calls.h"
 #include "pdf/pdf_check.h"
 #include "platform/host_platform.h"
@@ -41,6 +42,7 @@ void requireWhole(const RgenCVariant& result) {
 }
 
 RgenStatus reportCallbackFailure(const ActiveCall& call, ErrorRecord& record) {
+    if (call.isMemoryExhausted) return reportMemory(record);
     record.say(call.translatorFailure.empty() ? "the translate callback failed"
                                               : "a translation cannot be used: ");
     record.say(call.translatorFailure);
@@ -50,16 +52,16 @@ RgenStatus reportCallbackFailure(const ActiveCall& call, ErrorRecord& record) {
 }  // namespace
 
 RgenStatus generateReport(RgenReportGenerator* generator, const RgenCInputParams& input,
-                          RgenCVariant& result, ErrorRecord& record) {
+                          RgenCVariant& result, ErrorRecord& record, int argument) {
     const bool isPdf = isConverted(input);
-    if (isPdf) prepareConversion(input);
+    if (isPdf) prepareConversion(input, argument);
     ActiveCall call(generator);
     PendingResult pending;
     const RgenStatus status = rgen_generateReport(generator, &input, &pending.record);
     if (status < 0) return reportStatus(input, status, record);
     if (call.hasTranslatorFailed) return reportCallbackFailure(call, record);
     requireWhole(pending.record);
-    if (isPdf) verifyPdf(input.outputPath.data);
+    if (isPdf) verifyConversion(input);
     if (pending.record.type != RGEN_TYPE_EMPTY) result = pending.take();
     return status;
 }
@@ -68,7 +70,7 @@ RgenStatus reportStatus(const RgenCInputParams& input, RgenStatus status,
                         ErrorRecord& record) noexcept {
     const std::string_view path = input.outputPath.data == nullptr ? "" : input.outputPath.data;
     const bool hasFile = !path.empty() && input.outputMode != RGEN_OUTPUT_BYTES;
-    record.setPath(path);
+    if (hasFile) record.setPath(path);
     record.sayStatus(hasFile ? path : GuidText(input.templateGuid), status);
     return record.fail(RGENH_ERROR_STATUS, status);
 }

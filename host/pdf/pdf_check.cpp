@@ -28,11 +28,20 @@ std::string errorPath(const std::string& path) {
     return path + ".error.txt";
 }
 
+bool isPipeOrDevice(const boost::filesystem::path& path) {
+    boost::system::error_code ignored;
+    const boost::filesystem::file_type type = boost::filesystem::status(path, ignored).type();
+    return type == boost::filesystem::fifo_file || type == boost::filesystem::socket_file ||
+           type == boost::filesystem::character_file || type == boost::filesystem::block_file;
+}
+
 /// Reads parts of a file. Not a file stream: those take no wide path on Windows.
 class FileReader {
 public:
+    /// A pipe or device is not opened, since that could wait for ever.
     explicit FileReader(const std::string& path) {
-        file_.open(platform::nativePath(path).c_str(), std::ios::in | std::ios::binary);
+        const boost::filesystem::path file = platform::nativePath(path);
+        if (!isPipeOrDevice(file)) file_.open(file.c_str(), std::ios::in | std::ios::binary);
     }
 
     bool isOpen() const { return file_.is_open(); }
@@ -83,11 +92,12 @@ bool isConverted(const RgenCInputParams& input) {
            textOf(input.outputFormat) == "pdf";
 }
 
-void prepareConversion(const RgenCInputParams& input) {
+void prepareConversion(const RgenCInputParams& input, int argument) {
     const std::string path(textOf(input.outputPath));
     if (path.find('"') != std::string::npos ||
         textOf(input.converterBaseArg).find('"') != std::string_view::npos) {
-        throw ArgumentError("the path or base of a pdf contains a double quote");
+        throw ArgumentError("the path or base of a pdf contains a double quote", argument,
+                            ArgumentError::noEntry);
     }
     // The library reports a path that is not UTF-8.
     if (!isUtf8(path)) return;
@@ -108,6 +118,10 @@ void verifyPdf(const std::string& path) {
         throw ConversionFailure(path, path + ": the converter's file is not a whole pdf" + reason);
     }
     if (message) throw ConversionFailure(path, path + ": the converter failed" + reason);
+}
+
+void verifyConversion(const RgenCInputParams& input) {
+    verifyPdf(std::string(textOf(input.outputPath)));
 }
 
 }  // namespace rgenh

@@ -54,7 +54,8 @@ public:
     Thread& operator=(const Thread&) = delete;
 
     /// Calls `run(argument)` on a new thread. Returns whether there is one. Linux: the thread
-    /// blocks all signals, so that the host's handlers run on the host's threads.
+    /// blocks the signals that rgenh_startReport lists, so that the host's handlers run on the
+    /// host's threads.
     bool start(void (*run)(void*), void* argument, std::size_t stackBytes) noexcept;
 
     /// Whether the system has ended the thread in the middle of its work, as Windows ends all other
@@ -109,13 +110,8 @@ struct LoadedFile {
     std::string version;
 };
 
-/// The address of a function.
-template <typename Function>
-const void* addressOf(Function* function) {
-    return reinterpret_cast<const void*>(function);
-}
-
-/// The program or library that contains an address.
+/// The program or library that contains the object at an address. Not for functions: in a program
+/// at a fixed address their address is that of a jump in the program.
 LoadedFile loadedFileOf(const void* address);
 
 /// Closes a result of output mode 1.

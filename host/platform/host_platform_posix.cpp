@@ -243,9 +243,9 @@ LoadedFile loadedFileOf(const void* address) {
     LoadedFile file = {"", "unknown"};
     Dl_info info = {};
     if (dladdr(address, &info) != 0 && info.dli_fname != nullptr) {
-        char* const whole = realpath(info.dli_fname, nullptr);
-        file.path = whole != nullptr ? whole : info.dli_fname;
-        std::free(whole);
+        const std::unique_ptr<char, decltype(&std::free)> whole(realpath(info.dli_fname, nullptr),
+                                                                &std::free);
+        file.path = whole != nullptr ? whole.get() : info.dli_fname;
     }
     Search search = {reinterpret_cast<std::uintptr_t>(address), ""};
     dl_iterate_phdr(findVersion, &search);

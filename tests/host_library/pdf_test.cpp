@@ -50,6 +50,20 @@ TEST_F(Pdfs, ThatFailHaveTheMessageOfTheConverter) {
     EXPECT_EQ(output + ": the converter failed: a page about it", generatePdf());
 }
 
+TEST_F(Pdfs, HaveMessagesInUtf8WhateverTheConverterWrites) {
+    writeFile(note, "a \xFF\n\x1B[31m b");
+    EXPECT_EQ(output + ": the converter made no file: a \xEF\xBF\xBD  [31m b", verify(output));
+}
+
+TEST_F(Pdfs, WithoutAPathAreErrors) {
+    RgenCInputParams withoutPath = *input.get();
+    withoutPath.outputPath = {};
+    HostResult result;
+    EXPECT_GT(0, rgenh_generateReport(host, &withoutPath, &result.record, &error));
+    EXPECT_NE(RGENH_ERROR_UNKNOWN, error.kind) << error.message;
+    EXPECT_STREQ("", error.path);
+}
+
 TEST_F(Pdfs, AreNotBlamedForAnEarlierMessage) {
     writeFile(note, "old");
     converter.obey({{"write", output, wholePdf}});
@@ -60,8 +74,11 @@ TEST_F(Pdfs, AreNotBlamedForAnEarlierMessage) {
 TEST_F(Pdfs, WithADoubleQuoteAreRefused) {
     input.converterBaseArg("a\"b");
     EXPECT_EQ("the path or base of a pdf contains a double quote", generatePdf());
-    EXPECT_EQ(RGENH_ERROR_ARGUMENT, error.kind);
+    EXPECT_EQ("7 2", kindAndArgument());
     EXPECT_FALSE(exists(html));
+    input.converterBaseArg("").output(RGEN_OUTPUT_FILE, output + "\"");
+    EXPECT_EQ("the path or base of a pdf contains a double quote", generatePdf());
+    EXPECT_EQ("7 2", kindAndArgument());
 }
 
 TEST_F(Pdfs, ThatAreNotConvertedAreNotVerified) {

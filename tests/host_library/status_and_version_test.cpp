@@ -3,6 +3,7 @@
 // SPDX-License-Identifier: MIT
 #include "host_library/host_library_fixture.h"
 #include "support/every_status.h"
+#include "support/test_platform.h"
 
 namespace rgen_test {
 namespace {
@@ -53,6 +54,10 @@ TEST(Versions, AreThoseOfTheLoadedFiles) {
     EXPECT_TRUE(exists(versions.hostPath)) << versions.hostPath;
     EXPECT_STRNE(versions.libraryPath, versions.hostPath);
     EXPECT_EQ(sizeof versions, versions.size);
+}
+
+TEST(Versions, DoNotDependOnHowTheHostIsLinked) {
+    EXPECT_EQ(0, ChildHost("host_at_fixed_address", {}).exitCode());
 }
 
 TEST(Versions, OfTooSmallARecordAreRefused) {
