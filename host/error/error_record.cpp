@@ -1,4 +1,4 @@
-// A text that is too long is cut between two characters.
+// What is written to a record is UTF-8 and is cut between two characters, whatever a host passed.
 //
 // SPDX-License-Identifier: MIT
 #include "error/error_record.h"
@@ -8,34 +8,44 @@
 #include <cstring>
 
 #include "status/status_table.h"
+#include "text/character_check.h"
 
 namespace rgenh {
 namespace {
 
 static_assert(sizeof(RgenhError) == RGENH_ERROR_SIZE, "the constant is the size of the record");
 
-bool continuesCharacter(char byte) noexcept {
-    return (static_cast<unsigned char>(byte) & 0xC0U) == 0x80U;
+/// Longer subjects are cut, so that the message has room for what went wrong.
+constexpr std::size_t longestSubject = RGENH_MESSAGE_SIZE / 2;
+
+/// Control characters, and characters at which programs begin a new line.
+bool breaksLine(std::uint32_t codePoint) noexcept {
+    return codePoint < 0x20 || (codePoint >= 0x7F && codePoint < 0xA0) || codePoint == 0x2028 ||
+           codePoint == 0x2029;
 }
 
-/// Appends to a null-terminated text in a buffer of that capacity.
-void append(char* buffer, std::size_t capacity, std::string_view text) noexcept {
-    const std::size_t used = std::strlen(buffer);
-    std::size_t length = capacity - 1 - used;
-    if (text.size() <= length) {
-        length = text.size();
-    } else {
-        while (length > 0 && continuesCharacter(text[length]))
-            --length;
-    }
-    std::memcpy(buffer + used, text.data(), length);
-    buffer[used + length] = '\0';
+std::string_view asIs(std::string_view text, const LeadingCharacter& character) noexcept {
+    return character.codePoint ? text.substr(0, character.length) : "\xEF\xBF\xBD";
 }
 
-void replaceControlCharacters(char* text) noexcept {
-    for (; *text != '\0'; ++text) {
-        if (static_cast<unsigned char>(*text) < 0x20 || *text == 0x7F) *text = ' ';
+std::string_view onOneLine(std::string_view text, const LeadingCharacter& character) noexcept {
+    return character.codePoint && breaksLine(*character.codePoint) ? " " : asIs(text, character);
+}
+
+/// Appends to a null-terminated text in a buffer of that capacity. `shown` returns what is written
+/// for the first character of a text.
+template <typename Shown>
+void append(char* buffer, std::size_t capacity, std::string_view text, Shown shown) noexcept {
+    std::size_t used = std::strlen(buffer);
+    while (!text.empty()) {
+        const LeadingCharacter character = leadingCharacter(text);
+        const std::string_view part = shown(text, character);
+        if (part.size() >= capacity - used) break;
+        std::memcpy(buffer + used, part.data(), part.size());
+        used += part.size();
+        text.remove_prefix(character.length);
     }
+    buffer[used] = '\0';
 }
 
 }  // namespace
@@ -83,25 +93,22 @@ void ErrorRecord::setEntry(std::uint64_t entry, bool isPair) noexcept {
 void ErrorRecord::setPath(std::string_view path) noexcept {
     if (record_ == nullptr) return;
     record_->path[0] = '\0';
-    append(record_->path, sizeof record_->path, path);
+    append(record_->path, sizeof record_->path, path, asIs);
 }
 
 ErrorRecord& ErrorRecord::say(std::string_view text) noexcept {
     if (record_ == nullptr) return *this;
-    const std::size_t used = std::strlen(record_->message);
-    append(record_->message, sizeof record_->message, text);
-    replaceControlCharacters(record_->message + used);
+    append(record_->message, sizeof record_->message, text, onOneLine);
     return *this;
 }
 
-ErrorRecord& ErrorRecord::sayNumber(std::uint64_t number) noexcept {
-    char digits[24] = {};
-    std::snprintf(digits, sizeof digits, "%llu", static_cast<unsigned long long>(number));
-    return say(digits);
+ErrorRecord& ErrorRecord::saySubject(std::string_view subject) noexcept {
+    if (subject.size() <= longestSubject) return say(subject).say(": ");
+    return say(subject.substr(0, longestSubject)).say("...: ");
 }
 
 void ErrorRecord::sayStatus(std::string_view subject, RgenStatus status) noexcept {
-    if (!subject.empty()) say(subject).say(": ");
+    if (!subject.empty()) saySubject(subject);
     char number[16] = {};
     std::snprintf(number, sizeof number, "0x%08X", static_cast<unsigned>(status));
     say(statusText(status)).say(" (").say(number);

@@ -32,7 +32,8 @@ public:
     void setPath(std::string_view path) noexcept;
     /// Adds to the message; line breaks and other control characters become blanks.
     ErrorRecord& say(std::string_view text) noexcept;
-    ErrorRecord& sayNumber(std::uint64_t number) noexcept;
+    /// Begins the message with what it is about, usually a path; a long one is cut.
+    ErrorRecord& saySubject(std::string_view subject) noexcept;
 
     /// "<subject>: <text> (0xC0000009 RGEN_E_TEMPLATE_NOT_FOUND)", or less without a subject.
     void sayStatus(std::string_view subject, RgenStatus status) noexcept;

@@ -37,7 +37,7 @@ RgenStatus reportFileSystem(ErrorRecord& record,
     const std::string path = platform::utf8Path(failure.path1().native());
     record.setPath(path);
     record.setSystemError(failure.code().value());
-    record.say(path.empty() ? "the data directory is not set" : path).say(": ");
+    record.saySubject(path.empty() ? "the data directory is not set" : path);
     record.say(platform::systemErrorText(failure.code().value()));
     return record.fail(RGENH_ERROR_FILE_SYSTEM, RGEN_E_UNKNOWN);
 }

@@ -85,6 +85,29 @@ TEST_F(ErrorRecord, HasNoLineBreaksInItsMessage) {
     EXPECT_STREQ("no\nsuch\x1B[31mfolder", error.path);
 }
 
+TEST_F(ErrorRecord, HasRoomForTheReasonOfALongPath) {
+    const std::string path = folder.file(std::string(RGENH_MESSAGE_SIZE, 'x'));
+    ASSERT_GT(0, rgenh_setDataDirPath(host, path.c_str(), &error));
+    const std::string message = error.message;
+    const std::size_t reason = message.find("...: ");
+    ASSERT_NE(std::string::npos, reason) << message;
+    EXPECT_EQ(path.substr(0, reason), message.substr(0, reason));
+    EXPECT_LT(reason + 10, message.size());
+}
+
+TEST_F(ErrorRecord, HasUtf8OnlyAndOneLine) {
+    InputParams request;
+    request.guid(guidFromText("ffffffff-4e5f-6071-8293-a4b5c6d7e8f9"));
+    request.variants().addString("v", "x");
+    // Not a path in this mode, so the library does not look at it.
+    request.output(RGEN_OUTPUT_BYTES, "a\xFF");
+    HostResult result;
+    EXPECT_GT(0, rgenh_generateReport(host, request.get(), &result.record, &error));
+    EXPECT_STREQ("", error.path);
+    EXPECT_GT(0, rgenh_setDataDirPath(host, "a\xC2\x85\xE2\x80\xA8z", &error));
+    EXPECT_EQ(0U, std::string(error.message).find("a  z: ")) << error.message;
+}
+
 TEST_F(ErrorRecord, HasTheSizeThatTheHeaderSays) {
     EXPECT_EQ(std::size_t{RGENH_ERROR_SIZE}, sizeof(RgenhError));
     EXPECT_EQ(std::size_t{56}, sizeof(RgenhValue));
