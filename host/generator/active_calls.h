@@ -25,7 +25,9 @@ public:
 
     /// Set by the translator of the call, on the same thread.
     bool hasTranslatorFailed = false;
-    /// Why; empty if the callback itself failed.
+    /// The translation could not be made, since there was no memory.
+    bool isMemoryExhausted = false;
+    /// Why it failed otherwise; empty if the callback itself failed.
     std::string translatorFailure;
 
 private:

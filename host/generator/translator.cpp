@@ -7,6 +7,7 @@
 #include <cstring>
 #include <exception>
 #include <mutex>
+#include <new>
 
 #include "error/failures.h"
 #include "generator/active_calls.h"
@@ -21,6 +22,16 @@ std::string asTemplateText(const char* text, const char* translation, Translatio
     }
     if (translations == Translations::Markup) return checkedMarkup(translation);
     return translationMarkup(text, translation);
+}
+
+void noteFailure(ActiveCall& report, const std::exception& failure) noexcept {
+    report.hasTranslatorFailed = true;
+    report.isMemoryExhausted = dynamic_cast<const std::bad_alloc*>(&failure) != nullptr;
+    try {
+        report.translatorFailure = failure.what();
+    } catch (const std::bad_alloc&) {
+        report.isMemoryExhausted = true;
+    }
 }
 
 }  // namespace
@@ -53,13 +64,7 @@ const char* RGEN_CALL TranslatorUse::call(const char* text, void* use) noexcept 
     } catch (const Translator::CallbackFailed&) {
         if (report != nullptr) report->hasTranslatorFailed = true;
     } catch (const std::exception& failure) {
-        if (report == nullptr) return text;
-        report->hasTranslatorFailed = true;
-        try {
-            report->translatorFailure = failure.what();
-        } catch (const std::exception&) {
-            report->translatorFailure.clear();
-        }
+        if (report != nullptr) noteFailure(*report, failure);
     }
     return text;
 }
