@@ -22,7 +22,7 @@ using namespace rgenh;
 namespace {
 
 RgenStatus createText(const std::string& text, RgenAnsiString& target) {
-    if (text.size() > 0xFFFFFFFF) throw std::bad_alloc();
+    if (text.size() > longestSize) throw std::bad_alloc();
     RgenAnsiString created = {};
     if (rgen_createRgenAnsiString(text.c_str(), &created) == 0) throw std::bad_alloc();
     target = created;
@@ -72,7 +72,10 @@ RgenStatus RGEN_CALL rgenh_escapeText(const char* text, uint64_t size, uint64_t 
         }
         requireForm(form, 3);
         requireOneOf(use, RGENH_FOR_PERSISTENT_DATA, "use is not one of RgenhTextUse", 4);
-        return createText(escapedFor(hostText(text, size, "text", 1), form, use), *target);
+        record.setArgument(1);
+        const std::string content = escapedFor(hostText(text, size, "text"), form, use);
+        record.setArgument(0);
+        return createText(content, *target);
     });
 }
 
@@ -80,16 +83,17 @@ RgenStatus RGEN_CALL rgenh_escapeTranslation(const char* original, const char* t
                                              uint64_t size, uint64_t form, RgenAnsiString* target,
                                              RgenhError* error) noexcept {
     return guarded(error, [&](ErrorRecord& record) -> RgenStatus {
-        if (hasNull({{original, "original"}, {translation, "translation"}}, record)) {
-            return RGEN_E_BAD_PARAMETER;
-        }
+        if (hasNull({{original, "original"}}, record)) return RGEN_E_BAD_PARAMETER;
         if (target == nullptr) {
             record.say("target is null");
             return record.failArgument(5);
         }
         requireForm(form, 4);
-        const std::string_view text = hostText(translation, size, "translation", 2);
-        return createText(escapedTranslation(original, text, form), *target);
+        record.setArgument(2);
+        const std::string_view text = hostText(translation, size, "translation");
+        const std::string content = escapedTranslation(original, text, form);
+        record.setArgument(0);
+        return createText(content, *target);
     });
 }
 
@@ -114,7 +118,9 @@ int32_t RGEN_CALL rgenh_isStorable(const char* text, uint64_t size, uint64_t for
         }
         requireForm(form, 3);
         isText = true;
-        requireStorable(hostText(text, size, "text", 1), form);
+        record.setArgument(1);
+        requireStorable(hostText(text, size, "text"), form);
+        record.setArgument(0);
         return 1;
     });
     return status == RGEN_E_BAD_PARAMETER && isText ? 0 : status;
@@ -150,7 +156,9 @@ RgenStatus RGEN_CALL rgenh_parseTime(const char* text, uint64_t size, int64_t* s
             record.say("seconds is null");
             return record.failArgument(3);
         }
-        *seconds = parseTime(hostText(text, size, "text", 1));
+        record.setArgument(1);
+        *seconds = parseTime(hostText(text, size, "text"));
+        record.setArgument(0);
         return RGEN_OK;
     });
 }

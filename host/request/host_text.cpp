@@ -20,6 +20,8 @@ std::string_view hostText(const void* data, std::uint64_t size, const char* what
     }
     const auto* const start = static_cast<const char*>(data);
     if (size == RGENH_NULL_TERMINATED) return start;
+    // Before the text is read: the size of a careless host may lead out of its memory.
+    if (size > longestSize) fail(" is longer than 4,294,967,295 bytes");
     const std::string_view text(start, size);
     if (text.find('\0') != std::string_view::npos) fail(" contains a zero byte");
     return text;

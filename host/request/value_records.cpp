@@ -14,7 +14,6 @@
 namespace rgenh {
 namespace {
 
-constexpr std::uint64_t longestSize = 0xFFFFFFFF;
 constexpr std::uint64_t greatestHint = 9;
 
 /// The name of an entry for a message.

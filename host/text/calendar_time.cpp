@@ -25,6 +25,9 @@ struct DateTime {
     int year, month, day, hour, minute, second;
 };
 
+constexpr int latestHour = 23;
+constexpr int latestMinute = 59;
+
 /// Days since 1970 of a date in the Gregorian calendar.
 std::int64_t daysFromDate(int year, int month, int day) {
     const int shifted = month <= 2 ? year - 1 : year;
@@ -42,8 +45,8 @@ int daysOfMonth(int year, int month) {
 
 bool isOnCalendar(const DateTime& time) {
     return time.month >= 1 && time.month <= 12 && time.day >= 1 &&
-           time.day <= daysOfMonth(time.year, time.month) && time.hour <= 23 && time.minute <= 59 &&
-           time.second <= 59;
+           time.day <= daysOfMonth(time.year, time.month) && time.hour <= latestHour &&
+           time.minute <= latestMinute && time.second <= 59;
 }
 
 /// -1 for times that the system cannot convert.
@@ -77,6 +80,7 @@ public:
     }
 
     void require(char letter) { fits_ = accept(letter) && fits_; }
+    void requireAtMost(int number, int greatest) { fits_ = number <= greatest && fits_; }
 
     bool startsWithDigit() const { return !rest_.empty() && isDigit(rest_[0]); }
 
@@ -135,9 +139,12 @@ std::optional<std::int64_t> scanOffset(Scanner& scanner) {
     if (scanner.accept('Z') || scanner.accept('z')) return 0;
     const bool isWest = scanner.accept('-');
     if (!isWest && !scanner.accept('+')) return std::nullopt;
-    const std::int64_t hours = scanner.number(2);
+    const int hours = scanner.number(2);
     const bool hasMinutes = scanner.accept(':') || scanner.startsWithDigit();
-    const std::int64_t seconds = (hours * 60 + (hasMinutes ? scanner.number(2) : 0)) * 60;
+    const int minutes = hasMinutes ? scanner.number(2) : 0;
+    scanner.requireAtMost(hours, latestHour);
+    scanner.requireAtMost(minutes, latestMinute);
+    const std::int64_t seconds = (std::int64_t{hours} * 60 + minutes) * 60;
     return isWest ? -seconds : seconds;
 }
 

@@ -83,7 +83,20 @@ TEST_F(GuidsAndTimes, RefuseTimesThatReportsCannotShow) {
                              "1970-01-01T00:00:00+00:01", "0001-01-01Z"}) {
         EXPECT_EQ(-1, readTime(text));
         EXPECT_NE(std::string::npos, std::string(error.message).find("from 1970 to 3000"));
+        EXPECT_EQ(RGENH_ERROR_ARGUMENT, error.kind);
+        EXPECT_EQ(1, error.argument);
     }
+}
+
+TEST_F(GuidsAndTimes, ShowTheirTextsAsUtf8) {
+    // The message shows the first 60 bytes, the last of which are half a character.
+    const std::string text = std::string(58, 'x') + "\xE2\x82\xAC";
+    EXPECT_EQ(-1, readTime(text));
+    EXPECT_EQ(std::string("\"") + std::string(58, 'x') +
+                  "\xEF\xBF\xBD\xEF\xBF\xBD\" is not a time such as 2026-03-09T08:14:07Z",
+              error.message);
+    EXPECT_EQ("", readGuid(std::string("\xFF\xC2\x85")));
+    EXPECT_STREQ("\"\xEF\xBF\xBD \" is not a GUID", error.message);
 }
 
 TEST_F(GuidsAndTimes, RefuseWhatIsNotATime) {
@@ -106,9 +119,12 @@ TEST_F(GuidsAndTimes, RefuseWhatIsNotATime) {
                              "2026-03-09Z ",
                              "2026-03-09T08:14:07ZZ",
                              "+026-03-09Z",
+                             "2026-03-09T08:14:07+24:00",
+                             "2026-03-09T08:14:07-0160",
                              "2026-03-09T08:14:07+01:0"}) {
         EXPECT_EQ(-1, readTime(text)) << text;
         EXPECT_NE(std::string::npos, std::string(error.message).find("is not a time")) << text;
+        EXPECT_EQ(1, error.argument);
     }
 }
 

@@ -66,7 +66,10 @@ TEST_F(Texts, OfMarkupForPersistentDataAreChecked) {
     EXPECT_EQ("a & b", stored("a & b"));
     EXPECT_EQ("the text contains the unknown reference &foo;", stored("x &foo; y"));
     EXPECT_EQ("the text contains the unknown reference &f oo;", stored("x &f oo; y"));
-    EXPECT_EQ("7 0", kindAndArgument());
+    EXPECT_EQ("7 1", kindAndArgument());
+    EXPECT_EQ("the text contains the unknown reference &foo;",
+              translation("a", "x &foo;", RGENH_MARKUP));
+    EXPECT_EQ("7 2", kindAndArgument());
 }
 
 TEST_F(Texts, WithZeroBytesAreRefused) {
@@ -83,6 +86,38 @@ TEST_F(Texts, OfUnknownFormsAndUsesAreRefused) {
     EXPECT_EQ("7 4", kindAndArgument());
     EXPECT_EQ("form is not one of RgenhTextForm", translation("a", "b", 2));
     EXPECT_EQ(RGEN_E_BAD_PARAMETER, isStorable("a", 2));
+}
+
+TEST_F(Texts, OfASizeThatNoRecordCanHaveAreRefusedBeforeTheyAreRead) {
+    const std::uint64_t tooLong = 0x100000000;
+    RgenAnsiString target = {};
+    for (const std::uint64_t size : {tooLong, UINT64_MAX - 1}) {
+        EXPECT_EQ(RGEN_E_BAD_PARAMETER,
+                  rgenh_escapeText("a", size, RGENH_PLAIN, RGENH_FOR_REPORT, &target, &error));
+        EXPECT_STREQ("text is longer than 4,294,967,295 bytes", error.message);
+        EXPECT_EQ("7 1", kindAndArgument());
+        EXPECT_EQ(RGEN_E_BAD_PARAMETER,
+                  rgenh_escapeTranslation("a", "b", size, RGENH_PLAIN, &target, &error));
+        EXPECT_EQ("7 2", kindAndArgument());
+        EXPECT_EQ(RGEN_E_BAD_PARAMETER, rgenh_unescapeText("a", size, &target, &error));
+        EXPECT_EQ("7 1", kindAndArgument());
+        EXPECT_EQ(0, rgenh_isStorable("a", size, RGENH_PLAIN, &error));
+        EXPECT_EQ("7 1", kindAndArgument());
+    }
+    EXPECT_EQ(nullptr, target.data);
+}
+
+TEST_F(Texts, OfNullAndTheSizeZeroAreEmpty) {
+    RgenAnsiString target = {};
+    EXPECT_EQ(RGEN_OK,
+              rgenh_escapeText(nullptr, 0, RGENH_PLAIN, RGENH_FOR_REPORT, &target, &error));
+    EXPECT_EQ("", takeText(target));
+    EXPECT_EQ(RGEN_OK, rgenh_escapeTranslation("a", nullptr, 0, RGENH_PLAIN, &target, &error));
+    EXPECT_EQ("", takeText(target));
+    EXPECT_EQ(RGEN_OK, rgenh_unescapeText(nullptr, 0, &target, &error));
+    EXPECT_EQ("", takeText(target));
+    EXPECT_EQ(1, rgenh_isStorable(nullptr, 0, RGENH_PLAIN, &error));
+    EXPECT_EQ(RGENH_ERROR_NONE, error.kind);
 }
 
 TEST_F(Texts, EndAtTheirZeroByteWithoutASize) {
@@ -137,6 +172,7 @@ TEST_F(Texts, AreStorableIfPersistentDataReturnsThem) {
     EXPECT_EQ(0, isStorable("a\x07"));
     EXPECT_STREQ("the text contains U+0007 at byte 1", error.message);
     EXPECT_EQ(RGENH_ERROR_ARGUMENT, error.kind);
+    EXPECT_EQ("7 1", kindAndArgument());
     EXPECT_EQ(0, isStorable("a\xC3"));
     EXPECT_STREQ("the text contains the byte 0xC3 at byte 1", error.message);
     EXPECT_EQ(0, isStorable("\xEF\xBF\xBF"));
@@ -146,6 +182,9 @@ TEST_F(Texts, AreStorableIfPersistentDataReturnsThem) {
     EXPECT_EQ(1, isStorable(std::string(10000000, 'x')));
     EXPECT_EQ(0, isStorable(std::string(10000001, 'x')));
     EXPECT_EQ(0, isStorable(std::string(2000001, '&')));
+    EXPECT_EQ(1, isStorable(std::string(2000000, '&')));
+    EXPECT_EQ(1, isStorable(std::string(2000000, ' ')));
+    EXPECT_EQ(0, isStorable(std::string(2000001, ' ')));
 }
 
 TEST_F(Texts, WithInvalidUtf8HaveTheirBytesNamed) {
