@@ -7,6 +7,7 @@
 #include <string>
 
 #include "robustness/faults/allocation_sweep.h"
+#include "robustness/faults/guarded_errors.h"
 #include "robustness/faults/sweep_report.h"
 #include "strata_repgenlib/rgen_host.h"
 #include "support/allocation_faults.h"
@@ -30,19 +31,6 @@ const char* RGEN_CALL translateTitle(const char* /*text*/, void* /*context*/) {
     return "a title & more than fits into the inside of a string";
 }
 
-// A failure without a status must be one of memory, with an empty result.
-RgenStatus checked(RgenStatus status, const RgenhError& error) {
-    const bool isMemory = error.kind == RGENH_ERROR_MEMORY && error.message[0] != '\0';
-    if (status == RGEN_E_UNKNOWN && !isMemory) return RGEN_E_BAD_PARAMETER;
-    return status != error.status ? RGEN_E_BAD_PARAMETER : status;
-}
-
-RgenhError newError() {
-    RgenhError error = {};
-    error.size = sizeof error;
-    return error;
-}
-
 std::vector<RgenStatus> generationFailures() {
     return configurationFailures() + std::vector<RgenStatus>{RGEN_E_UNKNOWN, RGEN_E_EMPTY_INPUT,
                                                              RGEN_E_XSLT_PARSE, RGEN_E_XSLT_APPLY,
@@ -60,7 +48,7 @@ FaultScenario generation(std::uint64_t mode) {
         RgenhError error = newError();
         const RgenStatus status =
             rgenh_generateReport(subject.generator(), subject.input.get(), &subject.result, &error);
-        return checked(status, error);
+        return checkedMemory(status, error);
     };
     scenario.failures = generationFailures();
     return scenario;
@@ -102,7 +90,7 @@ TEST_F(GuardedAllocations, OfNewGeneratorsWithATranslator) {
             status = rgenh_generateReport(other, prepared, &subject.result, &error);
         }
         rgenh_freeReportGenerator(other, nullptr);
-        return checked(status, error);
+        return checkedMemory(status, error);
     };
     scenario.prepare = [this](FaultSubject& subject) {
         subject.input.variants().addString("v", "value");
@@ -132,7 +120,7 @@ TEST_F(GuardedAllocations, OfRequestsFromArrays) {
         RgenhRequest* const request = rgenh_newRequest(&parts, &error);
         EXPECT_EQ(request == nullptr, error.status < 0);
         rgenh_freeRequest(request);
-        return checked(error.status, error);
+        return checkedMemory(error.status, error);
     };
     scenario.failures = {RGEN_E_UNKNOWN};
     sweepAllocations(files, scenario);
@@ -147,7 +135,7 @@ TEST_F(GuardedAllocations, OfPersistentValuesAndTexts) {
         RgenhError error = newError();
         const RgenStatus status =
             rgenh_setPersistentValues(subject.generator(), &subject.guid, &value, 1, &error);
-        return checked(status, error);
+        return checkedMemory(status, error);
     };
     storing.take = takeFile(storedFile);
     storing.failures =
@@ -162,7 +150,7 @@ TEST_F(GuardedAllocations, OfPersistentValuesAndTexts) {
         RgenhError error = newError();
         const RgenStatus status =
             rgenh_getPersistentTexts(subject.generator(), &subject.guid, &subject.pairs, &error);
-        return checked(status, error);
+        return checkedMemory(status, error);
     };
     reading.take = [](FaultSubject& subject) {
         const std::string count = std::to_string(subject.pairs.count);
@@ -231,7 +219,7 @@ TEST_F(GuardedAllocations, OfTexts) {
             status = rgenh_unescapeText("a &lt; text that is long &amp; dull", size, &text, &error);
             rgen_freeRgenAnsiString(&text);
         }
-        return checked(status, error);
+        return checkedMemory(status, error);
     };
     scenario.failures = {RGEN_E_UNKNOWN};
     sweepAllocations(files, scenario);

@@ -6,6 +6,7 @@
 
 #include <string>
 
+#include "robustness/faults/guarded_errors.h"
 #include "robustness/faults/io_sweep_posix.h"
 #include "robustness/faults/sweep_report.h"
 #include "strata_repgenlib/rgen_host.h"
@@ -20,15 +21,6 @@ constexpr const char* smallTemplate =
     "<xsl:stylesheet version=\"1.0\" xmlns:xsl=\"http://www.w3.org/1999/XSL/Transform\">"
     "<xsl:output method=\"text\"/><xsl:template match=\"/\">"
     "<xsl:value-of select=\"//property[@name='v']\"/></xsl:template></xsl:stylesheet>";
-
-// A failure without a status must be one of the file system, with its number.
-RgenStatus checked(RgenStatus status, const RgenhError& error) {
-    const bool isFileSystem = error.kind == RGENH_ERROR_FILE_SYSTEM && error.systemError != 0;
-    const bool isConversion = error.kind == RGENH_ERROR_CONVERSION;
-    if (status == RGEN_E_UNKNOWN && !isFileSystem) return RGEN_E_BAD_PARAMETER;
-    if (status == RGEN_E_EXTERNAL_FAILED && !isConversion) return RGEN_E_BAD_PARAMETER;
-    return status;
-}
 
 std::vector<RgenStatus> generationFailures() {
     return configurationFailures() +
@@ -52,7 +44,7 @@ IoScenario generation(const std::string& format) {
         error.size = sizeof error;
         const RgenStatus status =
             rgenh_generateReport(subject.generator(), subject.input.get(), &subject.result, &error);
-        return checked(status, error);
+        return checkedFileSystem(status, error);
     };
     scenario.base.take = takeFile("report");
     scenario.base.failures = generationFailures();
@@ -97,7 +89,7 @@ TEST_F(GuardedFileOperations, OfPersistentTexts) {
         error.size = sizeof error;
         const RgenStatus status =
             rgenh_getPersistentTexts(subject.generator(), &subject.guid, &subject.pairs, &error);
-        return checked(status, error);
+        return checkedFileSystem(status, error);
     };
     scenario.base.take = [](FaultSubject& subject) {
         const std::string count = std::to_string(subject.pairs.count);
@@ -109,6 +101,85 @@ TEST_F(GuardedFileOperations, OfPersistentTexts) {
         configurationFailures() +
         std::vector<RgenStatus>{RGEN_E_UNKNOWN, RGEN_E_OPEN_PERSIST, RGEN_E_NO_PERSIST_VALUES};
     scenario.base.productsOfFailure = {"0"};
+    sweepFileOperations(files, scenario);
+}
+
+TEST_F(GuardedFileOperations, OfStoringPersistentValues) {
+    IoScenario scenario;
+    scenario.mayThrow = false;
+    scenario.base.name = "guarded storing of persistent values";
+    scenario.base.arrange = [](const FaultFolder& folder) { folder.putPersistentData(); };
+    scenario.base.call = [](FaultSubject& subject) {
+        RgenhError error = newError();
+        const RgenhValue value = rgenh_textValue("a", "1 & 2");
+        const RgenStatus status =
+            rgenh_setPersistentValues(subject.generator(), &subject.guid, &value, 1, &error);
+        return checkedFileSystem(status, error);
+    };
+    scenario.base.take = takeFile("main/.rgen/persist_data.xml");
+    scenario.base.failures =
+        configurationFailures() +
+        std::vector<RgenStatus>{RGEN_E_UNKNOWN, RGEN_E_DELETE_PERSIST, RGEN_E_CREATE_PERSIST};
+    scenario.base.productsOfFailure = {"missing", FaultFolder::persistentData};
+    sweepFileOperations(files, scenario);
+}
+
+TEST_F(GuardedFileOperations, OfADump) {
+    IoScenario scenario;
+    scenario.mayThrow = false;
+    scenario.base.name = "guarded dump";
+    scenario.base.arrange = [](const FaultFolder& folder) {
+        writeFile(folder.file("dump"), "old");
+    };
+    scenario.base.prepare = [](FaultSubject& subject) {
+        subject.input.variants().addInt64("n", 1);
+    };
+    scenario.base.call = [](FaultSubject& subject) {
+        RgenhError error = newError();
+        const RgenStatus status = rgenh_dumpRawInputDataToFile(
+            subject.generator(), subject.input.get(), subject.files.file("dump").c_str(), &error);
+        return checkedFileSystem(status, error);
+    };
+    scenario.base.take = takeFile("dump");
+    scenario.base.failures = {RGEN_E_UNKNOWN, RGEN_E_DELETE_DUMP, RGEN_E_CREATE_PERSIST};
+    scenario.base.productsOfFailure = {"missing", "old"};
+    sweepFileOperations(files, scenario);
+}
+
+TEST_F(GuardedFileOperations, OfSimulatedInput) {
+    writeFile(files.file("in.xml"),
+              "<data><properties><property name=\"n\" type=\"int64\" hint=\"Size\">1</property>"
+              "</properties></data>");
+    IoScenario scenario;
+    scenario.mayThrow = false;
+    scenario.base.name = "guarded simulated input";
+    scenario.base.call = [](FaultSubject& subject) {
+        RgenhError error = newError();
+        const std::int32_t count = rgenh_getSimulatedRawDataFromFile(
+            subject.generator(), subject.files.file("in.xml").c_str(), &subject.values, &error);
+        return count < 0 ? checkedFileSystem(count, error) : count;
+    };
+    scenario.base.take = [](FaultSubject& subject) {
+        const std::string count = std::to_string(subject.values.count);
+        rgen_freeRgenCVariantSet(&subject.values);
+        return count;
+    };
+    scenario.base.failures = {0, RGEN_E_UNKNOWN};
+    scenario.base.productsOfFailure = {"0"};
+    sweepFileOperations(files, scenario);
+}
+
+TEST_F(GuardedFileOperations, OfTheCheckOfAPdf) {
+    const std::string path = files.file("report.pdf");
+    writeFile(path, "%PDF-1.7 %%EOF");
+    IoScenario scenario;
+    scenario.mayThrow = false;
+    scenario.base.name = "check of a pdf";
+    scenario.base.call = [path](FaultSubject& /*subject*/) {
+        RgenhError error = newError();
+        return checkedFileSystem(rgenh_verifyPdf(path.c_str(), &error), error);
+    };
+    scenario.base.failures = {RGEN_E_EXTERNAL_FAILED};
     sweepFileOperations(files, scenario);
 }
 
