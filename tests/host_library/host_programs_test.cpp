@@ -50,5 +50,12 @@ TEST_F(HostPrograms, ThatLoadTheLibrariesKeepTheirExceptions) {
     }
 }
 
+TEST_F(HostPrograms, ThatAreTwoInOneProcessDoNotDisturbEachOther) {
+    const std::string place = programFolder() + nativePath("/");
+    ChildHost hosts("two_hosts",
+                    {folder.path(), place + RGEN_TEST_PLUG_IN, place + RGEN_TEST_OTHER_PLUG_IN});
+    EXPECT_EQ(0, hosts.exitCode());
+}
+
 }  // namespace
 }  // namespace rgen_test

@@ -1,7 +1,6 @@
 /*
- * A program whose linker gives the functions of the libraries addresses inside the program, since it
- * is linked to a fixed address and takes their addresses. The versions are those of the libraries
- * all the same.
+ * A program at a fixed address that takes the addresses of functions: its linker gives these
+ * functions addresses inside the program. The versions must still be those of the libraries.
  *
  * SPDX-License-Identifier: MIT
  */
