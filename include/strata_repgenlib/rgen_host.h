@@ -1,9 +1,10 @@
 /*
  * strata_repgenlib_host: the report library for hosts in every language. It is a second, small
- * library on top of strata_repgenlib; a host links both, or only this one if it needs no other
- * function of rgen.h than those without exceptions. It needs C99 or C++11.
+ * library on top of strata_repgenlib. A host links both; the functions of rgen.h that it still
+ * calls are those that throw no exception, such as rgen_freeRgenCVariant. It needs C99 or C++11.
  *
  *     RgenhError error = {sizeof(RgenhError)};
+ *     RgenCVariant result = {0};
  *     RgenReportGenerator* generator = rgenh_newReportGenerator(&error);
  *     RgenhValue values[] = {rgenh_textValue("Device", "Disk 1 & 2"),
  *                            rgenh_integerValue("Capacity", 500107862016, RGEN_HINT_SIZE)};
@@ -18,41 +19,48 @@
  *     if (rgenh_generateReport(generator, rgenh_getRequestInput(request), &result, &error) < 0)
  *         fprintf(stderr, "%s\n", error.message);
  *     rgenh_freeRequest(request);
+ *     rgenh_freeReportGenerator(generator, NULL);
  *
  * The conventions of rgen.h (its headings are HANDLES, TEXTS and so on) hold here as well. This
  * header adds the following.
  *
  * NO EXCEPTIONS
- *   No function throws, whatever fails: failures that leave a function of rgen.h as a C++ exception
- *   become a status and an error record. Nothing of the host changes, not even the count of
- *   std::uncaught_exceptions() of its C++ runtime. A callback of the host must still not throw: its
- *   exceptions cannot cross the libraries in every language. On Windows an exception of the
- *   library is seen by vectored exception handlers of the host, as every exception of the process.
+ *   No function throws, whatever fails: where a function of rgen.h throws a C++ exception, the
+ *   function of this header returns a status and fills an error record. Nothing of the host
+ *   changes, not even the std::uncaught_exceptions() of its C++ runtime. A callback of the host
+ *   must not throw. Windows: vectored exception handlers of the host see the exceptions that the
+ *   libraries throw and catch.
  *
  * ERRORS
  *   Most functions take an error record as their last argument; it may be null. Set its field size
  *   before the first use; each call overwrites all other fields, also on success. Several threads
- *   must not use one record at the same time. A size smaller than RGENH_ERROR_SIZE is an error of
- *   the caller: the record stays unchanged, the call returns RGEN_E_BAD_PARAMETER and does nothing.
- *   A function that returns RgenStatus fails with a negative status. Failures for which rgen.h has
- *   no status have the status RGEN_E_UNKNOWN, wrong arguments RGEN_E_BAD_PARAMETER, and a pdf that
- *   the converter did not make RGEN_E_EXTERNAL_FAILED; the kind of the error tells them apart.
- *   Every null argument is checked, unless its comment says that it may be null.
+ *   must not use one record at the same time. If the size is smaller than RGENH_ERROR_SIZE, the
+ *   call does nothing: it returns RGEN_E_BAD_PARAMETER, or null if it returns a pointer, and the
+ *   record stays unchanged.
+ *   A function that returns RgenStatus fails with a negative status: RGEN_E_BAD_PARAMETER for a
+ *   wrong argument, RGEN_E_EXTERNAL_FAILED for a pdf that the converter did not make,
+ *   RGEN_E_UNKNOWN for a failure for which rgen.h has no status, and otherwise the status of the
+ *   function of rgen.h. RgenhError::kind tells these apart.
+ *   Every null argument is an error, unless its comment says that it may be null.
  *
  * CALLS FROM A CALLBACK
- *   While a translate callback runs, a call for the same generator on the same thread returns an
- *   error of the kind RGENH_ERROR_REENTERED at once; with rgen.h it would wait for ever. Functions
- *   without a generator may be called. A call from another thread waits for the callback to end,
- *   so the callback must not wait for that thread.
+ *   While a translate callback runs in a report of this header, a call for the same generator on
+ *   the same thread returns an error of the kind RGENH_ERROR_REENTERED at once; with rgen.h it
+ *   would wait for ever. Functions without a generator, rgenh_dumpRawInputDataToFile and
+ *   rgenh_getSimulatedRawDataFromFile may be called. A call from another thread waits until the
+ *   callback has returned, so the callback must not wait for that thread.
  *
  * TEXTS
- *   A text has a size in bytes, which may be RGENH_NULL_TERMINATED. Sizes do not count the
- *   terminating zero byte; a text must not contain a zero byte. A plain text is shown in the report
- *   as it is: this library escapes it. A text of the form RGENH_MARKUP is XML content.
+ *   The size of a text is its number of bytes without the terminating zero byte, or
+ *   RGENH_NULL_TERMINATED. A null pointer with the size 0 is the empty text. A zero byte inside a
+ *   text and more than 2^32 - 1 bytes are errors of the kind argument. A plain text is shown in the
+ *   report as it is: this library escapes it. A text of the form RGENH_MARKUP is XML content, which
+ *   this library does not escape.
  *
  * OWNERSHIP
- *   What a function of this header returns is freed with the function of this header that its
- *   comment names, and RgenAnsiString, RgenCVariant and sets with the functions of rgen.h.
+ *   A pointer that a function of this header returns is freed with the function that its comment
+ *   names. The content of RgenAnsiString, RgenCVariant and sets is freed with the functions of
+ *   rgen.h.
  *
  * UNLOADING
  *   The libraries may be unloaded when no call runs, and all generators, requests and jobs are
@@ -77,14 +85,14 @@
 #else
 #define RGENH_API __attribute__((visibility("default")))
 #endif
-/** Says to C++ that a function does not throw. */
+/** Tells a C++ compiler that a function does not throw. */
 #ifdef __cplusplus
 #define RGENH_NOEXCEPT noexcept
 #else
 #define RGENH_NOEXCEPT
 #endif
 
-/** A size of a text that ends with a zero byte. */
+/** The size of a text that ends at its first zero byte. */
 #define RGENH_NULL_TERMINATED UINT64_MAX
 
 #ifdef __cplusplus
@@ -121,7 +129,7 @@ typedef struct RgenhError {
     uint64_t size;
     /** One of RgenhErrorKind. */
     int32_t kind;
-    /** The status of the call, also on success. */
+    /** The status of the call; RGEN_OK if the call succeeded. */
     RgenStatus status;
     /**
      * The error number of the operating system (Linux: errno, Windows: GetLastError); 0 if there is
@@ -134,9 +142,12 @@ typedef struct RgenhError {
     int32_t entryIsPair;
     /** The index of the value or pair that is wrong, or RGENH_NO_ENTRY. */
     uint64_t entry;
-    /** The path that the error is about, UTF-8; empty if there is none. A longer one is cut. */
+    /**
+     * The path that the error is about; empty if there is none. A path that is too long is cut.
+     * UTF-8: bytes that are not are replaced by U+FFFD.
+     */
     char path[RGENH_PATH_SIZE];
-    /** The error in English for people, UTF-8, without a line break; empty on success. */
+    /** The error in English for people, UTF-8, one line; empty on success. */
     char message[RGENH_MESSAGE_SIZE];
 } RgenhError;
 
@@ -151,9 +162,11 @@ typedef struct RgenhError {
  * @param error  May be null.
  * @return       The handle, or null (kinds memory and argument).
  *
- * Ownership: the caller frees the handle with rgenh_freeReportGenerator. All functions of rgen.h
- * take it, too. A handle of rgen_newReportGenerator is taken by all functions of this header but
- * rgenh_setTranslateFunction, rgenh_setTranslator and rgenh_startReport.
+ * Ownership: the caller frees the handle with rgenh_freeReportGenerator. The functions of rgen.h
+ * take it, too; but do not free it with rgen_freeReportGenerator, and note that jobs do not use
+ * what rgen_setDataDirPath and rgen_setTranslateFunction set. The functions of this header take a
+ * handle of rgen_newReportGenerator, too, except rgenh_setTranslateFunction, rgenh_setTranslator
+ * and rgenh_startReport.
  * Threads: any.
  */
 RGENH_API RgenReportGenerator* RGEN_CALL rgenh_newReportGenerator(RgenhError* error) RGENH_NOEXCEPT;
@@ -178,7 +191,8 @@ RGENH_API RgenStatus RGEN_CALL rgenh_freeReportGenerator(RgenReportGenerator* ge
  * @param generator  The handle.
  * @param path       UTF-8 path of an existing folder, copied.
  * @param error      May be null.
- * @return           The status of rgen_setDataDirPath, or see ERRORS.
+ * @return           The status of rgen_setDataDirPath, or see ERRORS. After a failure the generator
+ *                   and later jobs use the previous folder.
  *
  * Threads: any. Jobs that started before use the previous folder.
  */
@@ -193,19 +207,20 @@ RGENH_API RgenStatus RGEN_CALL rgenh_setDataDirPath(RgenReportGenerator* generat
  * rgenh_escapeTranslation. rgenh_setTranslator takes plain texts instead.
  *
  * A callback that returns null has failed: this and all further marked texts of the report stay
- * untranslated, and the generating call returns an error of the kind RGENH_ERROR_CALLBACK at its
- * end, when the report may have been delivered.
+ * untranslated, and the generating call returns an error of the kind RGENH_ERROR_CALLBACK, unless
+ * it fails for another reason. In mode 0 the file has been written then; in modes 1 and 2 there is
+ * no result. rgen_generateReport ignores the failure.
  *
  * @param generator  A handle of rgenh_newReportGenerator.
- * @param translate  The callback; if null, marked texts stay as they are.
+ * @param translate  The callback; if null, marked texts stay as they are (rgen.h ignores null).
  * @param context    Passed to every call of the callback; may be null. The object it points to must
- *                   stay valid while reports can be generated. Jobs that started before the call
- *                   use the previous callback and context until they end.
+ *                   stay valid while reports can be generated. Jobs that started before use the
+ *                   previous callback and context until they end.
  * @param error      May be null.
  * @return           RGEN_OK, or see ERRORS.
  *
- * Threads: any; waits while a transformation runs on the same generator. The callback is called by
- * one thread at a time, jobs included.
+ * Threads: any; waits while a transformation runs on the same generator. Until the next call of
+ * this function, reports and jobs of the generator call the callback one after the other.
  */
 RGENH_API RgenStatus RGEN_CALL rgenh_setTranslateFunction(RgenReportGenerator* generator,
                                                           RgenTranslateFunction translate,
@@ -215,18 +230,18 @@ RGENH_API RgenStatus RGEN_CALL rgenh_setTranslateFunction(RgenReportGenerator* g
 /** Values for the form of a text. */
 enum RgenhTextForm {
     RGENH_PLAIN = 0, /**< Shown as it is. */
-    RGENH_MARKUP = 1 /**< XML content: "&#8364;" is a euro sign, a plain "&" is lost. */
+    RGENH_MARKUP = 1 /**< XML content: "&#8364;" is a euro sign, an "&" alone is lost. */
 };
 
 /**
- * Sets a translator, whose translations this library escapes with rgenh_escapeTranslation. All else
- * is as in rgenh_setTranslateFunction.
+ * Sets a translator: a callback whose translations this library escapes, as rgenh_escapeTranslation
+ * does. In all other respects it is rgenh_setTranslateFunction.
  *
  * @param generator  A handle of rgenh_newReportGenerator.
  * @param translate  The callback; if null, marked texts stay as they are. A translation that
  *                   rgenh_escapeTranslation refuses counts as a failure of the callback.
  * @param context    As in rgenh_setTranslateFunction.
- * @param form       One of RgenhTextForm: how translations are read.
+ * @param form       One of RgenhTextForm: what the callback returns.
  * @param error      May be null.
  * @return           RGEN_OK, or see ERRORS.
  *
@@ -237,8 +252,8 @@ RGENH_API RgenStatus RGEN_CALL rgenh_setTranslator(RgenReportGenerator* generato
                                                    uint64_t form, RgenhError* error) RGENH_NOEXCEPT;
 
 /**
- * Asks running reports of a generator to stop; as rgen_cancel. Jobs are not stopped: see
- * rgenh_cancelJob.
+ * Asks running reports of a generator to stop; as rgen_cancel. It does not stop jobs:
+ * rgenh_cancelJob does.
  *
  * @param generator  The handle.
  * @param guid       The report type whose reports stop; if null, all of this generator.
@@ -252,16 +267,17 @@ RGENH_API RgenStatus RGEN_CALL rgenh_cancel(RgenReportGenerator* generator, cons
                                             RgenhError* error) RGENH_NOEXCEPT;
 
 /**
- * Generates one report; as rgen_generateReport. In addition a pdf that is converted (mode 0) is
- * verified: an "<outputPath>.error.txt" of an earlier conversion is removed first, and the file is
- * checked as by rgenh_verifyPdf afterwards.
+ * Generates one report; as rgen_generateReport. In addition a pdf that is converted (format "pdf",
+ * mode 0) is verified: the file "<outputPath>.error.txt" of an earlier conversion is removed before
+ * the report, and the pdf is checked after it, as by rgenh_verifyPdf. A double quote in the path or
+ * base of such a pdf is an error of the kind argument.
  *
  * @param generator  The handle.
  * @param input      The request, read only: a record of the host, or rgenh_getRequestInput.
- * @param result     As in rgen_generateReport, but never left half filled: if memory for it is
- *                   exhausted, the call fails, it is empty, and a handle of mode 1 is closed.
- * @param error      May be null. The path is the output path, or the path that the file system
- *                   refused.
+ * @param result     As in rgen_generateReport, but filled completely or unchanged: if memory for
+ *                   the record is exhausted, the call fails, and a handle of mode 1 is closed.
+ * @param error      May be null. Its path is the output path (not in mode 2), or the path that the
+ *                   file system refused.
  * @return           The status of rgen_generateReport; RGEN_E_EXTERNAL_FAILED with the kind
  *                   RGENH_ERROR_CONVERSION; or see ERRORS.
  *
@@ -274,13 +290,13 @@ RGENH_API RgenStatus RGEN_CALL rgenh_generateReport(RgenReportGenerator* generat
                                                     RgenhError* error) RGENH_NOEXCEPT;
 
 /**
- * Reads the persistent data of a report type; as rgen_getPersistentData. Its texts are XML content:
- * rgenh_getPersistentTexts returns them as they were meant.
+ * Reads the persistent data of a report type; as rgen_getPersistentData. The texts are XML content;
+ * rgenh_getPersistentTexts returns plain texts instead.
  *
  * @param generator  The handle.
  * @param guid       The report type.
- * @param pairs      Receives the pairs; may be null. Unchanged on failure; exhausted memory is
- *                   a failure, too.
+ * @param pairs      Receives the pairs; may be null. Unchanged on failure. Unlike in rgen.h it is
+ *                   a failure if memory for the pairs is exhausted.
  * @param error      May be null.
  * @return           The status of rgen_getPersistentData, or see ERRORS.
  *
@@ -295,7 +311,7 @@ RGENH_API RgenStatus RGEN_CALL rgenh_getPersistentData(RgenReportGenerator* gene
 /**
  * Replaces the persistent data of a report type; as
  * rgen_setPersistentDataFromAnsiStringPairSet. The texts are XML content that is read twice, and
- * are not checked: rgenh_setPersistentValues takes texts as they are.
+ * are not checked; rgenh_setPersistentValues takes plain texts instead.
  *
  * @param generator  The handle.
  * @param guid       The report type.
@@ -366,11 +382,11 @@ RGENH_API int32_t RGEN_CALL rgenh_getSimulatedRawDataFromFile(RgenReportGenerato
 #define RGENH_TYPE_MARKUP 5
 
 /**
- * A named value of a request. 56 bytes. In C and C++ the functions rgenh_textValue,
- * rgenh_integerValue and rgenh_bytesValue make one.
+ * A named value of a request. 56 bytes. For C and C++ the functions rgenh_textValue,
+ * rgenh_integerValue and rgenh_bytesValue fill one.
  */
 typedef struct RgenhValue {
-    /** The name. */
+    /** The name; may be null if nameSize is 0. */
     const char* name;
     /** Bytes of the name, or RGENH_NULL_TERMINATED. */
     uint64_t nameSize;
@@ -385,11 +401,14 @@ typedef struct RgenhValue {
     int64_t number;
     /** The text or bytes; may be null if size is 0. */
     const void* data;
-    /** Bytes of data; for texts also RGENH_NULL_TERMINATED. */
+    /** Bytes of data; for a text possibly RGENH_NULL_TERMINATED. */
     uint64_t size;
 } RgenhValue;
 
-/** What a request is made of. Set size and zero-fill the rest. Everything is copied. */
+/**
+ * What a request is made of. Set size and fill all that you do not need with zeros. Everything is
+ * copied. All texts are null-terminated.
+ */
 typedef struct RgenhRequestParts {
     /** Set by the caller: sizeof(RgenhRequestParts). */
     uint64_t size;
@@ -412,8 +431,8 @@ typedef struct RgenhRequestParts {
     /** Number of values. */
     uint64_t valueCount;
     /**
-     * Name/text pairs, which values of the same name replace; may be null if pairCount is 0. Their
-     * types are RGEN_TYPE_STRING and RGENH_TYPE_MARKUP.
+     * Texts, of the types RGEN_TYPE_STRING and RGENH_TYPE_MARKUP only, which values of the same
+     * name replace; may be null if pairCount is 0.
      */
     const RgenhValue* pairs;
     /** Number of pairs. */
@@ -428,9 +447,9 @@ typedef struct RgenhRequest RgenhRequest;
  *
  * @param parts  What the request is made of; needed during the call only.
  * @param error  May be null. RgenhError::entry is the index of a wrong value or pair.
- * @return       The request, or null: kind argument for a null or invalid GUID, an unknown type, a
- *               null text, a zero byte in a text, and more than 2^32 - 1 bytes in one value; kind
- *               memory.
+ * @return       The request, or null. Kind argument: an invalid GUID, an unknown type, a pair that
+ *               is not a text, a null pointer with a size, a zero byte in a text, and more than
+ *               2^32 - 1 bytes in one value. Kind memory.
  *
  * Ownership: the caller frees the request with rgenh_freeRequest.
  * Threads: any; several threads may use a request at once.
@@ -461,19 +480,19 @@ RGENH_API const RgenCInputParams* RGEN_CALL rgenh_getRequestInput(const RgenhReq
 RGENH_API void RGEN_CALL rgenh_freeRequest(RgenhRequest* request) RGENH_NOEXCEPT;
 
 /**
- * Replaces the persistent data of a report type with values: texts as they are, other types as a
- * report shows them. Texts are escaped twice, as the library reads them twice.
- *
- * Characters that XML cannot contain become U+FFFD. Handles are skipped.
+ * Replaces the persistent data of a report type with values: plain texts as they are, other types
+ * as a report shows them. Texts are escaped for persistent data as by rgenh_escapeText, and
+ * characters that XML cannot contain become U+FFFD, in names as well. Handles are skipped.
  *
  * @param generator  The handle.
  * @param guid       The report type.
  * @param values     The values; may be null if count is 0.
  * @param count      Number of values; 0 empties the store.
  * @param error      May be null. RgenhError::entry is the index of a wrong value.
- * @return           The status of rgen_setPersistentDataFromCVariantSet. RGEN_E_BAD_PARAMETER with
- *                   the kind argument as in rgenh_newRequest, and for texts that rgenh_isStorable
- *                   refuses for another reason than a replaced character.
+ * @return           The status of rgen_setPersistentDataFromCVariantSet. Kind argument, with
+ *                   nothing stored: what rgenh_newRequest refuses, what rgenh_escapeText refuses
+ *                   for persistent data, a name of more than 1,000,000 bytes, and more than
+ *                   3,333,333 bytes in a value of RGEN_TYPE_BYTE_ARRAY.
  *
  * Threads: any; two writers at the same time may interleave, the last one wins.
  * Units: entries.
@@ -484,15 +503,15 @@ RGENH_API RgenStatus RGEN_CALL rgenh_setPersistentValues(RgenReportGenerator* ge
                                                          RgenhError* error) RGENH_NOEXCEPT;
 
 /**
- * Reads the persistent data of a report type as texts: the counterpart of
- * rgenh_setPersistentValues.
+ * Reads the persistent data of a report type as plain texts: those that
+ * rgenh_setPersistentValues stored.
  *
  * @param generator  The handle.
  * @param guid       The report type.
  * @param pairs      Receives the pairs. Unchanged on failure and if there are none.
  * @param error      May be null.
- * @return           As rgen_getPersistentData, but RGEN_OK for a file without entries, and an error
- *                   of the kind memory if memory for the pairs is exhausted.
+ * @return           The status of rgen_getPersistentData, but RGEN_OK for a file without entries;
+ *                   or see ERRORS. RGEN_E_OPEN_PERSIST if nothing has been stored yet.
  *
  * Ownership: free filled pairs with rgen_freeRgenCAnsiStringSet.
  * Threads: any.
@@ -610,11 +629,13 @@ enum RgenhTextUse {
 };
 
 /**
- * Makes the XML content that the library reads from a text.
+ * Makes from a text the XML content that functions of rgen.h take.
  *
- * For a report, "&" becomes "&amp;"; markup stays as it is. For persistent data, which is read
- * twice, "&" becomes "&amp;amp;", leading and trailing white space becomes references (the library
- * would remove it), and characters that XML cannot contain become U+FFFD.
+ * RGENH_PLAIN: for a report, "&" becomes "&amp;". For persistent data, which is read twice, "&"
+ * becomes "&amp;amp;", white space at both ends becomes references (the library would remove it),
+ * and characters that XML cannot contain become U+FFFD.
+ * RGENH_MARKUP: for a report, the text stays as it is. For persistent data it stays as well, except
+ * for characters that XML cannot contain; it is then read twice, so "&amp;lt;" is shown as "<".
  *
  * @param text    UTF-8.
  * @param size    Its bytes, or RGENH_NULL_TERMINATED.
@@ -622,8 +643,9 @@ enum RgenhTextUse {
  * @param use     One of RgenhTextUse.
  * @param target  Overwritten on success only.
  * @param error   May be null.
- * @return        RGEN_OK. Kind argument: a zero byte; for persistent data also a text that is too
- *                long, and markup with a reference that XML does not know, see rgenh_isStorable.
+ * @return        RGEN_OK, or see ERRORS and TEXTS. For persistent data also kind argument: a text
+ *                that is too long (see rgenh_isStorable), and markup with a reference that XML does
+ *                not know.
  *
  * Ownership: free the target with rgen_freeRgenAnsiString.
  * Threads: any. Units: bytes.
@@ -633,14 +655,16 @@ RGENH_API RgenStatus RGEN_CALL rgenh_escapeText(const char* text, uint64_t size,
                                                 RgenhError* error) RGENH_NOEXCEPT;
 
 /**
- * Makes the text that a translate callback of rgenh_setTranslateFunction returns.
+ * Makes the text that a translate callback of rgenh_setTranslateFunction has to return.
  *
- * RGENH_PLAIN: each of "&", "<", ">" and "'" is escaped unless the original contains it, too; if
- * the original contains "<", the last two stay as well, so that elements may have attributes. An
- * "&" that begins no reference of XML, and "]]>" outside of a CDATA section, are always escaped.
- * "{" and "}" are not: in attributes of the template they delimit an XPath expression.
- * RGENH_MARKUP: the translation stays as it is. In both forms characters that XML cannot contain
- * become U+FFFD, and a translation that equals the original stays unchanged.
+ * A translation that equals the original stays unchanged. In all others, characters that XML cannot
+ * contain become U+FFFD.
+ * RGENH_PLAIN: "&", "<", ">" and "'" are escaped, except for those of the four that the original
+ * contains. If the original contains "<", then ">" and "'" are not escaped, so that the translation
+ * may contain elements with attributes. Always escaped are an "&" that begins no reference of XML,
+ * and "]]>" outside of a CDATA section. Never escaped are "{" and "}", which delimit an XPath
+ * expression in attributes of the template.
+ * RGENH_MARKUP: the translation is not escaped.
  *
  * @param original     The marked text as the callback received it, null-terminated.
  * @param translation  UTF-8.
@@ -648,8 +672,8 @@ RGENH_API RgenStatus RGEN_CALL rgenh_escapeText(const char* text, uint64_t size,
  * @param form         One of RgenhTextForm.
  * @param target       Overwritten on success only.
  * @param error        May be null.
- * @return             RGEN_OK. Kind argument: a zero byte; markup with a reference that XML does
- *                     not know.
+ * @return             RGEN_OK, or see ERRORS and TEXTS. Kind argument: markup with a reference that
+ *                     XML does not know.
  *
  * Ownership: free the target with rgen_freeRgenAnsiString.
  * Threads: any; callbacks may call it. Units: bytes.
@@ -660,7 +684,8 @@ RGENH_API RgenStatus RGEN_CALL rgenh_escapeTranslation(const char* original,
                                                        RgenhError* error) RGENH_NOEXCEPT;
 
 /**
- * Replaces the references of XML content by their characters; every other "&" stays.
+ * Replaces the references of XML content by their characters. An "&" that begins no reference
+ * stays, as does a reference that XML does not know.
  *
  * @param content  XML content, such as a text of rgenh_getPersistentData.
  * @param size     Its bytes, or RGENH_NULL_TERMINATED.
@@ -676,17 +701,18 @@ RGENH_API RgenStatus RGEN_CALL rgenh_unescapeText(const char* content, uint64_t 
                                                   RgenhError* error) RGENH_NOEXCEPT;
 
 /**
- * Tells whether persistent data can contain a text without a change and without damage to other
+ * Tells whether a text can be stored as persistent data unchanged, and without damage to other
  * entries.
  *
  * @param text   The text.
  * @param size   Its bytes, or RGENH_NULL_TERMINATED.
  * @param form   One of RgenhTextForm.
  * @param error  May be null. If the result is 0, its message says why, and its kind is argument.
- * @return       1 if it can; 0 if it contains bytes that are not UTF-8, a character that XML cannot
- *               contain, a zero byte, or (markup) a reference that XML does not know, or if it has
- *               more than 10,000,000 bytes ("&" and white space at its ends count as five); a
- *               negative status for a null text.
+ * @return       1 if it can. 0 if the text contains bytes that are not UTF-8, a character that XML
+ *               cannot contain, a zero byte, or (markup) a reference that XML does not know; or if
+ *               it has more than 10,000,000 bytes, where in a plain text an "&" counts as five
+ *               bytes and white space at an end as four or five. A negative status if another
+ *               argument is wrong or the call fails.
  *
  * Threads: any. Units: bytes.
  */
@@ -694,13 +720,14 @@ RGENH_API int32_t RGEN_CALL rgenh_isStorable(const char* text, uint64_t size, ui
                                              RgenhError* error) RGENH_NOEXCEPT;
 
 /**
- * Reads a GUID from its text: 36 characters in upper or lower case, in braces or not.
+ * Reads a GUID from its text: 36 characters in upper or lower case, with or without braces around
+ * them.
  *
  * @param text   The text.
  * @param size   Its bytes, or RGENH_NULL_TERMINATED.
  * @param guid   Overwritten on success only.
  * @param error  May be null.
- * @return       RGEN_OK; RGEN_E_BAD_PARAMETER if the text is no GUID.
+ * @return       RGEN_OK; RGEN_E_BAD_PARAMETER if the text is not a GUID; or see ERRORS.
  *
  * Threads: any. Units: bytes.
  */
@@ -726,16 +753,16 @@ RGENH_API RgenStatus RGEN_CALL rgenh_formatGuid(const RgenGuid* guid, char* text
 /**
  * Reads a time in the format of ISO 8601.
  *
- * Accepted are "2026-03-09", "2026-03-09T08:14", "2026-03-09T08:14:07" and fractions of a second,
- * which are dropped, each with "Z", "+01:00", "+0100" or "+01" at its end; a blank may replace the
- * "T". Without such an offset the time is local.
+ * Accepted are "2026-03-09", "2026-03-09T08:14", "2026-03-09T08:14:07" and the last one with a
+ * fraction of a second, such as ".25", which is dropped. A blank may replace the "T". Each may end
+ * in an offset from UTC: "Z", "+01:00", "+0100" or "+01". Without an offset the time is local.
  *
  * @param text     The text.
  * @param size     Its bytes, or RGENH_NULL_TERMINATED.
  * @param seconds  Overwritten on success only: seconds since 1970 UTC.
  * @param error    May be null.
- * @return         RGEN_OK; RGEN_E_BAD_PARAMETER for another text, and for times before 1970 and
- *                 after the year 3000 UTC, which reports cannot show.
+ * @return         RGEN_OK; RGEN_E_BAD_PARAMETER for another text, and for a time before 1970 or
+ *                 after the year 3000 (UTC), which reports cannot show; or see ERRORS.
  *
  * Threads: any; for local times the time zone of the process must not change during the call.
  */
@@ -745,11 +772,12 @@ RGENH_API RgenStatus RGEN_CALL rgenh_parseTime(const char* text, uint64_t size, 
 /* ---- Pdf files ------------------------------------------------------------------------------ */
 
 /**
- * Checks a pdf that the converter made: it must begin with "%PDF-" and have "%%EOF" in its last
- * 1024 bytes, and there must be no "<path>.error.txt", in which the converter says why it failed.
+ * Checks a pdf that the converter made: it must begin with "%PDF-" and contain "%%EOF" in its last
+ * 1024 bytes, and the file "<path>.error.txt" must not exist, in which the converter writes why it
+ * failed. Linux: pipes, devices and sockets are not opened.
  *
  * @param path   UTF-8 path of the pdf.
- * @param error  May be null. Its message contains that of the converter.
+ * @param error  May be null. Its message includes that of the converter, if there is one.
  * @return       RGEN_OK; RGEN_E_EXTERNAL_FAILED with the kind RGENH_ERROR_CONVERSION; or see
  *               ERRORS.
  *
@@ -764,10 +792,13 @@ RGENH_API RgenStatus RGEN_CALL rgenh_verifyPdf(const char* path, RgenhError* err
  * loaded. The functions never fail and may be called on any thread at any time.
  */
 
-/** The text of rgen_getStatusCodeDescription; any number. Never null. */
+/** The text of rgen_getStatusCodeDescription for any number. Never null. */
 RGENH_API const char* RGEN_CALL rgenh_getStatusText(RgenStatus status) RGENH_NOEXCEPT;
 
-/** The name in rgen_status.h, "RGEN_E_EMPTY_INPUT"; empty for a number without one. Never null. */
+/**
+ * The name in rgen_status.h, such as "RGEN_E_EMPTY_INPUT"; empty for a number without a name. Never
+ * null.
+ */
 RGENH_API const char* RGEN_CALL rgenh_getStatusName(RgenStatus status) RGENH_NOEXCEPT;
 
 /**
@@ -777,7 +808,10 @@ RGENH_API const char* RGEN_CALL rgenh_getStatusName(RgenStatus status) RGENH_NOE
 RGENH_API const char* RGEN_CALL rgenh_getStatusCause(RgenStatus status,
                                                      uint64_t index) RGENH_NOEXCEPT;
 
-/** What to do about a status, one sentence; empty for a number without a name. Never null. */
+/**
+ * What to do about a status, one sentence, which may name a command of the program rgen; empty for
+ * a number without a name. Never null.
+ */
 RGENH_API const char* RGEN_CALL rgenh_getStatusNextStep(RgenStatus status) RGENH_NOEXCEPT;
 
 /**
@@ -811,9 +845,9 @@ typedef struct RgenhVersions {
 /**
  * Tells which libraries are loaded.
  *
- * @param versions  Overwritten but for its size.
+ * @param versions  Overwritten on success, except for its size.
  * @param error     May be null.
- * @return          RGEN_OK; RGEN_E_BAD_PARAMETER for null or too small a record.
+ * @return          RGEN_OK; RGEN_E_BAD_PARAMETER if the record's size is too small; or see ERRORS.
  *
  * Threads: any.
  */
@@ -822,21 +856,21 @@ RGENH_API RgenStatus RGEN_CALL rgenh_getVersions(RgenhVersions* versions,
 
 /* ---- Values in C and C++ -------------------------------------------------------------------- */
 
-/** A plain text. Both texts are null-terminated and not copied. */
+/** A plain text. Name and text are null-terminated and not copied. */
 static inline RgenhValue rgenh_textValue(const char* name, const char* text) RGENH_NOEXCEPT {
     RgenhValue value = {name, RGENH_NULL_TERMINATED, RGEN_TYPE_STRING, RGEN_HINT_GENERIC, 0,
                         text, RGENH_NULL_TERMINATED};
     return value;
 }
 
-/** An integer, or with the hints of times seconds since 1970 UTC. The name is not copied. */
+/** An integer; for the hints of times it is seconds since 1970 UTC. The name is not copied. */
 static inline RgenhValue rgenh_integerValue(const char* name, int64_t number,
                                             uint64_t hint) RGENH_NOEXCEPT {
     RgenhValue value = {name, RGENH_NULL_TERMINATED, RGEN_TYPE_INT64, hint, number, NULL, 0};
     return value;
 }
 
-/** Bytes, which are not copied, as the name is not. */
+/** Bytes. They and the name are not copied. */
 static inline RgenhValue rgenh_bytesValue(const char* name, const void* bytes,
                                           uint64_t size) RGENH_NOEXCEPT {
     RgenhValue value = {name, RGENH_NULL_TERMINATED, RGEN_TYPE_BYTE_ARRAY, RGEN_HINT_DUMP, 0, bytes,

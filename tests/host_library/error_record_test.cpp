@@ -53,6 +53,29 @@ TEST_F(ErrorRecord, OfTooSmallASizeStaysUnchangedAndNothingIsDone) {
     EXPECT_EQ("still the old folder", bytesOf({rgenh_textValue("v", "x")}));
 }
 
+TEST_F(ErrorRecord, OfTooSmallASizeKeepsEveryFunctionFromItsWork) {
+    RgenhError small = {};
+    small.size = RGENH_ERROR_SIZE - 1;
+    const HostRequest request({rgenh_textValue("v", "x")});
+    RgenhRequestParts parts = {};
+    parts.size = sizeof parts;
+    EXPECT_EQ(nullptr, rgenh_newRequest(&parts, &small));
+    EXPECT_EQ(nullptr, rgenh_startReport(host, request.get(), nullptr, nullptr, &small));
+    HostResult result;
+    EXPECT_EQ(RGEN_E_BAD_PARAMETER,
+              rgenh_generateReport(host, request.input(), &result.record, &small));
+    EXPECT_EQ(RGEN_E_BAD_PARAMETER, rgenh_freeReportGenerator(host, &small));
+    EXPECT_EQ(RGEN_E_BAD_PARAMETER, rgenh_setTranslator(host, nullptr, nullptr, 2, &small));
+    EXPECT_EQ(RGEN_E_BAD_PARAMETER, rgenh_isStorable("\xFF", 1, RGENH_PLAIN, &small));
+    RgenhJob* const job = rgenh_startReport(host, request.get(), nullptr, nullptr, &error);
+    EXPECT_EQ(RGEN_E_BAD_PARAMETER, rgenh_waitForJob(job, 0, &small));
+    EXPECT_EQ(RGEN_E_BAD_PARAMETER, rgenh_cancelJob(job, &small));
+    EXPECT_EQ(RGEN_E_BAD_PARAMETER, rgenh_takeJobResult(job, &result.record, &small));
+    EXPECT_EQ(std::uint64_t{RGEN_TYPE_EMPTY}, result.record.type);
+    EXPECT_EQ(RGENH_ERROR_NONE, small.kind);
+    rgenh_freeJob(job);
+}
+
 TEST_F(ErrorRecord, OfALaterVersionIsAccepted) {
     error.size = sizeof error + 100;
     EXPECT_EQ(RGEN_E_DIR_NOT_FOUND, rgenh_setDataDirPath(host, folder.file("no").c_str(), &error));

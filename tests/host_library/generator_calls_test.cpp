@@ -139,6 +139,20 @@ TEST_F(GuardedCalls, CancelARunningReport) {
     EXPECT_EQ(RGEN_OK, rgenh_cancel(host, nullptr, nullptr));
 }
 
+TEST_F(GuardedCalls, ThatFailToSetADataDirectoryKeepThePreviousOne) {
+    putTemplate(textStylesheet("still the old folder"));
+    ASSERT_EQ(RGEN_E_DIR_NOT_FOUND,
+              rgenh_setDataDirPath(host, folder.file("missing").c_str(), &error));
+    ASSERT_EQ(RGEN_E_UNKNOWN, rgenh_setDataDirPath(host, "\xFF", &error));
+    const HostRequest request({rgenh_textValue("v", "x")});
+    EXPECT_EQ("still the old folder", bytesOf(request.get()));
+    RgenhJob* const job = rgenh_startReport(host, request.get(), nullptr, nullptr, &error);
+    HostResult result;
+    EXPECT_EQ(RGEN_OK, rgenh_takeJobResult(job, &result.record, &error)) << error.message;
+    EXPECT_EQ("still the old folder", result.bytes());
+    rgenh_freeJob(job);
+}
+
 TEST_F(GuardedCalls, FreeingNullDoesNothing) {
     EXPECT_EQ(RGEN_OK, rgenh_freeReportGenerator(nullptr, &error));
     rgenh_freeRequest(nullptr);

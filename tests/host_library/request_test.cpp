@@ -124,6 +124,10 @@ TEST_F(Requests, NameTheValueThatIsWrong) {
     expectRefused("\"a\": a byte array is null", rgenh_bytesValue("a", nullptr, 1));
     expectRefused("\"a\": a value is longer than 4,294,967,295 bytes",
                   rgenh_bytesValue("a", "x", 0x100000000));
+    expectRefused("a name is longer than 4,294,967,295 bytes",
+                  {"a", 0x100000000, RGEN_TYPE_STRING, 0, 0, "x", 1});
+    expectRefused("\"a\": a text is longer than 4,294,967,295 bytes",
+                  valueOfType("a", RGEN_TYPE_STRING, "x", UINT64_MAX - 1));
     expectRefused("\"a\": a value has the unknown type 6", valueOfType("a", 6, "x", 1));
     expectRefused("\"a\": a value has the unknown type 0",
                   valueOfType("a", RGEN_TYPE_EMPTY, "x", 1));

@@ -69,6 +69,16 @@ TEST_F(Translators, ThatReturnNullLeaveTheRestUntranslatedAndFailTheReport) {
     EXPECT_EQ(std::uint64_t{RGEN_TYPE_EMPTY}, result.record.type);
 }
 
+TEST_F(Translators, ThatFailDoNotHideAnotherFailure) {
+    putTemplate(textStylesheet(marked("bad") + "<xsl:message terminate=\"yes\"/>"));
+    int calls = 0;
+    ASSERT_EQ(RGEN_OK, rgenh_setTranslateFunction(host, failForBad, &calls, &error));
+    EXPECT_NE("the translate callback failed", bytesOf({rgenh_textValue("v", "x")}));
+    EXPECT_EQ(RGEN_E_XSLT_APPLY, error.status);
+    EXPECT_EQ(RGENH_ERROR_STATUS, error.kind);
+    EXPECT_EQ(1, calls);
+}
+
 TEST_F(Translators, ThatFailDoNotFailTheNextReport) {
     putTemplate(textStylesheet(marked("bad")));
     int calls = 0;
