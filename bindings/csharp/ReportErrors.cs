@@ -53,61 +53,34 @@ namespace StrataRepgenlib
         }
 
         /// <summary>The kind of the failure.</summary>
-        public ReportErrorKind Kind
-        {
-            get { return failure.Kind; }
-        }
+        public ReportErrorKind Kind => failure.Kind;
 
         /// <summary>The status of the call: negative, one of RgenStatus.</summary>
-        public int Status
-        {
-            get { return failure.Status; }
-        }
+        public int Status => failure.Status;
 
         /// <summary>The name of the status, "RGEN_E_TEMPLATE_NOT_FOUND".</summary>
-        public string Name
-        {
-            get { return ReportStatus.Name(Status); }
-        }
+        public string Name => ReportStatus.Name(Status);
 
         /// <summary>The library's description of the status in English.</summary>
-        public string Text
-        {
-            get { return ReportStatus.Text(Status); }
-        }
+        public string Text => ReportStatus.Text(Status);
 
         /// <summary>What to do about the status, one sentence.</summary>
-        public string NextStep
-        {
-            get { return ReportStatus.NextStep(Status); }
-        }
+        public string NextStep => ReportStatus.NextStep(Status);
 
         /// <summary>The path that the failure is about; empty if there is none.</summary>
-        public string Path
-        {
-            get { return failure.Path; }
-        }
+        public string Path => failure.Path;
 
         /// <summary>The name of the wrong value or pair; null if the failure concerns
         /// none.</summary>
-        public string Key
-        {
-            get { return failure.Key; }
-        }
+        public string Key => failure.Key;
 
         /// <summary>The position of the wrong argument of the library's function in rgen_host.h,
         /// from 1 on; 0 if no single argument is wrong.</summary>
-        public int Argument
-        {
-            get { return failure.Argument; }
-        }
+        public int Argument => failure.Argument;
 
         /// <summary>The error number of the operating system (Linux: errno, Windows: GetLastError);
         /// 0 if there is none.</summary>
-        public long SystemError
-        {
-            get { return failure.SystemError; }
-        }
+        public long SystemError => failure.SystemError;
 
         internal static ReportException Create(ReportFailure failure)
         {
@@ -131,10 +104,7 @@ namespace StrataRepgenlib
         }
 
         /// <summary>True if the generation was cancelled.</summary>
-        public bool IsCancellation
-        {
-            get { return Status == RgenStatus.RGEN_CANCELED; }
-        }
+        public bool IsCancellation => Status == RgenStatus.RGEN_CANCELED;
     }
 
     /// <summary>The converter made no complete pdf. The message contains that of the
