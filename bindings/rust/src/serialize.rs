@@ -33,6 +33,13 @@ fn variant_of(name: &str, node: Node) -> Node {
     Node::Object(vec![(name.to_string(), node)])
 }
 
+fn in_variant(variant: Option<&str>, node: Node) -> Node {
+    match variant {
+        Some(name) => variant_of(name, node),
+        None => node,
+    }
+}
+
 fn text(text: impl Into<String>) -> Done {
     Ok(Node::Value(Value::Text(text.into())))
 }
@@ -187,11 +194,7 @@ impl Entries {
     }
 
     fn done(self) -> Done {
-        let list = Node::List(self.nodes);
-        Ok(match self.variant {
-            Some(variant) => variant_of(variant, list),
-            None => list,
-        })
+        Ok(in_variant(self.variant, Node::List(self.nodes)))
     }
 }
 
@@ -209,11 +212,7 @@ impl Members {
     }
 
     fn done(self) -> Done {
-        let object = Node::Object(self.members);
-        Ok(match self.variant {
-            Some(variant) => variant_of(variant, object),
-            None => object,
-        })
+        Ok(in_variant(self.variant, Node::Object(self.members)))
     }
 }
 
