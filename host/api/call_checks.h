@@ -17,15 +17,19 @@ struct PassedPointer {
     const char* name;
 };
 
+/// Whether this argument of a function is null; the record then says so.
+inline bool isNull(const PassedPointer& passed, int argument, ErrorRecord& record) {
+    if (passed.pointer != nullptr) return false;
+    record.say(passed.name).say(" is null");
+    record.failArgument(argument);
+    return true;
+}
+
 /// Whether one of the first arguments of a function is null; the record then says which one.
 inline bool hasNull(std::initializer_list<PassedPointer> pointers, ErrorRecord& record) {
     int argument = 0;
     for (const PassedPointer& passed : pointers) {
-        ++argument;
-        if (passed.pointer != nullptr) continue;
-        record.say(passed.name).say(" is null");
-        record.failArgument(argument);
-        return true;
+        if (isNull(passed, ++argument, record)) return true;
     }
     return false;
 }

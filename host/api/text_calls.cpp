@@ -66,10 +66,7 @@ extern "C" {
 RgenStatus RGEN_CALL rgenh_escapeText(const char* text, uint64_t size, uint64_t form, uint64_t use,
                                       RgenAnsiString* target, RgenhError* error) noexcept {
     return guarded(error, [&](ErrorRecord& record) -> RgenStatus {
-        if (target == nullptr) {
-            record.say("target is null");
-            return record.failArgument(5);
-        }
+        if (isNull({target, "target"}, 5, record)) return RGEN_E_BAD_PARAMETER;
         requireForm(form, 3);
         requireOneOf(use, RGENH_FOR_PERSISTENT_DATA, "use is not one of RgenhTextUse", 4);
         record.setArgument(1);
@@ -84,10 +81,7 @@ RgenStatus RGEN_CALL rgenh_escapeTranslation(const char* original, const char* t
                                              RgenhError* error) noexcept {
     return guarded(error, [&](ErrorRecord& record) -> RgenStatus {
         if (hasNull({{original, "original"}}, record)) return RGEN_E_BAD_PARAMETER;
-        if (target == nullptr) {
-            record.say("target is null");
-            return record.failArgument(5);
-        }
+        if (isNull({target, "target"}, 5, record)) return RGEN_E_BAD_PARAMETER;
         requireForm(form, 4);
         record.setArgument(2);
         const std::string_view text = hostText(translation, size, "translation");
@@ -100,10 +94,7 @@ RgenStatus RGEN_CALL rgenh_escapeTranslation(const char* original, const char* t
 RgenStatus RGEN_CALL rgenh_unescapeText(const char* content, uint64_t size, RgenAnsiString* target,
                                         RgenhError* error) noexcept {
     return guarded(error, [&](ErrorRecord& record) -> RgenStatus {
-        if (target == nullptr) {
-            record.say("target is null");
-            return record.failArgument(3);
-        }
+        if (isNull({target, "target"}, 3, record)) return RGEN_E_BAD_PARAMETER;
         return createText(withoutReferences(hostText(content, size, "content", 1)), *target);
     });
 }
@@ -112,10 +103,7 @@ int32_t RGEN_CALL rgenh_isStorable(const char* text, uint64_t size, uint64_t for
                                    RgenhError* error) noexcept {
     bool isText = false;
     const RgenStatus status = guarded(error, [&](ErrorRecord& record) -> RgenStatus {
-        if (text == nullptr && size != 0) {
-            record.say("text is null");
-            return record.failArgument(1);
-        }
+        if (size != 0 && isNull({text, "text"}, 1, record)) return RGEN_E_BAD_PARAMETER;
         requireForm(form, 3);
         isText = true;
         record.setArgument(1);
@@ -129,10 +117,7 @@ int32_t RGEN_CALL rgenh_isStorable(const char* text, uint64_t size, uint64_t for
 RgenStatus RGEN_CALL rgenh_parseGuid(const char* text, uint64_t size, RgenGuid* guid,
                                      RgenhError* error) noexcept {
     return guarded(error, [&](ErrorRecord& record) -> RgenStatus {
-        if (guid == nullptr) {
-            record.say("guid is null");
-            return record.failArgument(3);
-        }
+        if (isNull({guid, "guid"}, 3, record)) return RGEN_E_BAD_PARAMETER;
         *guid = requiredGuid(hostText(text, size, "text", 1), 1);
         return RGEN_OK;
     });
@@ -152,10 +137,7 @@ RgenStatus RGEN_CALL rgenh_formatGuid(const RgenGuid* guid, char* text,
 RgenStatus RGEN_CALL rgenh_parseTime(const char* text, uint64_t size, int64_t* seconds,
                                      RgenhError* error) noexcept {
     return guarded(error, [&](ErrorRecord& record) -> RgenStatus {
-        if (seconds == nullptr) {
-            record.say("seconds is null");
-            return record.failArgument(3);
-        }
+        if (isNull({seconds, "seconds"}, 3, record)) return RGEN_E_BAD_PARAMETER;
         record.setArgument(1);
         *seconds = parseTime(hostText(text, size, "text"));
         record.setArgument(0);

@@ -16,11 +16,9 @@ struct NullCase {
 
 class NullArguments : public HostLibraryTest {
 protected:
-    std::vector<NullCase> generatorCases() {
-        const RgenCInputParams* const in = input.get();
-        const char* const path = "x";
+    std::vector<NullCase> settingCases() {
         return {
-            {"setDataDirPath", 1, [=](auto* e) { return rgenh_setDataDirPath(nullptr, path, e); }},
+            {"setDataDirPath", 1, [](auto* e) { return rgenh_setDataDirPath(nullptr, "x", e); }},
             {"setDataDirPath", 2,
              [this](auto* e) { return rgenh_setDataDirPath(host, nullptr, e); }},
             {"setTranslateFunction", 1,
@@ -31,69 +29,15 @@ protected:
              [](auto* e) {
                  return rgenh_setTranslator(nullptr, translateWithPrefix, nullptr, 0, e);
              }},
-            {"cancel", 1, [](auto* e) { return rgenh_cancel(nullptr, nullptr, e); }},
-            {"generateReport", 1,
-             [=](auto* e) { return rgenh_generateReport(nullptr, in, &record, e); }},
-            {"generateReport", 2,
-             [this](auto* e) { return rgenh_generateReport(host, nullptr, &record, e); }},
-            {"generateReport", 3,
-             [=](auto* e) { return rgenh_generateReport(host, in, nullptr, e); }},
-            {"getSimulatedRawDataFromFile", 1,
-             [=](auto* e) { return rgenh_getSimulatedRawDataFromFile(nullptr, path, &set, e); }},
-            {"getSimulatedRawDataFromFile", 2,
-             [this](auto* e) { return rgenh_getSimulatedRawDataFromFile(host, nullptr, &set, e); }},
-            {"getSimulatedRawDataFromFile", 3,
-             [=](auto* e) { return rgenh_getSimulatedRawDataFromFile(host, path, nullptr, e); }},
-            {"dumpRawInputDataToFile", 1,
-             [=](auto* e) { return rgenh_dumpRawInputDataToFile(nullptr, in, path, e); }},
-            {"dumpRawInputDataToFile", 2,
-             [=](auto* e) { return rgenh_dumpRawInputDataToFile(host, nullptr, path, e); }},
-            {"dumpRawInputDataToFile", 3,
-             [=](auto* e) { return rgenh_dumpRawInputDataToFile(host, in, nullptr, e); }}};
+            {"cancel", 1, [](auto* e) { return rgenh_cancel(nullptr, nullptr, e); }}};
     }
 
-    std::vector<NullCase> persistentCases() {
-        return {
-            {"getPersistentData", 1,
-             [this](auto* e) { return rgenh_getPersistentData(nullptr, &guid, &pairs, e); }},
-            {"getPersistentData", 2,
-             [this](auto* e) { return rgenh_getPersistentData(host, nullptr, &pairs, e); }},
-            {"getPersistentTexts", 1,
-             [this](auto* e) { return rgenh_getPersistentTexts(nullptr, &guid, &pairs, e); }},
-            {"getPersistentTexts", 2,
-             [this](auto* e) { return rgenh_getPersistentTexts(host, nullptr, &pairs, e); }},
-            {"getPersistentTexts", 3,
-             [this](auto* e) { return rgenh_getPersistentTexts(host, &guid, nullptr, e); }},
-            {"setPersistentDataFromAnsiStringPairSet", 1,
-             [this](auto* e) {
-                 return rgenh_setPersistentDataFromAnsiStringPairSet(nullptr, &guid, &pairs, e);
-             }},
-            {"setPersistentDataFromAnsiStringPairSet", 2,
-             [this](auto* e) {
-                 return rgenh_setPersistentDataFromAnsiStringPairSet(host, nullptr, &pairs, e);
-             }},
-            {"setPersistentDataFromAnsiStringPairSet", 3,
-             [this](auto* e) {
-                 return rgenh_setPersistentDataFromAnsiStringPairSet(host, &guid, nullptr, e);
-             }},
-            {"setPersistentDataFromCVariantSet", 1,
-             [this](auto* e) {
-                 return rgenh_setPersistentDataFromCVariantSet(nullptr, &guid, &set, e);
-             }},
-            {"setPersistentDataFromCVariantSet", 2,
-             [this](auto* e) {
-                 return rgenh_setPersistentDataFromCVariantSet(host, nullptr, &set, e);
-             }},
-            {"setPersistentDataFromCVariantSet", 3,
-             [this](auto* e) {
-                 return rgenh_setPersistentDataFromCVariantSet(host, &guid, nullptr, e);
-             }},
-            {"setPersistentValues", 1,
-             [this](auto* e) { return rgenh_setPersistentValues(nullptr, &guid, nullptr, 0, e); }},
-            {"setPersistentValues", 2,
-             [this](auto* e) { return rgenh_setPersistentValues(host, nullptr, nullptr, 0, e); }},
-            {"setPersistentValues", 3,
-             [this](auto* e) { return rgenh_setPersistentValues(host, &guid, nullptr, 1, e); }}};
+    // The cases of a function of a generator and two more pointers.
+    template <typename Call, typename Second, typename Third>
+    std::vector<NullCase> casesOf(const char* label, Call call, Second second, Third third) {
+        return {{label, 1, [=](auto* e) { return call(nullptr, second, third, e); }},
+                {label, 2, [=](auto* e) { return call(host, nullptr, third, e); }},
+                {label, 3, [=](auto* e) { return call(host, second, nullptr, e); }}};
     }
 
     std::vector<NullCase> textCases() {
@@ -136,6 +80,7 @@ protected:
     }
 
     RgenCVariant record = {};
+    RgenhValue value = {};
     RgenCVariantSet set = {};
     RgenCAnsiStringPairSet pairs = {};
     RgenAnsiString text = {};
@@ -145,11 +90,29 @@ protected:
 };
 
 TEST_F(NullArguments, OfGeneratorCallsAreNamed) {
-    expectRefused(generatorCases());
+    expectRefused(settingCases());
+    const RgenCInputParams* const in = input.get();
+    expectRefused(casesOf("generateReport", rgenh_generateReport, in, &record));
+    expectRefused(
+        casesOf("getSimulatedRawDataFromFile", rgenh_getSimulatedRawDataFromFile, "x", &set));
+    expectRefused(casesOf("dumpRawInputDataToFile", rgenh_dumpRawInputDataToFile, in, "x"));
 }
 
 TEST_F(NullArguments, OfPersistentDataAreNamed) {
-    expectRefused(persistentCases());
+    std::vector<NullCase> reading =
+        casesOf("getPersistentData", rgenh_getPersistentData, &guid, &pairs);
+    reading.pop_back();  // The record may be null.
+    expectRefused(reading);
+    expectRefused(casesOf("getPersistentTexts", rgenh_getPersistentTexts, &guid, &pairs));
+    expectRefused(casesOf("setPersistentDataFromAnsiStringPairSet",
+                          rgenh_setPersistentDataFromAnsiStringPairSet, &guid, &pairs));
+    expectRefused(casesOf("setPersistentDataFromCVariantSet",
+                          rgenh_setPersistentDataFromCVariantSet, &guid, &set));
+    const auto setOneValue = [](RgenReportGenerator* handle, const RgenGuid* type,
+                                const RgenhValue* values, RgenhError* e) {
+        return rgenh_setPersistentValues(handle, type, values, 1, e);
+    };
+    expectRefused(casesOf("setPersistentValues", setOneValue, &guid, &value));
 }
 
 TEST_F(NullArguments, OfTextsAndJobsAreNamed) {
