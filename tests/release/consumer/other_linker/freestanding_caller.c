@@ -4,20 +4,11 @@
  *
  * SPDX-License-Identifier: MIT
  */
+#include "freestanding.h"
 #include "strata_repgenlib/rgen_host.h"
 
 /* Static: a function with more than a page of variables would call the C runtime. */
 static RgenhError error;
-
-static int sameText(const char* left, const char* right) {
-    while (*left != 0 && *left == *right) {
-        ++left;
-        ++right;
-    }
-    return *left == *right;
-}
-
-int start(void);
 
 int start(void) {
     RgenReportGenerator* generator;

@@ -4,17 +4,8 @@
  *
  * SPDX-License-Identifier: MIT
  */
+#include "freestanding.h"
 #include "strata_repgenlib/rgen.h"
-
-static int sameText(const char* left, const char* right) {
-    while (*left != 0 && *left == *right) {
-        ++left;
-        ++right;
-    }
-    return *left == *right;
-}
-
-int start(void);
 
 int start(void) {
     RgenReportGenerator* generator = rgen_newReportGenerator();
