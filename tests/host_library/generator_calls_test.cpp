@@ -13,20 +13,19 @@ TEST_F(GuardedCalls, GenerateTheSameBytes) {
     InputParams same;
     same.variants().addInt64("a", 4096, RGEN_HINT_ADDRESS).addString("b", " &amp; <");
     const Report expected = report(same);
-    HostResult result;
-    EXPECT_EQ(RGEN_OK, rgenh_generateReport(host, same.get(), &result.record, &error));
+    Result result;
+    EXPECT_EQ(RGEN_OK, rgenh_generateReport(host, same.get(), result.get(), &error));
     EXPECT_EQ(expected.bytes, result.bytes());
-    EXPECT_EQ("Return stub name", toText(result.record.name));
-    EXPECT_EQ(std::uint64_t{RGEN_HINT_DUMP}, result.record.hint);
+    EXPECT_EQ("Return stub name", toText(result.record().name));
+    EXPECT_EQ(std::uint64_t{RGEN_HINT_DUMP}, result.record().hint);
 }
 
 TEST_F(GuardedCalls, TakeAHandleOfTheFirstLibrary) {
     putTemplate(textStylesheet("plain"));
     InputParams request;
     request.variants().addString("v", "x");
-    HostResult result;
-    EXPECT_EQ(RGEN_OK,
-              rgenh_generateReport(generator.get(), request.get(), &result.record, &error));
+    Result result;
+    EXPECT_EQ(RGEN_OK, rgenh_generateReport(generator.get(), request.get(), result.get(), &error));
     EXPECT_EQ("plain", result.bytes());
     EXPECT_EQ(RGEN_E_BAD_PARAMETER,
               rgenh_setTranslateFunction(generator.get(), translateWithPrefix, nullptr, &error));
@@ -58,19 +57,19 @@ TEST_F(GuardedCalls, ReturnAnOpenFile) {
     InputParams request;
     request.variants().addString("v", "x");
     request.output(RGEN_OUTPUT_DELETE_ON_CLOSE, folder.file("open.html"));
-    HostResult result;
-    ASSERT_EQ(RGEN_OK, rgenh_generateReport(host, request.get(), &result.record, &error));
-    ASSERT_EQ(std::uint64_t{RGEN_TYPE_HANDLE}, result.record.type);
-    EXPECT_TRUE(closesOnBytes(result.record.value.handleValue, "open"));
+    Result result;
+    ASSERT_EQ(RGEN_OK, rgenh_generateReport(host, request.get(), result.get(), &error));
+    ASSERT_EQ(std::uint64_t{RGEN_TYPE_HANDLE}, result.record().type);
+    EXPECT_TRUE(closesOnBytes(result.record().value.handleValue, "open"));
     EXPECT_FALSE(exists(folder.file("open.html")));
 }
 
 TEST_F(GuardedCalls, ReturnTheStatusesOfTheLibrary) {
-    HostResult result;
+    Result result;
     InputParams request;
     request.variants().addString("v", "x");
     const auto statusOf = [&] {
-        return statusHex(rgenh_generateReport(host, request.get(), &result.record, &error));
+        return statusHex(rgenh_generateReport(host, request.get(), result.get(), &error));
     };
     EXPECT_EQ(statusHex(RGEN_E_TEMPLATE_NOT_FOUND), statusOf());
     putTemplate("<no stylesheet");
@@ -127,10 +126,10 @@ TEST_F(GuardedCalls, DumpAndSimulate) {
 
 TEST_F(GuardedCalls, CancelARunningReport) {
     converter.obey(waiting({}));
-    HostResult result;
+    Result result;
     RgenStatus status = RGEN_OK;
     std::thread thread(
-        [&] { status = rgenh_generateReport(host, input.get(), &result.record, &error); });
+        [&] { status = rgenh_generateReport(host, input.get(), result.get(), &error); });
     ASSERT_TRUE(waitForStarted());
     EXPECT_EQ(RGEN_OK, rgenh_cancel(host, &guid, nullptr));
     thread.join();

@@ -3,12 +3,6 @@
 
 namespace rgen_test {
 
-std::string HostResult::bytes() const {
-    if (record.type != RGEN_TYPE_BYTE_ARRAY) return {};
-    const RgenByteArray& array = record.value.byteArrayValue;
-    return {array.data, array.data + array.size};
-}
-
 HostRequest::HostRequest(const std::vector<RgenhValue>& values, const std::string& format,
                          const std::string& outputPath) {
     RgenhRequestParts parts = {};
@@ -42,9 +36,9 @@ std::string HostLibraryTest::kindAndArgument() const {
 }
 
 std::string HostLibraryTest::bytesOf(const RgenhRequest* request) {
-    HostResult result;
+    Result result;
     const RgenStatus status =
-        rgenh_generateReport(host, rgenh_getRequestInput(request), &result.record, &error);
+        rgenh_generateReport(host, rgenh_getRequestInput(request), result.get(), &error);
     return status < 0 ? error.message : result.bytes();
 }
 

@@ -12,20 +12,6 @@
 
 namespace rgen_test {
 
-// A result record, freed with its scope.
-class HostResult {
-public:
-    HostResult() = default;
-    ~HostResult() { rgen_freeRgenCVariant(&record); }
-    HostResult(const HostResult&) = delete;
-    HostResult& operator=(const HostResult&) = delete;
-
-    // The bytes of mode 2.
-    std::string bytes() const;
-
-    RgenCVariant record = {};
-};
-
 // A request of the host library, freed with its scope.
 class HostRequest {
 public:

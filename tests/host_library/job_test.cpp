@@ -50,8 +50,8 @@ protected:
 
     // The bytes of a job in mode 2, or the message of its error; frees the job.
     std::string finish(RgenhJob* job) {
-        HostResult result;
-        const RgenStatus status = rgenh_takeJobResult(job, &result.record, &error);
+        Result result;
+        const RgenStatus status = rgenh_takeJobResult(job, result.get(), &error);
         rgenh_freeJob(job);
         return status < 0 ? error.message : result.bytes();
     }
@@ -83,13 +83,13 @@ TEST_F(Jobs, ReturnErrorsWithoutAStatus) {
 TEST_F(Jobs, GiveTheirResultToTheFirstThatTakesIt) {
     const HostRequest request({rgenh_textValue("v", "x")});
     RgenhJob* const job = start(request);
-    HostResult first;
-    HostResult second;
+    Result first;
+    Result second;
     EXPECT_EQ(RGEN_OK, rgenh_takeJobResult(job, nullptr, nullptr));
-    EXPECT_EQ(RGEN_OK, rgenh_takeJobResult(job, &first.record, &error));
-    EXPECT_EQ(RGEN_OK, rgenh_takeJobResult(job, &second.record, &error));
+    EXPECT_EQ(RGEN_OK, rgenh_takeJobResult(job, first.get(), &error));
+    EXPECT_EQ(RGEN_OK, rgenh_takeJobResult(job, second.get(), &error));
     EXPECT_EQ("x", first.bytes());
-    EXPECT_EQ(std::uint64_t{RGEN_TYPE_EMPTY}, second.record.type);
+    EXPECT_EQ(std::uint64_t{RGEN_TYPE_EMPTY}, second.record().type);
     rgenh_freeJob(job);
 }
 
@@ -207,8 +207,8 @@ TEST_F(Jobs, CancelledAtAnyMomentEndAsCancelledOrAsTheyAre) {
     for (int round = 0; round < rounds; ++round) {
         RgenhJob* const job = start(request);
         EXPECT_EQ(RGEN_OK, rgenh_cancelJob(job, &error));
-        HostResult result;
-        const RgenStatus status = rgenh_takeJobResult(job, &result.record, &error);
+        Result result;
+        const RgenStatus status = rgenh_takeJobResult(job, result.get(), &error);
         EXPECT_TRUE(status == RGEN_CANCELED || (status == RGEN_OK && result.bytes() == "x"));
         rgenh_freeJob(job);
     }

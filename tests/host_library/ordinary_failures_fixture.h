@@ -28,8 +28,8 @@ protected:
     }
 
     RgenStatus generate() {
-        HostResult result;
-        return rgenh_generateReport(host, input.get(), &result.record, &error);
+        Result result;
+        return rgenh_generateReport(host, input.get(), result.get(), &error);
     }
 
     RgenStatus generateInto(const std::string& format, const std::string& path) {
@@ -43,8 +43,8 @@ protected:
     RgenStatus generateIn(const std::string& parent) {
         RgenReportGenerator* other = rgenh_newReportGenerator(&error);
         RgenStatus status = rgenh_setDataDirPath(other, parent.c_str(), &error);
-        HostResult result;
-        if (status >= 0) status = rgenh_generateReport(other, input.get(), &result.record, &error);
+        Result result;
+        if (status >= 0) status = rgenh_generateReport(other, input.get(), result.get(), &error);
         rgenh_freeReportGenerator(other, nullptr);
         return status;
     }
@@ -57,8 +57,8 @@ protected:
 
     void restore() {
         putTemplateName("test_stylesheet.xsl");
-        HostResult result;
-        EXPECT_EQ(RGEN_OK, rgenh_generateReport(host, input.get(), &result.record, &error))
+        Result result;
+        EXPECT_EQ(RGEN_OK, rgenh_generateReport(host, input.get(), result.get(), &error))
             << error.message;
         EXPECT_EQ("works", result.bytes());
     }

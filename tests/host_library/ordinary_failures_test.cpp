@@ -45,11 +45,11 @@ TEST_F(OrdinaryFailures, OfEncodingNameTheArgumentAndTheText) {
 TEST_F(OrdinaryFailures, WithoutADataDirectoryAreErrorsOfTheFileSystem) {
     RgenReportGenerator* fresh = rgenh_newReportGenerator(&error);
     RgenCAnsiStringPairSet pairs = {};
-    HostResult result;
+    Result result;
     PairSet none;
     VariantSet values;
     expectFailures({
-        {"report", [&] { return rgenh_generateReport(fresh, input.get(), &result.record, &error); },
+        {"report", [&] { return rgenh_generateReport(fresh, input.get(), result.get(), &error); },
          RGENH_ERROR_FILE_SYSTEM},
         {"get", [&] { return rgenh_getPersistentData(fresh, &guid, &pairs, &error); },
          RGENH_ERROR_FILE_SYSTEM},
@@ -66,7 +66,7 @@ TEST_F(OrdinaryFailures, WithoutADataDirectoryAreErrorsOfTheFileSystem) {
         {"set bulk", [&] { return rgenh_setPersistentValues(fresh, &guid, nullptr, 0, &error); },
          RGENH_ERROR_FILE_SYSTEM},
     });
-    ASSERT_GT(0, rgenh_generateReport(fresh, input.get(), &result.record, &error));
+    ASSERT_GT(0, rgenh_generateReport(fresh, input.get(), result.get(), &error));
     EXPECT_EQ(0U, std::string(error.message).find("the data directory is not set: "));
     rgenh_freeReportGenerator(fresh, nullptr);
 }
@@ -109,9 +109,9 @@ TEST_F(OrdinaryFailures, OfFoldersAndFilesAtTheWrongPlace) {
              RgenReportGenerator* other = rgenh_newReportGenerator(&error);
              EXPECT_EQ(RGEN_OK, rgenh_setDataDirPath(other, gone.c_str(), &error));
              removeAll(gone);
-             HostResult result;
+             Result result;
              const RgenStatus status =
-                 rgenh_generateReport(other, input.get(), &result.record, &error);
+                 rgenh_generateReport(other, input.get(), result.get(), &error);
              rgenh_freeReportGenerator(other, nullptr);
              return status;
          },

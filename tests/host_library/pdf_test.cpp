@@ -11,8 +11,8 @@ const char* const wholePdf = "%PDF-1.7 ... %%EOF";
 class Pdfs : public HostLibraryTest {
 protected:
     std::string generatePdf() {
-        HostResult result;
-        const RgenStatus status = rgenh_generateReport(host, input.get(), &result.record, &error);
+        Result result;
+        const RgenStatus status = rgenh_generateReport(host, input.get(), result.get(), &error);
         if (error.kind == RGENH_ERROR_CONVERSION) {
             EXPECT_EQ(RGEN_E_EXTERNAL_FAILED, status);
             EXPECT_EQ(output, error.path);

@@ -48,14 +48,14 @@ private:
 TEST_F(ReenteredCalls, ThatNeedTheLockAreRefused) {
     const HostRequest request({rgenh_textValue("v", "x")});
     inCallback([&] {
-        HostResult result;
+        Result result;
         RgenCAnsiStringPairSet pairs = {};
         VariantSet values;
         expectReentered(rgenh_setDataDirPath(host, folder.path().c_str(), &inner));
         expectReentered(rgenh_setTranslateFunction(host, nullptr, nullptr, &inner));
         expectReentered(rgenh_setTranslator(host, nullptr, nullptr, RGENH_PLAIN, &inner));
         expectReentered(rgenh_cancel(host, nullptr, &inner));
-        expectReentered(rgenh_generateReport(host, request.input(), &result.record, &inner));
+        expectReentered(rgenh_generateReport(host, request.input(), result.get(), &inner));
         expectReentered(rgenh_getPersistentData(host, &guid, &pairs, &inner));
         expectReentered(rgenh_getPersistentTexts(host, &guid, &pairs, &inner));
         expectReentered(rgenh_setPersistentDataFromAnsiStringPairSet(host, &guid, &pairs, &inner));
@@ -82,8 +82,8 @@ TEST_F(ReenteredCalls, ForAnotherGeneratorWork) {
     ASSERT_EQ(RGEN_OK, rgenh_setDataDirPath(other, folder.path().c_str(), &error));
     const HostRequest request({rgenh_textValue("v", "x")});
     inCallback([&] {
-        HostResult result;
-        EXPECT_EQ(RGEN_OK, rgenh_generateReport(other, request.input(), &result.record, &inner));
+        Result result;
+        EXPECT_EQ(RGEN_OK, rgenh_generateReport(other, request.input(), result.get(), &inner));
         EXPECT_EQ("a", result.bytes());
     });
     rgenh_freeReportGenerator(other, nullptr);
@@ -124,8 +124,8 @@ TEST_F(ReenteredCalls, InTheTranslatorOfAJobAreRefused) {
     ASSERT_EQ(RGEN_OK, rgenh_setTranslateFunction(host, translate, &context, &error));
     job = rgenh_startReport(host, request.get(), nullptr, nullptr, &error);
     isStarted = true;
-    HostResult result;
-    EXPECT_EQ(RGEN_OK, rgenh_takeJobResult(job, &result.record, &error)) << error.message;
+    Result result;
+    EXPECT_EQ(RGEN_OK, rgenh_takeJobResult(job, result.get(), &error)) << error.message;
     EXPECT_EQ(RGEN_E_UNKNOWN, context.cancel);
     EXPECT_EQ(RGEN_E_UNKNOWN, context.wait);
     EXPECT_EQ(RGENH_ERROR_REENTERED, context.kind);

@@ -59,14 +59,14 @@ TEST_F(Translators, ThatReturnNullLeaveTheRestUntranslatedAndFailTheReport) {
     InputParams request;
     request.variants().addString("v", "x");
     request.output(RGEN_OUTPUT_FILE, folder.file("o.html"));
-    HostResult result;
-    EXPECT_EQ(RGEN_E_UNKNOWN, rgenh_generateReport(host, request.get(), &result.record, &error));
+    Result result;
+    EXPECT_EQ(RGEN_E_UNKNOWN, rgenh_generateReport(host, request.get(), result.get(), &error));
     EXPECT_EQ(RGENH_ERROR_CALLBACK, error.kind);
     EXPECT_EQ(2, calls);
     EXPECT_EQ("translatedbadgood", readFile(folder.file("o.html")));
     request.output(RGEN_OUTPUT_BYTES);
-    EXPECT_EQ(RGEN_E_UNKNOWN, rgenh_generateReport(host, request.get(), &result.record, &error));
-    EXPECT_EQ(std::uint64_t{RGEN_TYPE_EMPTY}, result.record.type);
+    EXPECT_EQ(RGEN_E_UNKNOWN, rgenh_generateReport(host, request.get(), result.get(), &error));
+    EXPECT_EQ(std::uint64_t{RGEN_TYPE_EMPTY}, result.record().type);
 }
 
 TEST_F(Translators, ThatFailDoNotHideAnotherFailure) {
@@ -94,8 +94,8 @@ TEST_F(Translators, ThatFailInAPlainCallAreIgnored) {
     ASSERT_EQ(RGEN_OK, rgenh_setTranslateFunction(host, failForBad, &calls, &error));
     InputParams request;
     request.variants().addString("v", "x");
-    HostResult result;
-    EXPECT_EQ(RGEN_OK, rgen_generateReport(host, request.get(), &result.record));
+    Result result;
+    EXPECT_EQ(RGEN_OK, rgen_generateReport(host, request.get(), result.get()));
     EXPECT_EQ("bad", result.bytes());
 }
 
@@ -126,8 +126,8 @@ TEST_F(Translators, OfManyThreadsDoNotMixTheirTexts) {
     for (int i = 0; i < 16; ++i)
         jobs.push_back(rgenh_startReport(host, request.get(), nullptr, nullptr, &error));
     for (RgenhJob* job : jobs) {
-        HostResult result;
-        EXPECT_EQ(RGEN_OK, rgenh_takeJobResult(job, &result.record, &error)) << error.message;
+        Result result;
+        EXPECT_EQ(RGEN_OK, rgenh_takeJobResult(job, result.get(), &error)) << error.message;
         EXPECT_EQ("papb", result.bytes());
         rgenh_freeJob(job);
     }
