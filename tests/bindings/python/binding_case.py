@@ -1,6 +1,7 @@
 """A folder with a data directory and a generator for each case of the Python package.
 
 RGEN_BINDINGS_LIBRARY     the main library; the host library is next to it
+RGEN_BINDINGS_BUILD       the build folder, for the wheel, which takes the licences from an installation
 RGEN_BINDINGS_COMPILER    the C compiler
 RGEN_BINDINGS_CONVERTER   the folder of the stand-in converter
 RGEN_BINDINGS_HOSTS       the example hosts in C and C++, separated by colons; empty when not built

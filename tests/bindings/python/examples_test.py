@@ -18,7 +18,7 @@ LAUNCHER = shlex.split(os.environ.get("RGEN_BINDINGS_LAUNCHER", ""))
 LIBRARY = os.environ.get("RGEN_BINDINGS_LIBRARY", "")
 
 
-@unittest.skipUnless(HOSTS[0], "the examples are not built")
+@unittest.skipUnless(HOSTS[0], "this build was configured without the examples")
 class Examples(unittest.TestCase):
     def setUp(self):
         # The hosts in C and C++ take their arguments in the code page of Windows.
@@ -43,7 +43,7 @@ class Examples(unittest.TestCase):
         for host in HOSTS[1:]:
             self.assertEqual(expected, self.reports_of([*LAUNCHER, host]), host)
 
-    @unittest.skipUnless(LIBRARY, "this Python cannot load the library")
+    @unittest.skipUnless(LIBRARY, "a Python of Linux cannot load a DLL")
     def test_the_host_in_python_does_as_well(self):
         expected = self.reports_of([*LAUNCHER, HOSTS[0]])
         host = [sys.executable, str(ROOT / "examples/acquisition_host.py")]
