@@ -56,7 +56,7 @@ class Completion(CliCase):
                                  text=True, check=False)
         self.assertEqual((0, ""), (outcome.returncode, outcome.stderr))
 
-    @unittest.skipUnless(shutil.which("zsh"), "there is no zsh")
+    @unittest.skipUnless(shutil.which("zsh"), "zsh is not installed")
     def test_zsh_accepts_its_script(self):
         outcome = subprocess.run(["zsh", "-n", self.script("zsh")], capture_output=True,
                                  text=True, check=False)

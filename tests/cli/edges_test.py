@@ -6,7 +6,7 @@ SPDX-License-Identifier: MIT
 import os
 import subprocess
 
-from cli_case import ON_WINDOWS, PROGRAM, CliCase, linux_only
+from cli_case import PROGRAM, CliCase, linux_only
 from cli_templates import LISTING, catalogue, marked
 
 STORE = "case/.rgen/acquisition_data.xml"
@@ -38,14 +38,13 @@ class Words(CliCase):
                           'rgen report: there is no option "-x"; "rgen report --help" lists the '
                           "options")
 
+    @linux_only
     def test_names_of_types_are_no_commands_for_the_shell(self):
         self.make_data_dir("evil", types=[("$(touch ran) x.xsl", "1" * 8 + "-1111-1111-1111-"
                                            + "1" * 12, "a.xml")], templates={})
         script = self.write("completion.bash", self.rgen("completion", "bash").text)
         driver = ('source "$1"; COMP_WORDS=("$2" report -d evil -t ""); COMP_CWORD=5; _rgen; '
                   'printf "%s\\n" "${COMPREPLY[@]}"')
-        if ON_WINDOWS:
-            self.skipTest("bash starts the Linux program")
         offered = subprocess.run(["bash", "-c", driver, "bash", script, PROGRAM], check=True,
                                  cwd=self.folder, capture_output=True, text=True,
                                  env=self.environment({"PATH": "/usr/bin:/bin"})).stdout

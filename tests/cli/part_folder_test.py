@@ -155,7 +155,7 @@ class KilledRuns(ConversionCase):
                 self.assertEqual(b"half", self.read("rgen.part-aaaaaaaaaa/report"))
         shutil.rmtree(self.folder / "rgen.part-aaaaaaaaaa")
 
-    @unittest.skipUnless(NO_LOCKS, "the build has no library that takes locks away")
+    @unittest.skipUnless(NO_LOCKS, "LD_PRELOAD needs Linux and a build without a sanitizer")
     def test_what_belongs_to_a_living_run_stays_without_locks(self):
         environment = {"LD_PRELOAD": NO_LOCKS}
         living = self.convert(*SET, output="living.pdf", more=environment)

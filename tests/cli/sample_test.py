@@ -9,6 +9,7 @@ import unittest
 from cli_case import EXAMPLE, CliCase
 
 LANGUAGES = ("en", "de", "ru")
+with_example = unittest.skipUnless(EXAMPLE, "this build was configured without the examples")
 
 
 class Sample(CliCase):
@@ -28,7 +29,7 @@ class Sample(CliCase):
         self.expect_notes(result)
         return self.read(output)
 
-    @unittest.skipUnless(EXAMPLE, "the examples are not built")
+    @with_example
     def test_the_reports_are_those_of_the_host_in_c(self):
         shutil.copytree(self.folder / "case", self.folder / "host")
         (self.folder / "host/.rgen/acquisition_data.xml").unlink()
@@ -40,9 +41,8 @@ class Sample(CliCase):
                     expected = self.read(f"host/acquisition-{language}.{ending}")
                     self.assertEqual(expected, self.sample_report(f"own.{ending}", language))
 
+    @with_example
     def test_both_store_the_same_persistent_data(self):
-        if not EXAMPLE:
-            self.skipTest("the examples are not built")
         expected = self.rgen("persist", "get", "-d", "case").text
         self.assertEqual(10, len(expected.splitlines()))
         self.assertEqual(0, self.start("case", "case", program=EXAMPLE).finish().code)

@@ -64,6 +64,12 @@ def search_path(*folders):
     return {"PATH": ":".join(str(folder) for folder in folders) or "/nonexistent"}
 
 
+def reason_of(error):
+    """Why a program could not be run, or what it wrote when it failed."""
+    written = getattr(error, "stderr", None) or b""
+    return written.decode(errors="replace").strip() or str(error)
+
+
 def unprivileged():
     """The command that starts a program which the rights of files bind, even for root."""
     if os.geteuid() != 0:
@@ -72,18 +78,16 @@ def unprivileged():
     try:
         subprocess.run([*command, shutil.which("true")], check=True, capture_output=True)
     except (OSError, subprocess.CalledProcessError) as error:
-        raise unittest.SkipTest("root cannot give up its rights here") from error
+        raise unittest.SkipTest("setpriv cannot take the rights of root away here: "
+                                + reason_of(error)) from error
     return command
 
 
 def with_small_files(limit, signal_is="ignored"):
     """The command that starts a program whose files cannot grow beyond that many bytes; the system's
     signal about it is ignored or has its default action, which ends the program."""
-    tools = [shutil.which("env"), shutil.which("prlimit")]
-    if None in tools:
-        raise unittest.SkipTest("there are no env and prlimit")
     option = {"ignored": "--ignore-signal=XFSZ", "default": "--default-signal=XFSZ"}[signal_is]
-    return [tools[0], option, tools[1], f"--fsize={limit}:{limit}"]
+    return [shutil.which("env"), option, shutil.which("prlimit"), f"--fsize={limit}:{limit}"]
 
 
 class Result:

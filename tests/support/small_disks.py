@@ -15,7 +15,7 @@ def mount(kind, folder, size):
     """Mounts a new file system of that kind at the folder; returns what unmounts it."""
     needed = [shutil.which(name) for name in ("mount", "umount", "mkfs.ext4")]
     if os.geteuid() != 0 or None in needed:
-        raise unittest.SkipTest("mounting needs root, mount and mkfs.ext4")
+        raise unittest.SkipTest("only root may mount a small disk, with mount and mkfs.ext4")
     folder.mkdir()
     words = ["-t", "tmpfs", "-o", f"size={size}", "none"]
     if kind == "ext4":

@@ -3,8 +3,9 @@
 Arguments: SUITE...              these suites, all of them by default
            --all-but SUITE...    all other suites
 
-The last line is "all tests ran to the end" when no case was left out. A case that failed because Wine
-did not start a program runs once more.
+Cases for the system that the programs are not built for are not loaded. The last line is "all tests
+ran to the end" when no loaded case was left out. A case that failed because Wine did not start a
+program runs once more.
 
 SPDX-License-Identifier: MIT
 """
@@ -19,6 +20,9 @@ import unittest
 # one in vain says what the system has said of it.
 NOT_STARTED = re.compile(r"code 1, out b'', err ''|cannot be started: Internal error \(1359\)")
 
+# The reasons of linux_only and windows_only in program_case.py.
+OTHER_SYSTEM = {"is about Linux", "is about Windows"}
+
 
 def chosen_suites(folder, arguments):
     every = sorted(path.stem for path in folder.glob("*_test.py"))
@@ -29,6 +33,20 @@ def chosen_suites(folder, arguments):
     if "--all-but" in arguments:
         return [name for name in every if name not in named]
     return named or every
+
+
+def cases_in(suite):
+    for part in suite:
+        if isinstance(part, unittest.TestSuite):
+            yield from cases_in(part)
+        else:
+            yield part
+
+
+def is_about_target(case):
+    """Whether the case is one for the system that the programs are built for."""
+    marked = (type(case), getattr(case, getattr(case, "_testMethodName", ""), None))
+    return not any(getattr(item, "__unittest_skip_why__", "") in OTHER_SYSTEM for item in marked)
 
 
 def run_cases(cases):
@@ -46,7 +64,8 @@ def cases_to_repeat(outcome):
 
 def run(folder):
     """Runs the suites that the command line names; returns the exit code."""
-    cases = unittest.defaultTestLoader.loadTestsFromNames(chosen_suites(folder, sys.argv[1:]))
+    loaded = unittest.defaultTestLoader.loadTestsFromNames(chosen_suites(folder, sys.argv[1:]))
+    cases = unittest.TestSuite(filter(is_about_target, cases_in(loaded)))
     count = cases.countTestCases()
     outcome = run_cases(cases)
     is_whole = outcome.testsRun == count and count > 0

@@ -82,6 +82,14 @@ long threadCount();
 long endedChildren();
 // Children that run or, on Linux, have ended. An ended one has closed its files.
 long allChildren();
+// While it lives, a leak sanitizer ignores the blocks that its thread allocates.
+class IgnoredLeaks {
+public:
+    IgnoredLeaks();
+    ~IgnoredLeaks();
+    IgnoredLeaks(const IgnoredLeaks&) = delete;
+    IgnoredLeaks& operator=(const IgnoredLeaks&) = delete;
+};
 // True when there is a leak sanitizer and it knows of a block that nothing points to any more.
 bool sanitizerFindsLeaks();
 // Writes how this process was started, one fact a line, its fields separated by tabs.

@@ -26,6 +26,8 @@
 
 // Null in builds without the leak sanitizer.
 extern "C" int __lsan_do_recoverable_leak_check() __attribute__((weak));
+extern "C" void __lsan_disable() __attribute__((weak));
+extern "C" void __lsan_enable() __attribute__((weak));
 
 namespace rgen_test {
 namespace {
@@ -209,6 +211,14 @@ long endedChildren() {
 
 long allChildren() {
     return static_cast<long>(childStates().size());
+}
+
+IgnoredLeaks::IgnoredLeaks() {
+    if (__lsan_disable != nullptr) __lsan_disable();
+}
+
+IgnoredLeaks::~IgnoredLeaks() {
+    if (__lsan_enable != nullptr) __lsan_enable();
 }
 
 bool sanitizerFindsLeaks() {

@@ -162,6 +162,9 @@ long allChildren() {
     return count;
 }
 
+IgnoredLeaks::IgnoredLeaks() = default;
+IgnoredLeaks::~IgnoredLeaks() = default;
+
 bool sanitizerFindsLeaks() {
     return false;
 }

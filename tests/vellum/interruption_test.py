@@ -17,7 +17,7 @@ INTERPOSER = os.environ.get("RGEN_VELLUM_INTERPOSER")
 LEAST_CALLS = 25
 
 
-@unittest.skipIf(INTERPOSER is None, "the library is for Linux and builds without sanitizers")
+@unittest.skipUnless(INTERPOSER, "LD_PRELOAD needs Linux and a build without a sanitizer")
 class MomentCase(VellumCase):
 
     def run_with(self, does, at, does_engine="pdf", **settings):

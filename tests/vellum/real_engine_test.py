@@ -15,7 +15,7 @@ import unittest
 import zlib
 from pathlib import Path
 
-from program_case import ON_WINDOWS, native
+from program_case import linux_only, native
 from vellum_case import ENGINE, VellumCase, engines_on
 
 PROGRAM = shutil.which(ENGINE)
@@ -39,8 +39,8 @@ def small_png():
             + chunk(b"IDAT", zlib.compress(rows)) + chunk(b"IEND", b""))
 
 
-@unittest.skipIf(ON_WINDOWS or PROGRAM is None, f"{ENGINE} is not installed, or is no program of "
-                 "the target")
+@linux_only
+@unittest.skipIf(PROGRAM is None, f"{ENGINE} is not installed")
 @unittest.skipIf(LACKING, f"not installed: {' '.join(LACKING)}")
 class RealCase(VellumCase):
 

@@ -407,7 +407,7 @@ class Proportion(ProbeCase):
         return int(re.search(rb"I\s+refs:\s+([\d,]+)", done.stderr).group(1).replace(b",", b""))
 
     @linux_only
-    @unittest.skipIf(COUNTER is None, "valgrind does not go together with a sanitizer")
+    @unittest.skipUnless(COUNTER, "valgrind cannot run a build with a sanitizer")
     def test_instructions(self):
         names = list(REPEATS)
         for start in range(0, len(names), self.TOGETHER):
@@ -430,7 +430,7 @@ class Proportion(ProbeCase):
             with self.subTest(kind=kind):
                 if code == 3 and may_be_refused(DECLARED.get(kind)):
                     self.assertIn("which cannot be read here", message)
-                    self.skipTest(f"this system has no code page for {DECLARED[kind]}")
+                    continue
                 self.assertEqual(0, code, message)
                 # Reading and decoding. The text may be shorter than the page.
                 self.assertGreaterEqual(checks, 2 * (size // 65_536))

@@ -18,7 +18,7 @@ import unittest
 import urllib.parse
 from pathlib import Path
 
-from program_case import (LAUNCHER, ON_WINDOWS, ProgramCase, Result, native, search_path,
+from program_case import (LAUNCHER, ON_WINDOWS, ProgramCase, Result, native, reason_of, search_path,
                           wait_for)
 
 VELLUM = Path(os.environ["RGEN_VELLUM_PROGRAM"]).resolve()
@@ -174,7 +174,8 @@ class VellumCase(ProgramCase):
         try:
             subprocess.run([*command, shutil.which("true")], check=True, capture_output=True)
         except (OSError, subprocess.CalledProcessError) as error:
-            raise unittest.SkipTest("root cannot become somebody else here") from error
+            raise unittest.SkipTest("setpriv cannot make root another user here: "
+                                    + reason_of(error)) from error
         return command
 
     # ---- Processes ------------------------------------------------------------------------------

@@ -3,10 +3,12 @@
 // SPDX-License-Identifier: MIT
 #include <gtest/gtest.h>
 
+#include <cerrno>
 #include <string>
 
 #include "robustness/faults/io_sweep_posix.h"
 #include "robustness/faults/sweep_report.h"
+#include "store/base/file_system.h"
 #include "support/converter_control.h"
 
 namespace rgen_test {
@@ -194,6 +196,15 @@ TEST_F(FailingFileOperations, SetDataDirPath) {
     };
     scenario.base.failures = {RGEN_E_DIR_NOT_FOUND};
     sweepFileOperations(files, scenario);
+}
+
+TEST_F(FailingFileOperations, TextOfAFileThatCannotBeRead) {
+    writeFile(files.file("page"), "text");
+    const FailingIo failure(files.folder().path(), {IoCall::Read, 1, EIO, FailureForm::AllFrom});
+    std::string text = "previous";
+    EXPECT_TRUE(rgen::readFile(files.file("page"), text));
+    EXPECT_TRUE(failure.reached());
+    EXPECT_EQ("", text);
 }
 
 }  // namespace
