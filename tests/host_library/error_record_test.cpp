@@ -61,17 +61,17 @@ TEST_F(ErrorRecord, OfTooSmallASizeKeepsEveryFunctionFromItsWork) {
     parts.size = sizeof parts;
     EXPECT_EQ(nullptr, rgenh_newRequest(&parts, &small));
     EXPECT_EQ(nullptr, rgenh_startReport(host, request.get(), nullptr, nullptr, &small));
-    HostResult result;
+    Result result;
     EXPECT_EQ(RGEN_E_BAD_PARAMETER,
-              rgenh_generateReport(host, request.input(), &result.record, &small));
+              rgenh_generateReport(host, request.input(), result.get(), &small));
     EXPECT_EQ(RGEN_E_BAD_PARAMETER, rgenh_freeReportGenerator(host, &small));
     EXPECT_EQ(RGEN_E_BAD_PARAMETER, rgenh_setTranslator(host, nullptr, nullptr, 2, &small));
     EXPECT_EQ(RGEN_E_BAD_PARAMETER, rgenh_isStorable("\xFF", 1, RGENH_PLAIN, &small));
     RgenhJob* const job = rgenh_startReport(host, request.get(), nullptr, nullptr, &error);
     EXPECT_EQ(RGEN_E_BAD_PARAMETER, rgenh_waitForJob(job, 0, &small));
     EXPECT_EQ(RGEN_E_BAD_PARAMETER, rgenh_cancelJob(job, &small));
-    EXPECT_EQ(RGEN_E_BAD_PARAMETER, rgenh_takeJobResult(job, &result.record, &small));
-    EXPECT_EQ(std::uint64_t{RGEN_TYPE_EMPTY}, result.record.type);
+    EXPECT_EQ(RGEN_E_BAD_PARAMETER, rgenh_takeJobResult(job, result.get(), &small));
+    EXPECT_EQ(std::uint64_t{RGEN_TYPE_EMPTY}, result.record().type);
     EXPECT_EQ(RGENH_ERROR_NONE, small.kind);
     rgenh_freeJob(job);
 }
@@ -124,8 +124,8 @@ TEST_F(ErrorRecord, HasUtf8OnlyAndOneLine) {
     request.variants().addString("v", "x");
     // Not a path in this mode, so the library does not look at it.
     request.output(RGEN_OUTPUT_BYTES, "a\xFF");
-    HostResult result;
-    EXPECT_GT(0, rgenh_generateReport(host, request.get(), &result.record, &error));
+    Result result;
+    EXPECT_GT(0, rgenh_generateReport(host, request.get(), result.get(), &error));
     EXPECT_STREQ("", error.path);
     EXPECT_GT(0, rgenh_setDataDirPath(host, "a\xC2\x85\xE2\x80\xA8z", &error));
     EXPECT_EQ(0U, std::string(error.message).find("a  z: ")) << error.message;

@@ -15,9 +15,9 @@ protected:
 
     bool makesReport() {
         RgenhJob* const job = rgenh_startReport(host, request.get(), nullptr, nullptr, &error);
-        HostResult result;
+        Result result;
         const bool isMade =
-            rgenh_takeJobResult(job, &result.record, &error) == RGEN_OK && result.bytes() == "x";
+            rgenh_takeJobResult(job, result.get(), &error) == RGEN_OK && result.bytes() == "x";
         rgenh_freeJob(job);
         return isMade;
     }

@@ -146,8 +146,8 @@ TEST_F(GuardedCalls, ThatFailToSetADataDirectoryKeepThePreviousOne) {
     const HostRequest request({rgenh_textValue("v", "x")});
     EXPECT_EQ("still the old folder", bytesOf(request.get()));
     RgenhJob* const job = rgenh_startReport(host, request.get(), nullptr, nullptr, &error);
-    HostResult result;
-    EXPECT_EQ(RGEN_OK, rgenh_takeJobResult(job, &result.record, &error)) << error.message;
+    Result result;
+    EXPECT_EQ(RGEN_OK, rgenh_takeJobResult(job, result.get(), &error)) << error.message;
     EXPECT_EQ("still the old folder", result.bytes());
     rgenh_freeJob(job);
 }

@@ -35,8 +35,8 @@ protected:
 
     RgenStatus runJob() {
         RgenhJob* const job = rgenh_startReport(host, request.get(), nullptr, nullptr, &error);
-        HostResult result;
-        const RgenStatus status = rgenh_takeJobResult(job, &result.record, &error);
+        Result result;
+        const RgenStatus status = rgenh_takeJobResult(job, result.get(), &error);
         rgenh_freeJob(job);
         return status;
     }

@@ -45,8 +45,8 @@ protected:
     }
 
     std::string finish(RgenhJob* job) {
-        HostResult result;
-        const RgenStatus status = rgenh_takeJobResult(job, &result.record, &error);
+        Result result;
+        const RgenStatus status = rgenh_takeJobResult(job, result.get(), &error);
         rgenh_freeJob(job);
         return status < 0 ? error.message : result.bytes();
     }

@@ -58,8 +58,8 @@ TEST_F(Pdfs, HaveMessagesInUtf8WhateverTheConverterWrites) {
 TEST_F(Pdfs, WithoutAPathAreErrors) {
     RgenCInputParams withoutPath = *input.get();
     withoutPath.outputPath = {};
-    HostResult result;
-    EXPECT_GT(0, rgenh_generateReport(host, &withoutPath, &result.record, &error));
+    Result result;
+    EXPECT_GT(0, rgenh_generateReport(host, &withoutPath, result.get(), &error));
     EXPECT_NE(RGENH_ERROR_UNKNOWN, error.kind) << error.message;
     EXPECT_STREQ("", error.path);
 }

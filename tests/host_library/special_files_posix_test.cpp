@@ -20,8 +20,8 @@ TEST_F(Pipes, AtThePathOfAPdfAreNoPdfs) {
 TEST_F(Pipes, AtThePathOfTheConvertersMessageAreNotRead) {
     ASSERT_EQ(0, mkfifo((output + ".error.txt").c_str(), 0600));
     converter.obey({{"write", output, "%PDF-1.7 %%EOF"}});
-    HostResult result;
-    EXPECT_EQ(RGEN_OK, rgenh_generateReport(host, input.get(), &result.record, &error))
+    Result result;
+    EXPECT_EQ(RGEN_OK, rgenh_generateReport(host, input.get(), result.get(), &error))
         << error.message;
 }
 
