@@ -1,5 +1,5 @@
-// Threads that run one report after another, each with a generator of its own. Starting a thread and
-// creating a generator cost more than the rest of a small job does.
+// Threads that run one report after another, each with a generator of its own. Starting a thread
+// and creating a generator cost more than the rest of a small job does.
 //
 // SPDX-License-Identifier: MIT
 #pragma once

@@ -38,8 +38,8 @@ public:
     /// Returns whether the job has ended; a negative time waits for ever.
     bool wait(std::int64_t milliseconds);
 
-    /// Whether waiting for the end would never end: a callback of the generator, which the job needs,
-    /// is running on the calling thread.
+    /// Whether waiting for the end would never end: a callback of the generator, which the job
+    /// needs, is running on the calling thread.
     bool wouldWaitForItself();
 
     /// Waits for nothing.
@@ -49,8 +49,8 @@ public:
     /// status. Call after the end only.
     RgenStatus take(RgenCVariant* result, RgenhError* error);
 
-    /// Cancels the job, and waits until no thread uses it; not in its end function, nor in a callback
-    /// of its generator.
+    /// Cancels the job, and waits until no thread uses it; not in its end function, nor in a
+    /// callback of its generator.
     void release();
 
 private:

@@ -543,6 +543,10 @@ typedef void(RGEN_CALL* RgenhJobEndFunction)(RgenhJob* job, void* context);
  * generator of its own: jobs run at the same time, wait for no other report, and are cancelled one
  * by one. Pdfs are verified as in rgenh_generateReport.
  *
+ * Up to four threads stay with the generator when their jobs have ended, and run its next jobs.
+ * rgenh_freeReportGenerator ends them. A process that was forked (Linux) starts new ones; it must
+ * not use jobs that its parent has started.
+ *
  * Linux: signals that terminals, timers and other processes send (SIGHUP, SIGINT, SIGQUIT, SIGTERM,
  * SIGALRM, SIGCHLD, SIGTSTP, SIGWINCH, SIGIO, SIGUSR1) are blocked on the thread. Others are not:
  * language runtimes stop their threads with them.
@@ -614,9 +618,9 @@ RGENH_API RgenStatus RGEN_CALL rgenh_takeJobResult(RgenhJob* job, RgenCVariant* 
  * @param job  May be null.
  *
  * Threads: any, but no other call on this job may be running. It returns after the job's
- * RgenhJobEndFunction has returned. In that function itself it waits for nothing; the library must
- * then not be unloaded before that function has returned. A translator must not free a job of its
- * generator.
+ * RgenhJobEndFunction has returned. In that function itself it waits for nothing; if the generator
+ * is freed already, the thread then ends by itself some time after the function has returned, and
+ * the library must not be unloaded before. A translator must not free a job of its generator.
  */
 RGENH_API void RGEN_CALL rgenh_freeJob(RgenhJob* job) RGENH_NOEXCEPT;
 
