@@ -527,8 +527,8 @@ RGENH_API RgenStatus RGEN_CALL rgenh_getPersistentTexts(RgenReportGenerator* gen
 typedef struct RgenhJob RgenhJob;
 
 /**
- * Called when a job has ended, on its thread; rgenh_takeJobResult does not wait any more then. It
- * may be called before rgenh_startReport has returned.
+ * Called on the thread of a job when its report has ended, so that rgenh_takeJobResult returns at
+ * once. It may be called before rgenh_startReport has returned.
  *
  * @param job      The job. The function may free it.
  * @param context  The pointer passed to rgenh_startReport.
@@ -576,15 +576,15 @@ RGENH_API RgenhJob* RGEN_CALL rgenh_startReport(RgenReportGenerator* generator,
  * @param error         May be null. It describes this call, not the report.
  * @return              1 if the job has ended, 0 if it still runs, or a negative status.
  *
- * Threads: any, several at once; in the translator of a job of the same generator the result is
- * an error of the kind RGENH_ERROR_REENTERED.
+ * Threads: any, several at once. In a translate callback of the job's generator, the result for a
+ * job that still runs is an error of the kind RGENH_ERROR_REENTERED: the job may need the callback.
  * Units: milliseconds.
  */
 RGENH_API int32_t RGEN_CALL rgenh_waitForJob(RgenhJob* job, int64_t milliseconds,
                                              RgenhError* error) RGENH_NOEXCEPT;
 
 /**
- * Asks one job to stop, and no other report. A job that has not begun its report, too.
+ * Asks one job to stop, whether its report has begun or not. No other report is stopped.
  *
  * As with rgen_cancel, a job that is past its last check ends with its own status, a transformation
  * is not interrupted, and a converter is not terminated.

@@ -38,12 +38,12 @@ TEST_F(CallersRegisters, AreKeptByCallsThatMeetExceptions) {
     RgenReportGenerator* const fresh = rgenh_newReportGenerator(&error);
     InputParams request;
     request.variants().addString("v", "x");
-    HostResult result;
+    Result result;
     expectKept("no data directory",
-               [&] { return rgenh_generateReport(fresh, request.get(), &result.record, &error); });
+               [&] { return rgenh_generateReport(fresh, request.get(), result.get(), &error); });
     request.output(RGEN_OUTPUT_FILE, folder.file("o\xFF"));
     expectKept("output path",
-               [&] { return rgenh_generateReport(host, request.get(), &result.record, &error); });
+               [&] { return rgenh_generateReport(host, request.get(), result.get(), &error); });
     expectKept("data directory", [&] { return rgenh_setDataDirPath(host, "\xFF", &error); });
     rgenh_freeReportGenerator(fresh, nullptr);
 }
