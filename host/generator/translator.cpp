@@ -9,6 +9,7 @@
 #include <mutex>
 #include <new>
 
+#include "error/exception_report.h"
 #include "error/failures.h"
 #include "generator/active_calls.h"
 #include "text/escaping.h"
@@ -59,6 +60,7 @@ const char* RGEN_CALL TranslatorUse::call(const char* text, void* use) noexcept 
     if (self.translator_ == nullptr || (report != nullptr && report->hasTranslatorFailed)) {
         return text;
     }
+    keepCallersRegisters();
     try {
         return self.translated(text);
     } catch (const Translator::CallbackFailed&) {
