@@ -229,7 +229,7 @@ class HostWatch(InterfaceCase):
         self.expect(self.verdict(*changes), False, "RgenhError", "systemError")
 
     def test_elements_of_arrays_must_not_grow(self):
-        last = "    /** Bytes of data; for texts also RGENH_NULL_TERMINATED. */\n    uint64_t size;\n"
+        last = "    /** Bytes of data; for a text possibly RGENH_NULL_TERMINATED. */\n    uint64_t size;\n"
         self.expect(self.verdict((last, last + MORE)), False, "RgenhValue", "size changed")
 
     def test_changed_constants(self):
