@@ -52,6 +52,17 @@ class Explain(CliCase):
         self.assertIsInstance(document["causes"], list)
         self.assertTrue(document["causes"] and all(document["causes"]))
         self.assertTrue(document["next"])
+        self.assertEqual('"rgen dump -o -" shows the values.', document["withRgen"])
+
+    def test_the_advice_for_all_hosts_names_no_option_of_rgen(self):
+        for status in self.rgen("explain", "--json").document["statuses"]:
+            for text in (status["next"], *status["causes"]):
+                self.assertNotRegex(text, r"(^|\s)--?[a-z]", status["name"])
+
+    def test_the_advice_about_rgen_is_a_line_of_its_own(self):
+        self.assertIn("\nWith rgen: Give values with --data, --set or --pair, or store some with "
+                      '"rgen persist set".\n', self.rgen("explain", "EMPTY_INPUT").text)
+        self.assertNotIn("With rgen", self.rgen("explain", "GUID_NOT_IN_CONFIG").text)
 
     def test_the_document_of_all(self):
         document = self.rgen("explain", "--json").document

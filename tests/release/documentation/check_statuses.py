@@ -22,9 +22,9 @@ HARD_BLANK = "\0"
 HEAD = """# Statuses
 
 All 37 statuses of the library: number, name, the English text of `rgen_getStatusCodeDescription`
-(letter for letter, misspellings included), likely causes and what to do next. `rgen explain` prints
-the same, and a test compares this page with it. Zero and positive numbers are success, negative
-ones failure.
+(letter for letter, misspellings included), likely causes and what to do next in any host
+(`rgenh_getStatusNextStep`) and with the commands of `rgen`. `rgen explain` prints the same, and a
+test compares this page with it. Zero and positive numbers are success, negative ones failure.
 
 The upper half of the number is the group: `0x0000` success; `0xC000` arguments, directories,
 files and the converter; `0xC001` reading the configuration and the persistent data; `0xC002` the
@@ -57,6 +57,8 @@ def page_text(statuses):
         for cause in status["causes"]:
             text += wrapped(plain(cause) + ".", "- ", "  ")
         text += "\n" + wrapped("Next: " + plain(status["next"]), "", "")
+        if status["withRgen"]:
+            text += "\n" + wrapped("With `rgen`: " + plain(status["withRgen"]), "", "")
     return text
 
 

@@ -7,6 +7,7 @@
 
 #include "base/suggestion.h"
 #include "commands/commands.h"
+#include "commands/status_advice.h"
 #include "library/library_calls.h"
 
 namespace cli {
@@ -83,6 +84,7 @@ void describe(RgenStatus status, JsonDocument& document) {
     document.set("text", repgen::statusText(status));
     document.set("causes", causesOf(status));
     document.set("next", rgenh_getStatusNextStep(status));
+    document.set("withRgen", adviceOfRgen(status));
 }
 
 std::string explanation(RgenStatus status) {
@@ -90,7 +92,9 @@ std::string explanation(RgenStatus status) {
         statusWord(status) + "\n" + repgen::statusText(status) + "\n\nLikely causes:\n";
     for (const std::string& cause : causesOf(status))
         lines += "  - " + cause + "\n";
-    return lines + "\nNext: " + rgenh_getStatusNextStep(status) + "\n";
+    lines += std::string("\nNext: ") + rgenh_getStatusNextStep(status) + "\n";
+    const std::string advice = adviceOfRgen(status);
+    return advice.empty() ? lines : lines + "With rgen: " + advice + "\n";
 }
 
 }  // namespace
