@@ -13,14 +13,7 @@ class ForkedHostLibrary : public HostLibraryTest {
 protected:
     ForkedHostLibrary() { putTemplate(textStylesheet(valueOf("v"))); }
 
-    bool makesReport() {
-        RgenhJob* const job = rgenh_startReport(host, request.get(), nullptr, nullptr, &error);
-        Result result;
-        const bool isMade =
-            rgenh_takeJobResult(job, result.get(), &error) == RGEN_OK && result.bytes() == "x";
-        rgenh_freeJob(job);
-        return isMade;
-    }
+    bool makesReport() { return finish(start(host, request)) == "x"; }
 
     // Ends with a signal where it cannot go on; no working child needs a fraction of that time.
     [[noreturn]] void makeReportsAndEnd() {

@@ -47,6 +47,19 @@ std::string HostLibraryTest::bytesOf(const std::vector<RgenhValue>& values) {
     return bytesOf(request.get());
 }
 
+RgenhJob* HostLibraryTest::start(RgenReportGenerator* owner, const HostRequest& request) {
+    RgenhJob* const job = rgenh_startReport(owner, request.get(), nullptr, nullptr, &error);
+    EXPECT_NE(nullptr, job) << error.message;
+    return job;
+}
+
+std::string HostLibraryTest::finish(RgenhJob* job) {
+    Result result;
+    const RgenStatus status = rgenh_takeJobResult(job, result.get(), &error);
+    rgenh_freeJob(job);
+    return status < 0 ? error.message : result.bytes();
+}
+
 std::string takeText(RgenAnsiString& text) {
     const std::string copy = text.data == nullptr ? "(null)" : std::string(text.data, text.length);
     rgen_freeRgenAnsiString(&text);

@@ -42,6 +42,10 @@ protected:
     std::string bytesOf(const RgenhRequest* request);
     std::string bytesOf(const std::vector<RgenhValue>& values);
 
+    RgenhJob* start(RgenReportGenerator* owner, const HostRequest& request);
+    // Waits for a job; its bytes in mode 2, or the message of its error. Frees the job.
+    std::string finish(RgenhJob* job);
+
     RgenhError error = {};
     RgenReportGenerator* host;
     const RgenGuid guid = defaultGuid();

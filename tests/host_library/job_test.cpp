@@ -42,29 +42,15 @@ class Jobs : public HostLibraryTest {
 protected:
     Jobs() { putTemplate(textStylesheet(valueOf("v"))); }
 
-    RgenhJob* start(const HostRequest& request) {
-        RgenhJob* const job = rgenh_startReport(host, request.get(), nullptr, nullptr, &error);
-        EXPECT_NE(nullptr, job) << error.message;
-        return job;
-    }
-
-    // The bytes of a job in mode 2, or the message of its error; frees the job.
-    std::string finish(RgenhJob* job) {
-        Result result;
-        const RgenStatus status = rgenh_takeJobResult(job, result.get(), &error);
-        rgenh_freeJob(job);
-        return status < 0 ? error.message : result.bytes();
-    }
-
     HostRequest pdfRequest(const std::string& name) {
         return HostRequest({rgenh_textValue("v", "x")}, "pdf", folder.file(name));
     }
 };
 
 TEST_F(Jobs, ReturnWhatTheCallReturns) {
-    EXPECT_EQ("a & b", finish(start(HostRequest({rgenh_textValue("v", "a & b")}))));
+    EXPECT_EQ("a & b", finish(start(host, HostRequest({rgenh_textValue("v", "a & b")}))));
     const HostRequest missing({rgenh_textValue("v", "x")}, "txt");
-    RgenhJob* const job = start(missing);
+    RgenhJob* const job = start(host, missing);
     EXPECT_EQ(RGEN_E_TEMPLATE_NOT_FOUND, rgenh_takeJobResult(job, nullptr, &error));
     EXPECT_EQ(RGENH_ERROR_STATUS, error.kind);
     EXPECT_EQ(RGEN_E_TEMPLATE_NOT_FOUND, error.status);
@@ -73,7 +59,7 @@ TEST_F(Jobs, ReturnWhatTheCallReturns) {
 
 TEST_F(Jobs, ReturnErrorsWithoutAStatus) {
     const HostRequest request({rgenh_textValue("v", "x")}, "html", folder.file("a\xFF"));
-    RgenhJob* const job = start(request);
+    RgenhJob* const job = start(host, request);
     EXPECT_EQ(RGEN_E_UNKNOWN, rgenh_takeJobResult(job, nullptr, &error));
     EXPECT_EQ(RGENH_ERROR_ENCODING, error.kind);
     EXPECT_STREQ("the output path is not valid UTF-8", error.message);
@@ -82,7 +68,7 @@ TEST_F(Jobs, ReturnErrorsWithoutAStatus) {
 
 TEST_F(Jobs, GiveTheirResultToTheFirstThatTakesIt) {
     const HostRequest request({rgenh_textValue("v", "x")});
-    RgenhJob* const job = start(request);
+    RgenhJob* const job = start(host, request);
     Result first;
     Result second;
     EXPECT_EQ(RGEN_OK, rgenh_takeJobResult(job, nullptr, nullptr));
@@ -114,7 +100,7 @@ TEST_F(Jobs, UseTheSettingsOfTheirStart) {
     putTemplate(textStylesheet("QT_TRANSLATE_NOOP(\"QObject\", \"a\")"));
     char prefix[] = "p";
     ASSERT_EQ(RGEN_OK, rgenh_setTranslateFunction(host, translateWithPrefix, prefix, &error));
-    RgenhJob* const job = start(HostRequest({rgenh_textValue("v", "x")}));
+    RgenhJob* const job = start(host, HostRequest({rgenh_textValue("v", "x")}));
     ASSERT_EQ(RGEN_OK, rgenh_setTranslateFunction(host, nullptr, nullptr, &error));
     EXPECT_EQ("pa", finish(job));
 }
@@ -174,10 +160,10 @@ TEST_F(Jobs, ReportADataDirectoryThatHasVanished) {
 TEST_F(Jobs, AreCancelledOneByOne) {
     // The first converter goes on after its job, and must not write the file of the second one.
     converter.obey(waiting({}));
-    RgenhJob* const first = start(pdfRequest("first.pdf"));
+    RgenhJob* const first = start(host, pdfRequest("first.pdf"));
     ASSERT_TRUE(waitForStarted());
     converter.obey(waiting({}, {{"write", folder.file("second.pdf"), "%PDF-1.7 %%EOF"}}));
-    RgenhJob* const second = start(pdfRequest("second.pdf"));
+    RgenhJob* const second = start(host, pdfRequest("second.pdf"));
     ASSERT_TRUE(waitForStarted(2));
     EXPECT_EQ(0, rgenh_waitForJob(first, 0, &error));
     EXPECT_EQ(RGEN_OK, rgenh_cancelJob(first, &error));
@@ -193,7 +179,7 @@ TEST_F(Jobs, AreCancelledOneByOne) {
 
 TEST_F(Jobs, AreNotCancelledWithTheReportsOfTheirGenerator) {
     converter.obey(waiting({}, {{"write", output, "%PDF-1.7 %%EOF"}}));
-    RgenhJob* const job = start(pdfRequest("report.pdf"));
+    RgenhJob* const job = start(host, pdfRequest("report.pdf"));
     ASSERT_TRUE(waitForStarted());
     EXPECT_EQ(RGEN_OK, rgenh_cancel(host, nullptr, &error));
     release();
@@ -205,7 +191,7 @@ TEST_F(Jobs, CancelledAtAnyMomentEndAsCancelledOrAsTheyAre) {
     const HostRequest request({rgenh_textValue("v", "x")});
     const int rounds = loopCount(200);
     for (int round = 0; round < rounds; ++round) {
-        RgenhJob* const job = start(request);
+        RgenhJob* const job = start(host, request);
         EXPECT_EQ(RGEN_OK, rgenh_cancelJob(job, &error));
         Result result;
         const RgenStatus status = rgenh_takeJobResult(job, result.get(), &error);
@@ -215,7 +201,7 @@ TEST_F(Jobs, CancelledAtAnyMomentEndAsCancelledOrAsTheyAre) {
 }
 
 TEST_F(Jobs, ThatEndedStayAsTheyAreWhenCancelled) {
-    RgenhJob* const job = start(HostRequest({rgenh_textValue("v", "x")}));
+    RgenhJob* const job = start(host, HostRequest({rgenh_textValue("v", "x")}));
     ASSERT_EQ(1, rgenh_waitForJob(job, -1, &error));
     EXPECT_EQ(RGEN_OK, rgenh_cancelJob(job, &error));
     EXPECT_EQ("x", finish(job));
@@ -223,7 +209,7 @@ TEST_F(Jobs, ThatEndedStayAsTheyAreWhenCancelled) {
 
 TEST_F(Jobs, AreWaitedForWithALimit) {
     converter.obey(waiting({}));
-    RgenhJob* const job = start(pdfRequest("report.pdf"));
+    RgenhJob* const job = start(host, pdfRequest("report.pdf"));
     ASSERT_TRUE(waitForStarted());
     EXPECT_EQ(0, rgenh_waitForJob(job, 5, &error));
     EXPECT_EQ(RGENH_ERROR_NONE, error.kind);
@@ -234,7 +220,7 @@ TEST_F(Jobs, AreWaitedForWithALimit) {
 
 TEST_F(Jobs, ThatRunAreCancelledWhenTheyAreFreed) {
     converter.obey(waiting({}));
-    RgenhJob* const job = start(pdfRequest("report.pdf"));
+    RgenhJob* const job = start(host, pdfRequest("report.pdf"));
     ASSERT_TRUE(waitForStarted());
     rgenh_freeJob(job);
     EXPECT_FALSE(exists(html));
@@ -300,14 +286,14 @@ TEST_F(Jobs, HaveStackForDeepTemplates) {
                             "<xsl:with-param name=\"n\" select=\"$n - 1\"/></xsl:call-template>"
                             "</xsl:when><xsl:otherwise>deep</xsl:otherwise></xsl:choose>"
                             "</xsl:template>"));
-    EXPECT_EQ("deep", finish(start(HostRequest({rgenh_textValue("v", "x")}))));
+    EXPECT_EQ("deep", finish(start(host, HostRequest({rgenh_textValue("v", "x")}))));
 }
 
 TEST_F(Jobs, LeaveTheProcessAsItWas) {
     const HostRequest request({rgenh_textValue("v", "x")});
     const auto round = [&] {
         for (int i = 0; i < 20; ++i)
-            EXPECT_EQ("x", finish(start(request)));
+            EXPECT_EQ("x", finish(start(host, request)));
     };
     round();
     const std::string before = hostState();

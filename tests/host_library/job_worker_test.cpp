@@ -38,19 +38,6 @@ protected:
         EXPECT_EQ(RGEN_OK, rgenh_setTranslateFunction(host, noteThread, &threads, &error));
     }
 
-    RgenhJob* start(RgenReportGenerator* owner, const HostRequest& parts) {
-        RgenhJob* const job = rgenh_startReport(owner, parts.get(), nullptr, nullptr, &error);
-        EXPECT_NE(nullptr, job) << error.message;
-        return job;
-    }
-
-    std::string finish(RgenhJob* job) {
-        Result result;
-        const RgenStatus status = rgenh_takeJobResult(job, result.get(), &error);
-        rgenh_freeJob(job);
-        return status < 0 ? error.message : result.bytes();
-    }
-
     std::vector<RgenhJob*> startWaitingPdfs(RgenReportGenerator* owner, std::size_t count) {
         converter.obey(waiting({}, {{"write", output, "%PDF-1.7 %%EOF"}}));
         const HostRequest pdf({rgenh_textValue("v", "x")}, "pdf", folder.file("report.pdf"));
