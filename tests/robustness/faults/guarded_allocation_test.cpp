@@ -7,9 +7,8 @@
 #include <string>
 
 #include "robustness/faults/allocation_sweep.h"
-#include "robustness/faults/guarded_errors.h"
+#include "robustness/faults/guarded_scenarios.h"
 #include "robustness/faults/sweep_report.h"
-#include "strata_repgenlib/rgen_host.h"
 #include "support/allocation_faults.h"
 #include "support/fault_injection.h"
 #include "support/test_platform.h"
@@ -19,44 +18,35 @@ namespace {
 
 [[maybe_unused]] const bool isRequired = requirePoints("allocation_points", 500);
 
-constexpr const char* smallTemplate =
-    "<xsl:stylesheet version=\"1.0\" xmlns:xsl=\"http://www.w3.org/1999/XSL/Transform\">"
-    "<xsl:output method=\"text\"/><xsl:template match=\"/\">"
-    "<xsl:text>QT_TRANSLATE_NOOP(\"QObject\", \"Title\")</xsl:text>"
-    "<xsl:value-of select=\"//property\"/></xsl:template></xsl:stylesheet>";
-
-constexpr const char* storedFile = "main/.rgen/persist_data.xml";
-
 const char* RGEN_CALL translateTitle(const char* /*text*/, void* /*context*/) {
     return "a title & more than fits into the inside of a string";
 }
 
-std::vector<RgenStatus> generationFailures() {
-    return configurationFailures() + std::vector<RgenStatus>{RGEN_E_UNKNOWN, RGEN_E_EMPTY_INPUT,
-                                                             RGEN_E_XSLT_PARSE, RGEN_E_XSLT_APPLY,
-                                                             RGEN_E_XSLT_RESULT};
+FaultScenario generation(std::uint64_t mode) {
+    FaultScenario scenario = guardedReport("html", mode, checkedMemory);
+    scenario.failures.push_back(RGEN_E_EMPTY_INPUT);
+    return scenario;
 }
 
-FaultScenario generation(std::uint64_t mode) {
-    FaultScenario scenario;
-    scenario.name = "guarded report in mode " + std::to_string(mode);
-    scenario.prepare = [mode](FaultSubject& subject) {
-        subject.input.variants().addString("v", "value");
-        subject.input.format("html").output(mode, subject.files.file("report"));
-    };
-    scenario.call = [](FaultSubject& subject) {
-        RgenhError error = newError();
-        const RgenStatus status =
-            rgenh_generateReport(subject.generator(), subject.input.get(), &subject.result, &error);
-        return checkedMemory(status, error);
-    };
-    scenario.failures = generationFailures();
-    return scenario;
+// The parts of a request in mode 2.
+RgenhRequestParts partsOf(const RgenhValue* values, std::uint64_t count) {
+    RgenhRequestParts parts = {};
+    parts.size = sizeof parts;
+    parts.format = "html";
+    parts.outputMode = RGEN_OUTPUT_BYTES;
+    parts.values = values;
+    parts.valueCount = count;
+    return parts;
 }
 
 class GuardedAllocations : public testing::Test {
 protected:
-    GuardedAllocations() { files.putTemplate(smallTemplate, "html"); }
+    GuardedAllocations() {
+        files.putTemplate(
+            textTemplate("<xsl:text>QT_TRANSLATE_NOOP(\"QObject\", \"Title\")</xsl:text>"
+                         "<xsl:value-of select=\"//property\"/>"),
+            "html");
+    }
 
     FaultFolder files;
     const RgenCInputParams* prepared = nullptr;
@@ -97,7 +87,7 @@ TEST_F(GuardedAllocations, OfNewGeneratorsWithATranslator) {
         prepared = subject.input.format("html").output(RGEN_OUTPUT_BYTES).get();
     };
     scenario.take = takeBytes;
-    scenario.failures = generationFailures();
+    scenario.failures = generation(RGEN_OUTPUT_BYTES).failures;
     sweepAllocations(files, scenario);
 }
 
@@ -108,12 +98,8 @@ TEST_F(GuardedAllocations, OfRequestsFromArrays) {
         const RgenhValue values[] = {rgenh_textValue("a name that is long enough", "a & b & c"),
                                      rgenh_integerValue("n", 1, RGEN_HINT_SIZE),
                                      rgenh_bytesValue("b", "bytes", 5)};
-        RgenhRequestParts parts = {};
-        parts.size = sizeof parts;
+        RgenhRequestParts parts = partsOf(values, 3);
         parts.reportType = defaultGuidText;
-        parts.format = "html";
-        parts.values = values;
-        parts.valueCount = 3;
         parts.pairs = values;
         parts.pairCount = 1;
         RgenhError error = newError();
@@ -127,41 +113,8 @@ TEST_F(GuardedAllocations, OfRequestsFromArrays) {
 }
 
 TEST_F(GuardedAllocations, OfPersistentValuesAndTexts) {
-    FaultScenario storing;
-    storing.name = "persistent values";
-    storing.arrange = [](const FaultFolder& folder) { folder.putPersistentData(); };
-    storing.call = [](FaultSubject& subject) {
-        const RgenhValue value = rgenh_textValue("a", " text & more ");
-        RgenhError error = newError();
-        const RgenStatus status =
-            rgenh_setPersistentValues(subject.generator(), &subject.guid, &value, 1, &error);
-        return checkedMemory(status, error);
-    };
-    storing.take = takeFile(storedFile);
-    storing.failures =
-        configurationFailures() +
-        std::vector<RgenStatus>{RGEN_E_UNKNOWN, RGEN_E_DELETE_PERSIST, RGEN_E_CREATE_PERSIST};
-    storing.productsOfFailure = {"missing", FaultFolder::persistentData};
-    sweepAllocations(files, storing);
-    FaultScenario reading;
-    reading.name = "persistent texts";
-    reading.arrange = storing.arrange;
-    reading.call = [](FaultSubject& subject) {
-        RgenhError error = newError();
-        const RgenStatus status =
-            rgenh_getPersistentTexts(subject.generator(), &subject.guid, &subject.pairs, &error);
-        return checkedMemory(status, error);
-    };
-    reading.take = [](FaultSubject& subject) {
-        const std::string count = std::to_string(subject.pairs.count);
-        rgen_freeRgenCAnsiStringSet(&subject.pairs);
-        return count;
-    };
-    reading.failures =
-        configurationFailures() +
-        std::vector<RgenStatus>{RGEN_E_UNKNOWN, RGEN_E_OPEN_PERSIST, RGEN_E_NO_PERSIST_VALUES};
-    reading.productsOfFailure = {"0"};
-    sweepAllocations(files, reading);
+    sweepAllocations(files, guardedStoring(checkedMemory));
+    sweepAllocations(files, guardedReading(checkedMemory));
 }
 
 // The job's own thread has its memory; the sweep would not count the blocks that it frees. Each
@@ -169,13 +122,8 @@ TEST_F(GuardedAllocations, OfPersistentValuesAndTexts) {
 TEST_F(GuardedAllocations, OfStartingJobs) {
     RgenhError error = newError();
     const RgenhValue value = rgenh_textValue("v", "value");
-    RgenhRequestParts parts = {};
-    parts.size = sizeof parts;
+    RgenhRequestParts parts = partsOf(&value, 1);
     parts.templateGuid = defaultGuid();
-    parts.format = "html";
-    parts.outputMode = RGEN_OUTPUT_BYTES;
-    parts.values = &value;
-    parts.valueCount = 1;
     RgenhRequest* const input = rgenh_newRequest(&parts, &error);
     bool isReached = true;
     for (std::size_t number = 1; isReached; ++number) {

@@ -6,8 +6,7 @@
 #include <string>
 
 #include "robustness/faults/allocation_sweep.h"
-#include "robustness/faults/guarded_errors.h"
-#include "strata_repgenlib/rgen_host.h"
+#include "robustness/faults/guarded_scenarios.h"
 
 namespace rgen_test {
 namespace {
@@ -98,25 +97,7 @@ TEST_F(GuardedDataAllocations, OfDumps) {
 }
 
 TEST_F(GuardedDataAllocations, OfSimulatedInput) {
-    writeFile(files.file("in.xml"),
-              "<data><properties><property name=\"s\" type=\"string\" hint=\"Generic\">a text of "
-              "some length</property></properties></data>");
-    FaultScenario scenario;
-    scenario.name = "simulated input, guarded";
-    scenario.call = [](FaultSubject& subject) {
-        RgenhError error = newError();
-        const std::int32_t count = rgenh_getSimulatedRawDataFromFile(
-            subject.generator(), subject.files.file("in.xml").c_str(), &subject.values, &error);
-        return count < 0 ? checkedMemory(count, error) : count;
-    };
-    scenario.take = [](FaultSubject& subject) {
-        const std::string count = std::to_string(subject.values.count);
-        rgen_freeRgenCVariantSet(&subject.values);
-        return count;
-    };
-    scenario.productsOfFailure = {"0"};
-    scenario.failures = {0, RGEN_E_UNKNOWN};
-    sweepAllocations(files, scenario);
+    sweepAllocations(files, guardedSimulation(checkedMemory));
 }
 
 TEST_F(GuardedDataAllocations, OfSettingsAndCancelling) {

@@ -6,10 +6,9 @@
 
 #include <string>
 
-#include "robustness/faults/guarded_errors.h"
+#include "robustness/faults/guarded_scenarios.h"
 #include "robustness/faults/io_sweep_posix.h"
 #include "robustness/faults/sweep_report.h"
-#include "strata_repgenlib/rgen_host.h"
 #include "support/converter_control.h"
 
 namespace rgen_test {
@@ -17,37 +16,21 @@ namespace {
 
 [[maybe_unused]] const bool isRequired = requirePoints("file_operation_points", 200);
 
-constexpr const char* smallTemplate =
-    "<xsl:stylesheet version=\"1.0\" xmlns:xsl=\"http://www.w3.org/1999/XSL/Transform\">"
-    "<xsl:output method=\"text\"/><xsl:template match=\"/\">"
-    "<xsl:value-of select=\"//property[@name='v']\"/></xsl:template></xsl:stylesheet>";
-
-std::vector<RgenStatus> generationFailures() {
-    return configurationFailures() +
-           std::vector<RgenStatus>{RGEN_E_UNKNOWN,          RGEN_E_TEMPLATE_NOT_FOUND,
-                                   RGEN_E_XSLT_PARSE,       RGEN_E_XSLT_APPLY,
-                                   RGEN_E_XSLT_RESULT,      RGEN_E_OVERWRITE_OUTPUT,
-                                   RGEN_E_CREATE_OUTPUT,    RGEN_E_WRITE_OUTPUT,
-                                   RGEN_E_WRITE_ALL_OUTPUT, RGEN_E_EXTERNAL_FAILED};
+IoScenario guarded(FaultScenario base) {
+    IoScenario scenario;
+    scenario.base = std::move(base);
+    scenario.mayThrow = false;
+    return scenario;
 }
 
 IoScenario generation(const std::string& format) {
-    IoScenario scenario;
-    scenario.mayThrow = false;
-    scenario.base.name = "guarded report as " + format;
-    scenario.base.prepare = [format](FaultSubject& subject) {
-        subject.input.variants().addString("v", "value");
-        subject.input.format(format).output(RGEN_OUTPUT_FILE, subject.files.file("report"));
-    };
-    scenario.base.call = [](FaultSubject& subject) {
-        RgenhError error = {};
-        error.size = sizeof error;
-        const RgenStatus status =
-            rgenh_generateReport(subject.generator(), subject.input.get(), &subject.result, &error);
-        return checkedFileSystem(status, error);
-    };
+    IoScenario scenario = guarded(guardedReport(format, RGEN_OUTPUT_FILE, checkedFileSystem));
     scenario.base.take = takeFile("report");
-    scenario.base.failures = generationFailures();
+    scenario.base.failures =
+        std::move(scenario.base.failures) +
+        std::vector<RgenStatus>{RGEN_E_TEMPLATE_NOT_FOUND, RGEN_E_OVERWRITE_OUTPUT,
+                                RGEN_E_CREATE_OUTPUT,      RGEN_E_WRITE_OUTPUT,
+                                RGEN_E_WRITE_ALL_OUTPUT,   RGEN_E_EXTERNAL_FAILED};
     scenario.base.productsOfFailure = {"missing"};
     // A full disk is not noticed in a report that is not converted.
     scenario.mayMake = [](const IoFault& fault, const std::string& whole,
@@ -60,8 +43,9 @@ IoScenario generation(const std::string& format) {
 class GuardedFileOperations : public testing::Test {
 protected:
     GuardedFileOperations() {
+        const std::string text = textTemplate("<xsl:value-of select=\"//property[@name='v']\"/>");
         for (const char* format : {"txt", "pdf"})
-            files.putTemplate(smallTemplate, format);
+            files.putTemplate(text, format);
     }
 
     FaultFolder files;
@@ -80,53 +64,15 @@ TEST_F(GuardedFileOperations, OfAConvertedReport) {
 }
 
 TEST_F(GuardedFileOperations, OfPersistentTexts) {
-    IoScenario scenario;
-    scenario.mayThrow = false;
-    scenario.base.name = "guarded reading of persistent data";
-    scenario.base.arrange = [](const FaultFolder& folder) { folder.putPersistentData(); };
-    scenario.base.call = [](FaultSubject& subject) {
-        RgenhError error = {};
-        error.size = sizeof error;
-        const RgenStatus status =
-            rgenh_getPersistentTexts(subject.generator(), &subject.guid, &subject.pairs, &error);
-        return checkedFileSystem(status, error);
-    };
-    scenario.base.take = [](FaultSubject& subject) {
-        const std::string count = std::to_string(subject.pairs.count);
-        rgen_freeRgenCAnsiStringSet(&subject.pairs);
-        subject.pairs = {};
-        return count;
-    };
-    scenario.base.failures =
-        configurationFailures() +
-        std::vector<RgenStatus>{RGEN_E_UNKNOWN, RGEN_E_OPEN_PERSIST, RGEN_E_NO_PERSIST_VALUES};
-    scenario.base.productsOfFailure = {"0"};
-    sweepFileOperations(files, scenario);
+    sweepFileOperations(files, guarded(guardedReading(checkedFileSystem)));
 }
 
 TEST_F(GuardedFileOperations, OfStoringPersistentValues) {
-    IoScenario scenario;
-    scenario.mayThrow = false;
-    scenario.base.name = "guarded storing of persistent values";
-    scenario.base.arrange = [](const FaultFolder& folder) { folder.putPersistentData(); };
-    scenario.base.call = [](FaultSubject& subject) {
-        RgenhError error = newError();
-        const RgenhValue value = rgenh_textValue("a", "1 & 2");
-        const RgenStatus status =
-            rgenh_setPersistentValues(subject.generator(), &subject.guid, &value, 1, &error);
-        return checkedFileSystem(status, error);
-    };
-    scenario.base.take = takeFile("main/.rgen/persist_data.xml");
-    scenario.base.failures =
-        configurationFailures() +
-        std::vector<RgenStatus>{RGEN_E_UNKNOWN, RGEN_E_DELETE_PERSIST, RGEN_E_CREATE_PERSIST};
-    scenario.base.productsOfFailure = {"missing", FaultFolder::persistentData};
-    sweepFileOperations(files, scenario);
+    sweepFileOperations(files, guarded(guardedStoring(checkedFileSystem)));
 }
 
 TEST_F(GuardedFileOperations, OfADump) {
-    IoScenario scenario;
-    scenario.mayThrow = false;
+    IoScenario scenario = guarded({});
     scenario.base.name = "guarded dump";
     scenario.base.arrange = [](const FaultFolder& folder) {
         writeFile(folder.file("dump"), "old");
@@ -147,33 +93,13 @@ TEST_F(GuardedFileOperations, OfADump) {
 }
 
 TEST_F(GuardedFileOperations, OfSimulatedInput) {
-    writeFile(files.file("in.xml"),
-              "<data><properties><property name=\"n\" type=\"int64\" hint=\"Size\">1</property>"
-              "</properties></data>");
-    IoScenario scenario;
-    scenario.mayThrow = false;
-    scenario.base.name = "guarded simulated input";
-    scenario.base.call = [](FaultSubject& subject) {
-        RgenhError error = newError();
-        const std::int32_t count = rgenh_getSimulatedRawDataFromFile(
-            subject.generator(), subject.files.file("in.xml").c_str(), &subject.values, &error);
-        return count < 0 ? checkedFileSystem(count, error) : count;
-    };
-    scenario.base.take = [](FaultSubject& subject) {
-        const std::string count = std::to_string(subject.values.count);
-        rgen_freeRgenCVariantSet(&subject.values);
-        return count;
-    };
-    scenario.base.failures = {0, RGEN_E_UNKNOWN};
-    scenario.base.productsOfFailure = {"0"};
-    sweepFileOperations(files, scenario);
+    sweepFileOperations(files, guarded(guardedSimulation(checkedFileSystem)));
 }
 
 TEST_F(GuardedFileOperations, OfTheCheckOfAPdf) {
     const std::string path = files.file("report.pdf");
     writeFile(path, "%PDF-1.7 %%EOF");
-    IoScenario scenario;
-    scenario.mayThrow = false;
+    IoScenario scenario = guarded({});
     scenario.base.name = "check of a pdf";
     scenario.base.call = [path](FaultSubject& /*subject*/) {
         RgenhError error = newError();
