@@ -81,10 +81,12 @@ class Handles:
         with self._starts:
             run.translation = translation = self.translation
             if translation or self._is_translating:
-                self._is_translating = bool(translation)
+                # Until the call has returned, the library may have either translator.
+                self._is_translating = True
                 self.check(self.library.rgenh_setTranslator(
                     self._starter, translation.function, run.key, translation.form, byref(error)),
                     error)
+                self._is_translating = bool(translation)
             run.start(self._starter, request, error)
         if not run.job:
             raise failure_of(self.library, error)

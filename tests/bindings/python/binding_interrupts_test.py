@@ -109,7 +109,21 @@ class Interrupts(BindingCase):
             self.own.open_report(Request(TYPE, values={"v": 1}), self.folder / "report.html")
         self.assertEqual(before, descriptors())
 
+    def test_one_while_a_translator_is_removed_leaves_it_to_no_later_report(self):
+        self.put_template(marked("a"))
+        self.own.set_translator(str.upper)
+        self.assertEqual("A", self.report_of(1))
+        self.own.set_translator(None)
+        with mock.patch.object(self.own.library, "rgenh_setTranslator",
+                               side_effect=KeyboardInterrupt), \
+                self.assertRaises(KeyboardInterrupt):
+            self.report_of(1)
+        self.assertEqual("a", self.report_of(1))
+
     def test_at_any_moment_it_leaks_nothing_and_closing_ends(self):
+        # Python's logging would keep its lock if it were interrupted while it looks up for the first
+        # time whether a message is wanted.
+        self.report_of(1)
         before = descriptors()
         request = Request(TYPE, values={"v": 1})
         self.own.set_persistent_data(TYPE, {"a": "b"})
