@@ -117,9 +117,8 @@ def load_library(path: Optional[StrPath] = None) -> Library:
     tried = []
     for folder in folders:
         try:
-            if folder not in _loaded:
-                _loaded[folder] = Library(folder)
-            return _loaded[folder]
+            # Another thread may have loaded it meanwhile.
+            return _loaded.get(folder) or _loaded.setdefault(folder, Library(folder))
         except LibraryNotFoundError:
             raise
         except (OSError, AttributeError) as error:
