@@ -129,14 +129,15 @@ RgenStatus RGEN_CALL rgenh_cancel(RgenReportGenerator* generator, const RgenGuid
 RgenStatus RGEN_CALL rgenh_generateReport(RgenReportGenerator* generator,
                                           const RgenCInputParams* input, RgenCVariant* result,
                                           RgenhError* error) noexcept {
-    const RgenCInputParams texts = input == nullptr ? RgenCInputParams{} : *input;
-    const PassedText passed[] = {{2, "the output path", texts.outputPath.data},
-                                 {2, "the format", texts.outputFormat.data},
-                                 {2, "the converter base", texts.converterBaseArg.data},
-                                 {}};
-    return generatorCall(
-        error, {{generator, "generator"}, {input, "input"}, {result, "result"}}, passed,
-        [&](ErrorRecord& record) { return generateReport(generator, *input, *result, record, 2); });
+    const RgenCInputParams request = input == nullptr ? RgenCInputParams{} : *input;
+    const PassedText texts[] = {{2, "the output path", request.outputPath.data},
+                                {2, "the format", request.outputFormat.data},
+                                {2, "the converter base", request.converterBaseArg.data},
+                                {}};
+    return generatorCall(error, {{generator, "generator"}, {input, "input"}, {result, "result"}},
+                         texts, [&](ErrorRecord& record) {
+                             return generateReport(generator, request, *result, record, 2);
+                         });
 }
 
 RgenStatus RGEN_CALL rgenh_getPersistentData(RgenReportGenerator* generator, const RgenGuid* guid,

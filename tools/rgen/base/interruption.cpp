@@ -165,7 +165,7 @@ void TemporaryFolder::deliver(const std::string& file, const std::string& target
         std::error_code ignored;
         const fs::file_status old = fs::symlink_status(place, ignored);
         if (fs::is_regular_file(old)) {
-            fs::permissions(fs::u8path(file), old.permissions() & fs::perms(0777), ignored);
+            fs::permissions(fs::u8path(file), old.permissions() & fs::perms::all, ignored);
         } else {
             applyMask(file);
         }

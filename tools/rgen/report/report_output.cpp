@@ -130,7 +130,7 @@ std::uint64_t ReportOutput::deliver() {
     if (plan_.target == "-") {
         const std::string file = plan_.converts ? readInputFile(path_, "try again") : std::string();
         const ImmediateInterrupt atOnce;
-        printData(plan_.converts ? std::string_view(file) : bytes());
+        printData(plan_.converts ? file : bytes());
     } else if (folder_) {
         folder_->deliver(path_, plan_.target);
     } else {
