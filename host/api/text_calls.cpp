@@ -40,7 +40,8 @@ void requireForm(std::uint64_t form, int argument) {
 std::string escapedFor(std::string_view text, std::uint64_t form, std::uint64_t use) {
     const bool isMarkup = form == RGENH_MARKUP;
     if (use == RGENH_FOR_PERSISTENT_DATA) return isMarkup ? storedMarkup(text) : storedText(text);
-    return isMarkup ? std::string(text) : escaped(text);
+    if (isMarkup) return std::string(text);
+    return escaped(text);
 }
 
 std::string escapedTranslation(std::string_view original, std::string_view translation,

@@ -11,6 +11,7 @@
 #include <new>
 #include <stdexcept>
 #include <string>
+#include <string_view>
 #include <system_error>
 
 #include "error/failures.h"
@@ -37,7 +38,8 @@ RgenStatus reportFileSystem(ErrorRecord& record,
     const std::string path = platform::utf8Path(failure.path1().native());
     record.setPath(path);
     record.setSystemError(failure.code().value());
-    record.saySubject(path.empty() ? "the data directory is not set" : path);
+    const std::string_view subject = path;
+    record.saySubject(path.empty() ? "the data directory is not set" : subject);
     record.say(platform::systemErrorText(failure.code().value()));
     return record.fail(RGENH_ERROR_FILE_SYSTEM, RGEN_E_UNKNOWN);
 }

@@ -72,7 +72,9 @@ private:
 };
 
 bool isWholePdf(FileReader& file) {
-    return file.part(0, 5) == "%PDF-" && file.tail(searchedTail).find("%%EOF") != std::string::npos;
+    const std::string start = file.part(0, 5);
+    const std::string end = file.tail(searchedTail);
+    return start == "%PDF-" && end.find("%%EOF") != std::string::npos;
 }
 
 /// The converter's message; nothing if it left none.
@@ -110,7 +112,8 @@ void prepareConversion(const RgenCInputParams& input, int argument) {
 
 void verifyPdf(const std::string& path) {
     const std::optional<std::string> message = converterMessage(path);
-    const std::string reason = message && !message->empty() ? ": " + *message : "";
+    std::string reason;
+    if (message && !message->empty()) reason = ": " + *message;
     FileReader file(path);
     if (!file.isOpen())
         throw ConversionFailure(path, path + ": the converter made no file" + reason);

@@ -16,6 +16,7 @@
 #include <ctime>
 #include <new>
 #include <stdexcept>
+#include <string_view>
 
 #include "platform/host_platform.h"
 #include "text/character_check.h"
@@ -26,8 +27,7 @@ namespace {
 constexpr long nanosecondsOfSecond = 1000000000;
 
 // As in cmake/version_note.c.in.
-constexpr char versionNoteName[] = "strata_repgenlib";
-constexpr unsigned versionNoteType = 1;
+constexpr std::string_view versionNoteName("strata_repgenlib", sizeof "strata_repgenlib");
 
 timespec timeAfter(std::int64_t milliseconds) noexcept {
     timespec time = {};
@@ -92,28 +92,30 @@ constexpr std::size_t aligned(std::size_t size) {
     return (size + 3) / 4 * 4;
 }
 
-/// The text of the version note in a note segment; null if there is none.
-const char* versionIn(const char* segment, std::size_t size) {
-    std::size_t at = 0;
-    while (at + sizeof(Elf64_Nhdr) <= size) {
+/// Removes up to `size` bytes at the start of a text and returns them.
+std::string_view take(std::string_view& text, std::size_t size) {
+    const std::string_view taken = text.substr(0, size);
+    text.remove_prefix(taken.size());
+    return taken;
+}
+
+/// The text of the version note in a segment of notes; empty if there is none.
+std::string_view versionIn(std::string_view notes) {
+    while (notes.size() >= sizeof(Elf64_Nhdr)) {
         Elf64_Nhdr header = {};
-        std::memcpy(&header, segment + at, sizeof header);
-        const char* const name = segment + at + sizeof header;
-        const std::size_t next =
-            at + sizeof header + aligned(header.n_namesz) + aligned(header.n_descsz);
-        if (next > size) break;
-        if (header.n_namesz == sizeof versionNoteName && header.n_type == versionNoteType &&
-            std::memcmp(name, versionNoteName, sizeof versionNoteName) == 0) {
-            return name + aligned(header.n_namesz);
+        std::memcpy(&header, take(notes, sizeof header).data(), sizeof header);
+        const std::string_view name = take(notes, aligned(header.n_namesz));
+        const std::string_view content = take(notes, aligned(header.n_descsz));
+        if (name.substr(0, header.n_namesz) == versionNoteName) {
+            return content.substr(0, content.find('\0'));
         }
-        at = next;
     }
-    return nullptr;
+    return {};
 }
 
 struct Search {
-    std::uintptr_t address;
-    std::string version;
+    const std::uintptr_t address;
+    std::string& version;
 };
 
 bool contains(const dl_phdr_info& file, std::uintptr_t address) {
@@ -134,8 +136,8 @@ int findVersion(dl_phdr_info* file, std::size_t /*size*/, void* context) {
         const ElfW(Phdr)& part = file->dlpi_phdr[i];
         if (part.p_type != PT_NOTE) continue;
         const auto* const start = reinterpret_cast<const char*>(file->dlpi_addr + part.p_vaddr);
-        const char* const version = versionIn(start, part.p_memsz);
-        if (version != nullptr) search.version = version;
+        const std::string_view version = versionIn({start, part.p_memsz});
+        if (!version.empty()) search.version = version;
     }
     return 1;
 }
@@ -192,18 +194,20 @@ void Monitor::notifyAll() noexcept {
 
 bool Thread::start(void (*run)(void*), void* argument, std::size_t stackBytes) noexcept {
     pthread_attr_t attributes;
-    if (pthread_attr_init(&attributes) != 0) return false;
+    pthread_attr_init(&attributes);
     std::unique_ptr<ThreadStart> start(new (std::nothrow) ThreadStart{run, argument});
     pthread_t thread = {};
+    bool isStarted = false;
     if (start != nullptr && pthread_attr_setstacksize(&attributes, stackBytes) == 0) {
         const BlockedSignals blocked;
-        isJoinable_ = pthread_create(&thread, &attributes, runThread, start.get()) == 0;
+        isStarted = pthread_create(&thread, &attributes, runThread, start.get()) == 0;
     }
     pthread_attr_destroy(&attributes);
     // The thread frees it.
-    if (isJoinable_) static_cast<void>(start.release());
+    if (isStarted) static_cast<void>(start.release());
     handle_ = thread;
-    return isJoinable_;
+    isJoinable_ = isStarted;
+    return isStarted;
 }
 
 bool Thread::isTerminated() const noexcept {
@@ -236,20 +240,21 @@ std::string utf8Path(const std::string& path) {
 
 std::string systemErrorText(std::int64_t number) {
     const char* const text = strerrordesc_np(static_cast<int>(number));
-    return text != nullptr ? text : "error " + std::to_string(number);
+    if (text != nullptr) return text;
+    return "error " + std::to_string(number);
 }
 
 LoadedFile loadedFileOf(const void* address) {
-    LoadedFile file = {"", "unknown"};
+    LoadedFile file;
+    file.version = "unknown";
     Dl_info info = {};
-    if (dladdr(address, &info) != 0 && info.dli_fname != nullptr) {
+    if (dladdr(address, &info) != 0) {
         const std::unique_ptr<char, decltype(&std::free)> whole(realpath(info.dli_fname, nullptr),
                                                                 &std::free);
         file.path = whole != nullptr ? whole.get() : info.dli_fname;
     }
-    Search search = {reinterpret_cast<std::uintptr_t>(address), ""};
+    Search search = {reinterpret_cast<std::uintptr_t>(address), file.version};
     dl_iterate_phdr(findVersion, &search);
-    if (!search.version.empty()) file.version = search.version;
     return file;
 }
 

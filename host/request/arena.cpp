@@ -4,7 +4,6 @@
 #include "request/arena.h"
 
 #include <cstring>
-#include <new>
 #include <utility>
 
 namespace rgenh {
@@ -16,7 +15,6 @@ constexpr std::size_t blockSize = std::size_t{64} * 1024;
 }  // namespace
 
 void* Arena::allocate(std::size_t size) {
-    if (size > static_cast<std::size_t>(-1) / 2) throw std::bad_alloc();
     const std::size_t needed = (size + alignment - 1) / alignment * alignment;
     if (needed > left_) {
         const std::size_t block = needed > blockSize / 4 ? needed : blockSize;

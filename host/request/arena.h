@@ -5,6 +5,7 @@
 
 #include <cstddef>
 #include <memory>
+#include <new>
 #include <string_view>
 #include <vector>
 
@@ -13,7 +14,8 @@ namespace rgenh {
 /// Allocates from large blocks; frees them when it is destroyed.
 class Arena {
 public:
-    /// Aligned for every record of rgen.h. Throws std::bad_alloc.
+    /// Aligned for every record of rgen.h; `size` is at most half of the address space. Throws
+    /// std::bad_alloc.
     void* allocate(std::size_t size);
 
     /// A null-terminated copy.

@@ -9,21 +9,25 @@
 #include "strata_repgenlib/rgen_host.h"
 
 namespace rgenh {
+namespace {
+
+[[noreturn]] void refuse(const char* what, const char* problem, int argument) {
+    throw ArgumentError(std::string(what) + problem, argument, ArgumentError::noEntry);
+}
+
+}  // namespace
 
 std::string_view hostText(const void* data, std::uint64_t size, const char* what, int argument) {
-    const auto fail = [&](const char* problem) {
-        throw ArgumentError(what + std::string(problem), argument, ArgumentError::noEntry);
-    };
     if (data == nullptr) {
-        if (size != 0) fail(" is null");
+        if (size != 0) refuse(what, " is null", argument);
         return {};
     }
     const auto* const start = static_cast<const char*>(data);
     if (size == RGENH_NULL_TERMINATED) return start;
     // Before the text is read: the size of a careless host may lead out of its memory.
-    if (size > longestSize) fail(" is longer than 4,294,967,295 bytes");
+    if (size > longestSize) refuse(what, " is longer than 4,294,967,295 bytes", argument);
     const std::string_view text(start, size);
-    if (text.find('\0') != std::string_view::npos) fail(" contains a zero byte");
+    if (text.find('\0') != std::string_view::npos) refuse(what, " contains a zero byte", argument);
     return text;
 }
 

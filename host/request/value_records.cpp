@@ -19,9 +19,8 @@ constexpr std::uint64_t greatestHint = 9;
 /// The name of an entry for a message.
 std::string shownName(const RgenAnsiString& name) {
     constexpr std::size_t longestShown = 60;
-    std::string_view text = name.data;
-    if (text.size() > longestShown) text = text.substr(0, longestShown);
-    return "\"" + withInvalidReplaced(text) + "\": ";
+    const std::string_view text = name.data;
+    return "\"" + withInvalidReplaced(text.substr(0, longestShown)) + "\": ";
 }
 
 /// Where an entry is and what is known of it.
@@ -38,8 +37,10 @@ void atEntry(const EntryPlace& place, Make make) {
     try {
         make();
     } catch (const ArgumentError& failure) {
-        const std::string name = place.name.data == nullptr ? "" : shownName(place.name);
-        throw ArgumentError(name + failure.what(), failure.argument(), place.index, place.isPair);
+        std::string message;
+        if (place.name.data != nullptr) message = shownName(place.name);
+        throw ArgumentError(message + failure.what(), failure.argument(), place.index,
+                            place.isPair);
     }
 }
 
@@ -55,8 +56,8 @@ RgenAnsiString nameRecord(const RgenhValue& value, TextUse use, Arena& arena) {
 
 /// Most texts contain no "&" and need no second copy.
 RgenAnsiString reportText(std::string_view text, bool isMarkup, Arena& arena) {
-    const bool isUnchanged = isMarkup || text.find('&') == std::string_view::npos;
-    return isUnchanged ? makeText(text, arena) : makeText(escaped(text), arena);
+    if (isMarkup || text.find('&') == std::string_view::npos) return makeText(text, arena);
+    return makeText(escaped(text), arena);
 }
 
 RgenAnsiString textRecord(const RgenhValue& value, TextUse use, Arena& arena) {

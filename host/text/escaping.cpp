@@ -128,8 +128,9 @@ std::string translationMarkup(std::string_view original, std::string_view transl
     std::string text = withInvalidReplaced(translation);
     if (!has("&")) text = escaped(text);
     text = mapAmpersands(text, [](std::string_view reference, std::size_t /*at*/) {
-        const std::string held = heldReference(reference);
-        return held.empty() ? "&amp;" + std::string(reference.substr(1)) : held;
+        std::string held = heldReference(reference);
+        if (held.empty()) held = "&amp;" + std::string(reference.substr(1));
+        return held;
     });
     // With an element in the original the translation may have elements with attributes. A marked
     // text without one may be in an attribute, which apostrophes delimit since the text has quotes.

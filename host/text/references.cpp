@@ -29,9 +29,9 @@ std::uint32_t digitOf(char letter, std::uint32_t base) {
     return std::min(digit, base);
 }
 
-/// The number of "#65" or "#x41", at most 0x110000; nothing if it is not a number.
+/// The number of "#65" or "#x41", at most 0x110000; nothing if what follows "#" is not a number.
 std::optional<std::uint32_t> numberOf(std::string_view name) {
-    const bool isHex = name.size() > 1 && name[1] == 'x';
+    const bool isHex = name[1] == 'x';
     const std::uint32_t base = isHex ? 16 : 10;
     const std::string_view digits = name.substr(isHex ? 2 : 1);
     if (digits.empty()) return std::nullopt;
@@ -45,13 +45,14 @@ std::optional<std::uint32_t> numberOf(std::string_view name) {
 }
 
 bool isNumeric(std::string_view name) {
-    return !name.empty() && name[0] == '#';
+    return name[0] == '#';
 }
 
 std::string numericReference(std::string_view name) {
     const std::uint32_t number = numberOf(name).value_or(0);
     const bool isSurrogate = number >= 0xD800 && number <= 0xDFFF;
-    return number == 0 || number > 0x10FFFF || isSurrogate ? std::string() : utf8Of(number);
+    if (number == 0 || number > 0x10FFFF || isSurrogate) return {};
+    return utf8Of(number);
 }
 
 /// The character of a reference without "&" and ";"; empty if there is none.
@@ -67,7 +68,8 @@ std::string_view nameIn(std::string_view reference) {
     return reference.substr(1, reference.size() - 2);
 }
 
-/// The reference at the start of a text, such as "&amp;", or "&" alone if there is none.
+/// The reference at the start of a text, such as "&amp;", or "&" alone if there is none. Its name
+/// is not empty, nor is that of "&#65;" without the "#".
 std::string_view referenceAt(std::string_view text) {
     const std::size_t nameStart = text.size() > 1 && text[1] == '#' ? 2 : 1;
     const std::size_t end = text.find_first_of("&;#< \t\r\n", nameStart);
@@ -76,23 +78,28 @@ std::string_view referenceAt(std::string_view text) {
     }
     const std::string_view reference = text.substr(0, end + 1);
     const std::string_view name = nameIn(reference);
-    return isNumeric(name) && !numberOf(name) ? text.substr(0, 1) : reference;
+    if (isNumeric(name) && !numberOf(name)) return text.substr(0, 1);
+    return reference;
 }
 
 }  // namespace
 
 std::string withoutReferences(std::string_view content) {
     return mapAmpersands(content, [](std::string_view reference, std::size_t /*at*/) {
-        const std::string character = reference.size() > 1 ? characterOf(nameIn(reference)) : "";
-        return character.empty() ? std::string(reference) : character;
+        std::string meant;
+        if (reference.size() > 1) meant = characterOf(nameIn(reference));
+        if (meant.empty()) meant = reference;
+        return meant;
     });
 }
 
 std::string heldReference(std::string_view reference) {
     if (reference.size() == 1) return {};
     const std::string_view name = nameIn(reference);
-    if (!isNumeric(name)) return characterOf(name).empty() ? "" : std::string(reference);
-    return isXmlCharacter(*numberOf(name)) ? std::string(reference) : "&#xFFFD;";
+    if (isNumeric(name) && !isXmlCharacter(*numberOf(name))) return "&#xFFFD;";
+    const std::string character = characterOf(name);
+    if (character.empty()) return {};
+    return std::string(reference);
 }
 
 std::string mapAmpersands(std::string_view text,
