@@ -48,6 +48,7 @@ TEST_F(ErrorRecord, OfTooSmallASizeStaysUnchangedAndNothingIsDone) {
         EXPECT_EQ(RGEN_E_BAD_PARAMETER, rgenh_setDataDirPath(host, other.c_str(), &small));
         EXPECT_EQ(0, std::memcmp(&before, &small, sizeof small));
         EXPECT_EQ(nullptr, rgenh_newReportGenerator(&small));
+        EXPECT_EQ(RGEN_E_BAD_PARAMETER, rgenh_freeReportGenerator(host, &small));
     }
     putTemplate(textStylesheet("still the old folder"));
     EXPECT_EQ("still the old folder", bytesOf({rgenh_textValue("v", "x")}));
@@ -88,6 +89,17 @@ TEST_F(ErrorRecord, MayBeNull) {
               rgenh_setDataDirPath(host, folder.file("missing").c_str(), nullptr));
     EXPECT_EQ(RGEN_E_UNKNOWN, rgenh_setDataDirPath(host, "\xFF", nullptr));
     EXPECT_EQ(RGEN_E_BAD_PARAMETER, rgenh_setDataDirPath(nullptr, "x", nullptr));
+    RgenReportGenerator* const fresh = rgenh_newReportGenerator(nullptr);
+    Result result;
+    EXPECT_EQ(RGEN_E_UNKNOWN, rgenh_generateReport(fresh, input.get(), result.get(), nullptr));
+    EXPECT_EQ(RGEN_OK, rgenh_freeReportGenerator(fresh, nullptr));
+}
+
+TEST_F(ErrorRecord, OfAnEmptyPathBeginsWithTheText) {
+    EXPECT_EQ(RGEN_E_DIR_NOT_FOUND, rgenh_setDataDirPath(host, "", &error));
+    EXPECT_EQ(std::string(rgen_getStatusCodeDescription(host, RGEN_E_DIR_NOT_FOUND)) +
+                  " (0xC0000002 RGEN_E_DIR_NOT_FOUND)",
+              error.message);
 }
 
 TEST_F(ErrorRecord, CutsLongTextsBetweenTwoCharacters) {
@@ -103,9 +115,9 @@ TEST_F(ErrorRecord, CutsLongTextsBetweenTwoCharacters) {
 }
 
 TEST_F(ErrorRecord, HasNoLineBreaksInItsMessage) {
-    EXPECT_GT(0, rgenh_setDataDirPath(host, "no\nsuch\x1B[31mfolder", &error));
-    EXPECT_EQ(std::string::npos, std::string(error.message).find_first_of("\n\x1B"));
-    EXPECT_STREQ("no\nsuch\x1B[31mfolder", error.path);
+    EXPECT_GT(0, rgenh_setDataDirPath(host, "no\nsuch\x1B[31m\x7F", &error));
+    EXPECT_EQ(std::string::npos, std::string(error.message).find_first_of("\n\x1B\x7F"));
+    EXPECT_STREQ("no\nsuch\x1B[31m\x7F", error.path);
 }
 
 TEST_F(ErrorRecord, HasRoomForTheReasonOfALongPath) {

@@ -35,6 +35,18 @@ TEST_F(GuardedCalls, TakeAHandleOfTheFirstLibrary) {
     EXPECT_EQ("7 1", kindAndArgument());
 }
 
+TEST_F(GuardedCalls, SetUpAndFreeAHandleOfTheFirstLibrary) {
+    putTemplate(textStylesheet("plain"));
+    RgenReportGenerator* const plain = rgen_newReportGenerator();
+    EXPECT_EQ(RGEN_OK, rgenh_setDataDirPath(plain, folder.path().c_str(), &error));
+    InputParams request;
+    request.variants().addString("v", "x");
+    Result result;
+    EXPECT_EQ(RGEN_OK, rgenh_generateReport(plain, request.get(), result.get(), &error));
+    EXPECT_EQ("plain", result.bytes());
+    EXPECT_EQ(RGEN_OK, rgenh_freeReportGenerator(plain, &error));
+}
+
 TEST_F(GuardedCalls, LeaveTheResultOfModeZeroAndOfFailuresUnchanged) {
     putTemplate(textStylesheet("file"));
     InputParams request;
@@ -122,6 +134,15 @@ TEST_F(GuardedCalls, DumpAndSimulate) {
     ASSERT_EQ(1U, values.count);
     EXPECT_EQ(7, values.items[0].value.int64Value);
     rgen_freeRgenCVariantSet(&values);
+}
+
+TEST_F(GuardedCalls, NameTheFileOfADumpThatFails) {
+    InputParams request;
+    request.variants().addString("v", "value");
+    const std::string path = folder.file("missing/dump.xml");
+    EXPECT_GT(0, rgenh_dumpRawInputDataToFile(host, request.get(), path.c_str(), &error));
+    EXPECT_EQ(RGENH_ERROR_STATUS, error.kind);
+    EXPECT_EQ(path, error.path);
 }
 
 TEST_F(GuardedCalls, CancelARunningReport) {

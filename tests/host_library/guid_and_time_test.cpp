@@ -51,7 +51,8 @@ TEST_F(GuidsAndTimes, RefuseOtherTexts) {
          {"", "x", "0a1b2c3d-4e5f-6071-8293-a4b5c6d7e8f", "0a1b2c3d-4e5f-6071-8293-a4b5c6d7e8f9a",
           "0a1b2c3d-4e5f-6071-8293-a4b5c6d7e8fg", "0a1b2c3d04e5f-6071-8293-a4b5c6d7e8f9",
           "{0a1b2c3d-4e5f-6071-8293-a4b5c6d7e8f9", "(0a1b2c3d-4e5f-6071-8293-a4b5c6d7e8f9)",
-          "0a1b2c3d4e5f60718293a4b5c6d7e8f9"}) {
+          "0a1b2c3d4e5f60718293a4b5c6d7e8f9", "{0a1b2c3d-4e5f-6071-8293-a4b5c6d7e8f9)",
+          "0a1b2c3!-4e5f-6071-8293-a4b5c6d7e8f9", "0a1b2c3d-4e5f-6071-8293-A4B5C6D7E8FG"}) {
         EXPECT_EQ("", readGuid(text));
         EXPECT_EQ("\"" + std::string(text) + "\" is not a GUID", error.message);
     }
@@ -69,6 +70,7 @@ TEST_F(GuidsAndTimes, ReadTimesWithAnOffset) {
         {"2026-03-09T02:44:07-0530", 1773044047},
         {"2026-03-09T09:14:07+01", 1773044047},
         {"2026-03-09T08:14:07.999Z", 1773044047},
+        {"2026-03-09T08:14:07,5Z", 1773044047},
         {"2026-03-09T08:14Z", 1773044040},
         {"2026-03-09Z", 1773014400},
         {"2000-02-29Z", 951782400},
@@ -122,6 +124,7 @@ TEST_F(GuidsAndTimes, RefuseWhatIsNotATime) {
                              "2026-03-09T08:14:60Z",
                              "2026-03-09T8:14Z",
                              "2026-03-09T08:14:07.Z",
+                             "2026-03-09T08:14:.5Z",
                              "2026-03-09T08:14:07+1",
                              " 2026-03-09Z",
                              "2026-03-09Z ",

@@ -103,6 +103,11 @@ TEST_F(Pdfs, AreCheckedByThemselves) {
     EXPECT_EQ(path + ": the converter's file is not a whole pdf", verify(path));
     writeFile(path + ".error.txt", "no browser\nat all\n\n");
     EXPECT_EQ(path + ": the converter's file is not a whole pdf: no browser at all", verify(path));
+    writeFile(path, wholePdf);
+    for (const char* nothing : {"", "\r\n"}) {
+        writeFile(path + ".error.txt", nothing);
+        EXPECT_EQ(path + ": the converter failed", verify(path));
+    }
     createFolder(folder.file("folder.pdf"));
     EXPECT_NE("", verify(folder.file("folder.pdf")));
     const std::string cyrillic = folder.file("\xD0\xBE\xD1\x82\xE2\x82\xAC.pdf");

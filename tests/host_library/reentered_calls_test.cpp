@@ -77,6 +77,19 @@ TEST_F(ReenteredCalls, ThatNeedNoLockWork) {
     });
 }
 
+TEST_F(ReenteredCalls, OnAJobThatHasEndedWork) {
+    const HostRequest request({rgenh_textValue("v", "x")});
+    RgenhJob* const job = rgenh_startReport(host, request.get(), nullptr, nullptr, &error);
+    ASSERT_EQ(1, rgenh_waitForJob(job, -1, &error));
+    Result result;
+    inCallback([&] {
+        EXPECT_EQ(1, rgenh_waitForJob(job, -1, &inner));
+        EXPECT_EQ(RGEN_OK, rgenh_takeJobResult(job, result.get(), &inner));
+    });
+    EXPECT_EQ("a", result.bytes());
+    rgenh_freeJob(job);
+}
+
 TEST_F(ReenteredCalls, ForAnotherGeneratorWork) {
     RgenReportGenerator* other = rgenh_newReportGenerator(&error);
     ASSERT_EQ(RGEN_OK, rgenh_setDataDirPath(other, folder.path().c_str(), &error));
@@ -108,6 +121,7 @@ TEST_F(ReenteredCalls, InTheTranslatorOfAJobAreRefused) {
         std::atomic<bool>* isStarted;
         RgenStatus cancel = 0;
         std::int32_t wait = 0;
+        RgenStatus take = 0;
         RgenhErrorKind kind = RGENH_ERROR_NONE;
     } context = {host, &job, &isStarted};
     const auto translate = [](const char* text, void* pointer) RGEN_CALL -> const char* {
@@ -118,6 +132,7 @@ TEST_F(ReenteredCalls, InTheTranslatorOfAJobAreRefused) {
         record.size = sizeof record;
         inside.cancel = rgenh_cancel(inside.generator, nullptr, &record);
         inside.wait = rgenh_waitForJob(*inside.job, -1, &record);
+        inside.take = rgenh_takeJobResult(*inside.job, nullptr, &record);
         inside.kind = static_cast<RgenhErrorKind>(record.kind);
         return text;
     };
@@ -128,6 +143,7 @@ TEST_F(ReenteredCalls, InTheTranslatorOfAJobAreRefused) {
     EXPECT_EQ(RGEN_OK, rgenh_takeJobResult(job, result.get(), &error)) << error.message;
     EXPECT_EQ(RGEN_E_UNKNOWN, context.cancel);
     EXPECT_EQ(RGEN_E_UNKNOWN, context.wait);
+    EXPECT_EQ(RGEN_E_UNKNOWN, context.take);
     EXPECT_EQ(RGENH_ERROR_REENTERED, context.kind);
     rgenh_freeJob(job);
 }

@@ -51,6 +51,13 @@ TEST_F(Requests, TakeEveryTypeOfValue) {
                             valueOfType("b", RGEN_TYPE_BYTE_ARRAY, nullptr, 0)}));
 }
 
+TEST_F(Requests, UseTheLastHintForThoseAfterIt) {
+    const std::string both =
+        bytesOf({rgenh_integerValue("a", 4096, 9), rgenh_integerValue("b", 4096, UINT64_MAX)});
+    const std::size_t middle = both.find('|');
+    EXPECT_EQ(both.substr(0, middle), both.substr(middle + 1));
+}
+
 TEST_F(Requests, ReadNamesAndTextsWithASize) {
     const char letters[] = {'a', 'b', 'c', '&'};
     const RgenhValue value = {letters, 1, RGEN_TYPE_STRING, 0, 0, letters + 1, 3};
@@ -63,18 +70,19 @@ TEST_F(Requests, OfTwoValuesWithOneNameUseTheLater) {
 
 TEST_F(Requests, LetValuesReplacePairs) {
     const RgenhValue values[] = {rgenh_textValue("a", "value")};
-    const RgenhValue pairs[] = {rgenh_textValue("a", "pair"), rgenh_textValue("b", "pair & co")};
+    const RgenhValue pairs[] = {rgenh_textValue("a", "pair"), rgenh_textValue("b", "pair & co"),
+                                valueOfType("c", RGENH_TYPE_MARKUP, "&lt;", 4)};
     parts.reportType = "{0A1B2C3D-4E5F-6071-8293-A4B5C6D7E8F9}";
     parts.format = "html";
     parts.outputMode = RGEN_OUTPUT_BYTES;
     parts.values = values;
     parts.valueCount = 1;
     parts.pairs = pairs;
-    parts.pairCount = 2;
-    putTemplateFile("second.xsl", textStylesheet(valueOf("a") + "|" + valueOf("b")));
+    parts.pairCount = 3;
+    putTemplateFile("second.xsl", textStylesheet(valueOf("a") + "|" + valueOf("b") + valueOf("c")));
     RgenhRequest* request = rgenh_newRequest(&parts, &error);
     ASSERT_NE(nullptr, request) << error.message;
-    EXPECT_EQ("value|pair & co", bytesOf(request));
+    EXPECT_EQ("value|pair & co<", bytesOf(request));
     rgenh_freeRequest(request);
 }
 
@@ -118,6 +126,9 @@ TEST_F(Requests, NameTheValueThatIsWrong) {
     parts.reportType = defaultGuidText;
     expectRefused("a name is null", rgenh_textValue(nullptr, "x"));
     expectRefused("\"a\": a text is null", rgenh_textValue("a", nullptr));
+    const std::string name(70, 'n');
+    expectRefused(("\"" + name.substr(0, 60) + "\": a text is null").c_str(),
+                  rgenh_textValue(name.c_str(), nullptr));
     expectRefused("a name contains a zero byte", {"a\0b", 3, RGEN_TYPE_STRING, 0, 0, "x", 1});
     expectRefused("\"a\": a text contains a zero byte",
                   {"a", 1, RGEN_TYPE_STRING, 0, 0, "x\0y", 3});

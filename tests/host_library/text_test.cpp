@@ -63,7 +63,9 @@ TEST_F(Texts, OfMarkupForPersistentDataAreChecked) {
     };
     EXPECT_EQ("a &amp;amp; b", stored("a &amp;amp; b"));
     EXPECT_EQ("&#xFFFD;&#xFFFD;", stored("&#xD800;&#1;"));
+    EXPECT_EQ("&#xFFFD;", stored("&#x110000;"));
     EXPECT_EQ("a & b", stored("a & b"));
+    EXPECT_EQ("&#4z; &", stored("&#4z; &"));
     EXPECT_EQ("the text contains the unknown reference &foo;", stored("x &foo; y"));
     EXPECT_EQ("the text contains the unknown reference &f oo;", stored("x &f oo; y"));
     EXPECT_EQ("7 1", kindAndArgument());
@@ -136,10 +138,21 @@ TEST_F(Texts, OfTranslationsAreEscapedUnlessTheOriginalHasMarkup) {
     EXPECT_EQ("&amp;amp &amp;nbsp; &lt;", translation("&", "&amp &nbsp; &lt;"));
 }
 
+TEST_F(Texts, OfTranslationsKeepApostrophesOfTheOriginal) {
+    EXPECT_EQ("c'est &amp;", translation("it's", "c'est &"));
+}
+
+TEST_F(Texts, OfTranslationsAsMarkupStay) {
+    EXPECT_EQ("<b>&lt;</b>", translation("a", "<b>&lt;</b>", RGENH_MARKUP));
+    EXPECT_EQ("the text contains the unknown reference &foo;",
+              translation("a", "&foo;", RGENH_MARKUP));
+}
+
 TEST_F(Texts, OfTranslationsNeverEndACdataSection) {
     EXPECT_EQ("]]&gt;", translation("a", "]]>"));
     EXPECT_EQ("]]&gt;", translation(">", "]]>"));
     EXPECT_EQ("<![CDATA[x]]>", translation("<b>", "<![CDATA[x]]>"));
+    EXPECT_EQ("<![CDATA[x", translation("<b>", "<![CDATA[x"));
     EXPECT_EQ("<![CDATA[x<]]> ]]&gt; y", translation("<b>", "<![CDATA[x<]]> ]]> y"));
     EXPECT_EQ("&gt;a>", translation(">", ">a>")) << "the template may end in two brackets";
 }
@@ -154,6 +167,10 @@ TEST_F(Texts, AreUnescapedOnce) {
     EXPECT_EQ("A\xE2\x82\xAC\xF0\x9F\x93\x84", unescape("&#65;&#x20AC;&#128196;"));
     EXPECT_EQ("&amp; &foo; & &#xD800; &#0; &;", unescape("&amp;amp; &foo; & &#xD800; &#0; &;"));
     EXPECT_EQ("A", unescape("&#x00000000000041;"));
+    EXPECT_EQ("\xC3\xA9\xC3\xA9", unescape("&#233;&#xe9;"));
+    EXPECT_EQ("&#x110000; &#x; &#xG; &#x!; &#xg; &#4z; &lt",
+              unescape("&#x110000; &#x; &#xG; &#x!; &#xg; &#4z; &lt"));
+    EXPECT_EQ("a&", unescape("a&"));
     EXPECT_EQ("", unescape(""));
 }
 
@@ -185,11 +202,13 @@ TEST_F(Texts, AreStorableIfPersistentDataReturnsThem) {
     EXPECT_EQ(1, isStorable(std::string(2000000, '&')));
     EXPECT_EQ(1, isStorable(std::string(2000000, ' ')));
     EXPECT_EQ(0, isStorable(std::string(2000001, ' ')));
+    EXPECT_EQ(1, rgenh_isStorable(nullptr, 0, RGENH_PLAIN, &error));
 }
 
 TEST_F(Texts, WithInvalidUtf8HaveTheirBytesNamed) {
-    for (const std::string text : {"\x80", "\xC0\x80", "\xED\xA0\x80", "\xF4\x90\x80\x80",
-                                   "\xE2\x82", "\xF5\x80\x80\x80", "\xC1\xBF"}) {
+    for (const std::string text :
+         {"\x80", "\xC0\x80", "\xED\xA0\x80", "\xF4\x90\x80\x80", "\xE2\x82", "\xF5\x80\x80\x80",
+          "\xC1\xBF", "\xC3(", "\xE0\x80\x80"}) {
         EXPECT_EQ(0, isStorable(text));
         EXPECT_NE(std::string::npos, std::string(error.message).find("the byte 0x"));
     }

@@ -97,6 +97,16 @@ TEST_F(Translators, ThatFailInAPlainCallAreIgnored) {
     Result result;
     EXPECT_EQ(RGEN_OK, rgen_generateReport(host, request.get(), result.get()));
     EXPECT_EQ("bad", result.bytes());
+    char unusable[] = "x&nbsp;y";
+    ASSERT_EQ(RGEN_OK, rgenh_setTranslator(host, translateTo, unusable, RGENH_MARKUP, &error));
+    Result second;
+    EXPECT_EQ(RGEN_OK, rgen_generateReport(host, request.get(), second.get()));
+    EXPECT_EQ("bad", second.bytes());
+}
+
+TEST_F(Translators, ThatReturnTheMarkedTextLeaveItAsItIs) {
+    putTemplate(textStylesheet(marked("a &lt; b")));
+    EXPECT_EQ("a < b", translated("a &lt; b", RGENH_PLAIN));
 }
 
 TEST_F(Translators, AreReplacedAndRemoved) {

@@ -33,6 +33,18 @@ TEST(XmlWork, WorksOnWithoutAPoolWhereThePointerCannotBeSet) {
     }).join();
 }
 
+TEST(XmlWork, WorksOnWithoutMemoryForAPoolWhereThePointerCannotBeSet) {
+    rgen::memory::PoolSlot slot;
+    std::thread([&slot] {
+        rgen::requireXmlThreadState();
+        const FailingCall noPointer(Call::SetThreadPointer);
+        const FailingAllocation noMemory(1);
+        const XmlWork work(slot);
+        EXPECT_TRUE(noPointer.reached());
+        EXPECT_EQ(nullptr, XmlWork::currentPool());
+    }).join();
+}
+
 TEST(GuardStack, CountsOnTheSmallestStackWhereTheLimitIsUnknown) {
     std::thread([] {
         const rgen::XmlPtr<xmlDoc> data(xmlNewDoc(rgen::xmlText("1.0")));
