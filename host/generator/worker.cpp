@@ -3,9 +3,12 @@
 // SPDX-License-Identifier: MIT
 #include "generator/worker.h"
 
+#include <atomic>
 #include <mutex>
 #include <new>
 #include <utility>
+
+#include "generator/brief_wait.h"
 
 namespace rgenh {
 namespace {
@@ -14,6 +17,12 @@ using Lock = std::lock_guard<platform::Monitor>;
 
 /// Enough for templates that call one another 3,000 levels deep.
 constexpr std::size_t stackBytes = std::size_t{8} * 1024 * 1024;
+
+/// In microseconds: a small report, and what a host does before the next one.
+constexpr std::int64_t quickTask = 250;
+constexpr std::int64_t quickHost = 100;
+std::atomic_flag aHostWaitsBriefly = ATOMIC_FLAG_INIT;
+std::atomic_flag aWorkerWaitsBriefly = ATOMIC_FLAG_INIT;
 
 }  // namespace
 
@@ -35,8 +44,10 @@ void Worker::runThread(void* worker) {
 
 void Worker::runTasks() noexcept {
     while (std::shared_ptr<Task> task = nextTask()) {
+        const std::int64_t start = platform::monotonicMicroseconds();
         task->run();
         task.reset();
+        isQuick_ = platform::monotonicMicroseconds() - start < quickTask;
         countTask();
         // A thread that is woken while the lock is held sleeps once more.
         state_.notifyAll();
@@ -44,8 +55,13 @@ void Worker::runTasks() noexcept {
 }
 
 std::shared_ptr<Worker::Task> Worker::nextTask() noexcept {
+    if (isQuick_) {
+        waitBriefly(
+            aWorkerWaitsBriefly, [this] { return isCalled_.load(); }, quickHost);
+    }
     const Lock lock(state_);
     state_.waitUntil([this] { return task_ != nullptr || isStopped_; });
+    isCalled_ = false;
     return std::move(task_);
 }
 
@@ -60,19 +76,23 @@ std::uint64_t Worker::give(std::shared_ptr<Task> task) noexcept {
         const Lock lock(state_);
         task_ = std::move(task);
         number = ++givenTasks_;
+        isCalled_ = true;
     }
     state_.notifyAll();
     return number;
 }
 
 bool Worker::waitFor(std::uint64_t task, std::int64_t milliseconds) noexcept {
+    const auto hasEnded = [&] { return endedTasks_.load() >= task; };
+    if (milliseconds != 0 && isQuick_) waitBriefly(aHostWaitsBriefly, hasEnded, quickTask);
     const Lock lock(state_);
-    return state_.waitUntil([&] { return endedTasks_ >= task; }, milliseconds);
+    return state_.waitUntil(hasEnded, milliseconds);
 }
 
 void Worker::stop() noexcept {
     const Lock lock(state_);
     isStopped_ = true;
+    isCalled_ = true;
     state_.notifyAll();
 }
 

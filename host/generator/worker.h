@@ -5,6 +5,7 @@
 #pragma once
 
 #include <array>
+#include <atomic>
 #include <cstddef>
 #include <cstdint>
 #include <memory>
@@ -64,8 +65,15 @@ private:
     platform::Monitor state_;
     std::shared_ptr<Task> task_;
     std::uint64_t givenTasks_ = 0;
-    std::uint64_t endedTasks_ = 0;
     bool isStopped_ = false;
+    /// Read without the lock, too.
+    ///@{
+    std::atomic<std::uint64_t> endedTasks_{0};
+    /// Whether there is a task, or the thread must stop.
+    std::atomic<bool> isCalled_{false};
+    /// Whether the last task took so little time that nobody should sleep before the next one ends.
+    std::atomic<bool> isQuick_{false};
+    ///@}
 };
 
 /// The idle workers of one generator of the host.

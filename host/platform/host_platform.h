@@ -71,16 +71,19 @@ private:
     bool isJoinable_ = false;
 };
 
-/// Milliseconds of a clock that never goes back.
-std::int64_t monotonicMilliseconds() noexcept;
+/// Microseconds of a clock that never goes back.
+std::int64_t monotonicMicroseconds() noexcept;
+
+/// How many processors the process may use.
+int processorCount() noexcept;
 
 template <typename Condition>
 bool Monitor::waitUntil(Condition condition, std::int64_t milliseconds) {
-    const std::int64_t start = milliseconds < 0 ? 0 : monotonicMilliseconds();
+    const std::int64_t start = milliseconds < 0 ? 0 : monotonicMicroseconds();
     while (!condition()) {
         std::int64_t left = -1;
         if (milliseconds >= 0) {
-            const std::int64_t passed = monotonicMilliseconds() - start;
+            const std::int64_t passed = (monotonicMicroseconds() - start) / 1000;
             if (passed >= milliseconds) return false;
             left = milliseconds - passed;
         }

@@ -6,6 +6,7 @@
 #include <elf.h>
 #include <link.h>
 #include <pthread.h>
+#include <sched.h>
 #include <signal.h>
 #include <unistd.h>
 #include <unwind.h>
@@ -224,9 +225,18 @@ void Thread::detach() noexcept {
     isJoinable_ = false;
 }
 
-std::int64_t monotonicMilliseconds() noexcept {
+std::int64_t monotonicMicroseconds() noexcept {
     const timespec now = timeAfter(0);
-    return std::int64_t{now.tv_sec} * 1000 + now.tv_nsec / 1000000;
+    return std::int64_t{now.tv_sec} * 1000000 + now.tv_nsec / 1000;
+}
+
+int processorCount() noexcept {
+    static const int count = [] {
+        cpu_set_t usable;
+        CPU_ZERO(&usable);
+        return sched_getaffinity(0, sizeof usable, &usable) == 0 ? CPU_COUNT(&usable) : 1;
+    }();
+    return count;
 }
 
 boost::filesystem::path nativePath(const std::string& path) {

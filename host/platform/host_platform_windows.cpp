@@ -5,6 +5,7 @@
 #include <process.h>
 #include <windows.h>
 
+#include <bitset>
 #include <cstring>
 #include <new>
 #include <stdexcept>
@@ -146,8 +147,21 @@ void Thread::detach() noexcept {
     isJoinable_ = false;
 }
 
-std::int64_t monotonicMilliseconds() noexcept {
-    return static_cast<std::int64_t>(GetTickCount64());
+std::int64_t monotonicMicroseconds() noexcept {
+    LARGE_INTEGER frequency;
+    LARGE_INTEGER now;
+    QueryPerformanceFrequency(&frequency);
+    QueryPerformanceCounter(&now);
+    const std::int64_t second = frequency.QuadPart;
+    constexpr std::int64_t microseconds = 1000000;
+    return now.QuadPart / second * microseconds + now.QuadPart % second * microseconds / second;
+}
+
+int processorCount() noexcept {
+    DWORD_PTR usable = 0;
+    DWORD_PTR all = 0;
+    GetProcessAffinityMask(GetCurrentProcess(), &usable, &all);
+    return static_cast<int>(std::bitset<sizeof usable * 8>(usable).count());
 }
 
 boost::filesystem::path nativePath(const std::string& path) {
