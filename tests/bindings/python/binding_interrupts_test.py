@@ -30,9 +30,14 @@ with Generator(sys.argv[1], library=sys.argv[2]) as generator:
 def interrupted_after(microseconds, function, *arguments):
     """Calls a function, during which the handler of Ctrl-C runs, unless it ends before."""
     try:
-        signal.setitimer(signal.ITIMER_REAL, microseconds / 1e6)
-        function(*arguments)
-        signal.setitimer(signal.ITIMER_REAL, 0)
+        try:
+            signal.setitimer(signal.ITIMER_REAL, microseconds / 1e6)
+            function(*arguments)
+        finally:
+            signal.setitimer(signal.ITIMER_REAL, 0)
+            # Handles a signal that has come. Python itself may do it later, outside of this
+            # function.
+            signal.pthread_sigmask(signal.SIG_BLOCK, ())
     except KeyboardInterrupt:
         pass
 
