@@ -19,7 +19,11 @@ namespace {
 [[maybe_unused]] const bool isRequired = requirePoints("allocation_points", 500);
 
 const char* RGEN_CALL translateTitle(const char* /*text*/, void* /*context*/) {
-    return "a title & more than fits into the inside of a string";
+    return "a title &amp; more than fits into the inside of a string";
+}
+
+const char* RGEN_CALL translateWrongly(const char* /*text*/, void* /*context*/) {
+    return "a translation with an &unknown; reference";
 }
 
 FaultScenario generation(std::uint64_t mode) {
@@ -48,6 +52,32 @@ protected:
             "html");
     }
 
+    // A report of a new generator with this translator, which returns markup.
+    FaultScenario newGenerator(const std::string& name, RgenTranslateFunction translate) {
+        FaultScenario scenario;
+        scenario.name = name;
+        scenario.prepare = [this](FaultSubject& subject) {
+            subject.input.variants().addString("v", "value");
+            prepared = subject.input.format("html").output(RGEN_OUTPUT_BYTES).get();
+        };
+        const std::string folder = files.file("main");
+        scenario.call = [this, folder, translate](FaultSubject& subject) {
+            RgenhError error = newError();
+            RgenReportGenerator* const other = rgenh_newReportGenerator(&error);
+            RgenStatus status = error.status;
+            if (status >= 0) status = rgenh_setDataDirPath(other, folder.c_str(), &error);
+            if (status >= 0)
+                status = rgenh_setTranslator(other, translate, nullptr, RGENH_MARKUP, &error);
+            if (status >= 0)
+                status = rgenh_generateReport(other, prepared, &subject.result, &error);
+            rgenh_freeReportGenerator(other, nullptr);
+            const bool isRefused = error.kind == RGENH_ERROR_CALLBACK;
+            return isRefused ? RGEN_E_UNKNOWN : checkedMemory(status, error);
+        };
+        scenario.failures = generation(RGEN_OUTPUT_BYTES).failures;
+        return scenario;
+    }
+
     FaultFolder files;
     const RgenCInputParams* prepared = nullptr;
 };
@@ -66,29 +96,14 @@ TEST_F(GuardedAllocations, OfReportsInEveryMode) {
 }
 
 TEST_F(GuardedAllocations, OfNewGeneratorsWithATranslator) {
-    FaultScenario scenario;
-    scenario.name = "new generator with a translator";
-    const std::string folder = files.file("main");
-    scenario.call = [&](FaultSubject& subject) {
-        RgenhError error = newError();
-        RgenReportGenerator* const other = rgenh_newReportGenerator(&error);
-        RgenStatus status = error.status;
-        if (status >= 0) status = rgenh_setDataDirPath(other, folder.c_str(), &error);
-        if (status >= 0)
-            status = rgenh_setTranslator(other, translateTitle, nullptr, RGENH_PLAIN, &error);
-        if (status >= 0) {
-            status = rgenh_generateReport(other, prepared, &subject.result, &error);
-        }
-        rgenh_freeReportGenerator(other, nullptr);
-        return checkedMemory(status, error);
-    };
-    scenario.prepare = [this](FaultSubject& subject) {
-        subject.input.variants().addString("v", "value");
-        prepared = subject.input.format("html").output(RGEN_OUTPUT_BYTES).get();
-    };
+    FaultScenario scenario = newGenerator("new generator with a translator", translateTitle);
     scenario.take = takeBytes;
-    scenario.failures = generation(RGEN_OUTPUT_BYTES).failures;
     sweepAllocations(files, scenario);
+}
+
+// Without memory for the reason the report fails all the same.
+TEST_F(GuardedAllocations, OfATranslationThatCannotBeUsed) {
+    sweepAllocations(files, newGenerator("translation that cannot be used", translateWrongly));
 }
 
 TEST_F(GuardedAllocations, OfRequestsFromArrays) {
