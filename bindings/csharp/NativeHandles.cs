@@ -9,14 +9,23 @@ using Microsoft.Win32.SafeHandles;
 
 namespace StrataRepgenlib
 {
+    /// <summary>Disposed of at the end of the process at the latest: Mono would wait for ever for
+    /// the generator's threads, which it knows from asynchronous reports.</summary>
     internal sealed class GeneratorHandle : SafeHandleZeroOrMinusOneIsInvalid
     {
+        private readonly EventHandler atExit;
+
         internal GeneratorHandle() : base(true)
         {
+            // The event must not keep a generator that nobody has.
+            WeakReference self = new WeakReference(this);
+            atExit = (sender, arguments) => ((GeneratorHandle)self.Target)?.Dispose();
+            AppDomain.CurrentDomain.ProcessExit += atExit;
         }
 
         protected override bool ReleaseHandle()
         {
+            AppDomain.CurrentDomain.ProcessExit -= atExit;
             return RgenNative.rgenh_freeReportGenerator(handle, IntPtr.Zero) >= 0;
         }
     }

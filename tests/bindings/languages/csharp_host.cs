@@ -35,6 +35,7 @@ internal static partial class CSharpHost
         ["memory"] = CheckMemory,
         ["threads"] = CheckThreads,
         ["jobs"] = CheckJobs,
+        ["abandonedGenerator"] = CheckAbandonedGenerator,
         ["jobTranslators"] = CheckJobTranslators,
         ["wholePdf"] = CheckWholePdf,
         ["missingPdf"] = CheckMissingPdf,

@@ -46,6 +46,14 @@ internal static partial class CSharpHost
         Equal(Listing("a=1"), Encoding.UTF8.GetString(await last));
     }
 
+    private static ReportGenerator abandoned;
+
+    private static void CheckAbandonedGenerator()
+    {
+        abandoned = new ReportGenerator("data");
+        MakeManyJobs(abandoned).GetAwaiter().GetResult();
+    }
+
     private static async Task MakeManyJobs(ReportGenerator generator)
     {
         Task<byte[]>[] tasks = Enumerable.Range(0, 20).Select(

@@ -194,6 +194,9 @@ class HostCases:
     def test_jobs(self):
         self.run_case("jobs")
 
+    def test_a_host_ends_although_it_never_freed_its_generator(self):
+        self.run_case("abandonedGenerator")
+
     def test_a_job_uses_the_translator_of_its_start(self):
         self.run_case("jobTranslators")
 

@@ -34,6 +34,7 @@ fn main() {
         "memory" => calls::check_memory,
         "threads" => calls::check_threads,
         "jobs" => jobs::check_jobs,
+        "abandonedGenerator" => jobs::check_abandoned_generator,
         "jobTranslators" => jobs::check_job_translators,
         "wholePdf" => calls::check_whole_pdf,
         "missingPdf" => calls::check_missing_pdf,

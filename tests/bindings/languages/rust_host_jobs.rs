@@ -50,6 +50,12 @@ pub fn check_jobs() {
     assert_eq!(listing(&["a=1"]), text_of(last));
 }
 
+pub fn check_abandoned_generator() {
+    let generator = open();
+    assert_eq!(listing(&["a=1"]), text_of(generator.start_bytes(&one()).expect("a job")));
+    std::mem::forget(generator);
+}
+
 pub fn check_job_translators() {
     let (begin, begun) = channel();
     let (allow, allowed) = channel::<()>();
