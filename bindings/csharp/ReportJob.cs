@@ -20,6 +20,8 @@ namespace StrataRepgenlib
         private readonly GeneratorHandle generator;
         private readonly Translations translations;
         private readonly JobHandle job;
+        private readonly EventHandler atExit;
+        private int isReleased;
 
         /// <summary>Starts a job. Disposing of it cancels it, and waits for its end.</summary>
         internal ReportJob(GeneratorHandle generator, Translations translations,
@@ -41,6 +43,9 @@ namespace StrataRepgenlib
                 Release();
                 throw;
             }
+            // Mono would wait for ever for its thread.
+            atExit = (sender, arguments) => Dispose();
+            AppDomain.CurrentDomain.ProcessExit += atExit;
         }
 
         /// <summary>Completed at the end of the job, with the exception of its translator, or
@@ -76,10 +81,12 @@ namespace StrataRepgenlib
             return result;
         }
 
+        /// <summary>May be called by two threads at once, at the end of the process.</summary>
         public void Dispose()
         {
+            AppDomain.CurrentDomain.ProcessExit -= atExit;
             job.Dispose();
-            Release();
+            if (Interlocked.Exchange(ref isReleased, 1) == 0) Release();
         }
 
         private JobHandle Start(RequestHandle request, IntPtr context)

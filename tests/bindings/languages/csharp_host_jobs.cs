@@ -52,6 +52,15 @@ internal static partial class CSharpHost
     {
         abandoned = new ReportGenerator("data");
         MakeManyJobs(abandoned).GetAwaiter().GetResult();
+        // One more, which may still run when the process ends.
+        ManualResetEventSlim hasBegun = new ManualResetEventSlim();
+        abandoned.SetTranslator(text =>
+        {
+            hasBegun.Set();
+            return text;
+        });
+        abandoned.GenerateBytesAsync(TextRequest(new Value("a", 1)));
+        hasBegun.Wait();
     }
 
     private static async Task MakeManyJobs(ReportGenerator generator)
