@@ -30,9 +30,7 @@ std::string errorPath(const std::string& path) {
 
 bool isPipeOrDevice(const boost::filesystem::path& path) {
     boost::system::error_code ignored;
-    const boost::filesystem::file_type type = boost::filesystem::status(path, ignored).type();
-    return type == boost::filesystem::fifo_file || type == boost::filesystem::socket_file ||
-           type == boost::filesystem::character_file || type == boost::filesystem::block_file;
+    return boost::filesystem::is_other(boost::filesystem::status(path, ignored));
 }
 
 /// Reads parts of a file. Not a file stream: those take no wide path on Windows.

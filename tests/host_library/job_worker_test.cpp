@@ -154,5 +154,24 @@ TEST_F(JobWorkers, EndWhenTheEndFunctionFreesTheGenerator) {
     EXPECT_EQ(before, settledHostState(before));
 }
 
+TEST_F(JobWorkers, OfACancelledJobEndWhenItsEndFunctionFreesIt) {
+    const std::string before = hostState();
+    converter.obey(waiting({}));
+    RgenReportGenerator* const owner = newGenerator();
+    const HostRequest pdf({rgenh_textValue("v", "x")}, "pdf", folder.file("report.pdf"));
+    std::promise<void> freed;
+    const auto ended = [](RgenhJob* job, void* promise) RGEN_CALL {
+        rgenh_freeJob(job);
+        static_cast<std::promise<void>*>(promise)->set_value();
+    };
+    RgenhJob* const job = rgenh_startReport(owner, pdf.get(), ended, &freed, &error);
+    ASSERT_TRUE(waitForStarted());
+    EXPECT_EQ(RGEN_OK, rgenh_cancelJob(job, &error));
+    freed.get_future().get();
+    rgenh_freeReportGenerator(owner, nullptr);
+    release();
+    EXPECT_EQ(before, settledHostState(before));
+}
+
 }  // namespace
 }  // namespace rgen_test

@@ -17,6 +17,11 @@ TEST_F(Pipes, AtThePathOfAPdfAreNoPdfs) {
     EXPECT_EQ(path + ": the converter made no file", error.message);
 }
 
+TEST_F(Pipes, AndDevicesAreTheSame) {
+    EXPECT_EQ(RGEN_E_EXTERNAL_FAILED, rgenh_verifyPdf("/dev/null", &error));
+    EXPECT_STREQ("/dev/null: the converter made no file", error.message);
+}
+
 TEST_F(Pipes, AtThePathOfTheConvertersMessageAreNotRead) {
     ASSERT_EQ(0, mkfifo((output + ".error.txt").c_str(), 0600));
     converter.obey({{"write", output, "%PDF-1.7 %%EOF"}});

@@ -4,6 +4,7 @@
 // SPDX-License-Identifier: MIT
 #include <gtest/gtest.h>
 
+#include <future>
 #include <string>
 
 #include "robustness/faults/allocation_sweep.h"
@@ -161,6 +162,42 @@ TEST_F(GuardedAllocations, OfStartingJobs) {
     }
     rgenh_freeRequest(input);
     EXPECT_FALSE(sanitizerFindsLeaks());
+}
+
+// A cancel without memory fails, and a later one does not.
+TEST_F(GuardedAllocations, OfCancellingJobs) {
+    RgenhError error = newError();
+    std::promise<void> gate;
+    std::shared_future<void> opened = gate.get_future();
+    const auto waitForGate = [](const char* text, void* context) RGEN_CALL {
+        static_cast<std::shared_future<void>*>(context)->wait();
+        return text;
+    };
+    RgenReportGenerator* const host = rgenh_newReportGenerator(&error);
+    ASSERT_EQ(RGEN_OK, rgenh_setDataDirPath(host, files.file("main").c_str(), &error));
+    ASSERT_EQ(RGEN_OK, rgenh_setTranslator(host, waitForGate, &opened, RGENH_PLAIN, &error));
+    const RgenhValue value = rgenh_textValue("v", "value");
+    RgenhRequestParts parts = partsOf(&value, 1);
+    parts.templateGuid = defaultGuid();
+    RgenhRequest* const input = rgenh_newRequest(&parts, &error);
+    RgenhJob* const job = rgenh_startReport(host, input, nullptr, nullptr, &error);
+    bool isReached = true;
+    for (std::size_t number = 1; isReached; ++number) {
+        RgenStatus status = RGEN_OK;
+        {
+            const FailingAllocation failure(number);
+            status = rgenh_cancelJob(job, &error);
+            isReached = failure.count() >= number;
+        }
+        EXPECT_EQ(isReached, status < 0);
+        EXPECT_EQ(isReached ? RGENH_ERROR_MEMORY : RGENH_ERROR_NONE, error.kind);
+        countPoints("allocation_points", 1);
+    }
+    gate.set_value();
+    EXPECT_EQ(1, rgenh_waitForJob(job, -1, &error));
+    rgenh_freeJob(job);
+    rgenh_freeRequest(input);
+    rgenh_freeReportGenerator(host, nullptr);
 }
 
 TEST_F(GuardedAllocations, OfTexts) {
