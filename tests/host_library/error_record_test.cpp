@@ -139,8 +139,8 @@ TEST_F(ErrorRecord, HasUtf8OnlyAndOneLine) {
     Result result;
     EXPECT_GT(0, rgenh_generateReport(host, request.get(), result.get(), &error));
     EXPECT_STREQ("", error.path);
-    EXPECT_GT(0, rgenh_setDataDirPath(host, "a\xC2\x85\xE2\x80\xA8z", &error));
-    EXPECT_EQ(0U, std::string(error.message).find("a  z: ")) << error.message;
+    EXPECT_GT(0, rgenh_setDataDirPath(host, "a\xC2\x85\xE2\x80\xA8\xE2\x80\xA9\x7Fz", &error));
+    EXPECT_EQ(0U, std::string(error.message).find("a    z: ")) << error.message;
 }
 
 TEST_F(ErrorRecord, HasTheSizeThatTheHeaderSays) {
