@@ -14,8 +14,6 @@
 namespace rgen_test {
 namespace {
 
-constexpr const char* storedFile = "main/.rgen/persist_data.xml";
-
 // What the host's records hold before a call; memory that ends during the call leaves them so.
 constexpr std::uint64_t oldCount = 77;
 const RgenCAnsiStringPairSet oldPairs = {nullptr, nullptr, oldCount};
@@ -75,15 +73,8 @@ void fillValues(FaultSubject& subject) {
         .addBytes("bytes", {1, 2, 3});
 }
 
-// A failure leaves the old file, or none.
 FaultScenario storing(const std::string& name) {
-    FaultScenario scenario;
-    scenario.name = name;
-    scenario.arrange = [](const FaultFolder& files) { files.putPersistentData(); };
-    scenario.take = takeFile(storedFile);
-    scenario.productsOfFailure = {"missing", FaultFolder::persistentData};
-    scenario.failures = configurationFailures() +
-                        std::vector<RgenStatus>{RGEN_E_DELETE_PERSIST, RGEN_E_CREATE_PERSIST};
+    FaultScenario scenario = storingPersistentData(name);
     scenario.mayLoseLines = true;
     return scenario;
 }

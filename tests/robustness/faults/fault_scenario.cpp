@@ -112,6 +112,17 @@ std::vector<RgenStatus> operator+(std::vector<RgenStatus> left,
     return left;
 }
 
+FaultScenario storingPersistentData(const std::string& name) {
+    FaultScenario scenario;
+    scenario.name = name;
+    scenario.arrange = [](const FaultFolder& files) { files.putPersistentData(); };
+    scenario.take = takeFile("main/.rgen/persist_data.xml");
+    scenario.productsOfFailure = {"missing", FaultFolder::persistentData};
+    scenario.failures = configurationFailures() +
+                        std::vector<RgenStatus>{RGEN_E_DELETE_PERSIST, RGEN_E_CREATE_PERSIST};
+    return scenario;
+}
+
 bool lacksLinesOnly(const std::string& whole, const std::string& product) {
     if (isWholeFile(whole) && !isWholeFile(product)) return false;
     std::istringstream wholeLines(whole);

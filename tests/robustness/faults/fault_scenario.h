@@ -87,6 +87,10 @@ std::vector<RgenStatus> configurationFailures();
 std::vector<RgenStatus> operator+(std::vector<RgenStatus> left,
                                   const std::vector<RgenStatus>& right);
 
+// A call that replaces the persistent data of "main", except for the call itself and its arguments.
+// A failure leaves the old file, or none.
+FaultScenario storingPersistentData(const std::string& name);
+
 // True when `product` is `whole` without some of its lines; a stored file still ends as one.
 bool lacksLinesOnly(const std::string& whole, const std::string& product);
 

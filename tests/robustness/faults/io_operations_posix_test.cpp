@@ -16,8 +16,6 @@ namespace {
 
 [[maybe_unused]] const bool isRequired = requirePoints("file_operation_points", 500);
 
-constexpr const char* storedFile = "main/.rgen/persist_data.xml";
-
 // One line for each property of the input and of the stored data.
 constexpr const char* lineTemplate =
     "<xsl:stylesheet version=\"1.0\" xmlns:xsl=\"http://www.w3.org/1999/XSL/Transform\">"
@@ -62,17 +60,12 @@ IoScenario generation(std::uint64_t mode, const std::string& format = "txt") {
 
 IoScenario storing(const std::string& name) {
     IoScenario scenario;
-    scenario.base.name = name;
-    scenario.base.arrange = [](const FaultFolder& files) { files.putPersistentData(); };
+    scenario.base = storingPersistentData(name);
     scenario.base.prepare = [](FaultSubject& subject) { subject.input.pairs().add("a", "1"); };
     scenario.base.call = [](FaultSubject& subject) {
         return rgen_setPersistentDataFromAnsiStringPairSet(subject.generator(), &subject.guid,
                                                            &subject.input.get()->pairs);
     };
-    scenario.base.take = takeFile(storedFile);
-    scenario.base.failures = configurationFailures() +
-                             std::vector<RgenStatus>{RGEN_E_DELETE_PERSIST, RGEN_E_CREATE_PERSIST};
-    scenario.base.productsOfFailure = {"missing", FaultFolder::persistentData};
     return scenario;
 }
 
