@@ -180,7 +180,8 @@ RGENH_API RgenReportGenerator* RGEN_CALL rgenh_newReportGenerator(RgenhError* er
  *                   stays usable.
  *
  * Threads: no other call on this handle may be running. Jobs of the generator may: they go on, and
- * use its translator until they end.
+ * use its translator until they end. It waits for the end of the idle threads of jobs, so a host on
+ * Windows must not call it in DllMain while the process goes on.
  */
 RGENH_API RgenStatus RGEN_CALL rgenh_freeReportGenerator(RgenReportGenerator* generator,
                                                          RgenhError* error) RGENH_NOEXCEPT;
