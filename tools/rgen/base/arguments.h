@@ -31,6 +31,11 @@ struct ReportArguments {
     bool noConvert = false;
 };
 
+struct CheckArguments {
+    bool strict = false;
+    std::string sarif;
+};
+
 struct Arguments {
     /// "report", "persist get"; empty for rgen itself.
     std::string command;
@@ -42,6 +47,7 @@ struct Arguments {
     std::optional<std::string> type;
     ValueArguments values;
     ReportArguments report;
+    CheckArguments check;
     bool showData = false;
     bool timing = false;
     std::string batch;

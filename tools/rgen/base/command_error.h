@@ -12,11 +12,13 @@
 
 namespace cli {
 
-/// The documented exit codes. 3 is reserved for checks of templates.
+/// The documented exit codes.
 enum class ExitCode {
     Done = 0,
     Refused = 1,
     Usage = 2,
+    /// A check found a mistake, or a difference.
+    Findings = 3,
     Unverified = 4,
     Environment = 5,
     Interrupted = 130,

@@ -194,6 +194,22 @@ std::vector<std::string> catalogueLanguages(const DataDirectory& directory,
     return {languages.begin(), languages.end()};
 }
 
+bool namesCatalogueFile(const std::string& lang) {
+    const fs::path path = fs::u8path(lang);
+    return path.extension() == ".po" || path.has_parent_path();
+}
+
+std::string chosenCatalogue(const DataDirectory& directory, const ReportType& type,
+                            const std::string& lang) {
+    if (lang.empty() || namesCatalogueFile(lang)) return lang;
+    std::string path = cataloguePath(directory, type, lang);
+    if (!path.empty()) return path;
+    const std::string languages = joined(catalogueLanguages(directory, type));
+    throw usageError(
+        "there is no catalogue for \"" + lang + "\" in \"" + directory.path("translations") + "\"",
+        languages.empty() ? "give a .po file" : "there is: " + languages);
+}
+
 void addDataDirectoryFiles(const DataDirectory& directory, FileSet& files) {
     files.add(directory.configPath());
     for (const char* const folder : {"templates", "translations"}) {

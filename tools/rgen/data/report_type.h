@@ -57,6 +57,14 @@ const std::vector<std::string>& outputFormats();
 std::string cataloguePath(const DataDirectory& directory, const ReportType& type,
                           const std::string& language);
 
+/// Tells whether --lang names a file instead of a language.
+bool namesCatalogueFile(const std::string& lang);
+
+/// The catalogue that --lang names: a language or a file; empty without the option. Throws a
+/// CommandError when there is no catalogue for the language.
+std::string chosenCatalogue(const DataDirectory& directory, const ReportType& type,
+                            const std::string& lang);
+
 /// The languages that have a catalogue for the report type, sorted.
 std::vector<std::string> catalogueLanguages(const DataDirectory& directory, const ReportType& type);
 

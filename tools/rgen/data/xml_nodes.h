@@ -15,6 +15,7 @@ struct XmlFree {
     void operator()(xmlDoc* document) const { xmlFreeDoc(document); }
     void operator()(xmlChar* text) const { xmlFree(text); }
     void operator()(xmlBuffer* buffer) const { xmlBufferFree(buffer); }
+    void operator()(xmlParserCtxt* parser) const { xmlFreeParserCtxt(parser); }
 };
 template <typename T>
 using XmlPtr = std::unique_ptr<T, XmlFree>;

@@ -22,8 +22,8 @@ Examples:
   rgen report -d case --data case/acquisition.json -o report.html
   rgen report -d case --data case/acquisition.json -o bericht.html --lang de
 
-Exit codes: 0 done, 1 the library refused, 2 usage, 4 output not verified,
-5 environment (no data directory, no converter), 130 interrupted, 141 nobody reads
+Exit codes: 0 done, 1 the library refused, 2 usage, 3 a check found a mistake, 4 output not
+verified, 5 environment (no data directory, no converter), 130 interrupted, 141 nobody reads
 
 )";
 
@@ -36,6 +36,14 @@ constexpr const char* reportExamples = R"(Examples:
   rgen report -d case --batch items.ndjson
 
 Hints: text, int, size, speed, address, time, date, datetime, bytes
+
+)";
+
+constexpr const char* checkExamples = R"(Examples:
+  rgen check -d case
+  rgen check -d case acquisition
+  rgen check case/.rgen/templates/html/acquisition.xsl
+  rgen check -d case --sarif findings.sarif
 
 )";
 
@@ -144,6 +152,20 @@ std::vector<Command> reportCommands() {
     };
 }
 
+std::vector<Command> templateCommands() {
+    namespace o = options;
+    return {
+        {"check",
+         "Find mistakes in templates",
+         "Print each mistake with file, line and column, what is wrong and what to do about it. "
+         "Without a template: check all of the data directory. Exit code 3 when there is an error.",
+         checkExamples,
+         withCommonOptions({o::dataDir, o::type, o::lang, o::strict, o::sarif}),
+         {"TEMPLATE|TYPE", "Templates, or report types (default: all)", Count::Any},
+         runCheck},
+    };
+}
+
 std::vector<Command> persistCommands() {
     namespace o = options;
     return {
@@ -243,8 +265,8 @@ std::vector<Command> makeTable() {
         {"", "", "", rgenExamples, {options::help, options::version, options::json}},
     };
     for (const std::vector<Command>& group :
-         {reportCommands(), persistCommands(), valuesFileCommands(), dataDirectoryCommands(),
-          otherCommands()})
+         {reportCommands(), templateCommands(), persistCommands(), valuesFileCommands(),
+          dataDirectoryCommands(), otherCommands()})
         table.insert(table.end(), group.begin(), group.end());
     return table;
 }

@@ -270,6 +270,26 @@ inline constexpr Option sample = {
     "acquisition",
 };
 
+inline constexpr Option strict = {
+    "",
+    "--strict",
+    "",
+    "Warnings count as errors",
+    "End with exit code 3 for warnings as well.",
+    [](Arguments& to) -> bool& { return to.check.strict; },
+};
+
+inline constexpr Option sarif = {
+    "",
+    "--sarif",
+    "FILE",
+    "Write the findings for other tools, - is standard output",
+    "Write the findings in the Static Analysis Results Interchange Format (SARIF 2.1.0), which "
+    "code "
+    "hosts and editors read; `-` is standard output.",
+    [](Arguments& to) -> std::string& { return to.check.sarif; },
+};
+
 }  // namespace options
 
 }  // namespace cli

@@ -87,18 +87,6 @@ OutputPlan planOf(const ReportArguments& arguments, const std::string& format) {
     return plan;
 }
 
-/// The path of the catalogue for --lang; empty without the option.
-std::string chosenCatalogue(const ReportContext& context, const ReportRequest& request) {
-    const std::string& lang = request.arguments.lang;
-    if (lang.empty() || namesCatalogueFile(lang)) return lang;
-    std::string path = cataloguePath(context.directory, request.type, lang);
-    if (!path.empty()) return path;
-    const std::string languages = joined(catalogueLanguages(context.directory, request.type));
-    throw usageError("there is no catalogue for \"" + lang + "\" in \"" +
-                         context.directory.path("translations") + "\"",
-                     languages.empty() ? "give a .po file" : "there is: " + languages);
-}
-
 std::string adviceOnOutput(const std::string& output) {
     std::error_code ignored;
     const std::string folder = folderOf(output);
@@ -205,11 +193,6 @@ std::string outputName(const std::string& output) {
     return output == "-" ? "standard output" : output;
 }
 
-bool namesCatalogueFile(const std::string& lang) {
-    const fs::path path = fs::u8path(lang);
-    return path.extension() == ".po" || path.has_parent_path();
-}
-
 void requireOtherFile(const FileSet& inputs, const std::string& output) {
     const auto input = inputs.find(output);
     if (!input) return;
@@ -227,7 +210,8 @@ ReportResult makeReport(const ReportContext& context, const ReportRequest& reque
     ReportResult result;
     result.format = formatOf(request.arguments);
     result.values = numberOfNames(request.input);
-    const std::string catalogue = chosenCatalogue(context, request);
+    const std::string catalogue =
+        chosenCatalogue(context.directory, request.type, request.arguments.lang);
     const TranslationScope translation(context.generator, catalogue, context.raw, context.console);
     requireOtherFile(context.inputs, request.arguments.output);
     requireOtherFile(filesRead(), request.arguments.output);

@@ -57,9 +57,6 @@ void describeReport(const ReportRequest& request, const ReportResult& result,
 /// "12.3 ms".
 std::string millisecondsText(double milliseconds);
 
-/// Tells whether --lang names a file instead of a language.
-bool namesCatalogueFile(const std::string& lang);
-
 /// Throws a CommandError when the output is one of the inputs.
 void requireOtherFile(const FileSet& inputs, const std::string& output);
 

@@ -1,0 +1,20 @@
+// Elements and attributes that XSLT does not know, or not where they are.
+//
+// SPDX-License-Identifier: MIT
+#pragma once
+
+#include "templates/finding.h"
+#include "templates/template_tree.h"
+
+namespace cli {
+
+/// Whether the root element is a stylesheet, or a literal element that serves as one.
+bool isStylesheet(const TemplateTree& tree);
+
+/// Why it is none.
+Finding notAStylesheet(const TemplateTree& tree);
+
+/// Unknown and misplaced elements, attributes and their values in a stylesheet.
+Findings structureFindings(const TemplateTree& tree);
+
+}  // namespace cli
