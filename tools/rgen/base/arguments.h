@@ -36,6 +36,14 @@ struct CheckArguments {
     std::string sarif;
 };
 
+struct NewTypeArguments {
+    std::string title;
+    /// Separated by commas.
+    std::string languages;
+    std::string formats = "html,pdf,txt";
+    std::string fromData;
+};
+
 struct Arguments {
     /// "report", "persist get"; empty for rgen itself.
     std::string command;
@@ -48,6 +56,7 @@ struct Arguments {
     ValueArguments values;
     ReportArguments report;
     CheckArguments check;
+    NewTypeArguments newType;
     bool showData = false;
     bool timing = false;
     std::string batch;

@@ -43,6 +43,10 @@ private:
 /// Closes the handle of a delete-on-close file, which removes the file; returns the size it had.
 std::uint64_t closeDeleteOnCloseFile(void* handle);
 
+/// Makes a file at `path` with the content of `original`, which lies on the same disk: a relative
+/// link, on Windows, where links need a privilege, a copy. Throws std::system_error.
+void makeSameFile(const std::string& path, const std::string& original);
+
 /// Adds the folder of rgen to the end of PATH. Windows searches it without that.
 void addProgramFolderToPath();
 

@@ -98,4 +98,11 @@ void addProgramFolderToPath() {
     setenv("PATH", (folders + folder.string()).c_str(), 1);
 }
 
+void makeSameFile(const std::string& path, const std::string& original) {
+    namespace fs = std::filesystem;
+    const fs::path link = fs::absolute(fs::u8path(path));
+    fs::create_symlink(fs::absolute(fs::u8path(original)).lexically_relative(link.parent_path()),
+                       link);
+}
+
 }  // namespace cli

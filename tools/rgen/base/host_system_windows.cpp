@@ -9,6 +9,7 @@
 #include <cerrno>
 #include <cstdio>
 #include <cstdlib>
+#include <filesystem>
 
 #include "base/host_system.h"
 
@@ -93,5 +94,9 @@ std::uint64_t closeDeleteOnCloseFile(void* handle) {
 }
 
 void addProgramFolderToPath() {}
+
+void makeSameFile(const std::string& path, const std::string& original) {
+    std::filesystem::copy_file(std::filesystem::u8path(original), std::filesystem::u8path(path));
+}
 
 }  // namespace cli

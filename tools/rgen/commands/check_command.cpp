@@ -6,6 +6,7 @@
 #include "data/po_catalogue.h"
 #include "report/report_output.h"
 #include "templates/findings_document.h"
+#include "templates/same_formats.h"
 #include "templates/template_check.h"
 #include "templates/template_files.h"
 
@@ -35,7 +36,10 @@ TemplateText readTemplate(const TemplateFile& file, const std::string& lang, Con
 Findings check(const TemplateFile& file, const Arguments& arguments, Console& console) {
     CheckedUse use;
     use.format = file.format;
-    return checkTemplate(readTemplate(file, arguments.report.lang, console), use);
+    const TemplateText text = readTemplate(file, arguments.report.lang, console);
+    Findings findings = differingFormats(file, text);
+    findings.add(checkTemplate(text, use));
+    return findings;
 }
 
 std::string linesOf(const Findings& findings) {

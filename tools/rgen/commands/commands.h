@@ -21,6 +21,7 @@ ExitCode runPersistReplace(const Arguments& arguments, Console& console, JsonDoc
 ExitCode runDump(const Arguments& arguments, Console& console, JsonDocument& document);
 ExitCode runSimulate(const Arguments& arguments, Console& console, JsonDocument& document);
 ExitCode runInit(const Arguments& arguments, Console& console, JsonDocument& document);
+ExitCode runNew(const Arguments& arguments, Console& console, JsonDocument& document);
 ExitCode runTypes(const Arguments& arguments, Console& console, JsonDocument& document);
 ExitCode runExplain(const Arguments& arguments, Console& console, JsonDocument& document);
 ExitCode runDoctor(const Arguments& arguments, Console& console, JsonDocument& document);

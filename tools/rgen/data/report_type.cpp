@@ -44,14 +44,6 @@ std::vector<std::string> namesOf(const std::vector<ReportType>& types) {
     return names;
 }
 
-/// "de", "pt-BR", "zh_Hant": two or three letters, and more after a separator.
-bool looksLikeLanguage(const std::string& text) {
-    const std::size_t end = std::min(text.find_first_of("-_@"), text.size());
-    const auto isLetter = [](char letter) { return letter >= 'a' && letter <= 'z'; };
-    return (end == 2 || end == 3) &&
-           std::all_of(text.begin(), text.begin() + static_cast<std::ptrdiff_t>(end), isLetter);
-}
-
 ReportType typeWithGuid(const DataDirectory& directory, const strata::repgen::Guid& guid) {
     try {
         for (const ReportType& type : reportTypes(directory)) {
@@ -192,6 +184,13 @@ std::vector<std::string> catalogueLanguages(const DataDirectory& directory,
         if (looksLikeLanguage(stem)) languages.insert(stem);
     }
     return {languages.begin(), languages.end()};
+}
+
+bool looksLikeLanguage(const std::string& text) {
+    const std::size_t end = std::min(text.find_first_of("-_@"), text.size());
+    const auto isLetter = [](char letter) { return letter >= 'a' && letter <= 'z'; };
+    return (end == 2 || end == 3) &&
+           std::all_of(text.begin(), text.begin() + static_cast<std::ptrdiff_t>(end), isLetter);
 }
 
 bool namesCatalogueFile(const std::string& lang) {

@@ -65,6 +65,10 @@ bool namesCatalogueFile(const std::string& lang);
 std::string chosenCatalogue(const DataDirectory& directory, const ReportType& type,
                             const std::string& lang);
 
+/// Tells whether a text is the code of a language, "de", "pt-BR", "zh_Hant": two or three letters,
+/// and more after a separator.
+bool looksLikeLanguage(const std::string& text);
+
 /// The languages that have a catalogue for the report type, sorted.
 std::vector<std::string> catalogueLanguages(const DataDirectory& directory, const ReportType& type);
 

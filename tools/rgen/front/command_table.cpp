@@ -98,6 +98,13 @@ constexpr const char* initExamples = R"(Examples:
 
 )";
 
+constexpr const char* newExamples = R"(Examples:
+  rgen new -d case health
+  rgen new -d case health --title "Health of the servers" --langs de,ja
+  rgen new -d case visits --from-data visits.json --formats html,txt
+
+)";
+
 constexpr const char* typesExamples = R"(Examples:
   rgen types -d case
   rgen types -d case --json
@@ -223,6 +230,16 @@ std::vector<Command> dataDirectoryCommands() {
          withCommonOptions({o::sample}),
          {"DIR", "Folder, made if need be", Count::One},
          runInit},
+        {"new",
+         "Make a new report type",
+         "Add a report type to a data directory, which is made if need be: an entry with a new "
+         "GUID "
+         "in the configuration, short templates, a data file, and a catalogue for each language. "
+         "Then make the first page.",
+         newExamples,
+         withCommonOptions({o::dataDir, o::title, o::langs, o::formats, o::fromData}),
+         {"NAME", "Name of the report type", Count::One},
+         runNew},
         {"types",
          "List the report types of a data directory",
          "",

@@ -290,6 +290,42 @@ inline constexpr Option sarif = {
     [](Arguments& to) -> std::string& { return to.check.sarif; },
 };
 
+inline constexpr Option title = {
+    "",
+    "--title",
+    "TEXT",
+    "Title of the reports (default: from NAME)",
+    "The title of the reports. Default: the name as words.",
+    [](Arguments& to) -> std::string& { return to.newType.title; },
+};
+
+inline constexpr Option langs = {
+    "",
+    "--langs",
+    "LANG,LANG",
+    "Languages to make catalogues for",
+    "The languages for which catalogues with all texts are made, separated by commas.",
+    [](Arguments& to) -> std::string& { return to.newType.languages; },
+};
+
+inline constexpr Option formats = {
+    "",
+    "--formats",
+    "FORMAT,FORMAT",
+    "Formats to make templates for (default: html,pdf,txt)",
+    "The formats for which templates are made, separated by commas. Default: `html,pdf,txt`.",
+    [](Arguments& to) -> std::string& { return to.newType.formats; },
+};
+
+inline constexpr Option fromData = {
+    "",
+    "--from-data",
+    "FILE",
+    "JSON data file whose values and lists the templates show",
+    "A JSON data file. The templates show every value and every list of it.",
+    [](Arguments& to) -> std::string& { return to.newType.fromData; },
+};
+
 }  // namespace options
 
 }  // namespace cli

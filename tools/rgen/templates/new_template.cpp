@@ -60,9 +60,10 @@ void addToList(Shown& shown, const std::string& list, const std::string& column)
 }
 
 /// Names of one part are values; "List.2.Column" and "List.2" belong to lists.
-Shown arranged(const ValueSet& values) {
+Shown arranged(const std::vector<Value>& values) {
     Shown shown;
-    for (const auto& [name, value] : values.values()) {
+    for (const Value& value : values) {
+        const std::string& name = value.name;
         const std::vector<std::string> parts = split(name, '.');
         if (parts.size() == 3 && isNumber(parts[1])) {
             addToList(shown, parts[0], parts[2]);
@@ -193,34 +194,34 @@ std::string pageTableOf(const std::vector<std::string>& names) {
     if (names.empty()) return {};
     std::string lines = "        <table>\n";
     for (const std::string& name : names) {
-        lines += "          <tr><th scope=\"row\">" + marked(labelFor(name)) + "</th><td>" +
-                 valueNamed(name) + "</td></tr>\n";
+        lines += "          <tr>\n            <th scope=\"row\">" + marked(labelFor(name)) +
+                 "</th>\n            <td>" + valueNamed(name) + "</td>\n          </tr>\n";
     }
     return lines + "        </table>\n";
 }
 
 std::string pageTableOf(const List& list) {
-    std::string head;
-    std::string cells;
-    for (const auto& [column, count] : list.columns) {
-        head += "<th scope=\"col\">" + marked(labelOf(list, column)) + "</th>";
-        cells += "<td>" + selected(entryPath(list, column)) + "</td>";
-    }
     const std::string indent = "          ";
+    std::string head = indent + "<tr>\n";
+    std::string cells = indent + "  <tr>\n";
+    for (const auto& [column, count] : list.columns) {
+        head += indent + "  <th scope=\"col\">" + marked(labelOf(list, column)) + "</th>\n";
+        cells += indent + "    <td>" + selected(entryPath(list, column)) + "</td>\n";
+    }
     return "        <table>\n" + indent + "<caption>" + marked(labelFor(list.name)) +
-           "</caption>\n" + indent + "<tr>" + head + "</tr>\n" + beginOfEntries(list, indent) +
-           indent + "  <tr>" + cells + "</tr>\n" + indent + "</xsl:for-each>\n        </table>\n";
+           "</caption>\n" + head + indent + "</tr>\n" + beginOfEntries(list, indent) + cells +
+           indent + "  </tr>\n" + indent + "</xsl:for-each>\n        </table>\n";
 }
 
 std::string textLinesOf(const List& list) {
-    std::string cells;
-    for (const auto& [column, count] : list.columns) {
-        if (!cells.empty()) cells += "<xsl:text>, </xsl:text>";
-        cells += selected(entryPath(list, column));
+    std::string cells = "      <xsl:text>- </xsl:text>\n";
+    for (std::size_t i = 0; i < list.columns.size(); ++i) {
+        if (i > 0) cells += "      <xsl:text>, </xsl:text>\n";
+        cells += "      " + selected(entryPath(list, list.columns[i].first)) + "\n";
     }
     return "    <xsl:text>&#10;" + marked(labelFor(list.name)) + "&#10;</xsl:text>\n" +
-           beginOfEntries(list, "    ") + "      <xsl:text>- </xsl:text>" + cells +
-           "<xsl:text>&#10;</xsl:text>\n    </xsl:for-each>\n";
+           beginOfEntries(list, "    ") + cells +
+           "      <xsl:text>&#10;</xsl:text>\n    </xsl:for-each>\n";
 }
 
 }  // namespace
@@ -243,7 +244,7 @@ std::string labelFor(const std::string& name) {
     return label;
 }
 
-std::string newPageTemplate(const NewTemplate& wanted, const ValueSet& values) {
+std::string newPageTemplate(const NewTemplate& wanted, const std::vector<Value>& values) {
     const Shown shown = arranged(values);
     const std::string comment = wanted.servesPdf ? "<?rgen-same html pdf?>\n" : std::string();
     std::string text = beginOfStylesheet(comment,
@@ -260,14 +261,14 @@ std::string newPageTemplate(const NewTemplate& wanted, const ValueSet& values) {
     return text + "      </body>\n    </html>\n" + endOfStylesheet;
 }
 
-std::string newTextTemplate(const NewTemplate& wanted, const ValueSet& values) {
+std::string newTextTemplate(const NewTemplate& wanted, const std::vector<Value>& values) {
     const Shown shown = arranged(values);
     std::string text =
         beginOfStylesheet("", "<xsl:output method=\"text\" encoding=\"UTF-8\"/>", shown);
     text += "    <xsl:text>" + marked(wanted.title) + "&#10;&#10;</xsl:text>\n";
     for (const std::string& name : shown.single) {
-        text += "    <xsl:text>" + marked(labelFor(name)) + ": </xsl:text>" + valueNamed(name) +
-                "<xsl:text>&#10;</xsl:text>\n";
+        text += "    <xsl:text>" + marked(labelFor(name)) + ": </xsl:text>\n    " +
+                valueNamed(name) + "\n    <xsl:text>&#10;</xsl:text>\n";
     }
     for (const List& list : shown.lists)
         text += textLinesOf(list);

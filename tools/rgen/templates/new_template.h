@@ -4,6 +4,7 @@
 #pragma once
 
 #include <string>
+#include <vector>
 
 #include "values/value.h"
 
@@ -17,11 +18,11 @@ struct NewTemplate {
     bool servesPdf = false;
 };
 
-/// The whole template for html, and for pdf.
-std::string newPageTemplate(const NewTemplate& wanted, const ValueSet& values);
+/// The whole template for html, and for pdf. The values are shown in this order.
+std::string newPageTemplate(const NewTemplate& wanted, const std::vector<Value>& values);
 
 /// The whole template for txt.
-std::string newTextTemplate(const NewTemplate& wanted, const ValueSet& values);
+std::string newTextTemplate(const NewTemplate& wanted, const std::vector<Value>& values);
 
 /// "Device sector size" for "Device.SectorSize".
 std::string labelFor(const std::string& name);

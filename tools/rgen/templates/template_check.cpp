@@ -1,11 +1,12 @@
-// The checks from the text to the meaning: a text that is not well-formed is no tree, and a tree that
-// is not a stylesheet has no expressions.
+// The checks from the text to the meaning: a text that is not well-formed is no tree, and a tree
+// that is not a stylesheet has no expressions.
 //
 // SPDX-License-Identifier: MIT
 #include "templates/template_check.h"
 
 #include "templates/data_check.h"
 #include "templates/page_check.h"
+#include "templates/stylesheet_root.h"
 #include "templates/template_tree.h"
 #include "templates/xslt_expressions.h"
 #include "templates/xslt_names.h"

@@ -1,5 +1,5 @@
-// A template as the library reads it: with its markers replaced. Every place in that text leads back
-// to the template's own file.
+// A template as the library reads it: with its markers replaced. Every place in that text leads
+// back to the template's own file.
 //
 // SPDX-License-Identifier: MIT
 #pragma once

@@ -88,8 +88,7 @@ private:
             if (contains(names_.variables, name.substr(0, minus)))
                 return "\"-\" can be part of a name; to subtract, write blanks around it";
         }
-        return didYouMean(name, names_.variables,
-                          "it is not declared, or not visible here");
+        return didYouMean(name, names_.variables, "it is not declared, or not visible here");
     }
 
     void checkFunction(std::size_t i) {

@@ -371,42 +371,7 @@ private:
     Findings findings_;
 };
 
-bool hasXsltVersion(const xmlNode* node) {
-    for (const xmlAttr* one = node->properties; one != nullptr; one = one->next) {
-        if (one->ns != nullptr && nameOf(one->ns->href) == xsltNamespace &&
-            nameOf(one->name) == "version")
-            return true;
-    }
-    return false;
-}
-
 }  // namespace
-
-bool isStylesheet(const TemplateTree& tree) {
-    const xmlNode* root = tree.root();
-    return isXsltElement(root, "stylesheet") || isXsltElement(root, "transform") ||
-           (root != nullptr && !isXsltElement(root) && hasXsltVersion(root));
-}
-
-Finding notAStylesheet(const TemplateTree& tree) {
-    const xmlNode* root = tree.root();
-    const std::string name = localName(root);
-    Finding finding;
-    finding.code = "not-a-stylesheet";
-    const bool isNamedLikeOne = name == "stylesheet" || name == "transform";
-    if (!isNamedLikeOne || isXsltElement(root)) {
-        finding.what = "this is not a stylesheet: the root element is " + quoted(displayName(root));
-        finding.advice = stylesheetStart;
-    } else if (root->ns == nullptr) {
-        finding.what = "this is not a stylesheet: " + quoted(name) + " has no namespace";
-        finding.advice = stylesheetStart;
-    } else {
-        finding.what =
-            "this is not a stylesheet: the namespace is " + quoted(nameOf(root->ns->href));
-        finding.advice = "write " + quoted(xsltNamespace);
-    }
-    return tree.atElement(root, std::move(finding));
-}
 
 Findings structureFindings(const TemplateTree& tree) {
     return StructureCheck(tree).check();

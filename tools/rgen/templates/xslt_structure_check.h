@@ -8,12 +8,6 @@
 
 namespace cli {
 
-/// Whether the root element is a stylesheet, or a literal element that serves as one.
-bool isStylesheet(const TemplateTree& tree);
-
-/// Why it is none.
-Finding notAStylesheet(const TemplateTree& tree);
-
 /// Unknown and misplaced elements, attributes and their values in a stylesheet.
 Findings structureFindings(const TemplateTree& tree);
 
