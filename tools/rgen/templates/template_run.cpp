@@ -52,21 +52,46 @@ std::string inOneLineOf(std::string text) {
     return text;
 }
 
-bool isElementNamed(const xmlNode* node, const char* name) {
-    return node != nullptr && node->type == XML_ELEMENT_NODE &&
-           std::strcmp(reinterpret_cast<const char*>(node->name), name) == 0;
+bool isMessage(const xmlNode* node) {
+    return node != nullptr && node->type == XML_ELEMENT_NODE && node->ns != nullptr &&
+           xmlStrEqual(node->ns->href, XSLT_NAMESPACE) != 0 &&
+           xmlStrEqual(node->name, xmlText("message")) != 0;
 }
 
-/// Texts such as "compilation error: line 5 element value-of" come before a message.
+/// Texts such as "compilation error: file t.xsl line 5 element value-of" come before a message.
 bool namesPlace(const std::string& text) {
-    return text.rfind("compilation error: ", 0) == 0 || text.rfind("runtime error: ", 0) == 0 ||
-           text.rfind("error: ", 0) == 0;
+    for (const char* const kind : {"compilation error", "runtime error", "error"}) {
+        const std::size_t length = std::strlen(kind);
+        const bool begins = text.compare(0, length, kind) == 0;
+        if (begins && (text[length] == '\n' || text.compare(length, 2, ": ") == 0)) return true;
+    }
+    return false;
 }
 
+/// The line in such a text about the template itself, whose name is empty; 0 for another one.
 std::size_t lineIn(const std::string& place) {
-    const std::size_t word = place.find("line ");
-    return word == std::string::npos ? 0 : std::strtoul(place.c_str() + word + 5, nullptr, 10);
+    static const std::string words = ": file  line ";
+    const std::size_t at = place.find(words);
+    return at == std::string::npos ? 0
+                                   : std::strtoul(place.c_str() + at + words.size(), nullptr, 10);
 }
+
+/// While it exists, a document has a name. Messages show lines only for documents with a name.
+class NamedDocument {
+public:
+    explicit NamedDocument(xmlDoc* document) : document_(document) {
+        document_->URL = xmlStrdup(xmlText(""));
+    }
+    ~NamedDocument() {
+        xmlFree(const_cast<xmlChar*>(document_->URL));
+        document_->URL = nullptr;
+    }
+    NamedDocument(const NamedDocument&) = delete;
+    NamedDocument& operator=(const NamedDocument&) = delete;
+
+private:
+    xmlDoc* document_;
+};
 
 /// One compilation and at most one transformation.
 class Run {
@@ -76,7 +101,9 @@ public:
     TemplateRun& report() { return report_; }
 
 private:
-    void numberElements(xmlNode* element);
+    void numberElements(xmlNode* first, std::size_t parent);
+    void placeErrors(std::size_t element);
+    bool compileNamed(xmlDoc* document);
     std::size_t numberOf(const xmlNode* node) const;
     void watchTexts();
     void addLibraryError(const xmlError& error);
@@ -98,10 +125,12 @@ private:
 
     TemplateRun report_;
     std::unordered_map<const xmlNode*, std::size_t> numbers_;
+    /// Of the start tags of the elements.
+    std::vector<std::size_t> lines_;
     XsltPtr<xsltStylesheet> stylesheet_;
     xsltTransformContext* context_ = nullptr;
     /// From the text that names the place of the next message.
-    std::size_t namedLine_ = 0;
+    std::size_t namedElement_ = noElement;
 };
 
 /// libxslt has one function for messages of its compiler in the process, and one debugger.
@@ -125,11 +154,19 @@ public:
     ErrorScope& operator=(const ErrorScope&) = delete;
 };
 
-void Run::numberElements(xmlNode* element) {
-    for (xmlNode* node = element; node != nullptr; node = node->next) {
-        if (node->type != XML_ELEMENT_NODE) continue;
-        numbers_.emplace(node, numbers_.size());
-        numberElements(node->children);
+/// The processor names elements by their lines, several of which may be in one line. So each node
+/// gets the number of its element as its line, from 1 on, which messages then show.
+void Run::numberElements(xmlNode* first, std::size_t parent) {
+    constexpr std::size_t largestLine = 65534;
+    for (xmlNode* node = first; node != nullptr; node = node->next) {
+        const bool isElement = node->type == XML_ELEMENT_NODE;
+        const std::size_t number = isElement ? numbers_.size() : parent;
+        if (isElement) {
+            lines_.push_back(static_cast<std::size_t>(std::max(xmlGetLineNo(node), 0L)));
+            numbers_.emplace(node, number);
+        }
+        node->line = static_cast<unsigned short>(number < largestLine ? number + 1 : 0);
+        if (isElement) numberElements(node->children, number);
     }
 }
 
@@ -151,9 +188,21 @@ void Run::addLibraryError(const xmlError& error) {
     if (error.domain == XML_FROM_PARSER || error.domain == XML_FROM_NAMESPACE) return;
     ProcessorMessage message;
     message.text = inOneLineOf(error.message);
-    if (error.str1 != nullptr && error.domain == XML_FROM_XPATH) message.expression = error.str1;
-    if (context_ != nullptr) message.element = numberOf(context_->inst);
+    if (error.str1 != nullptr && error.domain == XML_FROM_XPATH) {
+        message.expression = error.str1;
+        message.expressionOffset = static_cast<std::size_t>(std::max(error.int1, 0));
+    }
     report_.errors.push_back(std::move(message));
+    if (context_ != nullptr) placeErrors(numberOf(context_->inst));
+}
+
+/// The processor names the place of an expression only after the expression's own mistake.
+void Run::placeErrors(std::size_t element) {
+    for (auto error = report_.errors.rbegin();
+         error != report_.errors.rend() && error->element == noElement; ++error) {
+        error->element = element;
+        error->line = element < lines_.size() ? lines_[element] : 0;
+    }
 }
 
 void Run::onCompilerText(void* self, const char* format, ...) {
@@ -168,13 +217,15 @@ void Run::onCompilerText(void* self, const char* format, ...) {
 
 void Run::addCompilerText(const std::string& text) {
     if (namesPlace(text)) {
-        namedLine_ = lineIn(text);
+        const std::size_t number = lineIn(text);
+        namedElement_ = number > 0 ? number - 1 : noElement;
         return;
     }
     ProcessorMessage message;
     message.text = inOneLineOf(text);
-    message.line = namedLine_;
-    if (!message.text.empty()) report_.errors.push_back(std::move(message));
+    if (message.text.empty()) return;
+    report_.errors.push_back(std::move(message));
+    placeErrors(namedElement_);
 }
 
 void Run::onTransformText(void* self, const char* format, ...) {
@@ -187,13 +238,17 @@ void Run::onTransformText(void* self, const char* format, ...) {
 
 void Run::addTransformText(const std::string& text) {
     const xmlNode* instruction = context_->inst;
-    if (isElementNamed(instruction, "message")) {
+    if (isMessage(instruction)) {
         if (text != "\n") addTemplateMessage(instruction, text);
         return;
     }
     if (text.find("infinite template recursion") != std::string::npos) noteCalls();
+    if (namesPlace(text)) {
+        addCompilerText(text);
+        return;
+    }
+    if (namedElement_ == noElement) namedElement_ = numberOf(instruction);
     addCompilerText(text);
-    if (!report_.errors.empty()) report_.errors.back().element = numberOf(instruction);
 }
 
 void Run::addTemplateMessage(const xmlNode* instruction, const std::string& text) {
@@ -269,7 +324,7 @@ void Run::compile(const std::string& text) {
     constexpr int options = XML_PARSE_RECOVER | XML_PARSE_NONET;
     XmlPtr<xmlDoc> document(xmlReadDoc(xmlText(text.c_str()), nullptr, "UTF-8", options));
     if (!document) return;
-    numberElements(xmlDocGetRootElement(document.get()));
+    numberElements(document->children, 0);
 #pragma GCC diagnostic push
 #pragma GCC diagnostic ignored "-Wdeprecated-declarations"
     xmlSubstituteEntitiesDefault(1);
@@ -277,13 +332,17 @@ void Run::compile(const std::string& text) {
 #pragma GCC diagnostic pop
     stylesheet_.reset(xsltNewStylesheet());
     if (!stylesheet_) return;
-    const int failure = xsltParseStylesheetUser(stylesheet_.get(), document.get());
-    if (failure != 0) {
+    if (!compileNamed(document.get())) {
         stylesheet_.reset();
         return;
     }
     static_cast<void>(document.release());
     report_.outcome = TemplateRun::Outcome::Done;
+}
+
+bool Run::compileNamed(xmlDoc* document) {
+    const NamedDocument named(document);
+    return xsltParseStylesheetUser(stylesheet_.get(), document) == 0;
 }
 
 /// In the order in which libxslt reads them.

@@ -25,6 +25,8 @@ struct ProcessorMessage {
     std::size_t line = 0;
     /// Of a mistake in an expression; otherwise empty.
     std::string expression;
+    /// Where the parser of the expression stopped, in bytes.
+    std::size_t expressionOffset = 0;
 };
 
 /// The text of an xsl:message.
