@@ -3,6 +3,7 @@
 
 #include <gtest/gtest.h>
 
+#include <map>
 #include <string>
 
 namespace cli {
@@ -36,6 +37,30 @@ TEST(TemplateRun, KeepsWhatTheProcessorSays) {
     EXPECT_EQ(run.outcome, TemplateRun::Outcome::NotApplied);
     ASSERT_FALSE(run.errors.empty());
     EXPECT_EQ(run.errors.front().element, 3U);
+}
+
+TEST(TemplateRun, TellsElementsOfOneLineApart) {
+    const TemplateRun run = compileTemplate(stylesheet(
+        "<xsl:value-of select=\"1\"/><xsl:value-of select=\"2 +\"/>\n<xsl:if test=\"3)\"/>"));
+    EXPECT_EQ(run.outcome, TemplateRun::Outcome::NotCompiled);
+    std::map<std::string, std::size_t> elements;
+    for (const ProcessorMessage& error : run.errors) {
+        EXPECT_EQ(error.line, error.element == 4 ? 1U : 2U) << error.text;
+        if (!error.expression.empty()) elements[error.expression] = error.element;
+    }
+    EXPECT_EQ(elements, (std::map<std::string, std::size_t>{{"2 +", 4}, {"3)", 5}}));
+    EXPECT_EQ(run.errors.front().expressionOffset, 3U);
+}
+
+TEST(TemplateRun, AnElementOfAnotherNamespaceIsNoMessage) {
+    const TemplateRun run = runTemplate(
+        stylesheet("<message><xsl:attribute name=\"{//none}\"/></message><xsl:message>One"
+                   "</xsl:message>"),
+        data);
+    ASSERT_EQ(run.messages.size(), 1U);
+    EXPECT_EQ(run.messages.front().text, "One");
+    ASSERT_FALSE(run.errors.empty());
+    EXPECT_EQ(run.errors.front().element, 4U);
 }
 
 TEST(TemplateRun, KeepsTheMessagesOfTheTemplate) {
