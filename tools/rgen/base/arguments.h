@@ -44,6 +44,13 @@ struct NewTypeArguments {
     std::string fromData;
 };
 
+struct MessagesArguments {
+    bool merge = false;
+    bool check = false;
+    /// A language to begin a catalogue for.
+    std::string language;
+};
+
 struct Arguments {
     /// "report", "persist get"; empty for rgen itself.
     std::string command;
@@ -57,6 +64,7 @@ struct Arguments {
     ReportArguments report;
     CheckArguments check;
     NewTypeArguments newType;
+    MessagesArguments messages;
     bool showData = false;
     bool timing = false;
     std::string batch;

@@ -1,5 +1,5 @@
-// Reads PO files: entries of keywords and quoted texts. Comments, contexts and flags are skipped;
-// of plural forms the first is used.
+// Contexts are ignored, of plural forms the first is used. Of several entries for one text the last
+// one with a translation counts.
 //
 // SPDX-License-Identifier: MIT
 #include "data/po_catalogue.h"
@@ -11,144 +11,72 @@
 #include "base/input_file.h"
 #include "base/xml_text.h"
 #include "data/xml_documents.h"
+#include "text/utf8.h"
 
 namespace cli {
 namespace {
 
 constexpr const char* pathHint = "check the path given to --lang";
+constexpr const char* correctIt = "correct the catalogue";
 
-class PoReader {
-public:
-    PoReader(const std::string& text, const std::string& path) : text_(text), path_(path) {
-        if (text_.compare(0, 3, "\xEF\xBB\xBF") == 0) at_ = 3;
-    }
-
-    /// Reads up to the next keyword; returns false at the end.
-    bool next() {
-        for (;;) {
-            skipBlanks();
-            if (at_ == text_.size()) return false;
-            if (text_[at_] != '#') break;
-            at_ = std::min(text_.find('\n', at_), text_.size());
-        }
-        start_ = at_;
-        keyword_ = readKeyword();
-        value_ = readTexts();
-        return true;
-    }
-
-    const std::string& keyword() const { return keyword_; }
-    const std::string& value() const { return value_; }
-
-    std::string placeOfKeyword() const { return placeText(path_, positionOf(text_, start_)); }
-    [[noreturn]] void failAtKeyword(const std::string& message) const { fail(start_, message); }
-
-private:
-    [[noreturn]] void fail(std::size_t offset, const std::string& message) const {
-        throw usageError(placeText(path_, positionOf(text_, offset)) + ": " + message,
-                         "correct the catalogue");
-    }
-
-    void skipBlanks() { at_ = std::min(text_.find_first_not_of(" \t\r\n", at_), text_.size()); }
-
-    std::string readKeyword() {
-        const std::size_t end = std::min(text_.find_first_of(" \t\r\n\"", at_), text_.size());
-        std::string word = text_.substr(at_, end - at_);
-        if (word != "msgctxt" && word != "msgid" && word != "msgid_plural" && word != "msgstr" &&
-            word.rfind("msgstr[", 0) != 0) {
-            fail(at_, word.empty() ? "a text without a keyword"
-                                   : "\"" + word + "\" is no keyword of a PO file");
-        }
-        at_ = end;
-        return word;
-    }
-
-    std::string readTexts() {
-        std::string value;
-        skipBlanks();
-        if (at_ == text_.size() || text_[at_] != '"') {
-            fail(std::min(at_, text_.size()), "a text in quotes is expected behind " + keyword_);
-        }
-        while (at_ < text_.size() && text_[at_] == '"') {
-            value += readText();
-            skipBlanks();
-        }
-        return value;
-    }
-
-    std::string readText() {
-        const std::size_t open = at_++;
-        std::string value;
-        while (at_ < text_.size() && text_[at_] != '"') {
-            if (text_[at_] == '\n') fail(open, "the text has no closing quote on its line");
-            value += text_[at_] == '\\' ? readEscape() : std::string(1, text_[at_++]);
-        }
-        if (at_ == text_.size()) fail(open, "the text has no closing quote");
-        ++at_;
-        return value;
-    }
-
-    std::string readEscape() {
-        static constexpr std::string_view letters = "ntr\"\\abfv";
-        static constexpr std::string_view meanings = "\n\t\r\"\\\a\b\f\v";
-        const char letter = at_ + 1 < text_.size() ? text_[at_ + 1] : '\0';
-        const std::size_t known = letters.find(letter);
-        if (letter == '\0' || known == std::string_view::npos) {
-            fail(at_, "\"\\" + std::string(1, letter) + "\" is no escape sequence");
-        }
-        at_ += 2;
-        return std::string(1, meanings[known]);
-    }
-
-    const std::string& text_;
-    const std::string& path_;
-    std::size_t at_ = 0;
-    std::size_t start_ = 0;
-    std::string keyword_;
-    std::string value_;
-};
-
-/// Without markup in the original everything in the translation is escaped. If the original is not
-/// well-formed itself (half of an element), the translation need not be either.
-std::string wellFormedMarkup(const std::string& original, const std::string& translation,
-                             const PoReader& reader) {
-    std::string markup = translationContent(original, translation);
-    if (original.find('<') == std::string::npos) return markup;
-    const std::string mistake = mistakeInContent(markup);
-    if (!mistake.empty() && mistakeInContent(original).empty()) {
-        reader.failAtKeyword("the translation is not well-formed: " + mistake);
-    }
-    return markup;
+[[noreturn]] void failAt(const CatalogueFile& file, const CatalogueDamage& damage) {
+    throw usageError(
+        placeText(file.path, positionOf(file.content, damage.offset)) + ": " + damage.what,
+        damage.advice);
 }
 
-/// The header is the translation of the empty text. Encodings other than UTF-8 are refused.
-void checkHeader(const std::string& header, const PoReader& reader) {
+/// The offset of the first byte that is not UTF-8; the size of the text without one.
+std::size_t firstInvalidByte(const std::string& text) {
+    for (std::size_t i = 0; i < text.size();) {
+        const std::size_t length = tools::sequenceLength(std::string_view(text).substr(i));
+        if (length == 0 || text[i] == '\0') return i;
+        i += length;
+    }
+    return text.size();
+}
+
+std::string charsetOf(const std::string& header) {
     constexpr std::string_view mark = "charset=";
     const std::size_t at = header.find(mark);
-    if (at == std::string::npos) return;
+    if (at == std::string::npos) return "UTF-8";
     const std::size_t start = at + mark.size();
-    const std::string charset = header.substr(start, header.find_first_of(" \t\n;", start) - start);
-    if (charset == "UTF-8" || charset == "utf-8" || charset == "CHARSET" || charset == "US-ASCII" ||
-        charset == "ASCII") {
-        return;
+    return header.substr(start, header.find_first_of(" \t\n;", start) - start);
+}
+
+/// "CHARSET" is the placeholder of a template of catalogues.
+std::string mistakeInHeader(const std::string& header) {
+    const std::string charset = charsetOf(header);
+    for (const char* const known : {"UTF-8", "utf-8", "CHARSET", "US-ASCII", "ASCII"}) {
+        if (charset == known) return {};
     }
-    reader.failAtKeyword("the catalogue is in " + charset + " instead of UTF-8");
+    return "the catalogue is in " + charset + " instead of UTF-8";
 }
 
 /// Such a character would make the template invalid XML, and only the author knows what was meant.
-void requireFitCharacters(const std::string& translation, const PoReader& reader) {
+std::string unfitCharacterIn(const std::string& translation) {
     const std::string reason = invalidCharacterIn(translation);
-    if (!reason.empty()) reader.failAtKeyword("the translation cannot be XML: " + reason);
+    return reason.empty() ? std::string() : "the translation cannot be XML: " + reason;
+}
+
+/// Without markup in the original everything in the translation is escaped. If the original is not
+/// well-formed itself (half of an element), the translation need not be either.
+std::string brokenMarkupIn(const PoEntry& entry) {
+    if (entry.id.find('<') == std::string::npos) return {};
+    const std::string markup = translationContent(entry.id, entry.translations[0]);
+    const std::string mistake = mistakeInContent(markup);
+    if (mistake.empty() || !mistakeInContent(entry.id).empty()) return {};
+    return "the translation is not well-formed: " + mistake;
 }
 
 }  // namespace
 
-void PoCatalogue::addRaw(const std::string& original, const std::string& translation,
-                         const std::string& place) {
-    texts_[original] = translation;
+void PoCatalogue::addRaw(const PoEntry& entry, const CatalogueFile& file) {
+    const std::string& translation = entry.translations[0];
+    texts_[entry.id] = translation;
     const std::string mistake = mistakeInContent(translation);
-    if (mistake.empty()) return;
-    if (mistakes_++ == 0) firstMistake_ = place + ": " + mistake;
+    if (mistake.empty() || mistakes_++ > 0) return;
+    const TextPosition place = positionOf(file.content, entry.translationOffset);
+    firstMistake_ = placeText(path_, place) + ": " + mistake;
 }
 
 void PoCatalogue::noteMistakes(Console& console) const {
@@ -159,32 +87,49 @@ void PoCatalogue::noteMistakes(Console& console) const {
         " not well-formed, and with --raw a part of the template may be lost: " + firstMistake_);
 }
 
-PoCatalogue::PoCatalogue(const std::string& path, bool raw, Console& console) : path_(path) {
-    const std::string content = readInputFile(path, pathHint);
-    if (!isPlainUtf8(content)) {
-        throw usageError(path + ": the catalogue is not valid UTF-8", "convert it with msgconv");
+CatalogueFile CatalogueFile::load(const std::string& path, const std::string& hint) {
+    CatalogueFile file;
+    file.path = path;
+    file.content = readInputFile(path, hint);
+    const std::size_t invalid = firstInvalidByte(file.content);
+    if (invalid < file.content.size()) {
+        file.damage = {invalid, "the catalogue is not valid UTF-8", "convert it with msgconv"};
+        return file;
     }
-    PoReader reader(content, path);
-    std::string original;
-    bool hasOriginal = false;
-    while (reader.next()) {
-        const std::string& keyword = reader.keyword();
-        if (keyword == "msgid") {
-            original = reader.value();
-            hasOriginal = true;
-        } else if (keyword == "msgstr" || keyword == "msgstr[0]") {
-            if (!hasOriginal) reader.failAtKeyword("msgstr without a msgid before it");
-            const std::string& translation = reader.value();
-            if (original.empty()) checkHeader(translation, reader);
-            if (!original.empty() && !translation.empty()) {
-                requireFitCharacters(translation, reader);
-                if (raw) {
-                    addRaw(original, translation, reader.placeOfKeyword());
-                } else {
-                    texts_[original] = wellFormedMarkup(original, translation, reader);
-                }
-            }
-            hasOriginal = false;
+    try {
+        file.po = readPo(file.content);
+    } catch (const PoMistake& mistake) {
+        file.damage = {mistake.offset, mistake.what(), correctIt};
+    }
+    return file;
+}
+
+CatalogueFile CatalogueFile::read(const std::string& path, const std::string& hint) {
+    CatalogueFile file = load(path, hint);
+    if (file.damage) failAt(file, *file.damage);
+    return file;
+}
+
+std::string mistakeInEntry(const PoEntry& entry) {
+    if (entry.isObsolete || !entry.hasTranslation()) return {};
+    if (entry.id.empty()) return entry.isHeader() ? mistakeInHeader(entry.translations[0]) : "";
+    const std::string mistake = unfitCharacterIn(entry.translations[0]);
+    return mistake.empty() ? brokenMarkupIn(entry) : mistake;
+}
+
+PoCatalogue::PoCatalogue(const std::string& path, bool raw, Console& console) : path_(path) {
+    const CatalogueFile file = CatalogueFile::read(path, pathHint);
+    for (const PoEntry& entry : file.po.entries) {
+        if (!entry.isUsable() && !entry.isHeader()) continue;
+        const bool isLoose = raw && !entry.isHeader();
+        const std::string mistake =
+            isLoose ? unfitCharacterIn(entry.translations[0]) : mistakeInEntry(entry);
+        if (!mistake.empty()) failAt(file, {entry.translationOffset, mistake, correctIt});
+        if (entry.id.empty()) continue;
+        if (raw) {
+            addRaw(entry, file);
+        } else {
+            texts_[entry.id] = translationContent(entry.id, entry.translations[0]);
         }
     }
     noteMistakes(console);

@@ -3,24 +3,51 @@
 // SPDX-License-Identifier: MIT
 #pragma once
 
+#include <optional>
 #include <set>
 #include <string>
 #include <unordered_map>
 #include <vector>
 
+#include "data/po_file.h"
 #include "strata_repgenlib/rgen.h"
 
 namespace cli {
 
 class Console;
 
+struct CatalogueDamage {
+    /// In bytes from the start of the file.
+    std::size_t offset = 0;
+    std::string what;
+    std::string advice;
+};
+
+struct CatalogueFile {
+    std::string path;
+    std::string content;
+    PoFile po;
+    /// Why the file cannot be read as a catalogue.
+    std::optional<CatalogueDamage> damage;
+
+    /// Throws a CommandError with `hint` when the file cannot be read.
+    static CatalogueFile load(const std::string& path, const std::string& hint);
+
+    /// The same; throws a CommandError with line and column when it is damaged.
+    static CatalogueFile read(const std::string& path, const std::string& hint);
+};
+
+/// Why a report cannot use the entry's translation, or a header's encoding; empty when it can.
+std::string mistakeInEntry(const PoEntry& entry);
+
 class PoCatalogue {
 public:
-    /// Reads a PO file. Throws a CommandError with line and column, also for a translation with
-    /// characters that XML does not allow. Unless `raw` is set, "&", "<", ">" and "'" in a
-    /// translation are escaped if the original does not contain them; "]]>" and an "&" that does
-    /// not begin a reference are always escaped. A translation with markup that is not well-formed
-    /// is an error, because the library would drop parts of the template; with `raw` it is noted.
+    /// Reads a PO file without its obsolete and fuzzy entries. Throws a CommandError with line and
+    /// column, also for a translation with characters that XML does not allow. Unless `raw` is set,
+    /// "&", "<", ">" and "'" in a translation are escaped if the original does not contain them;
+    /// "]]>" and an "&" that does not begin a reference are always escaped. A translation with
+    /// markup that is not well-formed is an error, because the library would drop parts of the
+    /// template; with `raw` it is noted.
     PoCatalogue(const std::string& path, bool raw, Console& console);
 
     const std::string& path() const { return path_; }
@@ -29,8 +56,7 @@ public:
     const std::string* find(const std::string& text) const;
 
 private:
-    void addRaw(const std::string& original, const std::string& translation,
-                const std::string& place);
+    void addRaw(const PoEntry& entry, const CatalogueFile& file);
     void noteMistakes(Console& console) const;
 
     std::string path_;

@@ -171,6 +171,18 @@ std::string cataloguePath(const DataDirectory& directory, const ReportType& type
     return {};
 }
 
+std::string ownCataloguePath(const DataDirectory& directory, const ReportType& type,
+                             const std::string& language) {
+    return directory.path("translations/" + type.name + "-" + language + ".po");
+}
+
+bool looksLikeLanguage(const std::string& text) {
+    const std::size_t end = std::min(text.find_first_of("-_@"), text.size());
+    const auto isLetter = [](char letter) { return letter >= 'a' && letter <= 'z'; };
+    return (end == 2 || end == 3) &&
+           std::all_of(text.begin(), text.begin() + static_cast<std::ptrdiff_t>(end), isLetter);
+}
+
 std::vector<std::string> catalogueLanguages(const DataDirectory& directory,
                                             const ReportType& type) {
     std::set<std::string> languages;
@@ -184,13 +196,6 @@ std::vector<std::string> catalogueLanguages(const DataDirectory& directory,
         if (looksLikeLanguage(stem)) languages.insert(stem);
     }
     return {languages.begin(), languages.end()};
-}
-
-bool looksLikeLanguage(const std::string& text) {
-    const std::size_t end = std::min(text.find_first_of("-_@"), text.size());
-    const auto isLetter = [](char letter) { return letter >= 'a' && letter <= 'z'; };
-    return (end == 2 || end == 3) &&
-           std::all_of(text.begin(), text.begin() + static_cast<std::ptrdiff_t>(end), isLetter);
 }
 
 bool namesCatalogueFile(const std::string& lang) {

@@ -65,6 +65,10 @@ bool namesCatalogueFile(const std::string& lang);
 std::string chosenCatalogue(const DataDirectory& directory, const ReportType& type,
                             const std::string& lang);
 
+/// The path that the catalogue of a report type has when only this type uses it.
+std::string ownCataloguePath(const DataDirectory& directory, const ReportType& type,
+                             const std::string& language);
+
 /// Tells whether a text is the code of a language, "de", "pt-BR", "zh_Hant": two or three letters,
 /// and more after a separator.
 bool looksLikeLanguage(const std::string& text);

@@ -47,6 +47,15 @@ constexpr const char* checkExamples = R"(Examples:
 
 )";
 
+constexpr const char* messagesExamples = R"(Examples:
+  rgen messages -d case
+  rgen messages -d case acquisition -o acquisition.pot
+  rgen messages -d case --merge
+  rgen messages -d case --merge --lang fr
+  rgen messages -d case --check
+
+)";
+
 constexpr const char* persistExamples = R"(Examples:
   rgen persist set -d case "Lab.Name=Brackwater & Lindqvell" Examiner.Name=Marta
   rgen persist get -d case
@@ -170,6 +179,14 @@ std::vector<Command> templateCommands() {
          withCommonOptions({o::dataDir, o::type, o::lang, o::strict, o::sarif}),
          {"TEMPLATE|TYPE", "Templates, or report types (default: all)", Count::Any},
          runCheck},
+        {"messages",
+         "List and translate the texts that templates mark",
+         "Print how complete the catalogues of a report type are.",
+         messagesExamples,
+         withCommonOptions(
+             {o::dataDir, o::type, o::messagesOutput, o::merge, o::newLanguage, o::checkMessages}),
+         {"TYPE", "Report type (default: the only one)"},
+         runMessages},
     };
 }
 

@@ -326,6 +326,44 @@ inline constexpr Option fromData = {
     [](Arguments& to) -> std::string& { return to.newType.fromData; },
 };
 
+inline constexpr Option messagesOutput = {
+    "-o",
+    "--output",
+    "FILE.pot",
+    "Write the texts as a template of catalogues, - is standard output",
+    "Write the texts with their places as a template of catalogues (POT); `-` is standard output.",
+    [](Arguments& to) -> std::string& { return to.report.output; },
+};
+
+inline constexpr Option merge = {
+    "",
+    "--merge",
+    "",
+    "Bring the catalogues up to date",
+    "Bring the catalogues up to date: new texts are added, translations of similar texts become "
+    "fuzzy ones, translations that nothing uses become comments.",
+    [](Arguments& to) -> bool& { return to.messages.merge; },
+};
+
+inline constexpr Option newLanguage = {
+    "",
+    "--lang",
+    "LANG",
+    "With --merge: begin a catalogue for this language",
+    "With `--merge`: begin a catalogue for this language if it has none.",
+    [](Arguments& to) -> std::string& { return to.messages.language; },
+};
+
+inline constexpr Option checkMessages = {
+    "",
+    "--check",
+    "",
+    "Exit code 3 when a language is incomplete",
+    "End with exit code 3 when a language lacks a translation or has a fuzzy one, and name these "
+    "texts.",
+    [](Arguments& to) -> bool& { return to.messages.check; },
+};
+
 }  // namespace options
 
 }  // namespace cli
