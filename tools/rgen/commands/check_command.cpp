@@ -1,10 +1,13 @@
 // rgen check: what is wrong with templates, where, and what to do about it.
 //
 // SPDX-License-Identifier: MIT
+#include <set>
+
 #include "base/text_functions.h"
 #include "commands/commands.h"
 #include "data/po_catalogue.h"
 #include "report/report_output.h"
+#include "templates/catalogue_check.h"
 #include "templates/findings_document.h"
 #include "templates/same_formats.h"
 #include "templates/template_check.h"
@@ -39,6 +42,18 @@ Findings check(const TemplateFile& file, const Arguments& arguments, Console& co
     const TemplateText text = readTemplate(file, arguments.report.lang, console);
     Findings findings = differingFormats(file, text);
     findings.add(checkTemplate(text, use));
+    return findings;
+}
+
+/// The catalogues of the report types that the templates belong to.
+Findings checkCatalogues(const std::vector<TemplateFile>& files) {
+    Findings findings;
+    std::set<std::string> known;
+    for (const TemplateFile& file : files) {
+        if (!file.directory || !file.type) continue;
+        const bool isNew = known.insert(file.directory->folder + '\0' + file.type->guidText).second;
+        if (isNew) findings.add(catalogueFindings(*file.directory, *file.type));
+    }
     return findings;
 }
 
@@ -79,6 +94,7 @@ ExitCode runCheck(const Arguments& arguments, Console& console, JsonDocument& do
     Findings findings;
     for (const TemplateFile& file : files)
         findings.add(check(file, arguments, console));
+    findings.add(checkCatalogues(files));
     const bool isFine = findings.count(Severity::Error) == 0 &&
                         (!arguments.check.strict || findings.count(Severity::Warning) == 0);
     document.set("ok", isFine);
