@@ -13,7 +13,6 @@
 #include "base/console.h"
 #include "base/roomy_stack.h"
 #include "commands/embedded_files.h"
-#include "data/data_file.h"
 #include "library/library_calls.h"
 #include "support/report_fixture.h"
 #include "templates/data_document.h"
@@ -105,9 +104,9 @@ protected:
         const std::string path = folder.file("values.json");
         rgen_test::writeFile(path, json);
         Console console(true);
-        input_ = {};
-        for (Value& value : readDataFile(path, false, own_, console))
-            input_.values.add(std::move(value));
+        ValueArguments values;
+        values.data.push_back(path);
+        input_ = collectInput(values, own_, console);
         document_ = dataDocument({folder.path()}, type_, input_);
     }
 
