@@ -4,7 +4,8 @@
 # system's packages. cmake/versions.env states the releases.
 #
 # Gives the targets third_party::xslt (with libxml2), third_party::filesystem, third_party::gtest and
-# third_party::benchmark, and for the command-line host third_party::cli11 and third_party::json.
+# third_party::benchmark, and for the command-line host third_party::cli11,
+# third_party::json and third_party::httplib.
 
 set(RGEN_FLAVOUR "" CACHE STRING "Flavour of the third-party libraries (see scripts/dependencies)")
 set(RGEN_DEPENDENCIES "" CACHE PATH "Their folder; made by scripts/dependencies when empty")
@@ -111,6 +112,14 @@ function(rgen_header_library name folder version_header prefix minimum)
 endfunction()
 
 if(RGEN_BUILD_TOOLS)
+    # A single header, which calls Winsock.
+    add_library(third_party::httplib INTERFACE IMPORTED GLOBAL)
+    set_target_properties(third_party::httplib PROPERTIES INTERFACE_INCLUDE_DIRECTORIES
+                                                          ${rgen_third_party}/include)
+    target_link_libraries(third_party::httplib INTERFACE Threads::Threads)
+    if(WIN32)
+        target_link_libraries(third_party::httplib INTERFACE ws2_32)
+    endif()
     rgen_header_library(cli11 CLI CLI/Version.hpp CLI11 ${RGEN_CLI11_MINIMUM})
     rgen_header_library(json nlohmann nlohmann/detail/abi_macros.hpp NLOHMANN_JSON
                         ${RGEN_NLOHMANN_JSON_MINIMUM})

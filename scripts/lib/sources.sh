@@ -5,7 +5,7 @@
 # The chosen versions are stored in the associative array source_version, by library name.
 
 declare -A source_version=()
-libraries=(libxml2 libxslt boost benchmark)
+libraries=(libxml2 libxslt boost benchmark httplib)
 
 # setting LIBRARY WHAT: prints a value of cmake/versions.env. The environment variables
 # RGEN_<LIBRARY>_SERIES and RGEN_<LIBRARY>_MINIMUM override it, for trying another release.
@@ -153,7 +153,7 @@ download_sources() {
 unpack_sources() {
     local archives=$1 dir=$2 library dsc
     mkdir -p "$dir"
-    for library in libxml2 libxslt benchmark; do
+    for library in libxml2 libxslt benchmark httplib; do
         dsc=$archives/$(dsc_name "$library" "${source_version[$library]}")
         quietly "$dir/$library.log" dpkg-source -x "$dsc" "$dir/$library"
         apply_patches "$library" "$dir/$library"
@@ -252,4 +252,5 @@ The notices of single files, as Debian has collected them:
 END
     cat "$sources/libxslt/Copyright" >"$dir/libxslt.txt"
     cat "$sources/boost/LICENSE_1_0.txt" >"$dir/boost-filesystem.txt"
+    cat "$sources/httplib/LICENSE" >"$dir/cpp-httplib.txt"
 }

@@ -51,6 +51,12 @@ struct MessagesArguments {
     std::string language;
 };
 
+struct PreviewArguments {
+    bool open = false;
+    std::string port;
+    std::string editor;
+};
+
 struct Arguments {
     /// "report", "persist get"; empty for rgen itself.
     std::string command;
@@ -65,6 +71,7 @@ struct Arguments {
     CheckArguments check;
     NewTypeArguments newType;
     MessagesArguments messages;
+    PreviewArguments preview;
     bool showData = false;
     bool timing = false;
     std::string batch;

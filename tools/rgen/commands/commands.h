@@ -13,6 +13,7 @@ namespace cli {
 
 ExitCode runCheck(const Arguments& arguments, Console& console, JsonDocument& document);
 ExitCode runReport(const Arguments& arguments, Console& console, JsonDocument& document);
+ExitCode runPreview(const Arguments& arguments, Console& console, JsonDocument& document);
 ExitCode runBatch(const Arguments& arguments, Console& console, JsonDocument& document);
 ExitCode runMessages(const Arguments& arguments, Console& console, JsonDocument& document);
 ExitCode runPersistGet(const Arguments& arguments, Console& console, JsonDocument& document);

@@ -3,18 +3,13 @@
 // SPDX-License-Identifier: MIT
 #pragma once
 
-#include <string_view>
 #include <vector>
+
+#include "base/embedded_file.h"
 
 namespace cli {
 
-struct EmbeddedFile {
-    /// Where "rgen init" puts it, counted from the new folder.
-    std::string_view path;
-    std::string_view content;
-};
-
-/// The sample report type for disk-imaging acquisitions.
+/// The sample report type for disk-imaging acquisitions; the paths are counted from the new folder.
 const std::vector<EmbeddedFile>& acquisitionSample();
 
 }  // namespace cli

@@ -56,6 +56,12 @@ constexpr const char* messagesExamples = R"(Examples:
 
 )";
 
+constexpr const char* previewExamples = R"(Examples:
+  rgen preview -d case --open
+  rgen preview -d case --data case/acquisition.json --editor 'code -g {file}:{line}'
+
+)";
+
 constexpr const char* persistExamples = R"(Examples:
   rgen persist set -d case "Lab.Name=Brackwater & Lindqvell" Examiner.Name=Marta
   rgen persist get -d case
@@ -165,6 +171,16 @@ std::vector<Command> reportCommands() {
                             o::timing, o::batch}),
          {},
          runReport},
+        {"preview",
+         "Show a report in the browser, live",
+         "Print the address of a page that shows the report, and show each change of a file that "
+         "it is "
+         "made from at once, until Ctrl-C ends it.",
+         previewExamples,
+         withCommonOptions(
+             {o::dataDir, o::type, o::data, o::raw, o::previewBase, o::open, o::port, o::editor}),
+         {},
+         runPreview},
     };
 }
 

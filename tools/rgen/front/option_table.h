@@ -260,6 +260,44 @@ inline constexpr Option batch = {
     [](Arguments& to) -> std::string& { return to.batch; },
 };
 
+inline constexpr Option previewBase = {
+    "",
+    "--base",
+    "FOLDER",
+    "Folder of relative links in the report",
+    "The folder of relative links in the report. Default: the folder that holds `.rgen`.",
+    [](Arguments& to) -> std::string& { return to.report.base; },
+};
+
+inline constexpr Option open = {
+    "",
+    "--open",
+    "",
+    "Open the browser",
+    "Open the address in the browser.",
+    [](Arguments& to) -> bool& { return to.preview.open; },
+};
+
+inline constexpr Option port = {
+    "",
+    "--port",
+    "N",
+    "Port of 127.0.0.1 (default: any free one)",
+    "The port of 127.0.0.1. Default: any free one.",
+    [](Arguments& to) -> std::string& { return to.preview.port; },
+};
+
+inline constexpr Option editor = {
+    "",
+    "--editor",
+    "CMD",
+    "Open a clicked place: 'code -g {file}:{line}'",
+    "The command that opens the template at the place of an element that is clicked, without a "
+    "shell: "
+    "`{file}`, `{line}` and `{column}` are replaced.",
+    [](Arguments& to) -> std::string& { return to.preview.editor; },
+};
+
 inline constexpr Option sample = {
     "",
     "--sample",

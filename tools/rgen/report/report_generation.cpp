@@ -235,6 +235,20 @@ ReportResult makeReport(const ReportContext& context, const ReportRequest& reque
     return result;
 }
 
+std::string makePage(const ReportContext& context, const ReportRequest& request) {
+    const std::string format = formatOf(request.arguments);
+    const std::string catalogue = chosenCatalogue(context, request);
+    const TranslationScope translation(context.generator, catalogue, context.raw, context.console);
+    noteDamage(context, request.type);
+    OutputPlan plan;
+    plan.delivery = Delivery::Bytes;
+    ReportOutput output(plan);
+    const RgenStatus status = callLibrary(context, request, output, format);
+    if (status < 0) fail(status, context, request, output, format);
+    noteUntranslated(translation.untranslated(), catalogue, context.console);
+    return std::string(output.bytes());
+}
+
 void describeReport(const ReportRequest& request, const ReportResult& result,
                     const Console& console, JsonDocument& document) {
     JsonDocument type;
