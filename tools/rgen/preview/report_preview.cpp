@@ -90,6 +90,7 @@ ReportRequest ReportPreview::requestFor(const WantedView& wanted, Console& conso
     request.arguments.format = wanted.format;
     request.arguments.lang = wanted.language;
     request.arguments.base = settings_.base;
+    request.arguments.output = "report." + wanted.format;
     request.input = chosenInput(settings_, type_, wanted.data, generator_, console);
     return request;
 }
@@ -115,39 +116,52 @@ std::string ReportPreview::makeMarked(const WantedView& wanted, Console& console
     return make(wanted, LineMarks::Without, console);
 }
 
-void ReportPreview::describeFailure(const WantedView& wanted, const CommandError& failure,
-                                    Console& console, JsonDocument& document) {
-    ReportRequest request;
-    request.type = type_;
-    request.arguments.format = wanted.format;
-    request.arguments.lang = wanted.language;
-    const ReportContext context{generator_, settings_.directory, console, settings_.values.raw};
-    std::vector<JsonDocument> mistakes;
-    const Findings found = mistakesOf(context, request, failure);
-    for (const Finding& finding : found.all())
-        mistakes.push_back(cli::document(finding));
-    document.set("mistakes", mistakes);
-    document.set("page", static_cast<std::int64_t>(pages_.lastOf(keyOf(wanted))));
+/// Makes the report, or returns why that was not possible.
+std::optional<CommandError> ReportPreview::tryToMake(const WantedView& wanted, Console& console,
+                                                     std::string& page) {
+    try {
+        if (!isFormat(wanted.format)) throw usageError("there is no such format");
+        readType();
+        page = makeMarked(completed(wanted), console);
+    } catch (const CommandError& failure) {
+        if (failure.exitCode == ExitCode::Interrupted) throw;
+        return failure;
+    }
+    return {};
+}
+
+/// A page with mistakes does not replace the last good one.
+std::uint64_t ReportPreview::store(const WantedView& wanted, std::string page, bool isGood) {
+    const std::string key = keyOf(wanted);
+    if (isGood) return pages_.add(key, wanted.format, std::move(page));
+    const std::uint64_t last = pages_.lastOf(key);
+    if (last != 0 || page.empty()) return last;
+    return pages_.add(key + "|with mistakes", wanted.format, std::move(page));
 }
 
 JsonDocument ReportPreview::view(const WantedView& wanted) {
     const std::lock_guard lock(mutex_);
     const Clock::time_point start = Clock::now();
     Console console(true);
+    std::string page;
+    const std::optional<CommandError> failure = tryToMake(wanted, console, page);
+    const CheckedView checked = {settings_.directory, type_, wanted.format, wanted.language};
+    Console unused(true);
+    const Findings findings = templateFindings(checked, unused);
+    const Findings mistakes = mistakesOf(checked, findings, failure);
+    std::vector<JsonDocument> rows;
+    for (const Finding& mistake : mistakes.all())
+        rows.push_back(cli::document(mistake));
+    std::vector<std::string> notes = console.notes();
+    for (std::string& line : warningLines(findings))
+        notes.push_back(std::move(line));
+
     JsonDocument document;
-    try {
-        if (!isFormat(wanted.format)) throw usageError("there is no such format");
-        readType();
-        const std::string page = makeMarked(completed(wanted), console);
-        document.set("ok", true);
-        document.set("page",
-                     static_cast<std::int64_t>(pages_.add(keyOf(wanted), wanted.format, page)));
-    } catch (const CommandError& failure) {
-        if (failure.exitCode == ExitCode::Interrupted) throw;
-        document.set("ok", false);
-        describeFailure(wanted, failure, console, document);
-    }
-    document.set("notes", console.notes());
+    document.set("ok", mistakes.empty());
+    document.set("page",
+                 static_cast<std::int64_t>(store(wanted, std::move(page), mistakes.empty())));
+    document.set("mistakes", rows);
+    document.set("notes", notes);
     describeChoices(document);
     document.set("milliseconds",
                  std::chrono::duration<double, std::milli>(Clock::now() - start).count());

@@ -5,10 +5,12 @@
 
 #include <memory>
 #include <mutex>
+#include <optional>
 #include <set>
 #include <string>
 #include <vector>
 
+#include "base/command_error.h"
 #include "base/json_document.h"
 #include "preview/data_choices.h"
 #include "preview/page_store.h"
@@ -69,8 +71,9 @@ private:
     std::string make(const WantedView& wanted, LineMarks marks, Console& console);
     std::string makeMarked(const WantedView& wanted, Console& console);
     ReportRequest requestFor(const WantedView& wanted, Console& console);
-    void describeFailure(const WantedView& wanted, const CommandError& failure, Console& console,
-                         JsonDocument& document);
+    std::optional<CommandError> tryToMake(const WantedView& wanted, Console& console,
+                                          std::string& page);
+    std::uint64_t store(const WantedView& wanted, std::string page, bool isGood);
 
     PreviewSettings settings_;
     std::mutex mutex_;

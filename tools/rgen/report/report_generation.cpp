@@ -237,7 +237,8 @@ ReportResult makeReport(const ReportContext& context, const ReportRequest& reque
 
 std::string makePage(const ReportContext& context, const ReportRequest& request) {
     const std::string format = formatOf(request.arguments);
-    const std::string catalogue = chosenCatalogue(context, request);
+    const std::string catalogue =
+        chosenCatalogue(context.directory, request.type, request.arguments.lang);
     const TranslationScope translation(context.generator, catalogue, context.raw, context.console);
     noteDamage(context, request.type);
     OutputPlan plan;
