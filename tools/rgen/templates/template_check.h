@@ -16,7 +16,7 @@ struct CheckedUse {
     /// "html", "pdf" or "txt"; empty when it is not known. Pages are checked unless it is "txt".
     std::string format;
     /// The data document for which the template runs as well.
-    std::optional<std::string> dataDocument;
+    std::optional<std::string> dataDocument = std::nullopt;
 };
 
 /// The mistakes of a template, by their places. Without a data document those that can be seen
