@@ -4,10 +4,13 @@ pair of pipes. Needs nothing but Python.
 SPDX-License-Identifier: MIT
 """
 
+import base64
 import json
 import os
+import re
 import select
 import shutil
+import signal
 import subprocess
 import tempfile
 import time
@@ -15,6 +18,8 @@ import time
 PROGRAM = shutil.which("chromium-headless-shell")
 # Bounds every wait; its passing fails the case.
 LONGEST_WAIT = 120
+# What the browser says about an expression in a page that it has left meanwhile.
+LEFT = re.compile("context was destroyed|Cannot find default execution|navigated or closed")
 
 
 class BrowserError(AssertionError):
@@ -25,20 +30,20 @@ class Chromium:
     """A running browser without a profile of the user."""
 
     def __init__(self):
-        self.profile = tempfile.TemporaryDirectory(prefix="rgen-chromium-")
+        self.profile = tempfile.TemporaryDirectory(prefix="rgen-chromium-",
+                                                   ignore_cleanup_errors=True)
         command_reader, self.writer = os.pipe()
         self.reader, answer_writer = os.pipe()
         arguments = [PROGRAM, "--remote-debugging-pipe", "--no-sandbox", "--no-first-run",
                      "--disable-gpu", "--disable-dev-shm-usage", "--hide-scrollbars",
                      f"--user-data-dir={self.profile.name}", "about:blank"]
-
         # The browser reads commands from descriptor 3 and writes to 4. Both pipes are first moved out
         # of the way of these numbers.
         script = ('exec 30<&"$1" 31>&"$2"; exec 3<&30 4>&31 30<&- 31>&-; shift 2; exec "$@"')
         self.process = subprocess.Popen(
             ["bash", "-c", script, "bash", str(command_reader), str(answer_writer), *arguments],
             pass_fds=(command_reader, answer_writer), stdin=subprocess.DEVNULL,
-            stdout=subprocess.DEVNULL, stderr=subprocess.DEVNULL)
+            stdout=subprocess.DEVNULL, stderr=subprocess.DEVNULL, start_new_session=True)
         os.close(command_reader)
         os.close(answer_writer)
         self.buffer = b""
@@ -46,12 +51,8 @@ class Chromium:
         self.events = []
 
     def close(self):
-        self.process.terminate()
-        try:
-            self.process.wait(10)
-        except subprocess.TimeoutExpired:
-            self.process.kill()
-            self.process.wait()
+        os.killpg(self.process.pid, signal.SIGKILL)
+        self.process.wait()
         os.close(self.writer)
         os.close(self.reader)
         self.profile.cleanup()
@@ -88,8 +89,8 @@ class Chromium:
         """A new tab with this address."""
         target = self.send("Target.createTarget", url="about:blank", width=width,
                            height=height)["targetId"]
-        tab = Tab(self, self.send("Target.attachToTarget", targetId=target,
-                                  flatten=True)["sessionId"])
+        session = self.send("Target.attachToTarget", targetId=target, flatten=True)["sessionId"]
+        tab = Tab(self, target, session)
         for domain in ("Page", "Runtime", "Log", "Network"):
             tab.send(f"{domain}.enable")
         tab.send("Page.navigate", url=address)
@@ -97,9 +98,13 @@ class Chromium:
 
 
 class Tab:
-    def __init__(self, browser, session):
+    def __init__(self, browser, target, session):
         self.browser = browser
+        self.target = target
         self.session = session
+
+    def close(self):
+        self.browser.send("Target.closeTarget", targetId=self.target)
 
     def send(self, method, **parameters):
         return self.browser.send(method, self.session, **parameters)
@@ -113,11 +118,21 @@ class Tab:
         return result["result"].get("value")
 
     def wait_until(self, condition):
-        """Waits until a JavaScript expression is true, looking at each frame that is painted."""
+        """Waits until a JavaScript expression is true. A page that is being left ends the wait
+        inside it, so it is begun again."""
         waiting = ("new Promise((resolve) => { const look = () => { let is = false; "
                    f"try {{ is = Boolean({condition}); }} catch (error) {{ is = false; }} "
-                   "if (is) resolve(true); else setTimeout(look, 5); }; look(); })")
-        self.run(waiting)
+                   "if (is) resolve(true); else setTimeout(look, 5); }; look();"
+                   " setTimeout(() => resolve(false), 1000); })")
+        limit = time.monotonic() + LONGEST_WAIT
+        while time.monotonic() < limit:
+            try:
+                if self.run(waiting):
+                    return
+            except BrowserError as error:
+                if not LEFT.search(str(error)):
+                    raise
+        raise BrowserError(f"never true: {condition}")
 
     def click(self, x, y):
         for kind in ("mousePressed", "mouseReleased"):
@@ -136,5 +151,4 @@ class Tab:
                 if event["method"] == "Network.requestWillBeSent"]
 
     def picture(self):
-        import base64
         return base64.b64decode(self.send("Page.captureScreenshot", format="png")["data"])
