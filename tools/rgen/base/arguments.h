@@ -57,6 +57,11 @@ struct PreviewArguments {
     std::string editor;
 };
 
+struct TestArguments {
+    bool accept = false;
+    std::string junit;
+};
+
 struct Arguments {
     /// "report", "persist get"; empty for rgen itself.
     std::string command;
@@ -72,6 +77,7 @@ struct Arguments {
     NewTypeArguments newType;
     MessagesArguments messages;
     PreviewArguments preview;
+    TestArguments test;
     bool showData = false;
     bool timing = false;
     std::string batch;

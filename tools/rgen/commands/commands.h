@@ -24,6 +24,7 @@ ExitCode runDump(const Arguments& arguments, Console& console, JsonDocument& doc
 ExitCode runSimulate(const Arguments& arguments, Console& console, JsonDocument& document);
 ExitCode runInit(const Arguments& arguments, Console& console, JsonDocument& document);
 ExitCode runNew(const Arguments& arguments, Console& console, JsonDocument& document);
+ExitCode runTest(const Arguments& arguments, Console& console, JsonDocument& document);
 ExitCode runTypes(const Arguments& arguments, Console& console, JsonDocument& document);
 ExitCode runExplain(const Arguments& arguments, Console& console, JsonDocument& document);
 ExitCode runDoctor(const Arguments& arguments, Console& console, JsonDocument& document);

@@ -62,6 +62,13 @@ constexpr const char* previewExamples = R"(Examples:
 
 )";
 
+constexpr const char* testExamples = R"(Examples:
+  rgen test -d case
+  rgen test -d case acquisition --accept
+  rgen test -d case --junit results.xml
+
+)";
+
 constexpr const char* persistExamples = R"(Examples:
   rgen persist set -d case "Lab.Name=Brackwater & Lindqvell" Examiner.Name=Marta
   rgen persist get -d case
@@ -203,6 +210,14 @@ std::vector<Command> templateCommands() {
              {o::dataDir, o::type, o::messagesOutput, o::merge, o::newLanguage, o::checkMessages}),
          {"TYPE", "Report type (default: the only one)"},
          runMessages},
+        {"test",
+         "Compare reports with the expected ones",
+         "Make the reports of all tests of the report types, compare each with the expected one, "
+         "and list what no test reaches. Exit code 3 when a report is not as expected.",
+         testExamples,
+         withCommonOptions({o::dataDir, o::type, o::accept, o::junit}),
+         {"TYPE", "Report types (default: all)", Count::Any},
+         runTest},
     };
 }
 

@@ -402,6 +402,25 @@ inline constexpr Option checkMessages = {
     [](Arguments& to) -> bool& { return to.messages.check; },
 };
 
+inline constexpr Option accept = {
+    "",
+    "--accept",
+    "",
+    "Take over the reports of this run as the expected ones",
+    "Write the reports of this run as the expected ones; look at the differences first.",
+    [](Arguments& to) -> bool& { return to.test.accept; },
+};
+
+inline constexpr Option junit = {
+    "",
+    "--junit",
+    "FILE",
+    "Write the results for other tools, - is standard output",
+    "Write the results in the XML format of JUnit, which continuous integration services read; `-` "
+    "is standard output.",
+    [](Arguments& to) -> std::string& { return to.test.junit; },
+};
+
 }  // namespace options
 
 }  // namespace cli
