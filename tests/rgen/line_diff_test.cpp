@@ -15,8 +15,7 @@ TEST(LineDiff, EqualTextsHaveNone) {
 
 TEST(LineDiff, AChangedLineIsShownWithItsNeighbours) {
     const LineDiff diff = lineDiff("1\n2\n3\nvalue 4\n5\n6\n7\n", "1\n2\n3\nvalue 8\n5\n6\n7\n");
-    EXPECT_EQ(diff.text,
-              "@@ line 4\n  2\n  3\n- value 4\n+ value 8\n        ^\n  5\n  6\n");
+    EXPECT_EQ(diff.text, "@@ line 4\n  2\n  3\n- value 4\n+ value 8\n        ^\n  5\n  6\n");
     EXPECT_EQ(diff.changedLines, 1U);
 }
 
@@ -57,7 +56,8 @@ TEST(LineDiff, ManyDifferencesAreCounted) {
     }
     const LineDiff diff = lineDiff(before, after, 30);
     EXPECT_EQ(diff.changedLines, 5000U);
-    EXPECT_NE(diff.text.find("... and 4990 more lines that differ"), std::string::npos) << diff.text;
+    EXPECT_NE(diff.text.find("... and 4990 more lines that differ"), std::string::npos)
+        << diff.text;
 }
 
 }  // namespace

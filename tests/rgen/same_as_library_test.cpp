@@ -69,10 +69,29 @@ private:
     std::size_t below(std::size_t limit) { return limit == 0 ? 0 : random_() % limit; }
 
     void change(std::string& text) {
-        static const std::vector<std::string> pieces = {
-            "<",  ">",   "/>", "&",   "&nbsp;", "\"",      "'",         "{",         "}",
-            "$x", "no-", "xsl:", "</p>", "<p>", "select=\"1\"", "disable-output-escaping=\"yes\"",
-            "]",  "(",   "::",   " div 0", "<xsl:text>a</xsl:text>", "<!--", "xmlns=\"u\" "};
+        static const std::vector<std::string> pieces = {"<",
+                                                        ">",
+                                                        "/>",
+                                                        "&",
+                                                        "&nbsp;",
+                                                        "\"",
+                                                        "'",
+                                                        "{",
+                                                        "}",
+                                                        "$x",
+                                                        "no-",
+                                                        "xsl:",
+                                                        "</p>",
+                                                        "<p>",
+                                                        "select=\"1\"",
+                                                        "disable-output-escaping=\"yes\"",
+                                                        "]",
+                                                        "(",
+                                                        "::",
+                                                        " div 0",
+                                                        "<xsl:text>a</xsl:text>",
+                                                        "<!--",
+                                                        "xmlns=\"u\" "};
         const std::size_t at = below(text.size());
         const std::size_t length = 1 + below(12);
         switch (below(4)) {
@@ -153,32 +172,33 @@ TEST_F(SameAsLibrary, ValuesOfAllKinds) {
         folder.dataFile("persist_data.xml"),
         "<data><properties><property name=\"kept\">a &amp;amp; b</property>"
         "<property name=\"Text\">from persistent data</property></properties></data>");
-    readValues("{\"Text\": \"a & <b> 'c' \\\"d\\\"\", \"Number\": -12, \"Size:size\": 500107862016,"
-               "\"Date:date\": 1772726400, \"Time:time\": 1772726400, \"At:datetime\": 1772726400,"
-               "\"Bytes:bytes\": \"01 AB FF\", \"Address:address\": \"0x1f\", \"Empty\": \"\","
-               "\"Lines\": \"one\\ntwo\\tthree\\r\\nfour\", \"\\u00e9t\\u00e9\": \"\\ud83d\\ude00\","
-               "\"<name> & 'quotes' \\\"x\\\"\": \"y\"}");
+    readValues(
+        "{\"Text\": \"a & <b> 'c' \\\"d\\\"\", \"Number\": -12, \"Size:size\": 500107862016,"
+        "\"Date:date\": 1772726400, \"Time:time\": 1772726400, \"At:datetime\": 1772726400,"
+        "\"Bytes:bytes\": \"01 AB FF\", \"Address:address\": \"0x1f\", \"Empty\": \"\","
+        "\"Lines\": \"one\\ntwo\\tthree\\r\\nfour\", \"\\u00e9t\\u00e9\": \"\\ud83d\\ude00\","
+        "\"<name> & 'quotes' \\\"x\\\"\": \"y\"}");
     const std::string each =
         "<xsl:for-each select=\"data/properties/property\">[<xsl:value-of select=\"@name\"/>=<"
         "xsl:value-of select=\".\"/>|<xsl:value-of select=\"position()\"/>]</xsl:for-each>";
     expectSame(textStylesheet(each));
-    expectSame(stylesheet("method=\"xml\" indent=\"yes\"",
-                          body("<a><xsl:copy-of select=\"data\"/></a>")));
+    expectSame(
+        stylesheet("method=\"xml\" indent=\"yes\"", body("<a><xsl:copy-of select=\"data\"/></a>")));
 }
 
 TEST_F(SameAsLibrary, EveryMethodAndEncoding) {
     readValues("{\"v\": \"\\u00e9 \\u20ac <&> \\ud83d\\ude00\"}");
-    const std::string content =
-        body("<html><head><title>T</title></head><body><br/><p class=\"{//property}\">"
-             "<xsl:value-of select=\"//property\"/></p><script>a &lt; b</script></body></html>");
+    const std::string content = body(
+        "<html><head><title>T</title></head><body><br/><p class=\"{//property}\">"
+        "<xsl:value-of select=\"//property\"/></p><script>a &lt; b</script></body></html>");
     for (const char* const method : {"html", "xml", "text"}) {
         for (const char* const encoding :
              {"UTF-8", "UTF-16", "ISO-8859-1", "US-ASCII", "windows-1251", "none"}) {
             for (const char* const more : {"indent=\"yes\"", "indent=\"no\" standalone=\"yes\"",
                                            "omit-xml-declaration=\"yes\" doctype-public=\"p\""}) {
-                expectSame(stylesheet(std::string("method=\"") + method + "\" encoding=\"" +
-                                          encoding + "\" " + more,
-                                      content));
+                expectSame(stylesheet(
+                    std::string("method=\"") + method + "\" encoding=\"" + encoding + "\" " + more,
+                    content));
             }
         }
     }

@@ -43,7 +43,8 @@ public:
     ShortestEdit(const Lines& before, const Lines& after) : before_(before), after_(after) {}
 
     std::vector<Change> changes() {
-        while (first_ < std::min(before_.size(), after_.size()) && before_[first_] == after_[first_])
+        while (first_ < std::min(before_.size(), after_.size()) &&
+               before_[first_] == after_[first_])
             ++first_;
         oldSize_ = static_cast<int>(before_.size() - first_);
         newSize_ = static_cast<int>(after_.size() - first_);
@@ -77,7 +78,9 @@ private:
                 first_ + static_cast<std::size_t>(newSize_)};
     }
 
-    static std::size_t at(int diagonal) { return static_cast<std::size_t>(mostEdits + 1 + diagonal); }
+    static std::size_t at(int diagonal) {
+        return static_cast<std::size_t>(mostEdits + 1 + diagonal);
+    }
 
     /// Of two ways to a diagonal, whether the one by an added line gets further.
     static bool comesFromAddition(const std::vector<int>& furthest, int diagonal, int edits) {
@@ -213,7 +216,8 @@ public:
                 leftOut += changes[i].lines();
                 continue;
             }
-            const std::size_t next = i + 1 < changes.size() ? changes[i + 1].oldBegin : before_.size();
+            const std::size_t next =
+                i + 1 < changes.size() ? changes[i + 1].oldBegin : before_.size();
             leftOut += writeChange(changes[i], next);
         }
         if (leftOut > 0) add("  ... and " + countText(leftOut, "more line") + " that differ");

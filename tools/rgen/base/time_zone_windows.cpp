@@ -23,8 +23,9 @@ void setFixedTimeZone(int minutesEast) {
 }
 
 void setNamedTimeZone(const std::string& name) {
-    throw usageError("\"" + shortened(name) + "\" is no time zone that Windows can give one program",
-                     "write UTC, or an offset such as +01:00");
+    throw usageError(
+        "\"" + shortened(name) + "\" is no time zone that Windows can give one program",
+        "write UTC, or an offset such as +01:00");
 }
 
 }  // namespace cli

@@ -31,8 +31,7 @@ std::string withoutReturns(std::string text) {
     return text;
 }
 
-std::string reasonOf(const std::string& expected, const std::string& actual,
-                     const LineDiff& diff) {
+std::string reasonOf(const std::string& expected, const std::string& actual, const LineDiff& diff) {
     if (withoutReturns(expected) == withoutReturns(actual)) {
         return "only the ends of lines differ; keep the file from being converted";
     }
@@ -55,8 +54,7 @@ public:
             runType(type);
         if (!results_.empty()) return;
         throw usageError("there is no test in \"" + directory_.path("tests") + "\"",
-                         "write values into \"" +
-                             directory_.path("tests/TYPE/NAME/data.json") +
+                         "write values into \"" + directory_.path("tests/TYPE/NAME/data.json") +
                              "\" and run rgen test --accept");
     }
 
@@ -65,9 +63,8 @@ public:
     const std::vector<std::string>& notes() const { return notes_; }
 
     std::size_t failed() const {
-        return static_cast<std::size_t>(
-            std::count_if(results_.begin(), results_.end(),
-                          [](const TestResult& one) { return !one.isGood(); }));
+        return static_cast<std::size_t>(std::count_if(
+            results_.begin(), results_.end(), [](const TestResult& one) { return !one.isGood(); }));
     }
 
 private:

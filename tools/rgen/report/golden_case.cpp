@@ -58,9 +58,8 @@ std::vector<GoldenCase> goldenCases(const DataDirectory& directory, const Report
         if (!entry.is_directory(ignored) || name.front() == '.') continue;
         cases.push_back({directory, type, name, joinedPath(folder, name)});
     }
-    std::sort(cases.begin(), cases.end(), [](const GoldenCase& one, const GoldenCase& other) {
-        return one.name < other.name;
-    });
+    std::sort(cases.begin(), cases.end(),
+              [](const GoldenCase& one, const GoldenCase& other) { return one.name < other.name; });
     return cases;
 }
 

@@ -8,11 +8,11 @@
 #include <string>
 #include <vector>
 
+#include "base/interruption.h"
 #include "data/golden_options.h"
 #include "data/po_catalogue.h"
 #include "data/report_input.h"
 #include "data/report_type.h"
-#include "base/interruption.h"
 #include "library/library_calls.h"
 #include "templates/template_text.h"
 

@@ -17,9 +17,9 @@ namespace {
 
 std::set<std::string> valueNames(const std::string& document) {
     std::set<std::string> names;
-    const XmlPtr<xmlDoc> parsed(xmlReadMemory(
-        document.data(), static_cast<int>(document.size()), nullptr, "UTF-8",
-        XML_PARSE_NONET | XML_PARSE_HUGE | XML_PARSE_NOERROR | XML_PARSE_NOWARNING));
+    const XmlPtr<xmlDoc> parsed(
+        xmlReadMemory(document.data(), static_cast<int>(document.size()), nullptr, "UTF-8",
+                      XML_PARSE_NONET | XML_PARSE_HUGE | XML_PARSE_NOERROR | XML_PARSE_NOWARNING));
     const xmlNode* root = parsed ? xmlDocGetRootElement(parsed.get()) : nullptr;
     const xmlNode* list = root != nullptr ? elementFrom(root->children) : nullptr;
     for (const xmlNode* node = list != nullptr ? elementFrom(list->children) : nullptr;
@@ -120,8 +120,8 @@ Findings TestCoverage::findingsOf(const TemplateText& text, const Reached& reach
         if (around == nullptr || reached.templates.count(placeOf(tree, around)) == 0) continue;
         const auto texts = reached.texts.find(placeOf(tree, one.element));
         if (texts != reached.texts.end() && texts->second) continue;
-        findings.add(tree.atElement(one.element,
-                                    noteOf("untested-text", "no test shows a text here")));
+        findings.add(
+            tree.atElement(one.element, noteOf("untested-text", "no test shows a text here")));
     }
     return findings;
 }
@@ -144,7 +144,7 @@ Findings TestCoverage::findings(const DataDirectory& directory, const ReportType
             all.add(findingsOf(text, reached));
         } else {
             all.add(text.atOriginal(
-                0, 0, noteOf("untested-format", "no test makes a " + file.format + " report")));
+                0, 0, noteOf("untested-format", "no test makes a report in " + file.format)));
         }
     }
     all.sort();

@@ -47,8 +47,8 @@ std::size_t countOf(const std::vector<TestResult>& results, TestResult::Outcome 
 std::string junitCase(const TestResult& result) {
     const std::string name =
         result.format.empty() ? result.name : result.name + " (" + result.format + ")";
-    const std::string start = "    <testcase classname=\"" + escaped(result.type) + "\" name=\"" +
-                              escaped(name) + "\"";
+    const std::string start =
+        "    <testcase classname=\"" + escaped(result.type) + "\" name=\"" + escaped(name) + "\"";
     if (result.isGood()) return start + "/>\n";
     const bool isError = result.outcome == TestResult::Outcome::Failed;
     const std::string element = isError ? "error" : "failure";
@@ -107,8 +107,8 @@ std::string junitDocument(const std::vector<TestResult>& results) {
     const std::size_t failures = countOf(results, TestResult::Outcome::Differs) +
                                  countOf(results, TestResult::Outcome::NotExpected);
     const std::string counts = " tests=\"" + std::to_string(results.size()) + "\" failures=\"" +
-                               std::to_string(failures) + "\" errors=\"" +
-                               std::to_string(errors) + "\"";
+                               std::to_string(failures) + "\" errors=\"" + std::to_string(errors) +
+                               "\"";
     std::string document = "<?xml version=\"1.0\" encoding=\"UTF-8\"?>\n<testsuites" + counts +
                            ">\n  <testsuite name=\"rgen test\"" + counts + ">\n";
     for (const TestResult& result : results)

@@ -117,10 +117,10 @@ std::string dataDocument(const DataDirectory& directory, const ReportType& type,
         makeListingDirectory(listing, directory, type);
         return documentOf(listed(listing, input));
     } catch (const std::system_error& error) {
-        throw CommandError(ExitCode::Environment,
-                           std::string("cannot use the temporary folder: ") +
-                               error.code().message(),
-                           "check that it may be written and has room");
+        throw CommandError(
+            ExitCode::Environment,
+            std::string("cannot use the temporary folder: ") + error.code().message(),
+            "check that it may be written and has room");
     }
 }
 

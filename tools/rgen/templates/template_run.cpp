@@ -279,14 +279,18 @@ struct EndOfOutput {
     std::size_t length = 0;
 };
 
-std::size_t lengthOf(const xmlNode* text) {
-    return text->content == nullptr ? 0 : static_cast<std::size_t>(xmlStrlen(text->content));
+/// The processor knows the length of the text to which it appends, which may be long.
+std::size_t lengthOf(const xmlNode* text, const xsltTransformContext& context) {
+    if (text->content == nullptr) return 0;
+    const int length =
+        text->content == context.lasttext ? context.lasttuse : xmlStrlen(text->content);
+    return static_cast<std::size_t>(length);
 }
 
 EndOfOutput endOfOutput(const xsltTransformContext& context) {
     if (context.insert == nullptr || context.insert->last == nullptr) return {};
     const xmlNode* last = context.insert->last;
-    return {last, last->type == XML_TEXT_NODE ? lengthOf(last) : 0};
+    return {last, last->type == XML_TEXT_NODE ? lengthOf(last, context) : 0};
 }
 
 /// What was written after `before`.
@@ -307,7 +311,7 @@ void Run::onValueOf(xsltTransformContext* context, xmlNode* node, xmlNode* instr
     const std::string written = writtenAfter(before, *context);
     WrittenTexts& texts = run.report_.texts[run.numberOf(instruction)];
     ++texts.all;
-    if (written.find_first_not_of(" \t\r\n") == std::string::npos) ++texts.empty;
+    if (written.empty()) ++texts.empty;
     if (written.find("NaN") != std::string::npos) ++texts.notNumbers;
 }
 
