@@ -63,7 +63,7 @@ INSTANTIATE_TEST_SUITE_P(
         Row{"//property[substring-before(@name, '.') = 'Err']", "prefix Err.@43"},
         Row{"key('p', concat('Err.', $n, '.Address'))", "list Err.N.Address@17"},
         Row{"key('p', concat('Err.', $n))", "prefix Err.@17"},
-        Row{"key('p', concat('A', '.B'))", "list A.B@22"},
+        Row{"key('p', concat('A', '.B'))", "name A.B@22"},
         Row{"key('p', concat($entry, 'Sectors'))", "part Sectors@25"},
         Row{"key('list', 'Hash*Source')[. != key('p', concat(substring-before(@name, 'Source'), "
             "'Image'))]",

@@ -78,6 +78,8 @@ struct Arguments {
     MessagesArguments messages;
     PreviewArguments preview;
     TestArguments test;
+    /// The file of --skeleton.
+    std::string skeleton;
     bool showData = false;
     bool timing = false;
     std::string batch;

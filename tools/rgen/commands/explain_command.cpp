@@ -1,4 +1,4 @@
-// rgen explain: statuses in plain words.
+// rgen explain: statuses in plain words. Templates are in explain_template.cpp.
 //
 // SPDX-License-Identifier: MIT
 #include <cerrno>
@@ -7,6 +7,7 @@
 
 #include "base/suggestion.h"
 #include "commands/commands.h"
+#include "commands/explain_template.h"
 #include "commands/status_advice.h"
 #include "library/library_calls.h"
 
@@ -99,7 +100,8 @@ std::string explanation(RgenStatus status) {
 
 }  // namespace
 
-ExitCode runExplain(const Arguments& arguments, Console&, JsonDocument& document) {
+ExitCode runExplain(const Arguments& arguments, Console& console, JsonDocument& document) {
+    if (isAboutTemplate(arguments)) return explainTemplates(arguments, console, document);
     if (!arguments.operands.empty()) {
         const RgenStatus status = wantedStatus(arguments.operands.front());
         describe(status, document);

@@ -137,6 +137,8 @@ constexpr const char* explainExamples = R"(Examples:
   rgen explain 0xC0020002
   rgen explain RGEN_E_TEMPLATE_NOT_FOUND
   rgen explain
+  rgen explain -d case -t acquisition
+  rgen explain case/.rgen/templates/html/acquisition.xsl --skeleton new.json
 
 )";
 
@@ -302,11 +304,12 @@ std::vector<Command> otherCommands() {
     namespace o = options;
     return {
         {"explain",
-         "Explain a status of the library",
-         "",
+         "Explain a status of the library, or what a template uses",
+         "A status by its number or name; without an argument all of them. Of a template: values, "
+         "lists, keys, texts to translate and formats of numbers, with the lines that use them.",
          explainExamples,
-         withCommonOptions({}),
-         {"STATUS", "Number or name; all of them without it"},
+         withCommonOptions({o::dataDir, o::type, o::templateFormat, o::skeleton}),
+         {"STATUS|TEMPLATE", "Number or name of a status, or the file of a template"},
          runExplain},
         {"doctor",
          "Check what reports need",

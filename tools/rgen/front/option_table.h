@@ -308,6 +308,27 @@ inline constexpr Option sample = {
     "acquisition",
 };
 
+inline constexpr Option templateFormat = {
+    "-f",
+    "--format",
+    outputFormatChoices,
+    "Only the template of this format",
+    "Of the report type's templates only that of this format.",
+    [](Arguments& to) -> std::string& { return to.report.format; },
+    outputFormatChoices,
+};
+
+inline constexpr Option skeleton = {
+    "",
+    "--skeleton",
+    "FILE",
+    "Write a data file with every value, - is standard output",
+    "Write a new JSON data file with a value for each name that the template asks for, and two "
+    "entries for each list; `-` is standard output. The hints are guessed from how the template "
+    "uses the values.",
+    [](Arguments& to) -> std::string& { return to.skeleton; },
+};
+
 inline constexpr Option strict = {
     "",
     "--strict",

@@ -137,6 +137,17 @@ bool isName(const std::string& use) {
 
 }  // namespace
 
+std::size_t entryPlace(const std::string& list) {
+    const auto isWord = [&list](std::size_t at) {
+        return at < list.size() && list[at] != '.' && isPartOfName(list[at]);
+    };
+    for (std::size_t i = list.find('N'); i != std::string::npos; i = list.find('N', i + 1)) {
+        const bool isAlone = (i == 0 || !isWord(i - 1)) && !isWord(i + 1);
+        if (isAlone) return i;
+    }
+    return std::string::npos;
+}
+
 std::optional<KeyTarget> targetOfKey(const KeyDeclarations& keys, const std::string& key,
                                      const std::string& text) {
     const auto [begin, end] = keys.equal_range(key);

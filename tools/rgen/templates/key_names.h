@@ -26,6 +26,9 @@ struct KeyTarget {
     std::string name;
 };
 
+/// Where the number of an entry is in the name of a list, "Err.N.Address"; npos when there is none.
+std::size_t entryPlace(const std::string& list);
+
 /// What key(`key`, `text`) finds. Nothing when the key is not about the names of properties, or in
 /// a way that is not known.
 std::optional<KeyTarget> targetOfKey(const KeyDeclarations& keys, const std::string& key,

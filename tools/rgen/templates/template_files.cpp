@@ -18,12 +18,6 @@ bool isFile(const std::string& path) {
     return fs::is_regular_file(fs::u8path(path), ignored);
 }
 
-bool looksLikeFile(const std::string& operand) {
-    const std::string ending = fs::u8path(operand).extension().u8string();
-    return ending == ".xsl" || ending == ".xslt" || operand.find('/') != std::string::npos ||
-           isFile(operand);
-}
-
 /// The file that has the same content, or null: the pdf template often is a copy of html's.
 TemplateFile* sameFile(std::vector<TemplateFile>& files, const std::string& content) {
     for (TemplateFile& file : files) {
@@ -33,6 +27,12 @@ TemplateFile* sameFile(std::vector<TemplateFile>& files, const std::string& cont
 }
 
 }  // namespace
+
+bool looksLikeFile(const std::string& operand) {
+    const std::string ending = fs::u8path(operand).extension().u8string();
+    return ending == ".xsl" || ending == ".xslt" || operand.find('/') != std::string::npos ||
+           isFile(operand);
+}
 
 std::vector<TemplateFile> templatesOf(const DataDirectory& directory, const ReportType& type) {
     std::vector<TemplateFile> files;

@@ -22,6 +22,9 @@ struct TemplateFile {
     std::optional<ReportType> type;
 };
 
+/// Whether an operand is the path of a template rather than a name.
+bool looksLikeFile(const std::string& operand);
+
 /// The templates of a report type. A template that several formats share is there once. Throws a
 /// CommandError when there is none.
 std::vector<TemplateFile> templatesOf(const DataDirectory& directory, const ReportType& type);

@@ -195,7 +195,9 @@ private:
         if (text && lastLiteral(arguments[1]) != nullptr) {
             const auto target = targetOfKey(keys_, key, *text);
             if (!target) return;
-            Kind kind = literal == nullptr ? Kind::List : Kind::Name;
+            const bool isComposedOfEntry =
+                literal == nullptr && entryPlace(target->name) != std::string::npos;
+            Kind kind = isComposedOfEntry ? Kind::List : Kind::Name;
             if (target->kind == KeyTarget::Kind::List) kind = Kind::List;
             if (target->kind == KeyTarget::Kind::Prefix) kind = Kind::Prefix;
             return add(kind, target->name, *lastLiteral(arguments[1]), key,
