@@ -4,10 +4,13 @@
 // SPDX-License-Identifier: MIT
 #pragma once
 
+#include <memory>
 #include <optional>
 #include <stdexcept>
 #include <string>
+#include <vector>
 
+#include "base/json_document.h"
 #include "strata_repgenlib/rgen.h"
 
 namespace cli {
@@ -26,6 +29,14 @@ enum class ExitCode {
     ClosedPipe = 141
 };
 
+/// What a check found about the reason of a failure.
+struct Diagnosis {
+    /// For people, printed after the error.
+    std::string lines;
+    /// The member "findings" of the JSON document.
+    std::vector<JsonDocument> findings;
+};
+
 /// The failure of a command. what() says what, where and why; the hint says what to do.
 class CommandError : public std::runtime_error {
 public:
@@ -39,6 +50,8 @@ public:
     std::string command;
     /// Set when the library reported the failure.
     std::optional<RgenStatus> status;
+    /// May be null.
+    std::shared_ptr<const Diagnosis> diagnosis;
 };
 
 /// Arguments, or files given with them, that cannot be used.

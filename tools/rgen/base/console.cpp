@@ -56,11 +56,16 @@ void Console::say(const std::string& text) {
 
 void Console::error(const CommandError& error) {
     errorLine(errorText(error), error.command);
+    if (error.diagnosis) lines(error.diagnosis->lines);
 }
 
 void Console::errorLine(const std::string& text, const std::string& command) {
     const std::string program = command.empty() ? "rgen:" : "rgen " + command + ":";
     write((colour_ ? "\033[31m" + program + "\033[0m " : program + " ") + inOneLine(text));
+}
+
+void Console::lines(const std::string& text) {
+    plain(text.substr(0, text.find_last_not_of('\n') + 1));
 }
 
 void Console::plain(const std::string& text) {

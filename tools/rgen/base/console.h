@@ -30,6 +30,8 @@ public:
     void errorLine(const std::string& text, const std::string& command = {});
     /// Prints lines to standard error without "rgen: ".
     void plain(const std::string& text);
+    /// The same for a text with a line end after its last line.
+    void lines(const std::string& text);
 
     /// Replaces the progress line; shown on a terminal only. The empty text removes it.
     void progress(const std::string& wanted);

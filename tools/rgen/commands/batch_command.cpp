@@ -21,6 +21,13 @@
 namespace cli {
 namespace {
 
+struct BatchFailure {
+    /// "batch.ndjson:17: item-17.html: ..."
+    std::string text;
+    /// What is wrong with the template, in lines; may be empty.
+    std::string diagnosis;
+};
+
 /// The whole run: what all lines share, and the results so far.
 class Batch {
 public:
@@ -57,8 +64,7 @@ private:
     /// The lines with the same output as an earlier line.
     std::set<std::size_t> repeatedOutputs_;
     std::vector<JsonDocument> reports_;
-    /// "batch.ndjson:17: item-17.html: ..."
-    std::vector<std::string> failures_;
+    std::vector<BatchFailure> failures_;
     /// Number of lines with a report.
     std::size_t all_ = 0;
     /// One report was begun and not finished.
@@ -98,7 +104,8 @@ void Batch::fail(std::size_t line, const std::string& output, const CommandError
     report.set("output", output);
     const std::string place = placeOf(line);
     const std::string text = errorText(error);
-    failures_.push_back(text.rfind(place, 0) == 0 ? text : place + " " + text);
+    failures_.push_back({text.rfind(place, 0) == 0 ? text : place + " " + text,
+                         error.diagnosis ? error.diagnosis->lines : std::string()});
 }
 
 BatchLine Batch::readWholeLine(const std::string& text, std::size_t line) const {
@@ -226,8 +233,10 @@ std::string Batch::summary(std::size_t done, std::size_t notBegun) const {
 
 ExitCode Batch::finish(JsonDocument& document) const {
     console_.progress({});
-    for (const std::string& failure : failures_)
-        console_.errorLine(failure);
+    for (const BatchFailure& failure : failures_) {
+        console_.errorLine(failure.text);
+        if (!failure.diagnosis.empty()) console_.lines(failure.diagnosis);
+    }
     const std::size_t done = reports_.size() - failures_.size();
     const std::size_t notBegun = all_ - reports_.size() - (interrupted_ ? 1 : 0);
     console_.say(summary(done, notBegun));

@@ -14,6 +14,7 @@
 #include "commands/commands.h"
 #include "data/config_check.h"
 #include "data/persistent_store.h"
+#include "data/po_catalogue.h"
 #include "data/report_type.h"
 #include "data/xml_documents.h"
 #include "library/error_json.h"
@@ -22,6 +23,8 @@
 #include "process/this_process.h"
 #include "report/report_generation.h"
 #include "report/report_output.h"
+#include "templates/template_check.h"
+#include "templates/template_files.h"
 
 namespace cli {
 namespace {
@@ -164,6 +167,65 @@ void checkPersistentData(const DataDirectory& directory, const ReportType& type,
     }
 }
 
+void addTemplateFindings(const std::string& name, const std::string& path, const Findings& findings,
+                         Checks& checks) {
+    const std::string advice = "; run: rgen check \"" + path + "\"";
+    const std::size_t errors = findings.count(Severity::Error);
+    const std::size_t warnings = findings.count(Severity::Warning);
+    if (errors > 0) {
+        const auto first = std::find_if(
+            findings.all().begin(), findings.all().end(),
+            [](const Finding& finding) { return finding.severity == Severity::Error; });
+        checks.add(
+            name, Result::Failed,
+            placeText(first->file, first->position) + ": " + findingText(*first) +
+                (errors == 1 ? "" : " (first of " + countText(errors, "error") + advice + ")"));
+    } else if (warnings > 0) {
+        checks.add(name, Result::Note, countText(warnings, "warning") + advice);
+    } else {
+        checks.add(name, Result::Fine, "\"" + path + "\"");
+    }
+}
+
+/// Formats that share a template have one line.
+void checkTemplates(const DataDirectory& directory, const ReportType& type, Checks& checks) {
+    for (const TemplateFile& file : templatesOf(directory, type)) {
+        std::string formats = file.format;
+        for (const std::string& format : file.sameFormats)
+            formats += " and " + format;
+        const std::string name = type.name + ", template for " + formats;
+        try {
+            CheckedUse use;
+            use.format = file.format;
+            const TemplateText text = TemplateText::read(file.path, "check its access rights");
+            addTemplateFindings(name, file.path, checkTemplate(text, use), checks);
+        } catch (const CommandError& error) {
+            checks.add(name, Result::Failed, errorText(error));
+        }
+    }
+}
+
+/// All of the data directory, because --lang can name each of them.
+void checkCatalogues(const DataDirectory& directory, Checks& checks) {
+    std::vector<std::string> paths;
+    std::error_code failure;
+    for (const auto& entry :
+         fs::directory_iterator(fs::u8path(directory.path("translations")), failure)) {
+        if (entry.path().extension() == ".po") paths.push_back(entry.path().filename().u8string());
+    }
+    std::sort(paths.begin(), paths.end());
+    for (const std::string& path : paths) {
+        const std::string name = "catalogue " + path;
+        try {
+            const std::string whole = directory.path("translations/" + path);
+            const PoCatalogue catalogue(whole, false, checks.console());
+            checks.add(name, Result::Fine, "\"" + whole + "\"");
+        } catch (const CommandError& error) {
+            checks.add(name, Result::Failed, errorText(error));
+        }
+    }
+}
+
 void checkType(const DataDirectory& directory, const ReportType& type, Checks& checks) {
     std::string formats;
     std::string missing;
@@ -178,6 +240,7 @@ void checkType(const DataDirectory& directory, const ReportType& type, Checks& c
         checks.add(type.name, Result::Failed, "no template; put one at " + missing);
     } else {
         checks.add(type.name, Result::Fine, type.guidText + ", templates for " + formats);
+        checkTemplates(directory, type, checks);
     }
     checkPersistentData(directory, type, checks);
 }
@@ -212,6 +275,7 @@ void checkDirectory(const Arguments& arguments, Checks& checks) {
                    path + ", report types: " + std::to_string(types.size()));
         for (const ReportType& type : types)
             checkType(directory, type, checks);
+        checkCatalogues(directory, checks);
     } catch (const CommandError& error) {
         checks.add("data directory", Result::Failed, errorText(error));
     }

@@ -40,10 +40,9 @@ std::string guidMistake(const std::string& guid) {
     if (guid.empty()) return "the guid is empty";
     if (bad != std::string::npos) {
         const bool isBrace = guid[bad] == '{' || guid[bad] == '}';
-        return subject + (isBrace ? "has braces"
-                                  : "has something else than hexadecimal digits and "
-                                    "hyphens at character " +
-                                        std::to_string(bad + 1));
+        if (isBrace) return "write the GUID without braces";
+        return subject + "has something else than hexadecimal digits and hyphens at character " +
+               std::to_string(bad + 1);
     }
     if (guid.size() == 36) return subject + "has a hyphen missing, or in the wrong place";
     return subject + "has " + std::to_string(guid.size()) + " characters instead of 36";
@@ -88,10 +87,9 @@ private:
         const bool hasLine = damage.rfind("line ", 0) == 0;
         const std::size_t colon = hasLine ? damage.find(": ") : std::string::npos;
         const long line = hasLine ? std::strtol(damage.c_str() + 5, nullptr, 10) : 1;
-        add(line,
-            "the file is no well-formed XML: " +
-                (colon == std::string::npos ? damage : damage.substr(colon + 2)),
-            "correct it; until then the library takes what it can read");
+        add(line, "not well-formed",
+            "correct it: " + (colon == std::string::npos ? damage : damage.substr(colon + 2)) +
+                "; until then the library takes what it can read");
     }
 
     /// False for an element whose name the library does not know.

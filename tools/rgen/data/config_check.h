@@ -9,7 +9,7 @@
 namespace cli {
 
 struct ConfigMistake {
-    /// "case/.rgen/config.xml:4: the guid ... has braces".
+    /// "case/.rgen/config.xml:4: write the GUID without braces".
     std::string text;
     /// The correction.
     std::string advice;

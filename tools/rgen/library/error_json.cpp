@@ -21,6 +21,7 @@ JsonDocument errorDetails(const CommandError& error) {
 void describeFailure(const CommandError& error, JsonDocument& document) {
     document.set("ok", false);
     document.set("error", errorDetails(error));
+    if (error.diagnosis) document.set("findings", error.diagnosis->findings);
 }
 
 }  // namespace cli

@@ -13,9 +13,11 @@
 #include "base/json_document.h"
 #include "base/paths.h"
 #include "base/text_functions.h"
+#include "data/config_check.h"
 #include "data/po_catalogue.h"
 #include "data/xml_documents.h"
 #include "report/report_output.h"
+#include "report/template_diagnosis.h"
 
 namespace cli {
 namespace {
@@ -45,6 +47,15 @@ public:
     }
     TranslationScope(const TranslationScope&) = delete;
     TranslationScope& operator=(const TranslationScope&) = delete;
+
+    /// For a reading of the template by rgen itself; empty without a catalogue.
+    TemplateText::Translate translate() const {
+        if (!catalogue_) return {};
+        return [this](const std::string& message) {
+            const std::string* const translation = catalogue_->find(message);
+            return translation != nullptr ? *translation : message;
+        };
+    }
 
     std::vector<std::string> untranslated() const {
         return translator_ ? translator_->untranslated() : std::vector<std::string>();
@@ -98,6 +109,10 @@ std::string adviceOnOutput(const std::string& output) {
     return "check the rights of the folder, and that no other program has the file open";
 }
 
+std::string orElse(const std::string& text, const std::string& otherwise) {
+    return text.empty() ? otherwise : text;
+}
+
 std::string adviceFor(RgenStatus status, const ReportContext& context, const ReportRequest& request,
                       const ReportOutput& output, const std::string& format) {
     const std::string path = templatePath(context.directory, request.type, format);
@@ -105,7 +120,9 @@ std::string adviceFor(RgenStatus status, const ReportContext& context, const Rep
         case RGEN_E_EMPTY_INPUT:
             return "give values with --data, --set or --pair";
         case RGEN_E_GUID_NOT_IN_CONFIG:
-            return "\"rgen types\" lists the report types of \"" + context.directory.folder + "\"";
+            return orElse(
+                firstMistake(context.directory.configPath()),
+                "\"rgen types\" lists the report types of \"" + context.directory.folder + "\"");
         case RGEN_E_TEMPLATE_NOT_FOUND:
             return "looked for \"" + path + "\"";
         case RGEN_E_XSLT_PARSE:
@@ -123,7 +140,8 @@ std::string adviceFor(RgenStatus status, const ReportContext& context, const Rep
         case RGEN_E_OPEN_CONFIG:
         case RGEN_E_NO_TYPE_MAP:
         case RGEN_E_NO_VALID_TYPE_MAP:
-            return "look at \"" + context.directory.configPath() + "\"";
+            return orElse(firstMistake(context.directory.configPath()),
+                          "look at \"" + context.directory.configPath() + "\"");
         default:
             return "\"rgen explain " + statusHex(status) + "\" says more";
     }
@@ -131,12 +149,13 @@ std::string adviceFor(RgenStatus status, const ReportContext& context, const Rep
 
 [[noreturn]] void fail(RgenStatus status, const ReportContext& context,
                        const ReportRequest& request, const ReportOutput& output,
-                       const std::string& format) {
+                       const TemplateUse& use) {
     CommandError error = statusFailure(outputName(request.arguments.output), status,
-                                       adviceFor(status, context, request, output, format));
+                                       adviceFor(status, context, request, output, use.format));
     if (status == RGEN_E_RUN_EXTERNAL) error.exitCode = ExitCode::Environment;
     const bool isWriting = status == RGEN_E_WRITE_OUTPUT || status == RGEN_E_WRITE_ALL_OUTPUT;
     if (isWriting) error.exitCode = ExitCode::Unverified;
+    if (isTemplateStatus(status)) addTemplateDiagnosis(use, error, context.console);
     throw error;
 }
 
@@ -220,11 +239,14 @@ ReportResult makeReport(const ReportContext& context, const ReportRequest& reque
     throwIfInterrupted();
 
     const Clock::time_point start = Clock::now();
+    const TemplateUse use{context.directory, request.type, request.input,
+                          result.format,     catalogue,    translation.translate(),
+                          *context.templates};
     ReportOutput output(planOf(request.arguments, result.format));
     RgenStatus status = callLibrary(context, request, output, result.format);
     throwIfInterrupted();
     if (status >= 0) status = output.prepare();
-    if (status < 0) fail(status, context, request, output, result.format);
+    if (status < 0) fail(status, context, request, output, use);
     result.generateMilliseconds = millisecondsSince(start);
 
     const Clock::time_point delivery = Clock::now();
@@ -232,6 +254,9 @@ ReportResult makeReport(const ReportContext& context, const ReportRequest& reque
     result.deliverMilliseconds = millisecondsSince(delivery);
     result.untranslated = translation.untranslated();
     noteUntranslated(result.untranslated, catalogue, context.console);
+    noteTemplate(use, context.console);
+    for (const std::string& warning : output.converterWarnings())
+        context.console.note(outputName(request.arguments.output) + ": " + warning);
     return result;
 }
 

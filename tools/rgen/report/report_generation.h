@@ -4,6 +4,7 @@
 // SPDX-License-Identifier: MIT
 #pragma once
 
+#include <memory>
 #include <optional>
 #include <string>
 #include <vector>
@@ -13,6 +14,7 @@
 #include "data/report_input.h"
 #include "data/report_type.h"
 #include "library/library_calls.h"
+#include "report/known_template.h"
 
 namespace cli {
 
@@ -28,6 +30,7 @@ struct ReportContext {
     bool raw = false;
     /// Files that no report may overwrite, besides those that were read for it.
     FileSet inputs = {};
+    std::shared_ptr<KnownTemplates> templates = std::make_shared<KnownTemplates>();
 };
 
 /// The input of one report.

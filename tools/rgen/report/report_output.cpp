@@ -23,13 +23,27 @@ namespace {
 
 namespace fs = std::filesystem;
 
-/// The first non-blank line of a file.
+constexpr std::string_view warningStart = "vellum: warning: ";
+
+bool isWarning(const std::string& line) {
+    return line.compare(0, warningStart.size(), warningStart) == 0;
+}
+
+/// The first non-blank line of a file that is no warning.
 std::string firstLine(const std::string& path) {
     std::ifstream file(fs::u8path(path), std::ios::binary);
     for (std::string line; std::getline(file, line);) {
-        if (!trimmed(line).empty()) return trimmed(line);
+        if (!trimmed(line).empty() && !isWarning(line)) return trimmed(line);
     }
     return {};
+}
+
+std::vector<std::string> warningsIn(const std::string& path) {
+    std::vector<std::string> warnings;
+    std::ifstream file(fs::u8path(path), std::ios::binary);
+    for (std::string line; std::getline(file, line);)
+        if (isWarning(line)) warnings.push_back(trimmed(line.substr(warningStart.size())));
+    return warnings;
 }
 
 CommandError unwritable(const std::string& target, const std::error_code& reason) {
@@ -100,6 +114,7 @@ RgenStatus ReportOutput::convert(const std::string& page) {
     }
     converterFault_ = runConverter(conversion);
     if (!converterFault_.empty()) return RGEN_E_RUN_EXTERNAL;
+    converterWarnings_ = warningsIn(conversion.said);
     verifyPdf(conversion.said);
     return RGEN_OK;
 }
