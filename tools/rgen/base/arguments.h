@@ -62,6 +62,11 @@ struct TestArguments {
     std::string junit;
 };
 
+struct BundleArguments {
+    std::vector<std::string> parts;
+    bool check = false;
+};
+
 struct Arguments {
     /// "report", "persist get"; empty for rgen itself.
     std::string command;
@@ -80,6 +85,7 @@ struct Arguments {
     TestArguments test;
     /// The file of --skeleton.
     std::string skeleton;
+    BundleArguments bundle;
     bool showData = false;
     bool timing = false;
     std::string batch;

@@ -16,6 +16,7 @@ ExitCode runReport(const Arguments& arguments, Console& console, JsonDocument& d
 ExitCode runPreview(const Arguments& arguments, Console& console, JsonDocument& document);
 ExitCode runBatch(const Arguments& arguments, Console& console, JsonDocument& document);
 ExitCode runMessages(const Arguments& arguments, Console& console, JsonDocument& document);
+ExitCode runBundle(const Arguments& arguments, Console& console, JsonDocument& document);
 ExitCode runPersistGet(const Arguments& arguments, Console& console, JsonDocument& document);
 ExitCode runPersistSet(const Arguments& arguments, Console& console, JsonDocument& document);
 ExitCode runPersistUnset(const Arguments& arguments, Console& console, JsonDocument& document);

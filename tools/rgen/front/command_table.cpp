@@ -69,6 +69,14 @@ constexpr const char* testExamples = R"(Examples:
 
 )";
 
+constexpr const char* bundleExamples = R"(Examples:
+  rgen bundle health.xsl -o case/.rgen/templates/html/health.xsl
+  rgen bundle health.xsl -o - --parts parts
+  rgen bundle -d case                      all templates that were bundled before
+  rgen bundle -d case --check
+
+)";
+
 constexpr const char* persistExamples = R"(Examples:
   rgen persist set -d case "Lab.Name=Brackwater & Lindqvell" Examiner.Name=Marta
   rgen persist get -d case
@@ -220,6 +228,17 @@ std::vector<Command> templateCommands() {
          withCommonOptions({o::dataDir, o::type, o::accept, o::junit}),
          {"TYPE", "Report types (default: all)", Count::Any},
          runTest},
+    };
+
+        {"bundle",
+         "Put a template and its parts into one file",
+         "Write a template with all files that its `xsl:include` elements name as one file, which "
+         "the library can read. Without SOURCE: the templates of the data directory that were "
+         "bundled before, from their sources.",
+         bundleExamples,
+         withCommonOptions({o::dataDir, o::bundleOutput, o::parts, o::checkBundle}),
+         {"SOURCE", "Template with xsl:include (default: all bundled ones)"},
+         runBundle},
     };
 }
 

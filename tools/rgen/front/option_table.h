@@ -442,6 +442,35 @@ inline constexpr Option junit = {
     [](Arguments& to) -> std::string& { return to.test.junit; },
 };
 
+inline constexpr Option bundleOutput = {
+    "-o",
+    "--output",
+    "FILE",
+    "The bundled template, - is standard output",
+    "The template of the data directory to write; `-` is standard output.",
+    [](Arguments& to) -> std::string& { return to.report.output; },
+};
+
+inline constexpr Option parts = {
+    "",
+    "--parts",
+    "DIR",
+    "Another folder with parts",
+    "A folder in which parts are looked for that are not next to the file that includes them; may "
+    "be given any number of times.",
+    [](Arguments& to) -> std::vector<std::string>& { return to.bundle.parts; },
+};
+
+inline constexpr Option checkBundle = {
+    "",
+    "--check",
+    "",
+    "Write nothing; exit code 3 for an outdated file",
+    "Write nothing, and end with exit code 3 when the bundled file is not what its sources make, "
+    "or was edited by hand.",
+    [](Arguments& to) -> bool& { return to.bundle.check; },
+};
+
 }  // namespace options
 
 }  // namespace cli

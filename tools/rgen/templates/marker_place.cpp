@@ -3,6 +3,7 @@
 
 #include <algorithm>
 
+#include "templates/xslt_markup.h"
 #include "templates/xslt_vocabulary.h"
 
 namespace cli {
@@ -19,18 +20,6 @@ const MarkupElement* elementBefore(const Markup& markup, std::size_t offset) {
         markup.elements.begin(), markup.elements.end(), offset,
         [](std::size_t at, const MarkupElement& element) { return at < element.startTag.begin; });
     return next == markup.elements.begin() ? nullptr : &*(next - 1);
-}
-
-/// "xsl:" when the root element binds "xsl" to the namespace of XSLT.
-std::string xsltPrefix(std::string_view text, const Markup& markup) {
-    constexpr std::string_view declaration = "xmlns:";
-    for (const MarkupAttribute& attribute : markup.elements[0].attributes) {
-        const std::string_view value =
-            text.substr(attribute.valueRange.begin, attribute.valueRange.size());
-        if (value == xsltNamespace && attribute.name.rfind(declaration, 0) == 0)
-            return attribute.name.substr(declaration.size()) + ":";
-    }
-    return "xsl:";
 }
 
 XsltValue kindOf(const std::string& prefix, const MarkupElement& element,

@@ -68,6 +68,7 @@ TemplateText::TemplateText(std::string path, std::string original, const Transla
         replacements_.push_back(std::move(replacement));
     }
     text_.append(original_, copied, std::string::npos);
+    marks_ = std::make_shared<BundleMarks>(path_, original_);
 }
 
 TemplateText TemplateText::read(const std::string& path, const std::string& hint,
@@ -109,6 +110,11 @@ Finding TemplateText::atOriginal(std::size_t begin, std::size_t end, Finding fin
     finding.length = 0;
     for (std::size_t i = begin; i < std::min(end, original_.size()) && original_[i] != '\n'; ++i) {
         if (beginsCharacter(original_[i])) ++finding.length;
+    }
+    if (const auto origin = marks_->originOf(finding.position.line, finding.sourceLine)) {
+        finding.file = origin->file;
+        finding.position.line = origin->line;
+        finding.sourceLine = origin->text;
     }
     return finding;
 }

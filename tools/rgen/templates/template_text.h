@@ -6,10 +6,12 @@
 
 #include <cstddef>
 #include <functional>
+#include <memory>
 #include <string>
 #include <vector>
 
 #include "base/input_file.h"
+#include "templates/bundle_marks.h"
 #include "templates/finding.h"
 #include "templates/translation_markers.h"
 
@@ -69,7 +71,7 @@ public:
     /// The finding with the place of [begin, end) of text(): file, position, length, source line.
     Finding at(std::size_t begin, std::size_t end, Finding finding) const;
 
-    /// The same for [begin, end) of original().
+    /// The same for [begin, end) of original(). In a bundled template this is the place in the part.
     Finding atOriginal(std::size_t begin, std::size_t end, Finding finding) const;
 
     const LineIndex& lines() const { return lines_; }
@@ -80,6 +82,8 @@ private:
     LineIndex lines_;
     std::string text_;
     std::vector<Replacement> replacements_;
+    /// Shared by copies, since it keeps the parts that it has read.
+    std::shared_ptr<const BundleMarks> marks_;
 };
 
 }  // namespace cli
