@@ -10,7 +10,7 @@ import re
 import threading
 
 from cli_case import IS_A_FOLDER, NO_SUCH_FILE, CliCase, linux_only, read_terminal
-from cli_templates import GUID, LISTING, OTHER_GUID, catalogue, marked
+from cli_templates import FAILING, GUID, LISTING, OTHER_GUID, catalogue, marked
 
 EMPTY = ("Resulting intput dataset is empty (0xC0000007 RGEN_E_EMPTY_INPUT); give values with "
          "--data, --set or --pair")
@@ -249,10 +249,37 @@ class FailingLines(BatchCase):
         self.write_batch({"output": "-", "set": {"A": "1"}}, {"set": {"A": "1"}})
         result = self.batch()
         self.assertEqual((1, b""), (result.code, result.out))
-        self.assertEqual(['rgen: batch.ndjson:1: "output" cannot be standard output, which has room '
-                          "for one report; name the file to write",
+        self.assertEqual(["rgen: batch.ndjson:1: a batch cannot write to standard output; name a file in "
+                          '"output"',
                           'rgen: batch.ndjson:2: "output" is missing; name the file to write',
                           "rgen: 2 reports: 0 done, 2 failed"], result.messages)
+
+    def test_a_template_that_fails_for_each_line_is_said_once(self):
+        self.put_template(FAILING)
+        self.write_batch(*({"output": f"{number}.txt", "set": {"A": "1"}}
+                           for number in range(500)))
+        result = self.batch()
+        self.assertEqual((1, b"", 3), (result.code, result.out, len(result.messages)), result)
+        self.assertRegex(result.messages[0], r"^rgen: batch\.ndjson:1: 0\.txt: .*0xC002000")
+        self.assertEqual(["rgen: the same for 499 more lines",
+                          "rgen: 500 reports: 0 done, 500 failed"], result.messages[1:])
+        self.assertEqual(500, len(self.batch("--json").document["reports"]))
+
+    def test_a_data_file_that_does_not_exist(self):
+        self.write_batch({"output": "a.txt", "data": "b.json"}, {"output": "b.txt"})
+        result = self.batch("--data", "c.json")
+        self.assertRegex(result.messages[0], r'; check "data" in this line$')
+        self.assertRegex(result.messages[1], r"; check the path given to --data$")
+
+    def test_a_comma_too_many(self):
+        self.write("batch.ndjson", '{"output": "a.txt", "set": {"A": "1",}}\n')
+        self.assertRegex(self.batch().messages[0], r"^rgen: batch\.ndjson:1:38: not JSON: .*; "
+                         "remove the last comma$")
+
+    def test_a_batch_in_utf_16(self):
+        self.write("batch.ndjson", '{"output": "a.txt"}\n'.encode("utf-16"))
+        self.expect_error(self.batch(), 2,
+                          "rgen: batch.ndjson: the file is UTF-16; save it as UTF-8")
 
     def test_batches_without_a_report(self):
         for content in ("", "\n \r\n\t\n", "\ufeff"):

@@ -205,6 +205,44 @@ class JsonErrors(CliCase):
         self.expect_refusal('{"Row:size": [[1], [2, 3.5]]}', "1:24",
                             '"Row.2.2": "3.5" is not a whole number')
 
+    def test_a_comma_too_many(self):
+        self.expect_refusal('{"A": "1",\n}', "2:1", "not JSON: .+; remove the comma in line 1$",
+                            is_pattern=True)
+        self.expect_refusal('{"A": [1, 2 , ]\n}', "1:15", "not JSON: .+; remove the comma in line 1$",
+                            is_pattern=True)
+
+    def test_utf_16(self):
+        for encoding in ("utf-16", "utf-16-le", "utf-16-be"):
+            with self.subTest(encoding=encoding):
+                self.write("data.json", '{"A": "1"}'.encode(encoding))
+                self.expect_error(self.report("--data", "data.json"), 2,
+                                  "rgen: data.json: the file is UTF-16; save it as UTF-8")
+
+    def test_texts_of_files(self):
+        self.write("texts/notes.txt", "\ufeff1 < 2 & 3\r\n@x\r\n")
+        self.write("texts/data.json", '{"Notes:text@": "notes.txt", "At": "@x"}')
+        self.assertEqual({"Notes": "1 < 2 & 3\n@x", "At": "@x", "B": "1 < 2 & 3\n@x"},
+                         {name: text.replace("\r\n", "\n") for name, text in self.values(
+                             "--data", "texts/data.json",
+                             "--set", "B:text@=texts/notes.txt").items()})
+
+    def test_files_that_hold_no_text(self):
+        for content in (b"\xff\xfea\0", b"\xe4"):
+            with self.subTest(content=content):
+                self.write("notes.txt", content)
+                self.expect_error(
+                    self.report("--set", "A:text@=notes.txt"), 2,
+                    'rgen: --set "A:text@=notes.txt": "notes.txt" is not UTF-8, or holds a zero '
+                    "character; save it as UTF-8")
+        result = self.report("--set", "A:text@=nowhere.txt")
+        self.expect_error_like(result, 2, r'cannot read "nowhere\.txt": .*; check the path given '
+                               r"with text@$")
+
+    def test_the_file_of_a_text_is_never_replaced(self):
+        self.write("notes.txt", "a")
+        result = self.report("--set", "A:text@=notes.txt", output="notes.txt")
+        self.assertEqual((2, b"a"), (result.code, self.read("notes.txt")), result)
+
     def test_a_number_where_a_text_is_wanted(self):
         self.write("data.json", '{"A:bytes": 5}')
         self.expect_error_like(self.report("--data", "data.json"), 2, r"^rgen: data\.json:1:\d+: ")

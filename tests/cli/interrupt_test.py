@@ -8,10 +8,13 @@ SPDX-License-Identifier: MIT
 
 import json
 import os
+import signal
+import time
 
 from cli_case import linux_only, wait_for
 from cli_converter import WHOLE_PDF, ConversionCase
 from cli_templates import stylesheet
+from program_case import LONGEST_WAIT
 
 
 # Creates a marker file, then counts for longer than any test waits.
@@ -19,6 +22,18 @@ ENDLESS = stylesheet(
     '<xsl:document href="running" method="text">x</xsl:document>'
     + '<xsl:for-each select="//property">' * 6 + '<xsl:if test="position() = 0">x</xsl:if>'
     + "</xsl:for-each>" * 6)
+
+
+STUCK = "rgen: a template runs and cannot be interrupted; once more ends rgen"
+
+
+def wait_for_message(running, message):
+    """Waits until the program has written it to standard error."""
+    limit = time.monotonic() + LONGEST_WAIT
+    while message.encode() not in os.pread(running.err.fileno(), 65536, 0):
+        if running.process.poll() is not None or time.monotonic() > limit:
+            raise AssertionError(f"no message: {running.finish()}")
+        time.sleep(0.002)
 
 
 class Interruption(ConversionCase):
@@ -70,7 +85,7 @@ class Interruption(ConversionCase):
         given = ("--set", "A=1", "--batch", "batch.ndjson")
         result = self.interrupt(self.convert(*given, output=None))
         self.assertEqual((130, b""), (result.code, result.out), result)
-        self.assertEqual(["rgen: 3 reports: 1 done, 0 failed, 1 interrupted, 1 not begun",
+        self.assertEqual(["rgen: 1 of 3 done, 1 interrupted, 1 not begun",
                           "rgen: interrupted"], result.messages)
         after = self.contents()
         self.assertEqual(b"[A=1]\n", after.pop("first.txt"))
@@ -86,17 +101,38 @@ class Interruption(ConversionCase):
         self.assertEqual((130, False, 1, 0, 5), (result.code, document["ok"], document["done"],
                                                  document["failed"], document["notBegun"]))
 
-    def test_a_template_ends_by_the_second_interrupt(self):
+    def start_endless(self):
+        """Starts a report whose template runs for longer than any test."""
         self.put_template(ENDLESS)
         self.write("report.txt", "older")
         self.write_json("data.json", {f"Name {number}": "x" for number in range(1000)})
         before = self.contents()
         running = self.start("report", "-d", "case", "-o", "report.txt", "--data", "data.json")
         wait_for(self.folder / "running", running)
-        result = running.interrupt_until_it_ends()
+        return running, before
+
+    def expect_only(self, before, result):
         self.assertEqual((130, b""), (result.code, result.out), result)
         (self.folder / "running").unlink()
         self.assertEqual(before, self.contents())
+
+    def test_a_template_cannot_be_interrupted_and_the_first_interrupt_says_so(self):
+        running, before = self.start_endless()
+        running.interrupt()
+        wait_for_message(running, STUCK)
+        result = running.interrupt_until_it_ends()
+        self.expect_only(before, result)
+        self.assertEqual([STUCK, "rgen: interrupted"], result.messages)
+
+    @linux_only
+    def test_a_request_to_end_ends_a_template_at_once(self):
+        for name in (signal.SIGTERM, signal.SIGHUP):
+            with self.subTest(signal=name):
+                running, before = self.start_endless()
+                running.process.send_signal(name)
+                result = running.finish()
+                self.expect_only(before, result)
+                self.assertEqual(["rgen: interrupted"], result.messages)
 
     def test_other_runs_are_not_concerned(self):
         waiting = self.convert("--set", "A=1")

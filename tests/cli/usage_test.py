@@ -209,12 +209,19 @@ class BadValues(CliCase):
                 '"0x10000000000000000" does not fit into 64 bits',
             "T:datetime=yesterday": '"yesterday" is not a time; write seconds since 1970, '
                                     "2026-03-09T08:14:07Z or now",
-            "T:date=2026-02-30": '"2026-02-30" is not a time; write seconds since 1970, '
-                                 "2026-03-09T08:14:07Z or now",
+            "T:date=2026-02-30": '"2026-02-30": there is no 30 February 2026; correct the date',
+            "T:date=2027-02-29T10:00:00Z": '"2027-02-29T10:00:00Z": there is no 29 February 2027; '
+                                           "correct the date",
+            "T:date=2026-13-01": '"2026-13-01": there is no month 13; correct the date',
+            "T:datetime=1769000000.5": '"1769000000.5" is not a time; write whole seconds, or '
+                                       "2026-03-09T08:14:07Z",
+            "S:size=500 GB": '"500 GB" is not a whole number; write bytes: 500000000000',
+            "S:size=1.5TiB": '"1.5TiB" is not a whole number; write bytes: 1649267441664',
+            "S:size=0.3 B": '"0.3 B" is not a whole number',
             "T:time=2026-03-09T25:00:00Z": '"2026-03-09T25:00:00Z" is not a time; write seconds '
                                            "since 1970, 2026-03-09T08:14:07Z or now",
-            "B:bytes=0G": '"0G" is no byte dump; write 01 AB FF or 01ABFF',
-            "B:bytes=012": '"012" is no byte dump; write 01 AB FF or 01ABFF',
+            "B:bytes=0G": '"0G" is no byte dump; write 01 AB FF, 01:AB:FF or 01ABFF',
+            "B:bytes=012": '"012" is no byte dump; write 01 AB FF, 01:AB:FF or 01ABFF',
         }
         for value, reason in rows.items():
             with self.subTest(value=value):

@@ -85,6 +85,7 @@ class Hints(CliCase):
         self.expect_texts([
             ("Spaced", ":bytes=01 AB FF", "01 AB FF "),
             ("Dense", ":bytes=01abFF", "01 AB FF "),
+            ("Colons", ":bytes=00:1a:2B", "00 1A 2B "),
             ("Prefixed", ":bytes=0x01, 0xAB, 0xFF", "01 AB FF "),
             ("Dump", ":Dump=00", "00 "),
             ("File", ":bytes=@sub folder/a file.bin", "00 FF 0D 0A 1A "),

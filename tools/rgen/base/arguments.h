@@ -19,6 +19,8 @@ struct ValueArguments {
     /// "NAME=TEXT", as given.
     std::vector<std::string> pair;
     std::vector<std::string> data;
+    /// What a message about a path in `data` says to check.
+    std::string dataHint = "check the path given to --data";
     bool raw = false;
 };
 
@@ -89,6 +91,7 @@ struct Arguments {
     bool showData = false;
     bool timing = false;
     std::string batch;
+    std::string timezone;
     std::string sample = "acquisition";
     /// The arguments that belong to no option.
     std::vector<std::string> operands;

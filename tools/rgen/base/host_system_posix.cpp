@@ -64,7 +64,7 @@ void watchInterrupts(void (*handler)(bool)) {
     std::thread([watched, handler] {
         int signalNumber = 0;
         while (sigwait(&watched, &signalNumber) == 0)
-            handler(false);
+            handler(signalNumber != SIGINT);
     }).detach();
 }
 

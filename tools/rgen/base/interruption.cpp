@@ -114,11 +114,31 @@ void InterruptGuard::cancelWhenInterrupted() {
     const auto isOverOrInterrupted = [&] { return over_ || shared.interrupted; };
     while (!shared.changed.wait_for(lock, longPause, isOverOrInterrupted)) {
     }
+    if (over_) return;
+    std::thread notice([this] { noteRunningTemplate(); });
     while (!over_) {
         lock.unlock();
         rgenh_cancel(generator_, nullptr, nullptr);
         lock.lock();
+        ++cancellations_;
+        shared.changed.notify_all();
         shared.changed.wait_for(lock, pause, [&] { return over_; });
+    }
+    lock.unlock();
+    notice.join();
+}
+
+/// A cancellation that does not return waits for a template.
+void InterruptGuard::noteRunningTemplate() {
+    constexpr auto patience = std::chrono::milliseconds(300);
+    State& shared = state();
+    std::unique_lock lock(shared.mutex);
+    while (!over_) {
+        const int before = cancellations_;
+        const auto goesOn = [&] { return over_ || cancellations_ != before; };
+        if (shared.changed.wait_for(lock, patience, goesOn)) continue;
+        std::fputs("rgen: a template runs and cannot be interrupted; once more ends rgen\n", stderr);
+        return;
     }
 }
 

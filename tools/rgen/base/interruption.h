@@ -1,6 +1,6 @@
 // Ctrl-C. While an InterruptGuard exists, the first Ctrl-C cancels generations and the command ends
-// in the normal way. Without a guard, and at the second Ctrl-C, the program removes its temporary
-// files and ends at once.
+// in the normal way. Without a guard, at the second Ctrl-C and at SIGTERM, the program removes its
+// temporary files and ends at once.
 //
 // SPDX-License-Identifier: MIT
 #pragma once
@@ -32,9 +32,11 @@ public:
 
 private:
     void cancelWhenInterrupted();
+    void noteRunningTemplate();
 
     RgenReportGenerator* generator_;
     bool over_ = false;
+    int cancellations_ = 0;
     std::thread canceller_;
 };
 

@@ -3,11 +3,13 @@
 // SPDX-License-Identifier: MIT
 #include <algorithm>
 #include <chrono>
+#include <map>
 #include <set>
 #include <sstream>
 
 #include "base/input_file.h"
 #include "base/interruption.h"
+#include "base/json_error_text.h"
 #include "base/paths.h"
 #include "base/text_functions.h"
 #include "commands/commands.h"
@@ -21,12 +23,21 @@
 namespace cli {
 namespace {
 
-struct BatchFailure {
+/// Why a line failed.
+struct LineFailure {
     /// "batch.ndjson:17: item-17.html: ..."
     std::string text;
+    /// The same without the place and the output if a template failed, which then fails alike for
+    /// many lines; otherwise empty.
+    std::string reason;
     /// What is wrong with the template, in lines; may be empty.
     std::string diagnosis;
 };
+
+bool isOfTemplate(const CommandError& error) {
+    return error.status == RGEN_E_XSLT_PARSE || error.status == RGEN_E_XSLT_APPLY ||
+           error.status == RGEN_E_XSLT_RESULT;
+}
 
 /// The whole run: what all lines share, and the results so far.
 class Batch {
@@ -49,6 +60,7 @@ private:
     void addInputsOfOptions();
     void requireOtherFiles(const std::vector<std::pair<std::size_t, std::string>>& lines);
     std::string summary(std::size_t done, std::size_t notBegun) const;
+    void printFailures() const;
     BatchLine readWholeLine(const std::string& text, std::size_t line) const;
     void runLine(const std::string& text, std::size_t line, std::size_t number, std::size_t all);
     void makeOne(const BatchLine& line, std::size_t number, JsonDocument& report);
@@ -64,11 +76,12 @@ private:
     /// The lines with the same output as an earlier line.
     std::set<std::size_t> repeatedOutputs_;
     std::vector<JsonDocument> reports_;
-    std::vector<BatchFailure> failures_;
+    std::vector<LineFailure> failures_;
     /// Number of lines with a report.
     std::size_t all_ = 0;
-    /// One report was begun and not finished.
     bool interrupted_ = false;
+    /// A report is being made.
+    bool isBegun_ = false;
 };
 
 std::string Batch::placeOf(std::size_t line) const {
@@ -104,7 +117,10 @@ void Batch::fail(std::size_t line, const std::string& output, const CommandError
     report.set("output", output);
     const std::string place = placeOf(line);
     const std::string text = errorText(error);
+    const std::string start = outputName(output) + ": ";
+    const bool isShared = isOfTemplate(error) && text.rfind(start, 0) == 0;
     failures_.push_back({text.rfind(place, 0) == 0 ? text : place + " " + text,
+                         isShared ? text.substr(start.size()) : std::string(),
                          error.diagnosis ? error.diagnosis->lines : std::string()});
 }
 
@@ -115,6 +131,8 @@ BatchLine Batch::readWholeLine(const std::string& text, std::size_t line) const 
 
 void Batch::runLine(const std::string& text, std::size_t line, std::size_t number,
                     std::size_t all) {
+    throwIfInterrupted();
+    isBegun_ = true;
     JsonDocument report;
     report.set("line", static_cast<std::int64_t>(line));
     std::string output;
@@ -136,6 +154,7 @@ void Batch::runLine(const std::string& text, std::size_t line, std::size_t numbe
              report);
     }
     reports_.push_back(std::move(report));
+    isBegun_ = false;
 }
 
 void Batch::addInputs(const BatchLine& line, const std::vector<std::string>& filesNamed) {
@@ -199,6 +218,7 @@ void Batch::requireOtherFiles(const std::vector<std::pair<std::size_t, std::stri
 
 void Batch::run() {
     const std::string content = readInputFile(arguments_.batch, "check the path given to --batch");
+    requireNotUtf16(content, arguments_.batch);
     std::vector<std::pair<std::size_t, std::string>> lines;
     std::istringstream stream(content);
     std::size_t number = 0;
@@ -225,20 +245,37 @@ void Batch::run() {
 }
 
 std::string Batch::summary(std::size_t done, std::size_t notBegun) const {
-    std::string text = countText(all_, "report") + ": " + std::to_string(done) + " done, " +
-                       std::to_string(failures_.size()) + " failed";
-    if (interrupted_) text += ", 1 interrupted, " + std::to_string(notBegun) + " not begun";
-    return text;
+    const std::string failed = std::to_string(failures_.size()) + " failed";
+    if (!interrupted_) {
+        return countText(all_, "report") + ": " + std::to_string(done) + " done, " + failed;
+    }
+    return std::to_string(done) + " of " + std::to_string(all_) + " done" +
+           (failures_.empty() ? "" : ", " + failed) + (isBegun_ ? ", 1 interrupted" : "") + ", " +
+           std::to_string(notBegun) + " not begun";
+}
+
+/// The failure of a template is printed once.
+void Batch::printFailures() const {
+    std::map<std::string, std::size_t> lines;
+    for (const LineFailure& failure : failures_)
+        ++lines[failure.reason];
+    for (const LineFailure& failure : failures_) {
+        const bool isShared = !failure.reason.empty();
+        std::size_t& left = lines[failure.reason];
+        if (left == 0) continue;
+        console_.errorLine(failure.text);
+        if (!failure.diagnosis.empty()) console_.lines(failure.diagnosis);
+        if (!isShared) continue;
+        if (left > 1) console_.errorLine("the same for " + countText(left - 1, "more line"));
+        left = 0;
+    }
 }
 
 ExitCode Batch::finish(JsonDocument& document) const {
     console_.progress({});
-    for (const BatchFailure& failure : failures_) {
-        console_.errorLine(failure.text);
-        if (!failure.diagnosis.empty()) console_.lines(failure.diagnosis);
-    }
+    printFailures();
     const std::size_t done = reports_.size() - failures_.size();
-    const std::size_t notBegun = all_ - reports_.size() - (interrupted_ ? 1 : 0);
+    const std::size_t notBegun = all_ - reports_.size() - (isBegun_ ? 1 : 0);
     console_.say(summary(done, notBegun));
     const CommandError interruption(ExitCode::Interrupted, "interrupted");
     if (interrupted_) console_.error(interruption);

@@ -214,8 +214,7 @@ public:
             take(name, value);
         if (line_.report.output.empty()) fail("\"output\" is missing", "name the file to write");
         if (line_.report.output == "-") {
-            fail("\"output\" cannot be standard output, which has room for one report",
-                 "name the file to write");
+            fail("a batch cannot write to standard output", "name a file in \"output\"");
         }
         return std::move(line_);
     }
@@ -237,8 +236,9 @@ private:
     void parse(const std::string& text, LineEvents& events) const {
         if (Json::sax_parse(text, &events)) return;
         const std::size_t column = positionOf(text, events.offset).column;
+        const bool hasLastComma = lineOfLastComma(text, events.offset) != 0;
         throw usageError(place_ + std::to_string(column) + ": not JSON: " + events.failure,
-                         "correct the line");
+                         hasLastComma ? "remove the last comma" : "correct the line");
     }
 
     std::string textOf(const std::string& name, const Json& value) const {
@@ -281,6 +281,7 @@ private:
 
     void takeData(const Json& value) {
         line_.values.data.clear();
+        line_.values.dataHint = "check \"data\" in this line";
         if (!value.is_array()) {
             line_.values.data.push_back(textOf("data", value));
             return;

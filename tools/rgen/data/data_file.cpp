@@ -93,9 +93,11 @@ public:
     }
     bool parse_error(std::size_t offset, const std::string&,
                      const nlohmann::detail::exception& error) override {
-        throw usageError(
-            at(offset == 0 ? 0 : offset - 1) + "not JSON: " + jsonErrorText(error.what()),
-            "correct the file");
+        const std::size_t place = offset == 0 ? 0 : offset - 1;
+        const std::size_t line = lineOfLastComma(text_, place);
+        throw usageError(at(place) + "not JSON: " + jsonErrorText(error.what()),
+                         line == 0 ? "correct the file"
+                                   : "remove the comma in line " + std::to_string(line));
     }
 
     std::vector<Value> values;
@@ -242,6 +244,7 @@ std::vector<Value> readSimulatedInput(const std::string& path, const repgen::Gen
 
 std::vector<Value> readJsonValues(const std::string& text, const std::string& place,
                                   const ValueReadOptions& reading) {
+    requireNotUtf16(text, place);
     ValueEvents events(text, place, reading);
     const char* const start = text.data();
     const CountingIterator first(start, &events.furthest);
@@ -269,9 +272,9 @@ std::vector<std::string> filesNamedIn(const std::string& path) {
     return files;
 }
 
-std::vector<Value> readDataFile(const std::string& path, bool raw,
+std::vector<Value> readDataFile(const std::string& path, const std::string& pathHint, bool raw,
                                 const repgen::Generator& generator, Console& console) {
-    const std::string content = readInputFile(path, "check the path given to --data");
+    const std::string content = readInputFile(path, pathHint);
     if (path != "-" && looksLikeXml(content)) return readSimulatedInput(path, generator, console);
     ValueReadOptions reading;
     reading.raw = raw;

@@ -47,7 +47,8 @@ ReportInput collectInput(const ValueArguments& arguments, const repgen::Generato
         throw usageError("--data - is given more than once", "standard input can be read once");
     }
     for (const std::string& path : arguments.data) {
-        for (Value& value : readDataFile(path, arguments.raw, generator, console))
+        for (Value& value :
+             readDataFile(path, arguments.dataHint, arguments.raw, generator, console))
             input.values.add(std::move(value));
     }
     addAssignments(arguments.set, "--set", arguments.raw, input.values);

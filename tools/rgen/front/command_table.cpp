@@ -35,7 +35,7 @@ constexpr const char* reportExamples = R"(Examples:
   rgen report -d case --data case/acquisition.json -o bericht.txt --lang de
   rgen report -d case --batch items.ndjson
 
-Hints: text, int, size, speed, address, time, date, datetime, bytes
+Hints: text, text@, int, size, speed, address, time, date, datetime, bytes
 
 )";
 
@@ -184,7 +184,7 @@ std::vector<Command> reportCommands() {
          "",
          reportExamples,
          withCommonOptions({o::reportOutput, o::format, o::dataDir, o::type, o::set, o::pair,
-                            o::data, o::raw, o::lang, o::mode, o::base, o::noConvert, o::showData,
+                            o::data, o::raw, o::timezone, o::lang, o::mode, o::base, o::noConvert, o::showData,
                             o::timing, o::batch}),
          {},
          runReport},
@@ -254,7 +254,7 @@ std::vector<Command> persistCommands() {
          {"NAME", "Names to print (default: all)", Count::Any},
          runPersistGet},
         {"persist set", "Add or change persistent data", "Add or change values.",
-         persistSetExamples, withCommonOptions({o::dataDir, o::type, o::data, o::raw}), newValues,
+         persistSetExamples, withCommonOptions({o::dataDir, o::type, o::data, o::raw, o::timezone}), newValues,
          runPersistSet},
         {"persist unset",
          "Remove persistent data",
@@ -265,7 +265,7 @@ std::vector<Command> persistCommands() {
          runPersistUnset},
         {"persist replace", "Replace all persistent data",
          "Make the values exactly the given ones.", persistReplaceExamples,
-         withCommonOptions({o::dataDir, o::type, o::data, o::raw}), newValues, runPersistReplace},
+         withCommonOptions({o::dataDir, o::type, o::data, o::raw, o::timezone}), newValues, runPersistReplace},
     };
 }
 
@@ -276,14 +276,14 @@ std::vector<Command> valuesFileCommands() {
          "Write values as a raw input dump",
          "",
          dumpExamples,
-         withCommonOptions({o::fileOutput, o::set, o::data, o::raw}),
+         withCommonOptions({o::fileOutput, o::set, o::data, o::raw, o::timezone}),
          {},
          runDump},
         {"simulate",
          "Write values as simulated input",
          "",
          simulateExamples,
-         withCommonOptions({o::fileOutput, o::set, o::data, o::raw}),
+         withCommonOptions({o::fileOutput, o::set, o::data, o::raw, o::timezone}),
          {},
          runSimulate},
     };

@@ -146,6 +146,17 @@ inline constexpr Option raw = {
     [](Arguments& to) -> bool& { return to.values.raw; },
 };
 
+inline constexpr Option timezone = {
+    "",
+    "--timezone",
+    "ZONE",
+    "Time zone of the report: UTC, +01:00, Europe/Berlin",
+    "The time zone in which times are shown, and read where they have none; only for this run. "
+    "`UTC`, an offset such as `+01:00`, or on Linux a name such as `Europe/Berlin`. Default: `TZ`, "
+    "or the zone of the system.",
+    [](Arguments& to) -> std::string& { return to.timezone; },
+};
+
 inline constexpr Option printRaw = {
     "",
     "--raw",

@@ -8,6 +8,7 @@
 
 #include "base/host_system.h"
 #include "base/interruption.h"
+#include "base/time_zone.h"
 #include "commands/commands.h"
 #include "front/command_line.h"
 #include "front/command_table.h"
@@ -40,6 +41,7 @@ ExitCode runCommandLine(const CommandLine& commandLine, Console& console, JsonDo
         printData(arguments.json ? document.text() : commandLine.help);
         return ExitCode::Done;
     }
+    if (!arguments.timezone.empty()) useTimeZone(arguments.timezone);
     const ExitCode code = arguments.version ? runVersion(arguments, document)
                                             : command.run(arguments, console, document);
     if (arguments.json) printData(document.text());

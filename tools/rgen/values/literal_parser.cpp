@@ -12,6 +12,7 @@
 #include "base/console.h"
 #include "base/text_functions.h"
 #include "strata_repgenlib/rgen.hpp"
+#include "values/literal_advice.h"
 
 namespace cli {
 namespace {
@@ -45,6 +46,14 @@ CommandError notShown(const std::string& text) {
                       "the library shows times from 1970 to 3000");
 }
 
+CommandError noTime(const std::string& time, const std::string& text) {
+    const std::string missing = missingDay(time);
+    if (!missing.empty()) return usageError(inQuotes(text) + ": " + missing, "correct the date");
+    return usageError(inQuotes(text) + " is not a time",
+                      isFraction(time) ? "write whole seconds, or 2026-03-09T08:14:07Z"
+                                       : "write seconds since 1970, 2026-03-09T08:14:07Z or now");
+}
+
 std::int64_t readCalendarTime(const std::string& time, const std::string& text) {
     std::int64_t seconds = 0;
     try {
@@ -52,8 +61,7 @@ std::int64_t readCalendarTime(const std::string& time, const std::string& text) 
     } catch (const strata::repgen::ArgumentError& error) {
         const std::string_view reason = error.what();
         if (reason.find("cannot be shown") != std::string_view::npos) throw notShown(text);
-        throw usageError(inQuotes(text) + " is not a time",
-                         "write seconds since 1970, 2026-03-09T08:14:07Z or now");
+        throw noTime(time, text);
     }
     return seconds;
 }
@@ -67,7 +75,8 @@ int hexDigit(char letter) {
 }
 
 CommandError noByteDump(const std::string& text) {
-    return usageError(inQuotes(text) + " is no byte dump", "write 01 AB FF or 01ABFF");
+    return usageError(inQuotes(text) + " is no byte dump",
+                      "write 01 AB FF, 01:AB:FF or 01ABFF");
 }
 
 }  // namespace
@@ -76,7 +85,7 @@ std::int64_t parseInteger(const std::string& text, bool takesUnsigned) {
     const std::string digits = trimmed(text);
     const bool isHex = isHexadecimal(digits);
     if (!isHex && !isDecimal(digits)) {
-        throw usageError(inQuotes(text) + " is not a whole number");
+        throw usageError(inQuotes(text) + " is not a whole number", adviceOnSize(text));
     }
     errno = 0;
     const std::int64_t number = std::strtoll(digits.c_str(), nullptr, isHex ? 16 : 10);
@@ -100,7 +109,7 @@ std::int64_t parseTime(const std::string& text) {
 
 std::vector<std::uint8_t> parseBytes(const std::string& text) {
     std::vector<std::uint8_t> bytes;
-    const std::string separators = " \t\r\n,";
+    const std::string separators = " \t\r\n,:";
     for (std::size_t i = text.find_first_not_of(separators); i < text.size();
          i = text.find_first_not_of(separators, i)) {
         const bool isPrefix = text[i] == '0' && i + 1 < text.size() && (text[i + 1] | 0x20) == 'x';

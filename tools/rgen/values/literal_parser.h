@@ -17,7 +17,7 @@ std::int64_t parseInteger(const std::string& text, bool takesUnsigned);
 /// CommandError.
 std::int64_t parseTime(const std::string& text);
 
-/// "01 AB FF", "01ABFF" or "0x01, 0xAB, 0xFF". Throws a CommandError.
+/// "01 AB FF", "01:AB:FF", "01ABFF" or "0x01, 0xAB, 0xFF". Throws a CommandError.
 std::vector<std::uint8_t> parseBytes(const std::string& text);
 
 }  // namespace cli

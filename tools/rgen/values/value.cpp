@@ -6,6 +6,7 @@
 #include <algorithm>
 #include <filesystem>
 #include <limits>
+#include <string_view>
 
 #include "base/command_error.h"
 #include "base/console.h"
@@ -27,9 +28,13 @@ struct NamedHint {
 using repgen::Hint;
 using repgen::ValueType;
 
+/// The value is the path of a file that contains the text.
+constexpr const char* textFileHint = "text@";
+
 // If a hint has several names, the first one is printed.
 constexpr NamedHint hints[] = {
     {"text", ValueType::Text, Hint::Generic},
+    {textFileHint, ValueType::Text, Hint::Generic},
     {"int", ValueType::Integer, Hint::Generic},
     {"size", ValueType::Integer, Hint::Size},
     {"speed", ValueType::Integer, Hint::Speed},
@@ -53,11 +58,16 @@ bool isTimeHint(Hint hint) {
     return hint == Hint::Time || hint == Hint::Date || hint == Hint::DateTime;
 }
 
+/// The path of a file that a value names.
+std::string placeOf(const std::string& path, const ValueReadOptions& options) {
+    const bool isWhole = path.empty() || std::filesystem::u8path(path).has_root_path();
+    return isWhole ? path : joinedPath(options.folder, path);
+}
+
 repgen::Bytes bytesOf(const std::string& text, const ValueReadOptions& options) {
     if (text.empty() || text[0] != '@') return parseBytes(text);
     const std::string path = text.substr(1);
-    const bool isWhole = path.empty() || std::filesystem::u8path(path).has_root_path();
-    const std::string place = isWhole ? path : joinedPath(options.folder, path);
+    const std::string place = placeOf(path, options);
     if (options.filesNamed != nullptr) {
         options.filesNamed->push_back(place);
         return {};
@@ -75,6 +85,24 @@ repgen::Text textOf(const std::string& text, const ValueReadOptions& options) {
                          "bytes of any kind are values with the hint bytes");
     }
     return options.raw ? repgen::Text::markup(text) : repgen::Text(text);
+}
+
+/// Without a byte order mark and the line end of the last line, which editors add.
+std::string textOfFile(const std::string& path, const ValueReadOptions& options) {
+    const std::string place = placeOf(path, options);
+    if (options.filesNamed != nullptr) {
+        options.filesNamed->push_back(place);
+        return {};
+    }
+    std::string content = readInputFile(place, "check the path given with text@");
+    if (content.compare(0, 3, "\xEF\xBB\xBF") == 0) content.erase(0, 3);
+    if (!isPlainUtf8(content)) {
+        throw usageError("\"" + path + "\" is not UTF-8, or holds a zero character",
+                         "save it as UTF-8");
+    }
+    if (!content.empty() && content.back() == '\n') content.pop_back();
+    if (!content.empty() && content.back() == '\r') content.pop_back();
+    return content;
 }
 
 /// The name and text of "NAME=TEXT", and the beginning of error messages about it.
@@ -171,7 +199,7 @@ NameAndHint splitNameAndHint(const std::string& text) {
     NameAndHint parts{text.substr(0, colon), text.substr(colon + 1)};
     if (findHint(parts.hint) != nullptr) return parts;
     const std::string advice = didYouMean(parts.hint, hintNames(),
-                                          "the hints are text, int, size, "
+                                          "the hints are text, text@, int, size, "
                                           "speed, address, time, date, datetime and bytes");
     throw usageError("there is no hint \"" + parts.hint + "\"", advice);
 }
@@ -186,7 +214,8 @@ Value readValue(const std::string& nameAndHint, const std::string& text,
     const NamedHint* hint = findHint(parts.hint.empty() ? defaultHint : parts.hint);
     Value value{parts.name, {}, options.source};
     if (hint->type == ValueType::Text) {
-        value.content = textOf(text, options);
+        const bool isFile = std::string_view(hint->name) == textFileHint;
+        value.content = textOf(isFile ? textOfFile(text, options) : text, options);
     } else if (hint->type == ValueType::ByteArray) {
         value.content = bytesOf(text, options);
     } else if (isTimeHint(hint->hint)) {
