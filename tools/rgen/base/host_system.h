@@ -24,8 +24,9 @@ bool standardErrorHasColour();
 bool isWithoutReader(int reason);
 
 /// Calls `handler` on its own thread for each Ctrl-C or request to end; with true when it must end
-/// at once: at SIGTERM and SIGHUP, or when Windows is about to end the process anyway. Signals that the parent process ignored stay ignored.
-/// Writing to a closed pipe or beyond the file size limit becomes an ordinary error.
+/// at once: at SIGTERM and SIGHUP, or when Windows is about to end the process anyway. Signals that
+/// the parent process ignored stay ignored. Writing to a closed pipe or beyond the file size limit
+/// becomes an ordinary error.
 void watchInterrupts(void (*handler)(bool mustEnd));
 
 /// While it exists, standard output of the process is redirected to standard error.

@@ -137,7 +137,8 @@ void InterruptGuard::noteRunningTemplate() {
         const int before = cancellations_;
         const auto goesOn = [&] { return over_ || cancellations_ != before; };
         if (shared.changed.wait_for(lock, patience, goesOn)) continue;
-        std::fputs("rgen: a template runs and cannot be interrupted; once more ends rgen\n", stderr);
+        std::fputs("rgen: a template runs and cannot be interrupted; once more ends rgen\n",
+                   stderr);
         return;
     }
 }

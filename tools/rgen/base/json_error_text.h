@@ -15,8 +15,8 @@ std::string jsonErrorText(const std::string& text);
 /// the text at `offset`; zero when something else is wrong.
 std::size_t lineOfLastComma(const std::string& text, std::size_t offset);
 
-/// Throws a CommandError for a text in UTF-16, as some editors and shells write it. `path` names the
-/// file.
+/// Throws a CommandError for a text in UTF-16, as some editors and shells write it. `path` names
+/// the file.
 void requireNotUtf16(const std::string& text, const std::string& path);
 
 }  // namespace cli

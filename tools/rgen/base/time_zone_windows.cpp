@@ -1,5 +1,5 @@
-// The C runtime reads TZ as a name of three letters and an offset. It would take "Europe/Berlin" for
-// UTC and knows no daylight saving time but that of the United States.
+// The C runtime reads TZ as a name of three letters and an offset. It would take "Europe/Berlin"
+// for UTC and knows no daylight saving time but that of the United States.
 //
 // SPDX-License-Identifier: MIT
 #include <cstdio>

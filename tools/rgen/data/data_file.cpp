@@ -95,9 +95,9 @@ public:
                      const nlohmann::detail::exception& error) override {
         const std::size_t place = offset == 0 ? 0 : offset - 1;
         const std::size_t line = lineOfLastComma(text_, place);
-        throw usageError(at(place) + "not JSON: " + jsonErrorText(error.what()),
-                         line == 0 ? "correct the file"
-                                   : "remove the comma in line " + std::to_string(line));
+        throw usageError(
+            at(place) + "not JSON: " + jsonErrorText(error.what()),
+            line == 0 ? "correct the file" : "remove the comma in line " + std::to_string(line));
     }
 
     std::vector<Value> values;

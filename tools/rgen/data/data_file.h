@@ -11,8 +11,9 @@
 namespace cli {
 
 /// Reads a data file of either kind; the first character decides which. "-" is JSON from standard
-/// input. `pathHint` says where the path came from, for readInputFile. Throws a CommandError with line and column for what is wrong in a JSON file, notes what
-/// the library skips of simulated input.
+/// input. `pathHint` says where the path came from, for readInputFile. Throws a CommandError with
+/// line and column for what is wrong in a JSON file, notes what the library skips of simulated
+/// input.
 std::vector<Value> readDataFile(const std::string& path, const std::string& pathHint, bool raw,
                                 const repgen::Generator& generator, Console& console);
 

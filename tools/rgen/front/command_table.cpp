@@ -184,8 +184,8 @@ std::vector<Command> reportCommands() {
          "",
          reportExamples,
          withCommonOptions({o::reportOutput, o::format, o::dataDir, o::type, o::set, o::pair,
-                            o::data, o::raw, o::timezone, o::lang, o::mode, o::base, o::noConvert, o::showData,
-                            o::timing, o::batch}),
+                            o::data, o::raw, o::timezone, o::lang, o::mode, o::base, o::noConvert,
+                            o::showData, o::timing, o::batch}),
          {},
          runReport},
         {"preview",
@@ -254,8 +254,8 @@ std::vector<Command> persistCommands() {
          {"NAME", "Names to print (default: all)", Count::Any},
          runPersistGet},
         {"persist set", "Add or change persistent data", "Add or change values.",
-         persistSetExamples, withCommonOptions({o::dataDir, o::type, o::data, o::raw, o::timezone}), newValues,
-         runPersistSet},
+         persistSetExamples, withCommonOptions({o::dataDir, o::type, o::data, o::raw, o::timezone}),
+         newValues, runPersistSet},
         {"persist unset",
          "Remove persistent data",
          "Remove values. Nothing is changed when one of them does not exist.",
@@ -265,7 +265,8 @@ std::vector<Command> persistCommands() {
          runPersistUnset},
         {"persist replace", "Replace all persistent data",
          "Make the values exactly the given ones.", persistReplaceExamples,
-         withCommonOptions({o::dataDir, o::type, o::data, o::raw, o::timezone}), newValues, runPersistReplace},
+         withCommonOptions({o::dataDir, o::type, o::data, o::raw, o::timezone}), newValues,
+         runPersistReplace},
     };
 }
 

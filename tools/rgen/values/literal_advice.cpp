@@ -17,9 +17,9 @@ struct Unit {
 };
 
 constexpr Unit units[] = {
-    {"b", 1, 0},       {"byte", 1, 0},    {"bytes", 1, 0},   {"kb", 1000, 1},  {"mb", 1000, 2},
-    {"gb", 1000, 3},   {"tb", 1000, 4},   {"pb", 1000, 5},   {"kib", 1024, 1}, {"mib", 1024, 2},
-    {"gib", 1024, 3},  {"tib", 1024, 4},  {"pib", 1024, 5},
+    {"b", 1, 0},      {"byte", 1, 0},   {"bytes", 1, 0},  {"kb", 1000, 1},  {"mb", 1000, 2},
+    {"gb", 1000, 3},  {"tb", 1000, 4},  {"pb", 1000, 5},  {"kib", 1024, 1}, {"mib", 1024, 2},
+    {"gib", 1024, 3}, {"tib", 1024, 4}, {"pib", 1024, 5},
 };
 
 constexpr const char* digits = "0123456789";
@@ -56,9 +56,9 @@ std::uint64_t product(const std::string& number, std::uint64_t factor) {
     return scaled * factor % divisor == 0 ? scaled * factor / divisor : 0;
 }
 
-constexpr const char* months[] = {"January", "February", "March",     "April",   "May",
-                                  "June",    "July",     "August",    "September", "October",
-                                  "November", "December"};
+constexpr const char* months[] = {"January",   "February", "March",    "April",
+                                  "May",       "June",     "July",     "August",
+                                  "September", "October",  "November", "December"};
 
 int daysOf(int month, int year) {
     constexpr int days[] = {31, 28, 31, 30, 31, 30, 31, 31, 30, 31, 30, 31};

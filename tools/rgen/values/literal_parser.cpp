@@ -75,8 +75,7 @@ int hexDigit(char letter) {
 }
 
 CommandError noByteDump(const std::string& text) {
-    return usageError(inQuotes(text) + " is no byte dump",
-                      "write 01 AB FF, 01:AB:FF or 01ABFF");
+    return usageError(inQuotes(text) + " is no byte dump", "write 01 AB FF, 01:AB:FF or 01ABFF");
 }
 
 }  // namespace
