@@ -509,7 +509,7 @@ class Editor(PreviewCase):
 
     @linux_only
     def test_open_starts_the_browser(self):
-        self.write("bin/xdg-open", "#!/bin/sh\necho \"$1\" > opened.part\n/bin/bin/mv opened.part opened\n"
+        self.write("bin/xdg-open", "#!/bin/sh\necho \"$1\" > opened.part\n/bin/mv opened.part opened\n"
                    ).chmod(0o755)
         preview = self.preview("--open", env={"PATH": str(self.folder / "bin")})
         wait_for(self.folder / "opened")

@@ -16,7 +16,8 @@ from linux_binary import NEEDED as LINUX
 from linux_binary import check_hardening, check_symbol_versions, readelf, run_paths
 from project_files import LIBRARIES, finish, header_exports, problem
 
-WINDOWS = {"advapi32.dll", "bcrypt.dll", "kernel32.dll", "msvcrt.dll", "version.dll"}
+WINDOWS = {"advapi32.dll", "bcrypt.dll", "kernel32.dll", "msvcrt.dll", "shell32.dll", "version.dll",
+           "ws2_32.dll"}
 
 
 def output_of(*command):

@@ -35,7 +35,7 @@ def linked_licences():
     parts = json.loads((ROOT / "packaging/parts.json").read_text(encoding="utf-8"))["parts"]
     rows = {(part["licence_file"], part["licence"]) for part in parts
             if "linux" in part.get("systems", ["linux"]) and "licence_file" in part
-            and part["id"] not in ("cli11", "nlohmann-json")}
+            and part["id"] not in ("cli11", "cpp-httplib", "nlohmann-json")}
     words = {word for _, licence in rows for word in licence.split(" AND ")}
     return {name for name, _ in rows}, words
 

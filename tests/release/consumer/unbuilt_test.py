@@ -29,6 +29,7 @@ OPTIONS = [((), TOOLS),
            (("RGEN_BUILD_TOOLS", "RGEN_BUILD_EXAMPLES", "RGEN_BUILD_TESTS"), [])]
 # What is installed with a program only.
 OF_RGEN = {"share/doc/strata_repgenlib/licences/cli11.txt",
+           "share/doc/strata_repgenlib/licences/cpp-httplib.txt",
            "share/doc/strata_repgenlib/licences/nlohmann-json.txt",
            *([] if ON_WINDOWS else ["share/man/man1/rgen.1"])}
 OF_VELLUM = set() if ON_WINDOWS else {"share/man/man1/vellum.1"}

@@ -83,7 +83,7 @@ class Archive(PackageCase):
         for component in ("library", "tools"):
             self.tool("cmake", "--install", BUILD_FOLDER, "--component", component, "--prefix",
                       self.folder / component)
-        tools = {"cli11.txt", "nlohmann-json.txt"}
+        tools = {"cli11.txt", "cpp-httplib.txt", "nlohmann-json.txt"}
         folder = self.folder / "tools/share/doc/strata_repgenlib/licences"
         self.assertEqual(tools, {path.name for path in folder.iterdir()})
         folder = self.folder / "library/share/doc/strata_repgenlib/licences"
@@ -96,7 +96,7 @@ class Archive(PackageCase):
                   *(f"-DRGEN_BUILD_{name}=OFF" for name in ("TOOLS", "TESTS", "EXAMPLES")))
         rules = (self.folder / "cmake_install.cmake").read_text(encoding="utf-8")
         self.assertIn("gcc-runtime.txt", rules)
-        for name in ("cli11", "nlohmann-json"):
+        for name in ("cli11", "cpp-httplib", "nlohmann-json"):
             self.assertNotIn(name, rules)
 
     @linux_only
