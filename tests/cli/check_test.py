@@ -314,3 +314,52 @@ class CheckedDirectory(CliCase):
         result = self.rgen("check", "-d", "sample")
         self.assertEqual((0, ""), (result.code, result.text))
         self.assertEqual("rgen: no mistake in 2 templates\n", result.err)
+
+
+class CheckedWithData(CliCase):
+    """Mistakes that only a run with data shows."""
+
+    def findings(self, body, *values, top_level=""):
+        self.put_template(cli_templates.stylesheet(body, top_level=top_level))
+        result = self.rgen("check", "-q", "-d", "case", "case/.rgen/templates/txt/acquisition.xsl",
+                           *values)
+        start = "case/.rgen/templates/txt/acquisition.xsl:"
+        return [line.replace("\\", "/").split(start, 1)[1] for line in result.text.splitlines()
+                if not line.startswith("    ")]
+
+    def test_a_misspelt_value(self):
+        self.assertEqual(
+            ['4:73: warning: no value "Hostt.Name"; did you mean "Host.Name"?'],
+            self.findings('<xsl:value-of select="//property[@name = \'Hostt.Name\']"/>'
+                          '<xsl:value-of select="//property"/>', "--set", "Host.Name=a"))
+
+    def test_a_template_that_calls_itself_without_end(self):
+        [line] = self.findings('<xsl:call-template name="rows"/>', "--set", "A=1", top_level=(
+            '<xsl:template name="rows"><xsl:call-template name="rows"/></xsl:template>\n'))
+        self.assertRegex(
+            line, r'^4:1: error: template "rows" calls itself without end \(\d,\d{3} levels\); '
+            r'the calls: match="/" \(line 5\) > "rows" \(line 4\) > "rows"$')
+
+    def test_messages_of_the_template(self):
+        self.assertEqual(
+            ['4:27: error: stopped by the template: "No backup date given"'],
+            self.findings('<xsl:message terminate="yes">No backup date given</xsl:message>',
+                          "--set", "A=1"))
+        self.assertIn('4:27: note: xsl:message: "One"',
+                      self.findings("<xsl:message>One</xsl:message>", "--set", "A=1"))
+
+    def test_texts_that_are_no_numbers(self):
+        self.assertEqual(
+            ['4:49: warning: this is "NaN" on the page; a value is missing or is not a number'],
+            self.findings('<xsl:value-of select="//property * 2"/>', "--set", "A=x"))
+
+    def test_values_that_make_no_difference(self):
+        self.assertIn("2:1: note: the page does not use 2 values: B, C",
+                      self.findings("<xsl:value-of select=\"//property[@name = 'A']\"/>",
+                                    "--set", "A=1", "--set", "B=2", "--set", "C=3"))
+
+    def test_a_template_without_a_report_type_takes_no_values(self):
+        self.write("a.xsl", page(""))
+        self.expect_error(self.rgen("check", "a.xsl", "--set", "A=1"), 2,
+                          'rgen check: "a.xsl" belongs to no report type, so no report can be made; '
+                          "leave out the values, or put it into a data directory")

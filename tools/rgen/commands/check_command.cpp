@@ -6,8 +6,10 @@
 #include "base/text_functions.h"
 #include "commands/commands.h"
 #include "data/po_catalogue.h"
+#include "data/report_input.h"
 #include "report/report_output.h"
 #include "templates/catalogue_check.h"
+#include "templates/data_document.h"
 #include "templates/findings_document.h"
 #include "templates/same_formats.h"
 #include "templates/template_check.h"
@@ -36,9 +38,26 @@ TemplateText readTemplate(const TemplateFile& file, const std::string& lang, Con
     });
 }
 
+/// The data document of a report with the values of the arguments.
+std::string documentFor(const TemplateFile& file, const Arguments& arguments, Console& console) {
+    if (!file.directory || !file.type) {
+        throw usageErrorOf(
+            "check", "\"" + file.path + "\" belongs to no report type, so no report can be made",
+            "leave out the values, or put it into a data directory");
+    }
+    const repgen::Generator generator;
+    const ReportInput input = collectInput(arguments.values, generator, console);
+    return dataDocument(*file.directory, *file.type, input);
+}
+
+bool hasValues(const ValueArguments& values) {
+    return !values.data.empty() || !values.set.empty() || !values.pair.empty();
+}
+
 Findings check(const TemplateFile& file, const Arguments& arguments, Console& console) {
     CheckedUse use;
     use.format = file.format;
+    if (hasValues(arguments.values)) use.dataDocument = documentFor(file, arguments, console);
     const TemplateText text = readTemplate(file, arguments.report.lang, console);
     Findings findings = differingFormats(file, text);
     findings.add(checkTemplate(text, use));

@@ -15,6 +15,7 @@
 #include "front/argument_checks.h"
 #include "front/command_table.h"
 #include "front/help_text.h"
+#include "front/option_table.h"
 
 namespace cli {
 namespace {

@@ -14,7 +14,7 @@
 #include "base/command_error.h"
 #include "base/console.h"
 #include "base/json_document.h"
-#include "front/option_table.h"
+#include "front/option.h"
 
 namespace cli {
 
