@@ -122,7 +122,7 @@ msgstr ""
 
 #. from the author
 #: html/acquisition.xsl:12
-#, fuzzy, c-format
+#, c-format
 #| msgid "Nmae"
 msgctxt "QObject"
 msgid "Name"
@@ -142,6 +142,18 @@ msgstr[1] "Geschwindigkeiten"
 #~ msgid "Name"
 #~ msgstr "gone"
 """)
+
+    def test_fuzzy_translations_are_not_used(self):
+        self.write("de.po", catalogue({"Name": "der Name"})
+                   + '\n#, c-format, fuzzy\nmsgid "Size"\nmsgstr "Grösse"\n'
+                     '\n#, fuzzy\nmsgid "Speed"\nmsgstr "\\a<b>"\n')
+        lines, notes = self.lines_of("--lang", "de.po")
+        self.assertEqual(["der Name", "Size", "Speed"], lines)
+        self.assertEqual(['2 texts have no translation in de.po: "Size", "Speed"'], notes)
+
+    def test_obsolete_entries_are_not_read(self):
+        self.expect_lines(["a", "b", "c"], catalogue({"Name": "a", "Size": "b", "Speed": "c"})
+                          + '\n#~ msgid "Name"\n#~ msgstr "old"\n\n#~ nonsense\n#~ msgstr "x\n')
 
     def test_a_byte_order_mark_and_windows_line_ends(self):
         text = "\ufeff" + catalogue({"Name": "Имя", "Size": "Größe", "Speed": "Tempo"})

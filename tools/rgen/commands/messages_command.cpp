@@ -7,6 +7,7 @@
 #include <set>
 
 #include "base/file_set.h"
+#include "base/paths.h"
 #include "base/text_functions.h"
 #include "base/text_table.h"
 #include "commands/commands.h"
@@ -84,6 +85,8 @@ public:
         const CatalogueFile file = readOrBegin(path, language);
         const std::string content = poText(merged(file, textsIn(path, language), console));
         if (content == file.content) return false;
+        std::error_code reportedLater;
+        fs::create_directories(fs::u8path(folderOf(path)), reportedLater);
         writeOutputFile(withoutLinks(path), content);
         return true;
     }

@@ -46,7 +46,7 @@ Finding findingOf(const CheckedView& view, const CommandError& failure) {
 
 Findings templateFindings(const CheckedView& view, Console& console) {
     try {
-        return checkTemplate(readTemplate(view, console), {view.format});
+        return checkTemplate(readTemplate(view, console), {view.format, {}});
     } catch (const CommandError&) {
         return {};
     }

@@ -92,20 +92,25 @@ private:
         BundlePart& loaded = *part;
         parts_[key] = std::move(part);
         bundle_.files.push_back(path);
-        const Findings findings = loaded.findings();
-        bundle_.findings.add(findings);
-        if (bundleHeader(loaded.text().original())) {
-            addAt(loaded, {0, 0},
-                  error("bundled-part", "\"rgen bundle\" made this file",
-                        "include the files that it was made from"));
-        }
-        if (!findings.empty()) return;
+        if (!isUsable(loaded)) return;
         addDefinitions(loaded);
         checkNamespaces(loaded);
         chain_.push_back(key);
         for (const MarkupElement* include : loaded.includes())
             loadIncluded(loaded, *include);
         chain_.pop_back();
+    }
+
+    bool isUsable(const BundlePart& part) {
+        if (bundleHeader(part.text().original())) {
+            addAt(part, {0, 0},
+                  error("bundled-part", "\"rgen bundle\" made this file",
+                        "include the files that it was made from"));
+            return false;
+        }
+        const Findings findings = part.findings();
+        bundle_.findings.add(findings);
+        return findings.empty();
     }
 
     void loadIncluded(const BundlePart& part, const MarkupElement& include) {
