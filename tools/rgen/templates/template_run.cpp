@@ -14,14 +14,12 @@
 
 #include <algorithm>
 #include <cstdarg>
-#include <cstdio>
-#include <cstdlib>
-#include <cstring>
 #include <mutex>
 #include <unordered_map>
 
 #include "base/roomy_stack.h"
 #include "data/xml_nodes.h"
+#include "templates/processor_texts.h"
 
 namespace cli {
 namespace {
@@ -33,65 +31,11 @@ struct XsltFree {
 template <typename T>
 using XsltPtr = std::unique_ptr<T, XsltFree>;
 
-std::string formatted(const char* format, std::va_list arguments) {
-    std::va_list copy;
-    va_copy(copy, arguments);
-    const int length = std::vsnprintf(nullptr, 0, format, copy);
-    va_end(copy);
-    if (length <= 0) return {};
-    std::string text(static_cast<std::size_t>(length) + 1, '\0');
-    std::vsnprintf(text.data(), text.size(), format, arguments);
-    text.resize(static_cast<std::size_t>(length));
-    return text;
-}
-
-std::string inOneLineOf(std::string text) {
-    std::replace(text.begin(), text.end(), '\n', ' ');
-    while (!text.empty() && text.back() == ' ')
-        text.pop_back();
-    return text;
-}
-
 bool isMessage(const xmlNode* node) {
     return node != nullptr && node->type == XML_ELEMENT_NODE && node->ns != nullptr &&
            xmlStrEqual(node->ns->href, XSLT_NAMESPACE) != 0 &&
            xmlStrEqual(node->name, xmlText("message")) != 0;
 }
-
-/// Texts such as "compilation error: file t.xsl line 5 element value-of" come before a message.
-bool namesPlace(const std::string& text) {
-    for (const char* const kind : {"compilation error", "runtime error", "error"}) {
-        const std::size_t length = std::strlen(kind);
-        const bool begins = text.compare(0, length, kind) == 0;
-        if (begins && (text[length] == '\n' || text.compare(length, 2, ": ") == 0)) return true;
-    }
-    return false;
-}
-
-/// The line in such a text about the template itself, whose name is empty; 0 for another one.
-std::size_t lineIn(const std::string& place) {
-    static const std::string words = ": file  line ";
-    const std::size_t at = place.find(words);
-    return at == std::string::npos ? 0
-                                   : std::strtoul(place.c_str() + at + words.size(), nullptr, 10);
-}
-
-/// While it exists, a document has a name. Messages show lines only for documents with a name.
-class NamedDocument {
-public:
-    explicit NamedDocument(xmlDoc* document) : document_(document) {
-        document_->URL = xmlStrdup(xmlText(""));
-    }
-    ~NamedDocument() {
-        xmlFree(const_cast<xmlChar*>(document_->URL));
-        document_->URL = nullptr;
-    }
-    NamedDocument(const NamedDocument&) = delete;
-    NamedDocument& operator=(const NamedDocument&) = delete;
-
-private:
-    xmlDoc* document_;
-};
 
 /// One compilation and at most one transformation.
 class Run {
