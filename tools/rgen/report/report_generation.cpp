@@ -147,14 +147,21 @@ std::string adviceFor(RgenStatus status, const ReportContext& context, const Rep
     }
 }
 
-[[noreturn]] void fail(RgenStatus status, const ReportContext& context,
+CommandError failureOf(RgenStatus status, const ReportContext& context,
                        const ReportRequest& request, const ReportOutput& output,
-                       const TemplateUse& use) {
+                       const std::string& format) {
     CommandError error = statusFailure(outputName(request.arguments.output), status,
-                                       adviceFor(status, context, request, output, use.format));
+                                       adviceFor(status, context, request, output, format));
     if (status == RGEN_E_RUN_EXTERNAL) error.exitCode = ExitCode::Environment;
     const bool isWriting = status == RGEN_E_WRITE_OUTPUT || status == RGEN_E_WRITE_ALL_OUTPUT;
     if (isWriting) error.exitCode = ExitCode::Unverified;
+    return error;
+}
+
+[[noreturn]] void failWithDiagnosis(RgenStatus status, const ReportContext& context,
+                                    const ReportRequest& request, const ReportOutput& output,
+                                    const TemplateUse& use) {
+    CommandError error = failureOf(status, context, request, output, use.format);
     if (isTemplateStatus(status)) addTemplateDiagnosis(use, error, context.console);
     throw error;
 }
@@ -246,7 +253,7 @@ ReportResult makeReport(const ReportContext& context, const ReportRequest& reque
     RgenStatus status = callLibrary(context, request, output, result.format);
     throwIfInterrupted();
     if (status >= 0) status = output.prepare();
-    if (status < 0) fail(status, context, request, output, use);
+    if (status < 0) failWithDiagnosis(status, context, request, output, use);
     result.generateMilliseconds = millisecondsSince(start);
 
     const Clock::time_point delivery = Clock::now();
@@ -270,7 +277,7 @@ std::string makePage(const ReportContext& context, const ReportRequest& request)
     plan.delivery = Delivery::Bytes;
     ReportOutput output(plan);
     const RgenStatus status = callLibrary(context, request, output, format);
-    if (status < 0) fail(status, context, request, output, format);
+    if (status < 0) throw failureOf(status, context, request, output, format);
     noteUntranslated(translation.untranslated(), catalogue, context.console);
     return std::string(output.bytes());
 }

@@ -85,8 +85,8 @@ void noteFinding(const Finding& finding, Console& console) {
 }
 
 void noteMessages(const Findings& findings, Console& console) {
-    for (const Finding& finding : only(Severity::Note, findings).all())
-        noteFinding(finding, console);
+    for (const Finding& finding : findings.all())
+        if (finding.severity == Severity::Note) noteFinding(finding, console);
 }
 
 /// The mistakes; for lack of any the warnings, because the template failed.
