@@ -329,7 +329,7 @@ class CheckedWithData(CliCase):
 
     def test_a_misspelt_value(self):
         self.assertEqual(
-            ['4:73: warning: no value "Hostt.Name"; did you mean "Host.Name"?'],
+            ['4:67: warning: no value "Hostt.Name"; did you mean "Host.Name"?'],
             self.findings('<xsl:value-of select="//property[@name = \'Hostt.Name\']"/>'
                           '<xsl:value-of select="//property"/>', "--set", "Host.Name=a"))
 
@@ -342,15 +342,15 @@ class CheckedWithData(CliCase):
 
     def test_messages_of_the_template(self):
         self.assertEqual(
-            ['4:27: error: stopped by the template: "No backup date given"'],
+            ['4:25: error: stopped by the template: "No backup date given"'],
             self.findings('<xsl:message terminate="yes">No backup date given</xsl:message>',
                           "--set", "A=1"))
-        self.assertIn('4:27: note: xsl:message: "One"',
+        self.assertIn('4:25: note: xsl:message: "One"',
                       self.findings("<xsl:message>One</xsl:message>", "--set", "A=1"))
 
     def test_texts_that_are_no_numbers(self):
         self.assertEqual(
-            ['4:49: warning: this is "NaN" on the page; a value is missing or is not a number'],
+            ['4:47: warning: this is "NaN" on the page; a value is missing or is not a number'],
             self.findings('<xsl:value-of select="//property * 2"/>', "--set", "A=x"))
 
     def test_values_that_make_no_difference(self):

@@ -161,8 +161,8 @@ public:
             xmlFreeNode(node);
         });
     }
-    std::string withOtherText(const std::vector<std::string>& names) const {
-        return changed(names, [](xmlNode* node) { xmlNodeAddContent(node, xmlText("~")); });
+    std::string withText(const std::vector<std::string>& names, const char* text) const {
+        return changed(names, [text](xmlNode* node) { xmlNodeSetContent(node, xmlText(text)); });
     }
 
 private:
@@ -247,6 +247,7 @@ private:
                        "the data has no value " + quoted(request.name), "")
                 : make(Severity::Warning, "no-such-value", "no value " + quoted(request.name),
                        "did you mean " + quoted(nearest) + "?");
+        inVain_.insert(one.element);
         findings_.add(tree_.atValue(one.element, one.attribute,
                                     {request.offset, request.offset + request.length},
                                     std::move(finding)));
@@ -261,7 +262,7 @@ private:
                     node, "select", {0, attributeText(node, "select").size()},
                     make(Severity::Warning, "not-a-number", "this is \"NaN\" on the page",
                          "a value is missing or is not a number")));
-            } else if (texts.empty == texts.all) {
+            } else if (texts.empty == texts.all && inVain_.count(node) == 0) {
                 findings_.add(tree_.atValue(
                     node, "select", {0, attributeText(node, "select").size()},
                     make(Severity::Note, "empty-text", "this is empty on the page", "")));
@@ -276,11 +277,12 @@ private:
             });
     }
 
-    /// A value is unused when the page is the same without it and with another text.
+    /// A value is unused when the page is the same without it, with another text and with a number.
     bool makesNoDifference(const std::vector<std::string>& names, const std::string& page) const {
         const std::string& text = tree_.text().text();
         return runTemplate(text, data_.without(names)).result == page &&
-               runTemplate(text, data_.withOtherText(names)).result == page;
+               runTemplate(text, data_.withText(names, "~")).result == page &&
+               runTemplate(text, data_.withText(names, "8271")).result == page;
     }
 
     std::vector<std::string> unusedOf(const std::vector<std::string>& names,
@@ -319,6 +321,8 @@ private:
     DataDocument data_;
     KeyDeclarations keys_;
     std::vector<ValueRequest> requests_;
+    /// The elements that ask for a value which does not exist.
+    std::set<const xmlNode*> inVain_;
     Findings findings_;
 };
 
