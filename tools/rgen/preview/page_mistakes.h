@@ -23,12 +23,12 @@ struct CheckedView {
     std::string language;
 };
 
-/// What the checks of the template find, in the language of the view. Nothing when its files cannot be
-/// read: then no report can be made either.
+/// What the checks of the template find, in the language of the view. Nothing when its files cannot
+/// be read: then no report can be made either.
 Findings templateFindings(const CheckedView& view, Console& console);
 
-/// The mistakes of a view: the errors among the findings and, when they do not explain why there is no
-/// report, the failure itself. Empty when nothing is wrong.
+/// The mistakes of a view: the errors among the findings and, when they do not explain why there is
+/// no report, the failure itself. Empty when nothing is wrong.
 Findings mistakesOf(const CheckedView& view, const Findings& findings,
                     const std::optional<CommandError>& failure);
 

@@ -21,8 +21,8 @@ struct StoredPage {
 /// May be used by several threads at once.
 class PageStore {
 public:
-    /// Stores a page as the last good one of a view; returns its number. A page that has not changed
-    /// keeps its number.
+    /// Stores a page as the last good one of a view; returns its number. A page that has not
+    /// changed keeps its number.
     std::uint64_t add(const std::string& view, const std::string& format, std::string bytes);
 
     /// The last good page of a view; 0 when there is none.

@@ -1,5 +1,5 @@
-// A copy of a data directory for the preview: its templates have line marks, and persistent data can
-// be left out. The data directory itself is never written to.
+// A copy of a data directory for the preview: its templates have line marks, and persistent data
+// can be left out. The data directory itself is never written to.
 //
 // SPDX-License-Identifier: MIT
 #pragma once

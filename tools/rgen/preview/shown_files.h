@@ -14,8 +14,8 @@ struct ShownFile {
     std::string contentType;
 };
 
-/// The file that a relative link means, searched in the folders in their order. Nothing when there is
-/// none, when it is not of a kind that reports show, or when it is not below its folder, also by
+/// The file that a relative link means, searched in the folders in their order. Nothing when there
+/// is none, when it is not of a kind that reports show, or when it is not below its folder, also by
 /// a symbolic link.
 std::optional<ShownFile> findShownFile(const std::vector<std::string>& folders,
                                        const std::string& link);
