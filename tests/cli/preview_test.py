@@ -9,13 +9,22 @@ import os
 import re
 import socket
 import urllib.parse
+from pathlib import Path
 
-from cli_case import linux_only, native, wait_for
+from cli_case import LAUNCHER, ON_WINDOWS, linux_only, native, wait_for
 from cli_converter import WHOLE_PDF, Conversion, ConversionCase
 from cli_templates import stylesheet
 from preview_case import PAGE, TEMPLATE, Answer, PreviewCase
 
 MARK = re.compile(r' data-rgen-place="(\d+):(\d+)"')
+
+
+def of_target(text):
+    """The path of this system for one of the target. Wine has temporary files on its own drive."""
+    if not ON_WINDOWS:
+        return Path(text)
+    inside = text[2:].replace("\\", "/")
+    return Path(f"{LAUNCHER[-1]}/drive_c{inside}" if text.startswith("C:") else inside)
 
 
 class Pages(PreviewCase):
@@ -450,7 +459,7 @@ class Pdf(PreviewCase, ConversionCase):
         connection = preview.connect()
         connection.request("GET", preview.path + "pdf")
         conversion = Conversion(self, preview.running, 1)
-        conversion.output.write_bytes(WHOLE_PDF)
+        of_target(conversion.option("-o")).write_bytes(WHOLE_PDF)
         conversion.release()
         answer = Answer(connection.getresponse())
         connection.close()
@@ -462,7 +471,7 @@ class Pdf(PreviewCase, ConversionCase):
         connection = preview.connect()
         connection.request("GET", preview.path + "pdf")
         conversion = Conversion(self, preview.running, 1)
-        page = conversion.page
+        page = of_target(conversion.option("-i"))
         preview.running.interrupt()
         wait_for(page, is_gone=True)
         conversion.release()

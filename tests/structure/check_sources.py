@@ -25,8 +25,8 @@ OS_CONDITIONAL_FILES = ["include/strata_repgenlib/rgen.h", "include/strata_repge
 MARKS = re.compile(r"\b(TO" r"DO|FIX" r"ME|XX" r"X|HA" r"CK)\b")
 SCRIPT_NAMES = {"CMakeLists.txt", "setup", "dependencies", "demo", "test", "lint", "run",
                 "run-under-wine", "run_test_program", "inventory-data", "picture",
-                "measure-conversion", "measure-preview", "benchmark", "compare-with-peers", "fuzz", "soak", "coverage",
-                "site", "release", "check-release", "check-debian-package"}
+                "measure-conversion", "measure-preview", "picture-preview", "benchmark",
+                "compare-with-peers", "fuzz", "soak", "coverage", "site", "release", "check-release", "check-debian-package"}
 LICENSED_ENDINGS = CODE_ENDINGS | BINDING_ENDINGS | {".cmake", ".py", ".sh", ".map", ".def", ".dict",
                                                      ".toml"}
 
