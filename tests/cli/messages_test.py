@@ -6,7 +6,6 @@ SPDX-License-Identifier: MIT
 import os
 import re
 import shutil
-import unittest
 
 from cli_case import ON_WINDOWS, CliCase, linux_only, search_path
 from cli_templates import GUID, OTHER_GUID, catalogue, marked, stylesheet
@@ -14,7 +13,6 @@ from cli_templates import GUID, OTHER_GUID, catalogue, marked, stylesheet
 TRANSLATIONS = "case/.rgen/translations/"
 DE = TRANSLATIONS + "acquisition-de.po"
 HEADER = 'msgid ""\nmsgstr ""\n"Content-Type: text/plain; charset=UTF-8\\n"\n"Language: de\\n"\n'
-MSGMERGE = not ON_WINDOWS and shutil.which("msgmerge")
 
 
 def marker(text):
@@ -102,7 +100,7 @@ class Collecting(MessagesCase):
                           f'rgen messages: "{name}" is a file of the data directory; '
                           "choose another --output")
 
-    @unittest.skipUnless(MSGMERGE, "gettext's own programs check the file")
+    @linux_only
     def test_gettext_reads_the_file(self):
         self.put_template(marked("a\\b", "Größe", "two\nlines"))
         self.expect_done(self.messages("-o", "texts.pot"))
@@ -189,8 +187,13 @@ class MergeCase(MessagesCase):
     """Both ways of merging must lead to the same translations."""
 
     ways = {"alone": search_path()}
-    if MSGMERGE:
+    if not ON_WINDOWS:
         ways["with msgmerge"] = {}
+
+    def setUp(self):
+        super().setUp()
+        if not ON_WINDOWS and not shutil.which("msgmerge"):
+            self.fail("msgmerge is missing; install it with: scripts/setup test")
 
     def merged(self, content, *args):
         """The catalogue after a merge, in each way."""
@@ -298,7 +301,7 @@ class Merge(MergeCase):
         self.assertTrue((self.folder / DE).is_symlink())
         self.assertIn('msgid "Speed"', self.text_of("shared.po"))
 
-    @unittest.skipUnless(MSGMERGE, "is about a failure of msgmerge")
+    @linux_only
     def test_a_failure_of_msgmerge_is_noted(self):
         self.write("bin/msgmerge", "#!/bin/sh\necho it does not work\nexit 1\n")
         (self.folder / "bin/msgmerge").chmod(0o755)

@@ -1,5 +1,5 @@
-// Does the same as msgmerge: texts that are equal keep their translations, also obsolete ones; a new
-// text gets the translation of the most similar one, marked as fuzzy.
+// Does the same as msgmerge: texts that are equal keep their translations, also obsolete ones; a
+// new text gets the translation of the most similar one, marked as fuzzy.
 //
 // SPDX-License-Identifier: MIT
 #include "data/po_merge.h"

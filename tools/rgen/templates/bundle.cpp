@@ -1,5 +1,5 @@
-// Copies the source line by line. Before each piece of a file there is an instruction that names its
-// file and line; blanks before a piece that begins within a line keep its column.
+// Copies the source line by line. Before each piece of a file there is an instruction that names
+// its file and line; blanks before a piece that begins within a line keep its column.
 //
 // SPDX-License-Identifier: MIT
 #include "templates/bundle.h"

@@ -1,8 +1,8 @@
-// The instructions that "rgen bundle" leaves in a template, so that messages name the files that its
-// author edits:
+// The instructions that "rgen bundle" leaves in a template, so that messages name the files that
+// its author edits:
 //
 //   <?rgen-bundle source="../../../health.xsl" sum="0f3c..."?>   made from this file
-//   <?rgen-part file="../../../parts/chart.xsl" line="12"?>      the next line is line 12 of this one
+//   <?rgen-part file="../../../parts/chart.xsl" line="12"?>      the next line is line 12 there
 //
 // Paths are relative to the folder of the bundled file.
 //

@@ -18,9 +18,9 @@ namespace cli {
 /// does not allow, two entries for one text.
 Findings catalogueFileFindings(const CatalogueFile& catalogue);
 
-/// Translations that break the place of their marker in a template: the attribute, the XPath string,
-/// the comment or the style sheet in which it is. `text` is a template without translations and
-/// `markup` the scan of its text(). The places are those in the catalogue.
+/// Translations that break the place of their marker in a template: the attribute, the XPath
+/// string, the comment or the style sheet in which it is. `text` is a template without translations
+/// and `markup` the scan of its text(). The places are those in the catalogue.
 Findings translationFindings(const TemplateText& text, const Markup& markup,
                              const CatalogueFile& catalogue);
 

@@ -71,7 +71,7 @@ public:
     /// The finding with the place of [begin, end) of text(): file, position, length, source line.
     Finding at(std::size_t begin, std::size_t end, Finding finding) const;
 
-    /// The same for [begin, end) of original(). In a bundled template this is the place in the part.
+    /// The same for [begin, end) of original(). In a bundled template this is the part's place.
     Finding atOriginal(std::size_t begin, std::size_t end, Finding finding) const;
 
     const LineIndex& lines() const { return lines_; }
