@@ -8,7 +8,8 @@ from cli_templates import GUID, LISTING, OTHER_GUID
 
 COMMANDS = [["init"], ["report"], ["persist"], ["persist", "get"], ["persist", "set"],
             ["persist", "unset"], ["persist", "replace"], ["dump"], ["simulate"], ["explain"],
-            ["types"], ["doctor"], ["completion"]]
+            ["types"], ["doctor"], ["completion"], ["messages"], ["bundle"], ["check"], ["new"],
+            ["test"], ["preview"]]
 
 # The options in the help of each command.
 OPTIONS = {
@@ -16,6 +17,8 @@ OPTIONS = {
     "report": ["--data-dir", "--type", "--set", "--pair", "--data", "--raw", "--output",
                "--format", "--lang", "--mode", "--base", "--no-convert", "--show-data",
                "--timing", "--batch"],
+    "messages": ["--data-dir", "--type", "--output", "--merge", "--lang", "--check"],
+    "bundle": ["--data-dir", "--output", "--parts", "--check"],
     "persist get": ["--data-dir", "--type"],
     "persist set": ["--data-dir", "--type", "--data", "--raw"],
     "persist unset": ["--data-dir", "--type"],
