@@ -216,6 +216,15 @@ class Golden(CliCase):
     def test_a_data_directory_without_tests(self):
         self.expect_error_like(self.golden(), 2, r'^rgen: there is no test in ".*tests"; write values')
 
+    def test_a_folder_that_is_no_report_type(self):
+        self.put_case(options={"formats": "txt"})
+        self.write_json("case/.rgen/tests/aquisition/plain/data.json", {"Device": "TH500"})
+        result = self.golden("--accept")
+        self.assertEqual(0, result.code)
+        [note] = result.notes
+        self.assertRegex(note, r'^the tests in ".*aquisition" are not run: there is no report type '
+                               r'"aquisition"; did you mean "acquisition"\?$')
+
     def test_a_case_without_data(self):
         self.write_json(f"{FOLDER}/plain/options.json", {})
         self.expect_error_like(self.golden(), 2,

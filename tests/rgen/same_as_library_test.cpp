@@ -186,6 +186,14 @@ TEST_F(SameAsLibrary, ValuesOfAllKinds) {
         stylesheet("method=\"xml\" indent=\"yes\"", body("<a><xsl:copy-of select=\"data\"/></a>")));
 }
 
+TEST_F(SameAsLibrary, CharactersThatXmlCannotContainDoNotStopTheRun) {
+    readValues("{\"v\": \"a\\u0001b\\uFFFEc <&>\"}");
+    const Report own = this->own(textStylesheet("<xsl:value-of select=\"//property\"/>"));
+    EXPECT_EQ(own, rgen_test::reportOf("a\xEF\xBF\xBD"
+                                       "b\xEF\xBF\xBD"
+                                       "c <&>"));
+}
+
 TEST_F(SameAsLibrary, EveryMethodAndEncoding) {
     readValues("{\"v\": \"\\u00e9 \\u20ac <&> \\ud83d\\ude00\"}");
     const std::string content = body(

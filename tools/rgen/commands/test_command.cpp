@@ -8,6 +8,7 @@
 #include "base/input_file.h"
 #include "base/line_diff.h"
 #include "base/paths.h"
+#include "base/suggestion.h"
 #include "base/text_functions.h"
 #include "commands/commands.h"
 #include "report/golden_case.h"
@@ -50,7 +51,9 @@ public:
           directory_(openDataDirectory(arguments.dataDir)) {}
 
     void run() {
-        for (const ReportType& type : wantedTypes())
+        const std::vector<ReportType> types = wantedTypes();
+        noteForeignFolders();
+        for (const ReportType& type : types)
             runType(type);
         if (!results_.empty()) return;
         throw usageError("there is no test in \"" + directory_.path("tests") + "\"",
@@ -74,6 +77,25 @@ private:
             types.push_back(findReportType(directory_, operand));
         if (arguments_.type) types.push_back(findReportType(directory_, arguments_.type));
         return types.empty() ? reportTypes(directory_) : types;
+    }
+
+    /// A folder whose name is no report type has tests that never run.
+    void noteForeignFolders() {
+        std::vector<std::string> names;
+        for (const ReportType& type : reportTypes(directory_))
+            names.push_back(type.name);
+        std::error_code failure;
+        for (const auto& entry :
+             fs::directory_iterator(fs::u8path(directory_.path("tests")), failure)) {
+            const std::string name = entry.path().filename().u8string();
+            std::error_code ignored;
+            const bool isKnown = std::find(names.begin(), names.end(), name) != names.end();
+            if (isKnown || name.front() == '.' || !entry.is_directory(ignored)) continue;
+            console_.note("the tests in \"" + directory_.path("tests/" + name) +
+                          "\" are not run: there is no report type \"" + name + "\"; " +
+                          didYouMean(name, names, "\"rgen types\" lists them"));
+        }
+        notes_ = console_.notes();
     }
 
     void runType(const ReportType& type) {

@@ -4,6 +4,7 @@
 // SPDX-License-Identifier: MIT
 #include "templates/data_document.h"
 
+#include <algorithm>
 #include <filesystem>
 #include <string_view>
 #include <system_error>
@@ -70,22 +71,28 @@ std::string listed(const DataDirectory& listing, const ReportInput& input) {
     }
 }
 
-std::string characterReference(unsigned char character) {
-    return "&#" + std::to_string(character) + ";";
+bool isXmlText(const std::string& text) {
+    const auto isControl = [](char character) {
+        const auto byte = static_cast<unsigned char>(character);
+        return byte < ' ' && byte != '\t' && byte != '\n' && byte != '\r';
+    };
+    const bool hasNonCharacter = text.find("\xEF\xBF\xBE") != std::string::npos ||
+                                 text.find("\xEF\xBF\xBF") != std::string::npos;
+    return isPlainUtf8(text) && !hasNonCharacter &&
+           std::none_of(text.begin(), text.end(), isControl);
 }
 
 /// Text as content or in double quotes; "\n" and the like as references, which attributes keep.
-void appendEscaped(std::string_view text, std::string& document) {
-    for (const char character : text) {
-        const bool isMarkup = std::string_view("<>&\"").find(character) != std::string_view::npos;
-        const bool isBlank = std::string_view("\r\n\t").find(character) != std::string_view::npos;
-        const auto byte = static_cast<unsigned char>(character);
-        if (isMarkup || isBlank) {
-            document += characterReference(byte);
-        } else if (byte >= ' ') {
-            document += character;
+std::string escaped(const std::string& text) {
+    std::string result;
+    for (const char character : isXmlText(text) ? text : withInvalidCharactersReplaced(text)) {
+        if (std::string_view("<>&\"\r\n\t").find(character) == std::string_view::npos) {
+            result += character;
+        } else {
+            result += "&#" + std::to_string(static_cast<int>(character)) + ";";
         }
     }
+    return result;
 }
 
 std::string documentOf(const std::string& listing) {
@@ -98,11 +105,8 @@ std::string documentOf(const std::string& listing) {
         const std::size_t text = nameEnd + beforeText.size();
         at = listing.find(beforeName, text);
         const std::size_t end = at == std::string::npos ? listing.size() : at;
-        document += "<property name=\"";
-        appendEscaped(std::string_view(listing).substr(name, nameEnd - name), document);
-        document += "\">";
-        appendEscaped(std::string_view(listing).substr(text, end - text), document);
-        document += "</property>";
+        document += "<property name=\"" + escaped(listing.substr(name, nameEnd - name)) + "\">" +
+                    escaped(listing.substr(text, end - text)) + "</property>";
     }
     return document + "</properties></data>";
 }
