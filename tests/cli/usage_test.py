@@ -25,6 +25,7 @@ OPTIONS = {
     "persist replace": ["--data-dir", "--type", "--data", "--raw"],
     "dump": ["--output", "--set", "--data", "--raw"],
     "simulate": ["--output", "--set", "--data", "--raw"],
+    "test": ["--data-dir", "--type", "--accept", "--junit"],
     "types": ["--data-dir"],
     "doctor": ["--data-dir"],
 }
