@@ -1,5 +1,5 @@
-// rgen compiles and runs templates itself to say what is wrong with them. What it says is true only if
-// its run has the result of the library's.
+// rgen compiles and runs templates itself to say what is wrong with them. What it says is true only
+// if its run has the result of the library's.
 //
 // SPDX-License-Identifier: MIT
 #include <gtest/gtest.h>

@@ -1,5 +1,5 @@
-// Only the library knows the texts of all values: hints, dates, persistent data. So it makes a report
-// of them in a data directory of its own, whose template lists names and texts.
+// Only the library knows the texts of all values: hints, dates, persistent data. So it makes a
+// report of them in a data directory of its own, whose template lists names and texts.
 //
 // SPDX-License-Identifier: MIT
 #include "templates/data_document.h"

@@ -17,8 +17,8 @@ std::string formatted(const char* format, std::va_list arguments);
 /// Line ends become blanks, those at the end are removed.
 std::string inOneLineOf(std::string text);
 
-/// Whether a text names the place of the next message: "compilation error: file t.xsl line 5 element
-/// value-of".
+/// Whether a text names the place of the next message: "compilation error: file t.xsl line 5
+/// element value-of".
 bool namesPlace(const std::string& text);
 
 /// The line in such a text about a NamedDocument; 0 for a text about another file.
