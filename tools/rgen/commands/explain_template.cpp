@@ -66,7 +66,7 @@ public:
         std::string lines = rows_.empty() ? "" : "\n" + heading_ + "\n";
         for (const auto& [name, text] : rows_) {
             const std::size_t blanks = width - std::min(width, name.size()) + 2;
-            lines += "  " + name + std::string(blanks, ' ') + text + "\n";
+            lines.append("  ").append(name).append(blanks, ' ').append(text).append("\n");
         }
         return lines;
     }

@@ -112,19 +112,29 @@ std::string withEntry(const std::string& text, const std::string& entry) {
     return isReplaced ? name : std::string();
 }
 
+/// A list whose entries are written between `before` and `after`.
+std::optional<KeyTarget> listOf(const KeyDeclaration& key, const std::string& text,
+                                const std::string& before, const std::string& after) {
+    const auto entry = [&before, &after](const char* number) {
+        return std::string(before).append(number).append(after);
+    };
+    const std::string name = withEntry(text, entry("7"));
+    if (name.empty() || !finds(key, text, name)) return std::nullopt;
+    return KeyTarget{KeyTarget::Kind::List, withEntry(text, entry("N"))};
+}
+
 std::optional<KeyTarget> targetOf(const KeyDeclaration& key, const std::string& text) {
     if (finds(key, text, text)) return KeyTarget{KeyTarget::Kind::Name, text};
     for (const char* const separator : {".", "", "-", "_"}) {
-        const std::string before(separator);
-        for (const std::string& after : {before, std::string()}) {
-            const std::string name = withEntry(text, before + "7" + after);
-            if (!name.empty() && finds(key, text, name))
-                return KeyTarget{KeyTarget::Kind::List, withEntry(text, before + "N" + after)};
+        for (const char* const after : {separator, ""}) {
+            if (auto list = listOf(key, text, separator, after)) return list;
         }
-        if (before.empty()) continue;
-        if (finds(key, text, text + before + "7") ||
-            finds(key, text, text + before + "7" + before + "A"))
-            return KeyTarget{KeyTarget::Kind::Prefix, text + before};
+        const std::string start = text + separator;
+        if (start == text) continue;
+        const std::string first = start + "7";
+        const std::string inside = std::string(first).append(separator).append("A");
+        if (finds(key, text, first) || finds(key, text, inside))
+            return KeyTarget{KeyTarget::Kind::Prefix, start};
     }
     return std::nullopt;
 }
@@ -153,7 +163,7 @@ std::optional<KeyTarget> targetOfKey(const KeyDeclarations& keys, const std::str
     const auto [begin, end] = keys.equal_range(key);
     for (auto one = begin; one != end; ++one) {
         if (isName(one->second.use)) return KeyTarget{KeyTarget::Kind::Name, text};
-        if (const auto target = targetOf(one->second, text)) return target;
+        if (auto target = targetOf(one->second, text)) return target;
     }
     return std::nullopt;
 }

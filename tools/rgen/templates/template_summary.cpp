@@ -32,6 +32,7 @@ std::vector<ValueSummary> valuesOf(const std::vector<ValueUse>& uses) {
         addPlace(value.places, use.position);
     }
     std::vector<ValueSummary> all;
+    all.reserve(values.size());
     for (auto& [name, value] : values)
         all.push_back(std::move(value));
     return all;

@@ -87,13 +87,13 @@ Use useIn(const TemplateExpression& expression, const ValueRequest& request) {
 
 /// The words of a call: its template's name, and the texts among its other parameters.
 std::string hintOfCall(const xmlNode* call, const xmlNode* parameter) {
-    const std::string hint = hintOfWord(attributeText(call, "name"));
+    std::string hint = hintOfWord(attributeText(call, "name"));
     if (!hint.empty()) return hint;
     for (xmlNode* child = elementFrom(call->children); child != nullptr;
          child = elementFrom(child->next)) {
         const std::string select = attributeText(child, "select");
         const bool isText = child != parameter && !select.empty() && select[0] == '\'';
-        const std::string word = isText ? hintOfWord(select) : std::string();
+        std::string word = isText ? hintOfWord(select) : std::string();
         if (!word.empty()) return word;
     }
     return {};

@@ -170,8 +170,8 @@ std::optional<SyntaxMistake> foreignWord(const std::vector<Token>& tokens, std::
 
 std::optional<SyntaxMistake> foreignSyntax(const std::vector<Token>& tokens) {
     for (std::size_t i = 0; i < tokens.size(); ++i) {
-        if (const auto mistake = foreignSign(tokens, i)) return mistake;
-        if (const auto mistake = foreignWord(tokens, i)) return mistake;
+        if (auto mistake = foreignSign(tokens, i)) return mistake;
+        if (auto mistake = foreignWord(tokens, i)) return mistake;
     }
     return std::nullopt;
 }

@@ -120,6 +120,7 @@ const XPathFunction* findFunction(std::string_view name) {
 
 std::vector<std::string> functionNames() {
     std::vector<std::string> names;
+    names.reserve(functions.size());
     for (const XPathFunction& function : functions)
         names.emplace_back(function.name);
     return names;

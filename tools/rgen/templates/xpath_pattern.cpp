@@ -68,7 +68,7 @@ std::optional<SyntaxMistake> brokenPatternRule(const std::vector<Token>& tokens)
             i = closingBracket(tokens, i);
             continue;
         }
-        if (const auto mistake = brokenAt(tokens, i)) return mistake;
+        if (auto mistake = brokenAt(tokens, i)) return mistake;
         const bool isCall =
             tokens[i].kind == TokenKind::Function || tokens[i].kind == TokenKind::NodeType;
         if (isCall) i = closingBracket(tokens, i + 1);

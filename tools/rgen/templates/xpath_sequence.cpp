@@ -174,9 +174,16 @@ private:
     void readAfterOperand(const Token& token) {
         if (token.kind == TokenKind::Operator || token.kind == TokenKind::Slash) {
             expectsOperand_ = true;
-        } else if (token.kind != TokenKind::Sign) {
+        } else if (token.kind == TokenKind::Sign) {
+            readSign(token);
+        } else {
             missingOperator(token);
-        } else if (token.is("[")) {
+        }
+    }
+
+    /// A sign after an operand.
+    void readSign(const Token& token) {
+        if (token.is("[")) {
             openPredicate();
         } else if (token.is("(") && isCall(at_)) {
             open_.push_back(at_);
