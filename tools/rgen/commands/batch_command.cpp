@@ -19,6 +19,7 @@
 #include "library/error_json.h"
 #include "report/report_generation.h"
 #include "report/report_output.h"
+#include "report/template_diagnosis.h"
 
 namespace cli {
 namespace {
@@ -27,16 +28,15 @@ namespace {
 struct LineFailure {
     /// "batch.ndjson:17: item-17.html: ..."
     std::string text;
-    /// The same without the place and the output if a template failed, which then fails alike for
-    /// many lines; otherwise empty.
+    /// The same without the place and the output, and the diagnosis, if a template failed, which
+    /// then fails alike for many lines; otherwise empty.
     std::string reason;
     /// What is wrong with the template, in lines; may be empty.
     std::string diagnosis;
 };
 
 bool isOfTemplate(const CommandError& error) {
-    return error.status == RGEN_E_XSLT_PARSE || error.status == RGEN_E_XSLT_APPLY ||
-           error.status == RGEN_E_XSLT_RESULT;
+    return error.status && isTemplateStatus(*error.status);
 }
 
 /// The whole run: what all lines share, and the results so far.
@@ -118,10 +118,11 @@ void Batch::fail(std::size_t line, const std::string& output, const CommandError
     const std::string place = placeOf(line);
     const std::string text = errorText(error);
     const std::string start = outputName(output) + ": ";
+    const std::string diagnosis = error.diagnosis ? error.diagnosis->lines : std::string();
     const bool isShared = isOfTemplate(error) && text.rfind(start, 0) == 0;
     failures_.push_back({text.rfind(place, 0) == 0 ? text : place + " " + text,
-                         isShared ? text.substr(start.size()) : std::string(),
-                         error.diagnosis ? error.diagnosis->lines : std::string()});
+                         isShared ? text.substr(start.size()) + "\n" + diagnosis : std::string(),
+                         diagnosis});
 }
 
 BatchLine Batch::readWholeLine(const std::string& text, std::size_t line) const {
