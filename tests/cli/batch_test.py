@@ -259,10 +259,12 @@ class FailingLines(BatchCase):
         self.write_batch(*({"output": f"{number}.txt", "set": {"A": "1"}}
                            for number in range(500)))
         result = self.batch()
-        self.assertEqual((1, b"", 3), (result.code, result.out, len(result.messages)), result)
+        self.assertEqual((1, b"", 1), (result.code, result.out, result.err.count("0xC002000")),
+                         result)
         self.assertRegex(result.messages[0], r"^rgen: batch\.ndjson:1: 0\.txt: .*0xC002000")
+        self.assertEqual(1, result.err.count('unknown function "no-such-function"'), result)
         self.assertEqual(["rgen: the same for 499 more lines",
-                          "rgen: 500 reports: 0 done, 500 failed"], result.messages[1:])
+                          "rgen: 500 reports: 0 done, 500 failed"], result.messages[-2:])
         self.assertEqual(500, len(self.batch("--json").document["reports"]))
 
     def test_a_data_file_that_does_not_exist(self):

@@ -79,5 +79,5 @@ class TimeZone(CliCase):
     def test_names_on_windows(self):
         for zone in ("Europe/Berlin", "EST5EDT", "+25:00"):
             with self.subTest(zone=zone):
-                self.assertEqual(f'rgen: "{zone}" is no time zone that Windows can give one program; '
+                self.assertEqual(f'rgen: "{zone}" cannot be the time zone of one program on Windows; '
                                  "write UTC, or an offset such as +01:00", self.refusal(zone))

@@ -16,7 +16,7 @@ OPTIONS = {
     "init": ["--sample"],
     "report": ["--data-dir", "--type", "--set", "--pair", "--data", "--raw", "--output",
                "--format", "--lang", "--mode", "--base", "--no-convert", "--show-data",
-               "--timing", "--batch"],
+               "--timing", "--batch", "--timezone"],
     "messages": ["--data-dir", "--type", "--output", "--merge", "--lang", "--check"],
     "bundle": ["--data-dir", "--output", "--parts", "--check"],
     "persist get": ["--data-dir", "--type"],

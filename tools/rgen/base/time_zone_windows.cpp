@@ -24,7 +24,7 @@ void setFixedTimeZone(int minutesEast) {
 
 void setNamedTimeZone(const std::string& name) {
     throw usageError(
-        "\"" + shortened(name) + "\" is no time zone that Windows can give one program",
+        "\"" + shortened(name) + "\" cannot be the time zone of one program on Windows",
         "write UTC, or an offset such as +01:00");
 }
 
