@@ -28,7 +28,7 @@ class New(CliCase):
                           "case/.rgen/templates/txt/health.xsl",
                           "case/.rgen/translations/health-de.po",
                           "case/.rgen/translations/health-ja.po", "case/health.json",
-                          "case/health.html"],
+                          "case/.rgen/tests/health/first/data.json", "case/health.html"],
                          [line.replace("\\", "/") for line in result.text.splitlines()])
         self.assertIn("<h1>Health &amp; more</h1>", self.path_text("case/health.html"))
         self.assertRegex(self.path_text("case/.rgen/config.xml"), f'<type guid="{GUID}">')
@@ -108,6 +108,24 @@ class New(CliCase):
         checked = self.rgen("check", "--strict", "-d", "case")
         self.assertEqual((0, ""), (checked.code, checked.text))
 
+    def test_it_has_a_test_that_passes(self):
+        self.new("health")
+        self.expect_done(self.rgen("test", "-q", "-d", "case"))
+        expected = self.folder / "case/.rgen/tests/health/first/expected.html"
+        expected.write_text(expected.read_text(encoding="utf-8").replace("First", "Other"),
+                            encoding="utf-8", newline="")
+        self.assertEqual(3, self.rgen("test", "-q", "-d", "case").code)
+
+    def test_files_that_the_data_names_are_taken_along(self):
+        self.write("given/sector.bin", b"\x01\xab")
+        self.write_json("given/disk.json", {"Sector:bytes": "@sector.bin"})
+        self.new("disk", "--from-data", "given/disk.json", "--formats", "html")
+        self.assertIn("01 AB", self.path_text("case/disk.html"))
+        self.expect_done(self.rgen("test", "-q", "-d", "case"))
+        self.write_json("given/other.json", {"Sector:bytes": "@../given/sector.bin"})
+        self.expect_done(self.rgen("new", "-q", "-d", "case", "other", "--from-data",
+                                   "given/other.json", "--formats", "html"))
+
     def test_nothing_is_overwritten(self):
         self.new("health")
         self.expect_error(self.rgen("new", "-d", "case", "health"), 2,
@@ -136,5 +154,5 @@ class New(CliCase):
     def test_the_document(self):
         document = self.rgen("new", "-d", "case", "health", "--json").document
         self.assertRegex(document["guid"], GUID)
-        self.assertEqual(4, len(document["files"]))
+        self.assertEqual(5, len(document["files"]))
         self.assertEqual("case/health.html", document["page"].replace("\\", "/"))

@@ -41,8 +41,10 @@ struct NewType {
     std::vector<std::string> languages;
     DataDirectory directory;
     std::string guid;
-    /// The content of the data file.
+    /// The content of the data file, and the files that it names: paths relative to its folder.
     std::string data;
+    std::string dataFolder;
+    std::vector<std::string> dataParts;
     std::vector<Value> values;
 };
 
@@ -119,6 +121,32 @@ void requireNewName(const NewType& type) {
     }
 }
 
+/// The path of a file that the data names, relative to the folder of the data.
+std::string partOf(const NewType& type, const std::string& path) {
+    namespace fs = std::filesystem;
+    const fs::path relative = fs::u8path(path).lexically_relative(fs::u8path(type.dataFolder));
+    const bool isInside = !relative.empty() && *relative.begin() != ".." && !relative.is_absolute();
+    if (isInside) return relative.generic_u8string();
+    throw usageErrorOf("new", "the data names the file \"" + path + "\" outside of its folder",
+                       "move it beside the data");
+}
+
+/// Reads the values twice: the files that they name are to be known without their content.
+void readValues(const std::string& place, NewType& type) {
+    std::vector<std::string> named;
+    ValueReadOptions reading;
+    reading.source = place;
+    reading.folder = type.dataFolder;
+    type.values = readJsonValues(type.data, place, reading);
+    reading.filesNamed = &named;
+    readJsonValues(type.data, place, reading);
+    for (const std::string& path : named) {
+        const std::string part = partOf(type, path);
+        if (std::find(type.dataParts.begin(), type.dataParts.end(), part) == type.dataParts.end())
+            type.dataParts.push_back(part);
+    }
+}
+
 NewType checked(const Arguments& arguments) {
     NewType type;
     type.name = arguments.operands.front();
@@ -132,10 +160,8 @@ NewType checked(const Arguments& arguments) {
     const std::string& file = arguments.newType.fromData;
     type.data = file.empty() ? sampleData : readInputFile(file, "check the path");
     const std::string place = file.empty() ? type.name + ".json" : inputName(file);
-    ValueReadOptions reading;
-    reading.source = place;
-    reading.folder = file.empty() ? "." : folderOf(file);
-    type.values = readJsonValues(type.data, place, reading);
+    type.dataFolder = file.empty() ? "." : folderOf(file);
+    readValues(place, type);
     return type;
 }
 
@@ -145,6 +171,10 @@ bool has(const NewType& type, const std::string& format) {
 
 std::string templateOf(const NewType& type, const std::string& format) {
     return type.directory.path("templates/" + format + "/" + type.name + ".xsl");
+}
+
+std::string testFolderOf(const NewType& type) {
+    return type.directory.path("tests/" + type.name + "/first");
 }
 
 std::string poText(const std::string& text) {
@@ -196,7 +226,8 @@ public:
         for (const std::string& language : type.languages)
             add(type.directory.path("translations/" + type.name + "-" + language + ".po"),
                 newCatalogue(type, language, templates_));
-        add(joinedPath(type.directory.folder, type.name + ".json"), type.data);
+        addData(type.directory.folder, type.name + ".json");
+        addData(testFolderOf(type), "data.json");
     }
 
     std::vector<std::string> paths() const {
@@ -222,6 +253,13 @@ private:
         std::string content;
         std::string original;
     };
+
+    void addData(const std::string& folder, const std::string& name) {
+        add(joinedPath(folder, name), type_.data);
+        for (const std::string& part : type_.dataParts)
+            add(joinedPath(folder, part),
+                readInputFile(joinedPath(type_.dataFolder, part), "check the data"));
+    }
 
     void add(const std::string& path, const std::string& content,
              const std::string& original = {}) {
@@ -260,6 +298,19 @@ std::string makeFirstPage(const NewType& type, const Arguments& given, Console& 
     return arguments.report.output;
 }
 
+/// From now on "rgen test" compares with the reports as they are.
+void acceptFirstTest(const NewType& type, const Arguments& given) {
+    Arguments arguments = given;
+    arguments.command = "test";
+    arguments.operands.clear();
+    arguments.type = type.guid;
+    arguments.test.accept = true;
+    arguments.json = true;
+    Console silent(true);
+    JsonDocument results;
+    runTest(arguments, silent, results);
+}
+
 }  // namespace
 
 ExitCode runNew(const Arguments& arguments, Console& console, JsonDocument& document) {
@@ -276,9 +327,11 @@ ExitCode runNew(const Arguments& arguments, Console& console, JsonDocument& docu
             printLines(path + "\n");
     }
     page = makeFirstPage(type, arguments, console);
+    acceptFirstTest(type, arguments);
     const std::string at = " -d " + commandArgument(type.directory.folder);
     const std::vector<std::string> commands = {
-        "rgen check" + at + " " + type.name,
+        "rgen preview" + at + " -t " + type.name + " --open", "rgen check" + at + " " + type.name,
+        "rgen test" + at + " " + type.name,
         "rgen report" + at + " -t " + type.name + " --data " +
             commandArgument(joinedPath(type.directory.folder, type.name + ".json")) + " -o " +
             commandArgument(page)};

@@ -53,8 +53,8 @@ struct ReportResult {
 /// Makes a report. Throws a CommandError; no new or temporary file is left then.
 ReportResult makeReport(const ReportContext& context, const ReportRequest& request);
 
-/// Makes a report in memory, a pdf report unconverted. A Ctrl-C ends the program meanwhile. Throws a
-/// CommandError.
+/// Makes a report in memory, a pdf report unconverted. A Ctrl-C ends the program meanwhile. Throws
+/// a CommandError.
 std::string makePage(const ReportContext& context, const ReportRequest& request);
 
 /// Adds the members that --json prints about a report.

@@ -1,5 +1,5 @@
-// What is to be said about the template of a report: why it failed, what it says itself, and markers
-// that it has in vain.
+// What is to be said about the template of a report: why it failed, what it says itself, and
+// markers that it has in vain.
 //
 // SPDX-License-Identifier: MIT
 #pragma once
