@@ -248,7 +248,7 @@ class Mistakes(PreviewCase):
         self.write(TEMPLATE, stylesheet('<xsl:message terminate="yes">stop</xsl:message>', "html"))
         view = self.preview().view()
         self.assertFalse(view["ok"])
-        self.assertIn("0xC0020002", view["mistakes"][-1]["what"])
+        self.assertIn('stopped by the template: "stop"', view["mistakes"][0]["what"])
 
 
 class Refusals(PreviewCase):

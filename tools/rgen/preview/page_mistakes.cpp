@@ -3,6 +3,7 @@
 
 #include "base/console.h"
 #include "data/po_catalogue.h"
+#include "templates/data_document.h"
 #include "templates/template_check.h"
 
 namespace cli {
@@ -27,12 +28,6 @@ TemplateText readTemplate(const CheckedView& view, Console& console) {
                               });
 }
 
-bool isAboutTemplate(const CommandError& failure) {
-    const RgenStatus status = failure.status.value_or(RGEN_OK);
-    return status == RGEN_E_XSLT_PARSE || status == RGEN_E_XSLT_APPLY ||
-           status == RGEN_E_XSLT_RESULT;
-}
-
 Finding findingOf(const CheckedView& view, const CommandError& failure) {
     Finding finding;
     finding.code = "no-report";
@@ -44,9 +39,24 @@ Finding findingOf(const CheckedView& view, const CommandError& failure) {
 
 }  // namespace
 
+bool isAboutTemplate(const CommandError& failure) {
+    const RgenStatus status = failure.status.value_or(RGEN_OK);
+    return status == RGEN_E_XSLT_PARSE || status == RGEN_E_XSLT_APPLY ||
+           status == RGEN_E_XSLT_RESULT;
+}
+
 Findings templateFindings(const CheckedView& view, Console& console) {
     try {
-        return checkTemplate(readTemplate(view, console), {view.format, {}});
+        return checkTemplate(readTemplate(view, console), {view.format});
+    } catch (const CommandError&) {
+        return {};
+    }
+}
+
+Findings runFindings(const CheckedView& view, const ReportInput& input, Console& console) {
+    try {
+        const std::string document = dataDocument(view.directory, view.type, input);
+        return checkTemplate(readTemplate(view, console), {view.format, document});
     } catch (const CommandError&) {
         return {};
     }

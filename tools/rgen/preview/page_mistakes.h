@@ -8,6 +8,7 @@
 #include <vector>
 
 #include "base/command_error.h"
+#include "data/report_input.h"
 #include "data/report_type.h"
 #include "templates/finding.h"
 
@@ -26,6 +27,13 @@ struct CheckedView {
 /// What the checks of the template find, in the language of the view. Nothing when its files cannot
 /// be read: then no report can be made either.
 Findings templateFindings(const CheckedView& view, Console& console);
+
+/// The same with what happens when the template runs with these values: endless recursion,
+/// xsl:message with terminate="yes".
+Findings runFindings(const CheckedView& view, const ReportInput& input, Console& console);
+
+/// Tells whether the library failed because of the template.
+bool isAboutTemplate(const CommandError& failure);
 
 /// The mistakes of a view: the errors among the findings and, when they do not explain why there is
 /// no report, the failure itself. Empty when nothing is wrong.

@@ -147,7 +147,12 @@ JsonDocument ReportPreview::view(const WantedView& wanted) {
     const std::optional<CommandError> failure = tryToMake(wanted, console, page);
     const CheckedView checked = {settings_.directory, type_, wanted.format, wanted.language};
     Console unused(true);
-    const Findings findings = templateFindings(checked, unused);
+    Findings findings = templateFindings(checked, unused);
+    const bool isUnexplained =
+        failure && isAboutTemplate(*failure) && findings.count(Severity::Error) == 0;
+    if (isUnexplained) {
+        findings = runFindings(checked, requestFor(completed(wanted), unused).input, unused);
+    }
     const Findings mistakes = mistakesOf(checked, findings, failure);
     std::vector<JsonDocument> rows;
     for (const Finding& mistake : mistakes.all())
