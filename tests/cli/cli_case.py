@@ -98,9 +98,11 @@ class CliCase(ProgramCase):
         self.assertEqual(0, result.code, result)
         self.expect_plain(result.err)
 
-    def expect_error(self, result, code, message):
-        """One line says what is wrong, nothing is on standard output, no colour."""
-        self.assertEqual(([message], code, b""), (result.messages, result.code, result.out))
+    def expect_error(self, result, code, message, *diagnosis):
+        """One line says what is wrong, the diagnosis of a template may follow, nothing is on
+        standard output, no colour."""
+        self.assertEqual(([message, *diagnosis], code, b""),
+                         (result.messages, result.code, result.out))
         self.expect_plain(result.err)
 
     def expect_error_like(self, result, code, pattern):

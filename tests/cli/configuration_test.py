@@ -16,8 +16,8 @@ SHOWN = "write one as docs/file-formats.md shows it"
 SHORTENED = GUID[:-1]
 # Original text, its replacement, the line of the mistake, the message, the correction.
 MISTAKES = [
-    (GUID, "{" + GUID + "}", 4, f'the guid "{{{GUID}}}" has braces', f'write guid="{GUID}"'),
-    (GUID, "{" + GUID, 4, f'the guid "{{{GUID}" has braces', FORM),
+    (GUID, "{" + GUID + "}", 4, "write the GUID without braces", f'write guid="{GUID}"'),
+    (GUID, "{" + GUID, 4, "write the GUID without braces", FORM),
     (GUID, "g" + GUID[1:], 4, f'the guid "g{GUID[1:]}" has something else than hexadecimal digits and '
      "hyphens at character 1", FORM),
     (GUID, GUID.replace("-", "_"), 4, f'the guid "{GUID.replace("-", "_")}" has something else than '
@@ -95,14 +95,26 @@ class Mistakes(ConfigurationCase):
     def test_what_is_no_xml(self):
         for old in ("    </type>\n", "</persistDataFile>"):
             self.write(CONFIG, WHOLE.replace(old, ""))
-            self.assertRegex(self.doctor().text, f"FAIL  configuration: {CONFIG}:[0-9]+: the file is "
-                                                 "no well-formed XML: .+; correct it; until then the "
-                                                 "library takes what it can read")
+            self.assertRegex(self.doctor().text,
+                             f"FAIL  configuration: {CONFIG}:[0-9]+: not well-formed; correct it: .+; "
+                             "until then the library takes what it can read\n")
+
+    def test_an_end_tag_that_is_missing_is_named_with_its_line(self):
+        self.write(CONFIG, WHOLE.replace("    </type>\n", ""))
+        self.assertRegex(self.doctor().text, f"FAIL  configuration: {CONFIG}:7: not well-formed; "
+                                             "correct it: .*type.*reportTypes")
+
+    def test_a_guid_that_the_configuration_lacks_because_of_braces(self):
+        bad = TYPE.replace(GUID, "{" + OTHER_GUID + "}")
+        self.write(CONFIG, WHOLE.replace(TYPE, TYPE + bad))
+        result = self.report("--set", "A=1", "-t", OTHER_GUID)
+        self.expect_error_like(result, 1, "RGEN_E_GUID_NOT_IN_CONFIG\\); "
+                                          f"{CONFIG}:8: write the GUID without braces; ")
 
     def test_one_bad_entry_beside_a_good_one(self):
         bad = TYPE.replace(GUID, "{" + OTHER_GUID + "}").replace("acquisition.xsl", "beta.xsl")
         self.write(CONFIG, WHOLE.replace(TYPE, TYPE + bad))
-        message = f'{CONFIG}:8: the guid "{{{OTHER_GUID}}}" has braces; write guid="{OTHER_GUID}"'
+        message = f'{CONFIG}:8: write the GUID without braces; write guid="{OTHER_GUID}"'
         self.expect_error(self.report("--set", "A=1", "-t", "beta"), 2,
                           f'rgen: there is no report type "beta" in "{CONFIG}"; {message}')
         self.expect_notes(self.report("--set", "A=1", "-t", "acquisition"))

@@ -9,6 +9,17 @@ from cli_case import CliCase, linux_only, unprivileged, with_small_files
 from cli_templates import BROKEN, FAILING, GUID, LISTING, OTHER_GUID, stylesheet
 
 
+TEMPLATE = "case/.rgen/templates/txt/acquisition.xsl"
+# What follows the error for these templates.
+OF_BROKEN = [f'{TEMPLATE}:1:1: error: the tag of "xsl:stylesheet" has no ">"; close it',
+             f'{TEMPLATE}:1:16: error: the file ends inside "xsl:stylesheet"; "xsl:stylesheet" '
+             "(line 1) is not closed"]
+OF_FAILING = [f'{TEMPLATE}:4:47: error: unknown function "no-such-function" in '
+              '"no-such-function()"; only the functions of XPath 1.0 and XSLT 1.0 are available',
+              '    <xsl:template match="/"><xsl:value-of select="no-such-function()"/></xsl:template>',
+              "    " + " " * 46 + "^" + "~" * 15]
+
+
 class DataDirectories(CliCase):
 
     def test_the_folder_the_data_directory_and_the_current_folder(self):
@@ -126,13 +137,13 @@ class Delivery(CliCase):
 class Refusals(CliCase):
     given = ("--set", "A=1")
 
-    def expect_refusal(self, message, *args, output="report.txt", code=1):
+    def expect_refusal(self, message, *args, output="report.txt", code=1, diagnosis=()):
         """Returns the message; an existing report and all other files stay unchanged."""
         if output == "report.txt":
             self.write(output, "older")
         before = self.contents()
         result = self.report(*args, output=output)
-        self.expect_error(result, code, f"rgen: {output}: {message}")
+        self.expect_error(result, code, f"rgen: {output}: {message}", *diagnosis)
         self.assertEqual(before, self.contents())
 
     def test_no_template(self):
@@ -155,19 +166,20 @@ class Refusals(CliCase):
         for mode in ("file", "bytes"):
             self.expect_refusal(
                 "Cannot proceed xslt template file (0xC0020001 RGEN_E_XSLT_PARSE); the template "
-                'is "case/.rgen/templates/txt/acquisition.xsl"', *self.given, "--mode", mode)
+                'is "case/.rgen/templates/txt/acquisition.xsl"', *self.given, "--mode", mode,
+                diagnosis=OF_BROKEN)
 
     def test_a_template_that_fails(self):
         self.put_template(FAILING)
         self.expect_refusal(
             "Cannot apply xslt template to xml (0xC0020002 RGEN_E_XSLT_APPLY); the template is "
-            '"case/.rgen/templates/txt/acquisition.xsl"', *self.given)
+            '"case/.rgen/templates/txt/acquisition.xsl"', *self.given, diagnosis=OF_FAILING)
 
     def test_standard_output_stays_empty(self):
         self.put_template(FAILING)
         result = self.report(*self.given, "-f", "txt", output="-")
         self.assertEqual((1, b""), (result.code, result.out))
-        self.assertEqual(1, len(result.messages), result)
+        self.assertEqual(OF_FAILING, result.messages[1:], result)
 
     def test_a_missing_folder(self):
         self.expect_refusal("Cannot create output file (0xC000000C RGEN_E_CREATE_OUTPUT); the "
@@ -233,10 +245,14 @@ class Refusals(CliCase):
     def test_a_template_that_writes_nothing(self):
         self.put_template(LISTING.replace("data/properties/property", "nothing"))
         before = self.contents()
-        self.expect_error_like(
-            self.report(*self.given), 1,
+        result = self.report(*self.given)
+        self.assertEqual((1, b""), (result.code, result.out), result)
+        self.assertRegex(
+            result.messages[0],
             r"^rgen: report\.txt: .+ \(0xC0020003 RGEN_E_XSLT_RESULT\); the template is "
             '"case/.rgen/templates/txt/acquisition.xsl"$')
+        self.assertRegex(result.messages[1],
+                         f"{TEMPLATE}:2:1: error: the template writes nothing for this data; .+")
         self.assertEqual(before, self.contents())
 
 

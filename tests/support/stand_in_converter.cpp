@@ -9,6 +9,7 @@
 //   mark FILE          makes an empty file, so that a test sees how far the program has come
 //   await FILE         waits until the file exists, at most as long as longestWait
 //   write FILE TEXT    writes the text
+//   say TEXT           writes the text and a line end to standard error
 //   hold FILE TEXT     writes the text and keeps the file open until the program ends
 //   read FILE          opens the file and keeps it open until the program ends
 //   copy FROM TO       copies the bytes of a file
@@ -19,6 +20,7 @@
 //
 // SPDX-License-Identifier: MIT
 #include <chrono>
+#include <cstdio>
 #include <cstdlib>
 #include <filesystem>
 #include <fstream>
@@ -100,6 +102,8 @@ bool obeyCommand(const Command& command, std::list<std::fstream>& openFiles, int
     const std::string& word = command[0];
     if (word == "log") {
         writeLog(command[1]);
+    } else if (word == "say") {
+        std::fputs((command[1] + "\n").c_str(), stderr);
     } else if (word == "mark") {
         writeText(command[1], "");
     } else if (word == "write") {

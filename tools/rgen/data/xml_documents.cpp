@@ -152,13 +152,19 @@ std::string damageOf(const std::string& path) {
     const std::unique_ptr<xmlParserCtxt, void (*)(xmlParserCtxt*)> context(xmlNewParserCtxt(),
                                                                            xmlFreeParserCtxt);
     if (!context) throw std::bad_alloc();
-    const XmlPtr<xmlDoc> document(
-        xmlCtxtReadMemory(context.get(), content.data(), static_cast<int>(content.size()), nullptr,
-                          "UTF-8", XML_PARSE_NOERROR | XML_PARSE_NOWARNING));
+    std::string damage;
+    // The parser keeps the last mistake, which often only follows from the first one.
+    const auto keepFirst = [](void* kept, const xmlError* error) {
+        auto& first = *static_cast<std::string*>(kept);
+        if (error->level < XML_ERR_FATAL || error->message == nullptr || !first.empty()) return;
+        first = "line " + std::to_string(error->line) + ": " + trimmed(error->message);
+    };
+    xmlCtxtSetErrorHandler(context.get(), keepFirst, &damage);
+    const XmlPtr<xmlDoc> document(xmlCtxtReadMemory(context.get(), content.data(),
+                                                    static_cast<int>(content.size()), nullptr,
+                                                    "UTF-8", XML_PARSE_NOWARNING));
     if (document) return {};
-    const xmlError* const error = xmlCtxtGetLastError(context.get());
-    if (error == nullptr || error->message == nullptr) return "it is no XML";
-    return "line " + std::to_string(error->line) + ": " + trimmed(error->message);
+    return damage.empty() ? "it is no XML" : damage;
 }
 
 std::map<std::string, std::string> readDump(const std::string& path) {
