@@ -123,8 +123,10 @@ class New(CliCase):
         self.assertIn("01 AB", self.path_text("case/disk.html"))
         self.expect_done(self.rgen("test", "-q", "-d", "case"))
         self.write_json("given/other.json", {"Sector:bytes": "@../given/sector.bin"})
-        self.expect_done(self.rgen("new", "-q", "-d", "case", "other", "--from-data",
-                                   "given/other.json", "--formats", "html"))
+        self.expect_error(self.rgen("new", "-d", "case", "other", "--from-data",
+                                    "given/other.json"), 2,
+                          'rgen new: the data names the file "given/../given/sector.bin" outside of '
+                          "its folder; move it beside the data")
 
     def test_nothing_is_overwritten(self):
         self.new("health")
