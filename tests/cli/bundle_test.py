@@ -110,6 +110,7 @@ class Making(BundleCase):
         result = self.bundle("src/main.xsl", "-o", OUTPUT, "--parts", "nothing", "--parts", "library")
         self.expect_done(result)
         self.assertEqual("from a part", self.made())
+        self.expect_done(self.bundle("-d", "case", "--check"))
 
     def test_prefixes_of_parts(self):
         self.write("src/parts/a.xsl", part(

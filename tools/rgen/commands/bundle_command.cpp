@@ -92,6 +92,10 @@ BundledFile bundleOne(const BundleRequest& request, bool checks) {
     return file;
 }
 
+std::string pathFrom(const std::string& folder, const std::string& name) {
+    return (fs::u8path(folder) / fs::u8path(name)).lexically_normal().generic_u8string();
+}
+
 /// The templates of the data directory that were bundled, with their sources.
 std::vector<BundleRequest> bundledTemplates(const Arguments& arguments) {
     const DataDirectory directory = openDataDirectory(arguments.dataDir);
@@ -106,10 +110,12 @@ std::vector<BundleRequest> bundledTemplates(const Arguments& arguments) {
             request.output = joinedPath(folder, entry.path().filename().u8string());
             const auto header = bundleHeader(readInputFile(request.output, pathHint));
             if (!header) continue;
-            request.source = (fs::u8path(folder) / fs::u8path(header->source))
-                                 .lexically_normal()
-                                 .generic_u8string();
+            request.source = pathFrom(folder, header->source);
             request.partFolders = arguments.bundle.parts;
+            for (const std::string& parts : header->partFolders) {
+                if (arguments.bundle.parts.empty())
+                    request.partFolders.push_back(pathFrom(folder, parts));
+            }
             requests.push_back(std::move(request));
         }
     }

@@ -222,14 +222,23 @@ private:
         const std::string declaration = text.substr(0, start);
         constexpr std::size_t byteOrderMarkSize = 3;
         bundle_.text = declaration + (declaration.size() > byteOrderMarkSize ? "\n" : "") +
-                       bundleInstruction(markName(source), written) + written;
+                       bundleInstruction(markName(source), partFolders(), written) + written;
     }
 
     /// The file's path from the folder of the bundle.
-    std::string markName(const BundlePart& part) const {
-        const fs::path path = canonicalPath(part.text().path());
-        const fs::path relative = path.lexically_relative(outputFolder_);
-        return (relative.empty() ? path : relative).generic_u8string();
+    std::string markName(const BundlePart& part) const { return nameFrom(part.text().path()); }
+
+    std::vector<std::string> partFolders() const {
+        std::vector<std::string> names;
+        for (const std::string& folder : request_.partFolders)
+            names.push_back(nameFrom(folder));
+        return names;
+    }
+
+    std::string nameFrom(const std::string& path) const {
+        const fs::path canonical = canonicalPath(path);
+        const fs::path relative = canonical.lexically_relative(outputFolder_);
+        return (relative.empty() ? canonical : relative).generic_u8string();
     }
 
     /// A range without includes, after the instruction that says where it comes from.

@@ -20,6 +20,7 @@ namespace fs = std::filesystem;
 
 constexpr std::string_view bundleStart = "<?rgen-bundle ";
 constexpr std::string_view partStart = "<?rgen-part ";
+constexpr char folderSeparator = '|';
 
 std::string escaped(const std::string& value) {
     std::string text;
@@ -82,13 +83,18 @@ std::optional<BundleHeader> bundleHeader(const std::string& text) {
     if (instruction.empty()) return std::nullopt;
     BundleHeader header;
     header.source = pseudoAttribute(instruction, "source");
+    header.partFolders = split(pseudoAttribute(instruction, "parts"), folderSeparator);
     header.sum = pseudoAttribute(instruction, "sum");
     header.actualSum = sumOf(std::string_view(text).substr(begin + instruction.size()));
     return header;
 }
 
-std::string bundleInstruction(const std::string& source, const std::string& textAfterIt) {
-    return std::string(bundleStart) + "source=\"" + escaped(source) + "\" sum=\"" +
+std::string bundleInstruction(const std::string& source,
+                              const std::vector<std::string>& partFolders,
+                              const std::string& textAfterIt) {
+    const std::string folders = joined(partFolders, std::string(1, folderSeparator));
+    return std::string(bundleStart) + "source=\"" + escaped(source) + "\"" +
+           (folders.empty() ? "" : " parts=\"" + escaped(folders) + "\"") + " sum=\"" +
            sumOf(textAfterIt) + "\"?>";
 }
 

@@ -22,6 +22,8 @@ class LineIndex;
 
 struct BundleHeader {
     std::string source;
+    /// The folders that were given for parts.
+    std::vector<std::string> partFolders;
     /// The checksum that the text after the instruction had when it was written.
     std::string sum;
     /// The checksum that it has.
@@ -37,7 +39,9 @@ std::size_t endOfDeclaration(const std::string& text);
 std::optional<BundleHeader> bundleHeader(const std::string& text);
 
 /// The instruction that begins a bundle with this text after it.
-std::string bundleInstruction(const std::string& source, const std::string& textAfterIt);
+std::string bundleInstruction(const std::string& source,
+                              const std::vector<std::string>& partFolders,
+                              const std::string& textAfterIt);
 
 /// The instruction before a line of a part.
 std::string partInstruction(const std::string& file, std::size_t line);
