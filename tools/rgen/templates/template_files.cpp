@@ -26,6 +26,18 @@ TemplateFile* sameFile(std::vector<TemplateFile>& files, const std::string& cont
     return nullptr;
 }
 
+/// The folder that holds ".rgen", for "FOLDER/.rgen/templates/html/NAME.xsl": as it is written, so
+/// that messages name the other files alike, or from the whole path when it is not written.
+fs::path dataFolderOf(const fs::path& given, const fs::path& whole) {
+    constexpr int levels = 4;
+    fs::path folder = given;
+    for (int level = 0; level < levels; ++level) {
+        if (folder.empty()) return whole.parent_path().parent_path().parent_path().parent_path();
+        folder = folder.parent_path();
+    }
+    return folder.empty() ? fs::path(".") : folder;
+}
+
 }  // namespace
 
 bool looksLikeFile(const std::string& operand) {
@@ -65,7 +77,7 @@ TemplateFile templateFileAt(const std::string& path) {
     const std::vector<std::string>& formats = outputFormats();
     if (std::find(formats.begin(), formats.end(), format) == formats.end()) return file;
     file.format = format;
-    const DataDirectory directory{templates.parent_path().parent_path().u8string()};
+    const DataDirectory directory{dataFolderOf(fs::u8path(path), whole).u8string()};
     const bool isInDirectory = templates.filename() == "templates" &&
                                templates.parent_path().filename() == ".rgen" &&
                                exists(directory.configPath());
