@@ -38,6 +38,9 @@ Console::Console(bool quiet)
 void Console::write(const std::string& line) {
     progress({});
     std::fputs((line + "\n").c_str(), stderr);
+    // On Windows standard error has a buffer unless it is a terminal; a message about waiting would
+    // come too late.
+    std::fflush(stderr);
 }
 
 void Console::note(const std::string& text) {

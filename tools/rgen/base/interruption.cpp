@@ -139,6 +139,8 @@ void InterruptGuard::noteRunningTemplate() {
         if (shared.changed.wait_for(lock, patience, goesOn)) continue;
         std::fputs("rgen: a template runs and cannot be interrupted; once more ends rgen\n",
                    stderr);
+        // On Windows standard error has a buffer unless it is a terminal.
+        std::fflush(stderr);
         return;
     }
 }

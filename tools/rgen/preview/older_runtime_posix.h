@@ -4,5 +4,6 @@
 // SPDX-License-Identifier: MIT
 #pragma once
 
-__asm__(".symver _ZNSt18condition_variable4waitERSt11unique_lockISt5mutexE,"
-        "_ZNSt18condition_variable4waitERSt11unique_lockISt5mutexE@GLIBCXX_3.4.11");
+__asm__(
+    ".symver _ZNSt18condition_variable4waitERSt11unique_lockISt5mutexE,"
+    "_ZNSt18condition_variable4waitERSt11unique_lockISt5mutexE@GLIBCXX_3.4.11");
