@@ -26,7 +26,8 @@ FOLDERS = {"third_party": str(THIRD_PARTY), "headers": str(BUILD_FOLDER / "third
 RUNTIME = {"gcc-runtime", "libstdcxx-inside", "mingw-w64" if ON_WINDOWS else "c-library"}
 INSIDE = {"strata_repgenlib": {"libxml2", "libxslt", "boost-filesystem"} | RUNTIME,
           "strata_repgenlib_host": {"boost-filesystem"} | RUNTIME,
-          "rgen": {"libxml2", "cli11", "nlohmann-json", "cpp-httplib"} | RUNTIME, "vellum": RUNTIME}
+          "rgen": {"libxml2", "libxslt", "cli11", "nlohmann-json", "cpp-httplib"} | RUNTIME,
+          "vellum": RUNTIME}
 LOADED = {"windows"} if ON_WINDOWS else {"c-library-shared", "libgcc", "libstdcxx"}
 TIME = "2023-11-14T22:13:20Z"
 # A licence expression of SPDX.
